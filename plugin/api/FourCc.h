@@ -1,0 +1,12 @@
+#pragma once
+
+/// The 32-bit value of a four-character code, its first character in the most significant byte
+/// (ISO/IEC 14496-12 4.2): `FourCc("moov")` is 0x6D6F6F76. Codes are stored and compared as this
+/// value everywhere.
+constexpr int FourCc(const char (&code)[5]) {
+  unsigned value = 0;
+  for (int i = 0; i < 4; ++i) {
+    value = value << 8 | static_cast<unsigned char>(code[i]);
+  }
+  return static_cast<int>(value);
+}

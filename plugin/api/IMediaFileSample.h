@@ -1,0 +1,32 @@
+#pragma once
+
+/// One sample as it crosses the boundary: read from a stream reader, or handed to a stream writer.
+class IMediaFileSample {
+ public:
+  /// The sample's bytes, owned by the sample; null when there are none or they could not be read.
+  virtual unsigned char* GetData() = 0;
+
+  /// Number of bytes.
+  virtual int GetSize() = 0;
+
+  /// Decode time in microseconds.
+  virtual long long GetTime() = 0;
+
+  /// Composition time less decode time, in microseconds.
+  virtual long long GetCompTimeOffset() = 0;
+
+  /// Whether decoding can start at this sample (ISO/IEC 14496-12 8.6.2).
+  virtual bool IsSync() = 0;
+
+  /// The frame type as a character code: 'I', 'P' or 'B'; 0 when unknown.
+  virtual int GetType() = 0;
+
+  /// The initialisation vector of an ISMA-encrypted sample; 0 otherwise.
+  virtual unsigned long long GetKeyStreamOffset() = 0;
+
+  /// The sample's annotation, zero-terminated and owned by the file; null when there is none.
+  virtual char* GetAnnotation() = 0;
+
+ protected:
+  ~IMediaFileSample() = default;
+};

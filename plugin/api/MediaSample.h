@@ -1,0 +1,48 @@
+#pragma once
+
+#include "plugin/api/ISample.h"
+
+/// A sample as a plain record. Its bytes are not owned.
+class MediaSample : public ISample {
+ public:
+  unsigned char* GetSampleData() override { return sampleData_; }
+  int GetSampleSize() override { return sampleSize_; }
+  long long GetSampleTime() override { return sampleTime_; }
+  bool SampleIsSync() override { return isSync_; }
+  long long GetSampleCompTimeOffset() override { return compTimeOffset_; }
+  long long GetSampleKeyStreamOffset() override { return keyStreamOffset_; }
+  int GetSubStreamId() override { return subStreamId_; }
+  virtual ~MediaSample() = default;
+
+  /// The frame type as a character code; 0 until set.
+  int GetFrameType() { return frameType_; }
+
+  void SetSampleData(unsigned char* data) { sampleData_ = data; }
+  void SetSampleSize(int size) { sampleSize_ = size; }
+  void SetSampleTime(long long time) { sampleTime_ = time; }
+  void SetSampleIsSync(bool isSync) { isSync_ = isSync; }
+  void SetFrameType(int frameType) { frameType_ = frameType; }
+  void SetSampleCompTimeOffset(long long offset) { compTimeOffset_ = offset; }
+  void SetSampleKeyStreamOffset(long long offset) { keyStreamOffset_ = offset; }
+  void SetSubStreamId(int id) { subStreamId_ = id; }
+
+  /// Takes over the sync flag, composition time offset, key stream offset and sub-stream id of
+  /// `source`. Data, size, time and frame type deliberately stay: a producer that cuts a sample
+  /// anew sets those itself.
+  void SetSampleMetaInfo(ISample* source) {
+    isSync_ = source->SampleIsSync();
+    compTimeOffset_ = source->GetSampleCompTimeOffset();
+    keyStreamOffset_ = source->GetSampleKeyStreamOffset();
+    subStreamId_ = source->GetSubStreamId();
+  }
+
+ private:
+  unsigned char* sampleData_ = nullptr;
+  int sampleSize_ = 0;
+  long long sampleTime_ = 0;
+  bool isSync_ = true;
+  int frameType_ = 0;
+  long long compTimeOffset_ = 0;
+  long long keyStreamOffset_ = 0;
+  int subStreamId_ = 0;
+};

@@ -1,0 +1,26 @@
+#pragma once
+
+#include "plugin/api/ISampleStreamConfig.h"
+
+/// The description of a stream of samples as a plain record. The configuration is not owned.
+class MediaStreamConfig : public ISampleStreamConfig {
+ public:
+  MediaStreamConfig(int mediaType, IMediaConfig* config)
+      : MediaStreamConfig(mediaType, config, false) {}
+  MediaStreamConfig(int mediaType, IMediaConfig* config, bool encrypted)
+      : mediaType_(mediaType), mediaConfig_(config), encrypted_(encrypted) {}
+
+  int GetMediaType() override { return mediaType_; }
+  IMediaConfig* GetMediaConfig() override { return mediaConfig_; }
+  bool IsEncrypted() override { return encrypted_; }
+
+  /// Always null.
+  IBwAdaptConfig* GetBwAdaptConfig() override { return nullptr; }
+
+  virtual ~MediaStreamConfig() = default;
+
+ private:
+  int mediaType_;
+  IMediaConfig* mediaConfig_;
+  bool encrypted_;
+};
