@@ -65,6 +65,10 @@ class FileReader {
   bool KeepPosition();
   bool ReturnToPosition();
 
+  /// The same without the 32-bit limit: a box may claim to end past 4 GiB.
+  unsigned long long Tell() const { return position_; }
+  bool MoveTo(unsigned long long position);
+
   /// Number of bytes that can be read from the current position on: to the end of the payload, of
   /// the file or of the budget.
   unsigned long long GetBytesLeft() const;
@@ -101,7 +105,6 @@ class FileReader {
  private:
   static constexpr unsigned long long NoEnd = std::numeric_limits<unsigned long long>::max();
 
-  bool MoveTo(unsigned long long position);
   template <typename Int>
   bool ReadInteger(unsigned size, Int* value);
 

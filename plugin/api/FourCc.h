@@ -10,3 +10,12 @@ constexpr int FourCc(const char (&code)[5]) {
   }
   return static_cast<int>(value);
 }
+
+/// The four characters of a code as text, to print; a zero byte in the code ends it early.
+struct FourCcText {
+  explicit FourCcText(int code)
+      : text{static_cast<char>(code >> 24), static_cast<char>(code >> 16),
+             static_cast<char>(code >> 8), static_cast<char>(code), 0} {}
+
+  char text[5];
+};

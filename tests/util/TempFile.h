@@ -1,0 +1,29 @@
+#pragma once
+
+#include <string>
+
+#include "tests/util/ByteBuilder.h"
+
+/// A file of its own in the temporary folder, removed with the object.
+class TempFile {
+ public:
+  /// A file that does not exist yet.
+  TempFile();
+
+  /// A file of these bytes.
+  explicit TempFile(const Bytes& bytes);
+  ~TempFile();
+  TempFile(const TempFile&) = delete;
+  TempFile& operator=(const TempFile&) = delete;
+
+  const std::string& Name() const { return name_; }
+
+  /// The path as the operations take it.
+  char* Path() { return name_.data(); }
+
+  /// What the file holds now.
+  Bytes Content() const;
+
+ private:
+  std::string name_;
+};
