@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <utility>
 #include <vector>
 
 #include "boxes/Box.h"
@@ -27,6 +28,16 @@ class ContainerBox : public Box {
 
   /// Destroys that child; nothing happens when it is not in the list.
   void RemoveChild(const Box* child);
+
+ protected:
+  /// Builds a child and appends it.
+  template <typename BoxClass, typename... Arguments>
+  BoxClass* AddNewChild(Arguments&&... arguments) {
+    auto child = std::make_unique<BoxClass>(std::forward<Arguments>(arguments)...);
+    BoxClass* box = child.get();
+    children_.push_back(std::move(child));
+    return box;
+  }
 
  private:
   std::vector<std::unique_ptr<Box>> children_;

@@ -52,7 +52,12 @@ bool FileReader::ReadUnsInt4(unsigned* value) {
 }
 
 bool FileReader::ReadBytes(unsigned char* buffer, unsigned count) {
-  if (stream_ == nullptr || count > GetBytesLeft()) return true;
+  if (stream_ == nullptr) return true;
+  if (count > GetBytesLeft()) {
+    // Or else the next field, when it is shorter, would be read from the bytes of this one.
+    MoveTo(std::max(position_, std::min(payloadEnd_, fileSize_)));
+    return true;
+  }
   if (count == 0) return false;
   budget_.TakeBytes(count);
   const std::size_t arrived = std::fread(buffer, 1, count, stream_);

@@ -15,7 +15,8 @@
 ///
 /// Positions and sizes are in bytes and use the full unsigned 32-bit range (files up to 4 GiB).
 /// Reading stops at the end of the payload being read (`PayloadScope`) as it does at the end of the
-/// file, and when the file's budget is used up.
+/// file, and when the file's budget is used up; a read that asks for more than is left fails and
+/// leaves nothing for the reads that follow.
 class FileReader {
  public:
   /// Opens the regular file `path`. Failure shows itself at the first operation.

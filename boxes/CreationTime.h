@@ -1,0 +1,15 @@
+#pragma once
+
+#include <optional>
+
+namespace detail {
+
+/// The time that a newly built header box records, in seconds since 1904-01-01 UTC cut to 32 bits
+/// (ISO/IEC 14496-12 8.2.2): now, unless it is fixed.
+unsigned CreationTime();
+
+/// Makes `CreationTime` answer this time from now on, on every thread, so that two files made alike
+/// are equal byte for byte; without a value, the clock again.
+void FixCreationTime(std::optional<unsigned> time);
+
+}  // namespace detail

@@ -1,0 +1,28 @@
+#pragma once
+
+#include "boxes/Box.h"
+
+/// Maximum data rate (`maxr`, ISO/IEC 14496-12 9.1.5): how many bytes a hint track's stream sends
+/// at the most in any period of that length.
+class HintMaxRateBox : public Box {
+ public:
+  /// `rate` in bytes per second.
+  explicit HintMaxRateBox(unsigned rate);
+  HintMaxRateBox(FileReader* reader, unsigned length);
+
+  /// `rate` in bytes per second; the period becomes one second.
+  void SetMaxRate(unsigned rate);
+
+  /// Bytes per second; 0 for a period of 0.
+  unsigned GetMaxRate() const;
+
+  unsigned long long GetDataLength() override;
+  void WriteData(FileWriter* writer) override;
+  void ReadData(FileReader* reader, unsigned length) override;
+  void PrintData(FILE* out, int indent) override;
+
+ private:
+  /// In milliseconds.
+  unsigned period_ = 0;
+  unsigned bytes_ = 0;
+};

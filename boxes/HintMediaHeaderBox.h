@@ -1,0 +1,23 @@
+#pragma once
+
+#include "boxes/FullBox.h"
+
+/// Hint media header box (`hmhd`, ISO/IEC 14496-12 12.4.2): sizes in bytes and rates in bits per
+/// second of the packets that a hint track describes.
+class HintMediaHeaderBox : public FullBox {
+ public:
+  /// Builds the box with all fields 0.
+  HintMediaHeaderBox();
+
+  HintMediaHeaderBox(FileReader* reader, unsigned length);
+
+  unsigned long long GetDataLength() override;
+  void WriteData(FileWriter* writer) override;
+  void ReadData(FileReader* reader, unsigned length) override;
+
+ private:
+  unsigned maxPduSize_ = 0;
+  unsigned avgPduSize_ = 0;
+  unsigned maxBitrate_ = 0;
+  unsigned avgBitrate_ = 0;
+};

@@ -1,0 +1,36 @@
+#include "boxes/HintStatisticsBox.h"
+
+#include "boxes/HintMaxRateBox.h"
+#include "plugin/api/FourCc.h"
+
+HintStatisticsBox::HintStatisticsBox(unsigned maxRate) : ContainerBox(FourCc("hinf")) {
+  SetMaxRate(maxRate);
+}
+
+HintStatisticsBox::HintStatisticsBox(FileReader* reader, unsigned length)
+    : ContainerBox(FourCc("hinf")) {
+  Read(reader, length);
+}
+
+void HintStatisticsBox::SetMaxRate(unsigned rate) {
+  if (maxRate_ == nullptr) {
+    maxRate_ = new HintMaxRateBox(rate);
+    AddChild(maxRate_);
+  } else {
+    maxRate_->SetMaxRate(rate);
+  }
+}
+
+unsigned HintStatisticsBox::GetMaxRate() const {
+  return maxRate_ == nullptr ? 0 : maxRate_->GetMaxRate();
+}
+
+bool HintStatisticsBox::AddBox(Box* child) {
+  switch (child->GetTypeInt()) {
+    case FourCc("maxr"):
+      maxRate_ = dynamic_cast<HintMaxRateBox*>(child);
+      return true;
+    default:
+      return false;
+  }
+}

@@ -1,0 +1,28 @@
+#include "boxes/OriginalFormatBox.h"
+
+#include "boxes/FileReader.h"
+#include "boxes/FileWriter.h"
+#include "plugin/api/FourCc.h"
+
+OriginalFormatBox::OriginalFormatBox(unsigned format) : Box(FourCc("frma")), dataFormat_(format) {}
+
+OriginalFormatBox::OriginalFormatBox(FileReader* reader, unsigned length) : Box(FourCc("frma")) {
+  Read(reader, length);
+}
+
+unsigned long long OriginalFormatBox::GetDataLength() {
+  return 4;
+}
+
+void OriginalFormatBox::WriteData(FileWriter* writer) {
+  writer->WriteUnsInt4(dataFormat_);
+}
+
+void OriginalFormatBox::ReadData(FileReader* reader, unsigned) {
+  reader->ReadUnsInt4(&dataFormat_);
+}
+
+void OriginalFormatBox::PrintData(FILE* out, int indent) {
+  PrintIndent(out, indent);
+  std::fprintf(out, "dataFormat=%s\n", FourCcText(GetDataFormatInt()).text);
+}

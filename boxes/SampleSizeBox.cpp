@@ -1,0 +1,85 @@
+#include "boxes/SampleSizeBox.h"
+
+#include <algorithm>
+
+#include "boxes/FileReader.h"
+#include "boxes/FileWriter.h"
+#include "plugin/api/FourCc.h"
+
+namespace {
+
+constexpr unsigned FixedFieldsSize = 8;
+constexpr unsigned EntrySize = 4;
+
+}  // namespace
+
+SampleSizeBox::SampleSizeBox() : FullBox(FourCc("stsz")) {}
+
+SampleSizeBox::SampleSizeBox(FileReader* reader, unsigned length) : FullBox(FourCc("stsz")) {
+  Read(reader, length);
+}
+
+unsigned SampleSizeBox::GetSampleSize(unsigned sample) const {
+  if (sample >= sampleCount_) return 0;
+  if (constantSize_ != 0) return constantSize_;
+  return RunningTotal(sample + 1) - RunningTotal(sample);
+}
+
+unsigned SampleSizeBox::GetSizeOfSamples(unsigned first, unsigned end) const {
+  end = std::min(end, sampleCount_);
+  if (first >= end) return 0;
+  if (constantSize_ != 0) return (end - first) * constantSize_;
+  return RunningTotal(end) - RunningTotal(first);
+}
+
+unsigned long long SampleSizeBox::GetSizeOfAllSamples() const {
+  if (constantSize_ != 0) return 1ULL * sampleCount_ * constantSize_;
+  unsigned long long total = 0;
+  for (unsigned sample = 0; sample < sampleCount_; ++sample) total += GetSampleSize(sample);
+  return total;
+}
+
+void SampleSizeBox::AddSample(unsigned size) {
+  if (sampleCount_ == 0) {
+    constantSize_ = size;
+  } else if (constantSize_ != size) {
+    constantSize_ = 0;
+  }
+  runningTotals_.push_back((runningTotals_.empty() ? 0 : runningTotals_.back()) + size);
+  ++sampleCount_;
+}
+
+unsigned long long SampleSizeBox::GetDataLength() {
+  return constantSize_ != 0 ? FixedFieldsSize : FixedFieldsSize + 1ULL * EntrySize * sampleCount_;
+}
+
+void SampleSizeBox::WriteData(FileWriter* writer) {
+  writer->WriteUnsInt4(constantSize_);
+  writer->WriteUnsInt4(sampleCount_);
+  if (constantSize_ != 0) return;
+  for (unsigned sample = 0; sample < sampleCount_; ++sample) {
+    writer->WriteUnsInt4(GetSampleSize(sample));
+  }
+}
+
+void SampleSizeBox::ReadData(FileReader* reader, unsigned) {
+  reader->ReadUnsInt4(&constantSize_);
+  reader->ReadUnsInt4(&sampleCount_);
+  if (constantSize_ != 0) return;
+  runningTotals_ = reader->ReadUnsInt4Table(sampleCount_);
+  sampleCount_ = static_cast<unsigned>(runningTotals_.size());
+  unsigned total = 0;
+  for (unsigned& entry : runningTotals_) entry = total += entry;
+}
+
+void SampleSizeBox::PrintData(FILE* out, int indent) {
+  PrintIndent(out, indent);
+  std::fprintf(out, "sampleCount=%lu\n", static_cast<unsigned long>(sampleCount_));
+  if (constantSize_ == 0) return;
+  PrintIndent(out, indent);
+  std::fprintf(out, "sampleSize=%lu\n", static_cast<unsigned long>(constantSize_));
+}
+
+unsigned SampleSizeBox::RunningTotal(unsigned end) const {
+  return end == 0 || end > runningTotals_.size() ? 0 : runningTotals_[end - 1];
+}

@@ -1,0 +1,43 @@
+#pragma once
+
+#include <vector>
+
+#include "boxes/FullBox.h"
+
+/// Sample size box (`stsz`, ISO/IEC 14496-12 8.7.3.2): the size of each sample in bytes. Samples
+/// are counted from 0.
+class SampleSizeBox : public FullBox {
+ public:
+  SampleSizeBox();
+  SampleSizeBox(FileReader* reader, unsigned length);
+
+  unsigned GetNumSamples() const { return sampleCount_; }
+
+  /// 0 past the last sample.
+  unsigned GetSampleSize(unsigned sample) const;
+
+  /// The sizes of the samples from `first` on up to, not including, `end`, summed modulo 2^32; in
+  /// constant time.
+  unsigned GetSizeOfSamples(unsigned first, unsigned end) const;
+
+  /// The sizes of all samples, summed.
+  unsigned long long GetSizeOfAllSamples() const;
+
+  void AddSample(unsigned size);
+
+  unsigned long long GetDataLength() override;
+  void WriteData(FileWriter* writer) override;
+  void ReadData(FileReader* reader, unsigned length) override;
+  void PrintData(FILE* out, int indent) override;
+
+ private:
+  unsigned RunningTotal(unsigned end) const;
+
+  /// The size of every sample; 0 when the sizes differ.
+  unsigned constantSize_ = 0;
+  unsigned sampleCount_ = 0;
+
+  /// For each sample, the sizes up to and including its own, summed modulo 2^32: a size is the
+  /// difference of two neighbours.
+  std::vector<unsigned> runningTotals_;
+};

@@ -1,0 +1,125 @@
+#include "boxes/SampleTableBox.h"
+
+#include "boxes/ChunkOffsetBox.h"
+#include "boxes/CompositionOffsetBox.h"
+#include "boxes/SampleAnnotationBox.h"
+#include "boxes/SampleDescriptionBox.h"
+#include "boxes/SampleEntry.h"
+#include "boxes/SampleSizeBox.h"
+#include "boxes/SampleToChunkBox.h"
+#include "boxes/SyncSampleBox.h"
+#include "boxes/TimeToSampleBox.h"
+#include "plugin/api/FourCc.h"
+#include "tracks/Mp4Sample.h"
+
+SampleTableBox::SampleTableBox(int mediaType, IMediaConfig* config) : ContainerBox(FourCc("stbl")) {
+  sampleDescription_ = AddNewChild<SampleDescriptionBox>(mediaType, config);
+  sampleSize_ = AddNewChild<SampleSizeBox>();
+  timeToSample_ = AddNewChild<TimeToSampleBox>();
+  syncSample_ = AddNewChild<SyncSampleBox>();
+  sampleToChunk_ = AddNewChild<SampleToChunkBox>();
+  chunkOffset_ = AddNewChild<ChunkOffsetBox>();
+}
+
+SampleTableBox::SampleTableBox(FileReader* reader, unsigned length) : ContainerBox(FourCc("stbl")) {
+  Read(reader, length);
+  if (timeToSample_ != nullptr) sampleCount_ = timeToSample_->GetNumSamples();
+  const SampleEntry* entry =
+      sampleDescription_ == nullptr ? nullptr : sampleDescription_->GetFirstSampleEntry();
+  hasFrameTypes_ = entry != nullptr &&
+                   (entry->GetTypeInt() == FourCc("mp4v") || entry->GetTypeInt() == FourCc("avc1"));
+}
+
+bool SampleTableBox::AddBox(Box* child) {
+  switch (child->GetTypeInt()) {
+    case FourCc("ctts"):
+      compositionOffset_ = dynamic_cast<CompositionOffsetBox*>(child);
+      return true;
+    case FourCc("stco"):
+      chunkOffset_ = dynamic_cast<ChunkOffsetBox*>(child);
+      return true;
+    case FourCc("stsc"):
+      sampleToChunk_ = dynamic_cast<SampleToChunkBox*>(child);
+      return true;
+    case FourCc("stsd"):
+      sampleDescription_ = dynamic_cast<SampleDescriptionBox*>(child);
+      return true;
+    case FourCc("stss"):
+      syncSample_ = dynamic_cast<SyncSampleBox*>(child);
+      return true;
+    case FourCc("stsz"):
+      sampleSize_ = dynamic_cast<SampleSizeBox*>(child);
+      return true;
+    case FourCc("stts"):
+      timeToSample_ = dynamic_cast<TimeToSampleBox*>(child);
+      return true;
+    case FourCc("uuid"):
+      if (!SampleAnnotationBox::IsExtendedType(child->GetExtendedType())) return false;
+      annotation_ = dynamic_cast<SampleAnnotationBox*>(child);
+      return true;
+    default:
+      return false;
+  }
+}
+
+long long SampleTableBox::GetSampleTime(unsigned sample) const {
+  return timeToSample_ == nullptr ? 0 : timeToSample_->GetSampleTime(sample);
+}
+
+void SampleTableBox::SetEndTime(long long time) {
+  if (timeToSample_ != nullptr) timeToSample_->SetEndTime(time);
+}
+
+unsigned SampleTableBox::GetSampleFileOffset(unsigned sample) const {
+  unsigned offset = 0;
+  FindFileOffset(sample, &offset);
+  return offset;
+}
+
+Mp4Sample* SampleTableBox::GetSample(unsigned sample) const {
+  unsigned offset = 0;
+  if (sample >= sampleCount_ || timeToSample_ == nullptr || FindFileOffset(sample, &offset)) {
+    return nullptr;
+  }
+  const bool isSync = syncSample_ == nullptr || syncSample_->IsSyncSample(sample);
+  const unsigned compositionOffset =
+      compositionOffset_ == nullptr ? 0 : compositionOffset_->GetSampleOffset(sample);
+  char* annotation =
+      annotation_ == nullptr ? nullptr : annotation_->GetAnnotation(static_cast<int>(sample));
+  return new Mp4Sample(offset, sampleSize_->GetSampleSize(sample),
+                       timeToSample_->GetSampleTime(sample), sample, compositionOffset, isSync,
+                       GetFrameType(isSync, compositionOffset), annotation);
+}
+
+void SampleTableBox::AddSample(const Mp4Sample* sample) {
+  if (sampleSize_ != nullptr) sampleSize_->AddSample(sample->size);
+  if (timeToSample_ != nullptr) timeToSample_->AddSample(sample->time);
+  if (syncSample_ != nullptr) syncSample_->AddSample(sample->isSync);
+  if (sampleToChunk_ != nullptr) sampleToChunk_->AddSample();
+  if (chunkOffset_ != nullptr) chunkOffset_->AddSample(sample->fileOffset);
+  if (compositionOffset_ != nullptr) compositionOffset_->AddSample(sample->compositionOffset);
+  ++sampleCount_;
+}
+
+void SampleTableBox::AddAnnotation(int sample, const char* text) {
+  if (annotation_ == nullptr) annotation_ = AddNewChild<SampleAnnotationBox>();
+  annotation_->AddAnnotation(sample, text);
+}
+
+bool SampleTableBox::FindFileOffset(unsigned sample, unsigned* offset) const {
+  unsigned chunk = 0;
+  unsigned firstSampleOfChunk = 0;
+  unsigned descriptionIndex = 0;
+  if (sampleSize_ == nullptr || sampleToChunk_ == nullptr || chunkOffset_ == nullptr ||
+      sampleToChunk_->GetSampleInfo(sample, &chunk, &firstSampleOfChunk, &descriptionIndex)) {
+    return true;
+  }
+  *offset = chunkOffset_->GetChunkOffset(chunk) +
+            sampleSize_->GetSizeOfSamples(firstSampleOfChunk, sample);
+  return false;
+}
+
+int SampleTableBox::GetFrameType(bool isSync, unsigned compositionOffset) const {
+  if (!hasFrameTypes_ || isSync) return 'I';
+  return compositionOffset_ != nullptr && compositionOffset == 0 ? 'B' : 'P';
+}

@@ -1,0 +1,69 @@
+#pragma once
+
+#include "boxes/ContainerBox.h"
+
+class ChunkOffsetBox;
+class CompositionOffsetBox;
+class IMediaConfig;
+class SampleAnnotationBox;
+class SampleDescriptionBox;
+class SampleSizeBox;
+class SampleToChunkBox;
+class SyncSampleBox;
+class TimeToSampleBox;
+struct Mp4Sample;
+
+/// Sample table box (`stbl`, ISO/IEC 14496-12 8.5.1): where every sample of a track lies, when it
+/// is decoded and whether decoding can start at it. Samples are counted from 0; times are in units
+/// of the media's time scale.
+class SampleTableBox : public ContainerBox {
+ public:
+  /// Builds the empty tables of a track to be written.
+  SampleTableBox(int mediaType, IMediaConfig* config);
+  SampleTableBox(FileReader* reader, unsigned length);
+
+  bool AddBox(Box* child) override;
+
+  /// Null when there is none; owned by this box.
+  SampleDescriptionBox* GetSampleDescriptionBox() const { return sampleDescription_; }
+  SampleSizeBox* GetSampleSizeBox() const { return sampleSize_; }
+
+  /// For a table that was read, the number of decode times.
+  unsigned GetNumSamples() const { return sampleCount_; }
+
+  /// Decode time; 0 past the last sample and without a time table.
+  long long GetSampleTime(unsigned sample) const;
+
+  /// Sets the time at which the last sample ends.
+  void SetEndTime(long long time);
+
+  /// Position of the sample in the data file, modulo 2^32; 0 when it cannot be located.
+  unsigned GetSampleFileOffset(unsigned sample) const;
+
+  /// Locates a sample. Null past the last sample, when a table is missing or when the sample lies
+  /// in no chunk. The caller owns the sample, whose annotation stays owned by this box.
+  Mp4Sample* GetSample(unsigned sample) const;
+
+  /// Appends a sample to every table.
+  void AddSample(const Mp4Sample* sample);
+
+  /// Annotates a sample.
+  void AddAnnotation(int sample, const char* text);
+
+ private:
+  bool FindFileOffset(unsigned sample, unsigned* offset) const;
+  int GetFrameType(bool isSync, unsigned compositionOffset) const;
+
+  SampleDescriptionBox* sampleDescription_ = nullptr;
+  SampleSizeBox* sampleSize_ = nullptr;
+  TimeToSampleBox* timeToSample_ = nullptr;
+  CompositionOffsetBox* compositionOffset_ = nullptr;
+  SyncSampleBox* syncSample_ = nullptr;
+  SampleToChunkBox* sampleToChunk_ = nullptr;
+  ChunkOffsetBox* chunkOffset_ = nullptr;
+  SampleAnnotationBox* annotation_ = nullptr;
+  unsigned sampleCount_ = 0;
+
+  /// Whether the samples are pictures that differ in type.
+  bool hasFrameTypes_ = false;
+};

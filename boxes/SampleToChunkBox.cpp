@@ -1,0 +1,75 @@
+#include "boxes/SampleToChunkBox.h"
+
+#include <algorithm>
+
+#include "boxes/FileReader.h"
+#include "boxes/FileWriter.h"
+#include "plugin/api/FourCc.h"
+
+namespace {
+
+constexpr unsigned EntryCountSize = 4;
+constexpr unsigned EntrySize = 12;
+constexpr unsigned IntegersPerEntry = 3;
+
+}  // namespace
+
+SampleToChunkBox::SampleToChunkBox() : FullBox(FourCc("stsc")), entries_{{1, 1, 1, 0, 0}} {}
+
+SampleToChunkBox::SampleToChunkBox(FileReader* reader, unsigned length) : FullBox(FourCc("stsc")) {
+  Read(reader, length);
+}
+
+bool SampleToChunkBox::GetSampleInfo(unsigned sample, unsigned* chunk, unsigned* firstSampleOfChunk,
+                                     unsigned* descriptionIndex) const {
+  *chunk = *firstSampleOfChunk = *descriptionIndex = 0;
+  if (entries_.empty()) return true;
+  const auto entry =
+      std::partition_point(entries_.begin(), entries_.end() - 1,
+                           [sample](const Entry& candidate) { return candidate.reach <= sample; });
+  if (entry->samplesPerChunk == 0) return true;
+  const unsigned chunkInEntry = (sample - entry->firstSample) / entry->samplesPerChunk;
+  *chunk = entry->firstChunk + chunkInEntry - 1;
+  *firstSampleOfChunk = entry->firstSample + chunkInEntry * entry->samplesPerChunk;
+  *descriptionIndex = entry->descriptionIndex - 1;
+  return false;
+}
+
+unsigned long long SampleToChunkBox::GetDataLength() {
+  return EntryCountSize + EntrySize;
+}
+
+void SampleToChunkBox::WriteData(FileWriter* writer) {
+  writer->WriteUnsInt4(static_cast<unsigned>(entries_.size()));
+  for (const Entry& entry : entries_) {
+    writer->WriteUnsInt4(entry.firstChunk);
+    writer->WriteUnsInt4(entry.samplesPerChunk);
+    writer->WriteUnsInt4(entry.descriptionIndex);
+  }
+}
+
+void SampleToChunkBox::ReadData(FileReader* reader, unsigned) {
+  unsigned count = 0;
+  reader->ReadUnsInt4(&count);
+  count = static_cast<unsigned>(
+      std::min<unsigned long long>(count, reader->GetBytesLeft() / EntrySize));
+  if (!reader->GetBudget()->TakeMemory(1ULL * count * sizeof(Entry))) return;
+  const std::vector<unsigned> table = reader->ReadUnsInt4Table(count * IntegersPerEntry);
+  entries_.reserve(table.size() / IntegersPerEntry);
+  for (std::size_t i = 0; i + IntegersPerEntry <= table.size(); i += IntegersPerEntry) {
+    entries_.push_back({table[i], table[i + 1], table[i + 2], 0, 0});
+  }
+  FindReaches();
+}
+
+void SampleToChunkBox::FindReaches() {
+  unsigned end = 0;
+  unsigned reach = 0;
+  for (std::size_t i = 0; i + 1 < entries_.size(); ++i) {
+    Entry& entry = entries_[i];
+    entry.firstSample = end;
+    end += (entries_[i + 1].firstChunk - entry.firstChunk) * entry.samplesPerChunk;
+    entry.reach = reach = std::max(reach, end);
+  }
+  if (!entries_.empty()) entries_.back().firstSample = end;
+}

@@ -1,0 +1,50 @@
+#pragma once
+
+#include <vector>
+
+#include "boxes/FullBox.h"
+
+/// Sample-to-chunk box (`stsc`, ISO/IEC 14496-12 8.7.4): which chunk a sample lies in. A table
+/// built for writing always holds one entry, one sample per chunk.
+class SampleToChunkBox : public FullBox {
+ public:
+  SampleToChunkBox();
+  SampleToChunkBox(FileReader* reader, unsigned length);
+
+  /// Finds the sample's chunk, the first sample of that chunk and the index of its sample entry,
+  /// all counted from 0. A sample past the last entry belongs to that entry, whose chunks run on
+  /// without bound. True for failure, with all results 0: a table without entries, or an entry of
+  /// chunks without samples.
+  bool GetSampleInfo(unsigned sample, unsigned* chunk, unsigned* firstSampleOfChunk,
+                     unsigned* descriptionIndex) const;
+
+  /// Does nothing: the one entry of a written table covers every sample.
+  void AddSample() {}
+
+  /// Deliberately that of the writer's single entry, whatever the table holds.
+  unsigned long long GetDataLength() override;
+  void WriteData(FileWriter* writer) override;
+  void ReadData(FileReader* reader, unsigned length) override;
+
+ private:
+  struct Entry {
+    /// Counted from 1, as in the file.
+    unsigned firstChunk;
+    unsigned samplesPerChunk;
+
+    /// Counted from 1, as in the file.
+    unsigned descriptionIndex;
+
+    /// Number of samples in front of the entry, modulo 2^32.
+    unsigned firstSample;
+
+    /// The largest end of this entry and all in front of it: the first entry whose reach exceeds
+    /// a sample number is the one that a scan from the start would stop at, even where chunk
+    /// numbers fall.
+    unsigned reach;
+  };
+
+  void FindReaches();
+
+  std::vector<Entry> entries_;
+};

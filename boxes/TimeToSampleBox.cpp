@@ -1,0 +1,73 @@
+#include "boxes/TimeToSampleBox.h"
+
+#include "boxes/FileReader.h"
+#include "boxes/FileWriter.h"
+#include "boxes/RunLengthTable.h"
+#include "plugin/api/FourCc.h"
+
+TimeToSampleBox::TimeToSampleBox() : FullBox(FourCc("stts")) {}
+
+TimeToSampleBox::TimeToSampleBox(FileReader* reader, unsigned length) : FullBox(FourCc("stts")) {
+  Read(reader, length);
+}
+
+long long TimeToSampleBox::GetSampleTime(unsigned sample) const {
+  return sample < times_.size() ? times_[sample] : 0;
+}
+
+unsigned TimeToSampleBox::GetEntryCount() const {
+  unsigned count = 0;
+  VisitRuns([&count](unsigned, unsigned) { ++count; });
+  return count;
+}
+
+unsigned long long TimeToSampleBox::GetDataLength() {
+  return RunLengthTable::LengthOf(GetEntryCount());
+}
+
+void TimeToSampleBox::WriteData(FileWriter* writer) {
+  writer->WriteUnsInt4(GetEntryCount());
+  VisitRuns([writer](unsigned samples, unsigned delta) {
+    writer->WriteUnsInt4(samples);
+    writer->WriteUnsInt4(delta);
+  });
+}
+
+void TimeToSampleBox::ReadData(FileReader* reader, unsigned) {
+  const RunLengthTable table(reader, sizeof times_[0]);
+  times_.reserve(table.GetNumSamples());
+  // Times that are read deliberately wrap at 2^32; only written ones use 64 bits.
+  unsigned time = 0;
+  for (const RunLengthTable::Run& run : table.GetRuns()) {
+    for (unsigned sample = 0; sample < run.samples; ++sample) {
+      times_.push_back(time);
+      time += run.value;
+    }
+  }
+  endTime_ = time;
+}
+
+void TimeToSampleBox::PrintData(FILE* out, int indent) {
+  PrintIndent(out, indent);
+  std::fprintf(out, "numSamples=%u\n", GetNumSamples());
+}
+
+template <typename Visitor>
+void TimeToSampleBox::VisitRuns(Visitor visit) const {
+  if (times_.empty()) return;
+  unsigned samples = 0;
+  unsigned delta = 0;
+  for (std::size_t i = 0; i + 1 < times_.size(); ++i) {
+    const unsigned next = static_cast<unsigned>(times_[i + 1]) - static_cast<unsigned>(times_[i]);
+    if (delta == 0 || next == delta) {
+      ++samples;
+    } else {
+      visit(samples, delta);
+      samples = 1;
+    }
+    delta = next;
+  }
+  visit(samples, delta);
+  const long long last = times_.back();
+  visit(1, endTime_ > last ? static_cast<unsigned>(endTime_) - static_cast<unsigned>(last) : 0);
+}

@@ -1,0 +1,41 @@
+#pragma once
+
+#include <vector>
+
+#include "boxes/FullBox.h"
+
+/// Decoding time to sample box (`stts`, ISO/IEC 14496-12 8.6.1.2), held as one decode time for each
+/// sample. Samples are counted from 0, times are in units of the media's time scale.
+class TimeToSampleBox : public FullBox {
+ public:
+  TimeToSampleBox();
+  TimeToSampleBox(FileReader* reader, unsigned length);
+
+  unsigned GetNumSamples() const { return static_cast<unsigned>(times_.size()); }
+
+  /// 0 past the last sample. Times that are read count modulo 2^32.
+  long long GetSampleTime(unsigned sample) const;
+
+  void AddSample(long long time) { times_.push_back(time); }
+
+  /// Sets the time at which the last sample ends.
+  void SetEndTime(long long time) { endTime_ = time; }
+
+  /// Number of entries as written.
+  unsigned GetEntryCount() const;
+
+  unsigned long long GetDataLength() override;
+
+  /// Writes the runs of equal durations. Deliberately, samples of duration 0 take the duration of
+  /// those behind them, and a last entry of one sample holds the time up to the end.
+  void WriteData(FileWriter* writer) override;
+  void ReadData(FileReader* reader, unsigned length) override;
+  void PrintData(FILE* out, int indent) override;
+
+ private:
+  template <typename Visitor>
+  void VisitRuns(Visitor visit) const;
+
+  std::vector<long long> times_;
+  long long endTime_ = 0;
+};

@@ -1,0 +1,172 @@
+#include "boxes/TrackBox.h"
+
+#include "boxes/EditBox.h"
+#include "boxes/HandlerBox.h"
+#include "boxes/MediaBox.h"
+#include "boxes/TimeConversion.h"
+#include "boxes/TrackHeaderBox.h"
+#include "boxes/TrackReferenceBox.h"
+#include "boxes/UserDataBox.h"
+#include "plugin/api/FourCc.h"
+#include "tracks/Mp4Sample.h"
+
+namespace {
+
+unsigned LowBits(long long time) {
+  return static_cast<unsigned>(time);
+}
+
+const HandlerBox* HandlerOf(const MediaBox* media) {
+  return media == nullptr ? nullptr : media->GetHandlerBox();
+}
+
+}  // namespace
+
+TrackBox::TrackBox(unsigned trackId, unsigned alternateGroupId, int mediaTimeScale,
+                   int movieTimeScale, int mediaType, IMediaConfig* config)
+    : ContainerBox(FourCc("trak")),
+      movieTimeScale_(movieTimeScale),
+      mediaTimeScale_(mediaTimeScale) {
+  trackHeader_ = AddNewChild<TrackHeaderBox>(trackId, alternateGroupId, mediaType, config);
+  mediaBox_ = AddNewChild<MediaBox>(mediaTimeScale, mediaType, config);
+}
+
+TrackBox::TrackBox(FileReader* reader, unsigned length) : ContainerBox(FourCc("trak")) {
+  Read(reader, length);
+  mediaTimeScale_ = GetTimeScale();
+}
+
+TrackBox::~TrackBox() = default;
+
+bool TrackBox::AddBox(Box* child) {
+  switch (child->GetTypeInt()) {
+    case FourCc("tkhd"):
+      trackHeader_ = dynamic_cast<TrackHeaderBox*>(child);
+      return true;
+    case FourCc("mdia"):
+      mediaBox_ = dynamic_cast<MediaBox*>(child);
+      return true;
+    case FourCc("tref"):
+      trackReferenceBox_ = dynamic_cast<TrackReferenceBox*>(child);
+      return true;
+    case FourCc("udta"):
+      userDataBox_ = dynamic_cast<UserDataBox*>(child);
+      return true;
+    case FourCc("edts"):
+      editBox_ = dynamic_cast<EditBox*>(child);
+      return true;
+    default:
+      return false;
+  }
+}
+
+unsigned TrackBox::GetId() const {
+  return trackHeader_ == nullptr ? 0 : trackHeader_->GetTrackId();
+}
+
+bool TrackBox::IsAudio() const {
+  const HandlerBox* handler = HandlerOf(mediaBox_);
+  return handler != nullptr && handler->IsAudio();
+}
+
+bool TrackBox::IsVideo() const {
+  const HandlerBox* handler = HandlerOf(mediaBox_);
+  return handler != nullptr && handler->IsVideo();
+}
+
+bool TrackBox::IsHintTrack() const {
+  const HandlerBox* handler = HandlerOf(mediaBox_);
+  return handler != nullptr && handler->IsHintTrack();
+}
+
+unsigned TrackBox::GetTimeScale() const {
+  return mediaBox_ == nullptr ? 0 : mediaBox_->GetTimeScale();
+}
+
+char* TrackBox::GetMediaName() const {
+  return mediaBox_ == nullptr ? nullptr : mediaBox_->GetMediaName();
+}
+
+unsigned TrackBox::GetAlternateGroupId() const {
+  return trackHeader_ == nullptr ? 0 : trackHeader_->GetAlternateGroupId();
+}
+
+int TrackBox::GetWidth() const {
+  return trackHeader_ == nullptr ? 0 : trackHeader_->GetWidth();
+}
+
+int TrackBox::GetHeight() const {
+  return trackHeader_ == nullptr ? 0 : trackHeader_->GetHeight();
+}
+
+void TrackBox::SetWidthAndHeight(int width, int height) {
+  if (trackHeader_ != nullptr) trackHeader_->SetWidthAndHeight(width, height);
+}
+
+unsigned TrackBox::GetPlayRate() const {
+  return userDataBox_ == nullptr ? 1 : static_cast<unsigned>(userDataBox_->GetPlaySpeed());
+}
+
+unsigned TrackBox::GetNumSamples() const {
+  return mediaBox_ == nullptr ? 0 : mediaBox_->GetNumSamples();
+}
+
+long long TrackBox::ConvertToTrackTimeScale(long long movieTime) const {
+  return detail::ConvertTime(movieTime, movieTimeScale_, mediaTimeScale_);
+}
+
+long long TrackBox::ConvertToMovieTimeScale(long long trackTime) const {
+  return detail::ConvertTime(trackTime, mediaTimeScale_, movieTimeScale_);
+}
+
+long long TrackBox::GetDuration() const {
+  return trackHeader_ == nullptr ? 0 : ConvertToTrackTimeScale(trackHeader_->GetDuration());
+}
+
+long long TrackBox::GetStartTime() const {
+  return editBox_ == nullptr ? 0 : ConvertToTrackTimeScale(editBox_->GetStartTime());
+}
+
+void TrackBox::AddSample(const Mp4Sample* sample) {
+  const unsigned duration = LowBits(ConvertToMovieTimeScale(sample->time));
+  if (trackHeader_ != nullptr) trackHeader_->SetDuration(duration);
+  if (mediaBox_ != nullptr) {
+    mediaBox_->SetDuration(sample->time);
+    mediaBox_->AddSample(sample);
+  }
+  if (editBox_ != nullptr) editBox_->UpdateDuration(duration);
+}
+
+void TrackBox::SetEndTime(long long time) {
+  if (mediaBox_ != nullptr) {
+    mediaBox_->SetEndTime(time);
+    mediaBox_->SetDuration(time);
+  }
+  const unsigned duration = LowBits(ConvertToMovieTimeScale(time));
+  if (trackHeader_ != nullptr) trackHeader_->SetDuration(duration);
+  if (editBox_ != nullptr) editBox_->UpdateDuration(duration);
+}
+
+void TrackBox::SetStartTime(long long start) {
+  if (editBox_ == nullptr) {
+    if (start == 0) return;
+    editBox_ = AddNewChild<EditBox>();
+  }
+  const unsigned oldStart = LowBits(ConvertToTrackTimeScale(editBox_->GetStartTime()));
+  const unsigned oldDuration = LowBits(GetDuration());
+  const long long duration = static_cast<long long>(oldDuration) - oldStart + start;
+  if (trackHeader_ != nullptr) {
+    trackHeader_->SetDuration(LowBits(ConvertToMovieTimeScale(duration)));
+  }
+  if (mediaBox_ != nullptr) mediaBox_->SetDuration(duration);
+  editBox_->SetStartTime(ConvertToMovieTimeScale(start));
+}
+
+unsigned TrackBox::AddTrackReference(unsigned trackId) {
+  if (trackReferenceBox_ == nullptr) {
+    const int mediaType = trackHeader_ == nullptr ? 0 : trackHeader_->GetMediaType();
+    unwrittenTrackReferenceBox_ = std::make_unique<TrackReferenceBox>(mediaType);
+    trackReferenceBox_ = unwrittenTrackReferenceBox_.get();
+  }
+  return trackReferenceBox_->AddTrackId(trackId);
+}

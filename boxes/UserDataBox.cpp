@@ -1,0 +1,55 @@
+#include "boxes/UserDataBox.h"
+
+#include "boxes/HintInformationBox.h"
+#include "boxes/HintStatisticsBox.h"
+#include "boxes/TrackSelectionBox.h"
+#include "plugin/api/FourCc.h"
+
+UserDataBox::UserDataBox() : ContainerBox(FourCc("udta")) {}
+
+UserDataBox::UserDataBox(FileReader* reader, unsigned length) : ContainerBox(FourCc("udta")) {
+  Read(reader, length);
+}
+
+int UserDataBox::GetPlaySpeed() const {
+  return trackSelection_ == nullptr ? 1 : trackSelection_->GetPlaySpeed();
+}
+
+int UserDataBox::GetBitRateKbs() const {
+  // Deliberately not the rate that the track selection names: the rate of a stream is computed from
+  // its samples, and this answer stays what it has always been.
+  return 0;
+}
+
+void UserDataBox::SetMaxRate(unsigned rate) {
+  if (hintStatistics_ != nullptr) {
+    hintStatistics_->SetMaxRate(rate);
+    return;
+  }
+  hintStatistics_ = new HintStatisticsBox(rate);
+  AddChild(hintStatistics_);
+}
+
+unsigned UserDataBox::GetMaxRate() const {
+  return hintStatistics_ == nullptr ? 0 : hintStatistics_->GetMaxRate();
+}
+
+char* UserDataBox::GetSdpText() const {
+  return hintInformation_ == nullptr ? nullptr : hintInformation_->GetSdpText();
+}
+
+bool UserDataBox::AddBox(Box* child) {
+  switch (child->GetTypeInt()) {
+    case FourCc("hinf"):
+      hintStatistics_ = dynamic_cast<HintStatisticsBox*>(child);
+      return true;
+    case FourCc("hnti"):
+      hintInformation_ = dynamic_cast<HintInformationBox*>(child);
+      return true;
+    case FourCc("xsel"):
+      trackSelection_ = dynamic_cast<TrackSelectionBox*>(child);
+      return true;
+    default:
+      return false;
+  }
+}

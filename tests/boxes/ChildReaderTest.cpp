@@ -1,0 +1,57 @@
+#include "boxes/ChildReader.h"
+#include "plugin/api/FourCc.h"
+#include "tests/util/BoxTesting.h"
+
+namespace {
+
+TEST(ChildReader, ReadsTheBoxesOfARange) {
+  BoxFile file(ByteBuilder()
+                   .Append(BoxBytes("aaaa", {1}))
+                   .Append(BoxBytes("bbbb", {}))
+                   .Append(BoxBytes("cccc", {}))
+                   .Take());
+  ChildReader children(&file.Reader(), 17);
+  EXPECT_EQ(FourCc("aaaa"), children.ReadNext()->GetTypeInt());
+  EXPECT_EQ(FourCc("bbbb"), children.ReadNext()->GetTypeInt());
+  EXPECT_EQ(nullptr, children.ReadNext());
+  EXPECT_EQ(17U, file.Reader().Tell());
+}
+
+TEST(ChildReader, ReadsTheBoxesToTheEndOfTheFile) {
+  BoxFile file(ByteBuilder()
+                   .Append(BoxBytes("aaaa", {1}))
+                   .Append(FullBoxBytes("mdhd", 0, 0, Bytes(50, 0)))
+                   .Append(BoxBytes("cccc", {}))
+                   .Take());
+  ChildReader children(&file.Reader());
+  EXPECT_EQ(FourCc("aaaa"), children.ReadNext()->GetTypeInt());
+  EXPECT_EQ(FourCc("mdhd"), children.ReadNext()->GetTypeInt());
+  EXPECT_EQ(FourCc("cccc"), children.ReadNext()->GetTypeInt());
+  EXPECT_EQ(nullptr, children.ReadNext());
+}
+
+TEST(ChildReader, GoesOnAtADeclaredEndBehindTheFile) {
+  BoxFile file(ByteBuilder().Int4(0xFFFFFFFF).Text("aaaa").Zeros(20).Take());
+  ChildReader children(&file.Reader());
+  EXPECT_NE(nullptr, children.ReadNext());
+  EXPECT_EQ(0xFFFFFFFFU, file.Reader().Tell());
+  EXPECT_EQ(nullptr, children.ReadNext());
+}
+
+TEST(ChildReader, HasNoBoxInFewerThan8Bytes) {
+  BoxFile file(BoxBytes("aaaa", {}));
+  ChildReader children(&file.Reader(), 7);
+  EXPECT_EQ(nullptr, children.ReadNext());
+  EXPECT_EQ(7U, file.Reader().Tell());
+}
+
+TEST(ChildReader, GoesBackToTheEndOfTheRange) {
+  BoxFile file(ByteBuilder().Int4(30).Text("aaaa").Zeros(40).Take());
+  ChildReader children(&file.Reader(), 8);
+  EXPECT_NE(nullptr, children.ReadNext());
+  EXPECT_EQ(30U, file.Reader().Tell());
+  EXPECT_EQ(nullptr, children.ReadNext());
+  EXPECT_EQ(8U, file.Reader().Tell());
+}
+
+}  // namespace

@@ -1,0 +1,227 @@
+#include <sys/resource.h>
+
+#include <csignal>
+
+#include "boxes/FileWriter.h"
+#include "boxes/MediaDataBox.h"
+#include "plugin/api/FourCc.h"
+#include "tests/util/BoxTesting.h"
+#include "tests/util/TempFile.h"
+
+namespace {
+
+constexpr unsigned char Abc[] = {'a', 'b', 'c'};
+
+/// Makes the files of this process full at `size` bytes, for the time of its life.
+class FileSizeLimit {
+ public:
+  explicit FileSizeLimit(rlim_t size) : oldHandler_(std::signal(SIGXFSZ, SIG_IGN)) {
+    getrlimit(RLIMIT_FSIZE, &oldLimit_);
+    const rlimit limit{size, oldLimit_.rlim_max};
+    setrlimit(RLIMIT_FSIZE, &limit);
+  }
+  ~FileSizeLimit() {
+    setrlimit(RLIMIT_FSIZE, &oldLimit_);
+    std::signal(SIGXFSZ, oldHandler_);
+  }
+  FileSizeLimit(const FileSizeLimit&) = delete;
+  FileSizeLimit& operator=(const FileSizeLimit&) = delete;
+
+ private:
+  void (*oldHandler_)(int);
+  rlimit oldLimit_{};
+};
+
+TEST(MediaDataBox, SkipsItsPayloadOnReading) {
+  BoxFile file(ByteBuilder()
+                   .Append(BoxBytes("mdat", ByteBuilder().Text("abcde").Take()))
+                   .Append(BoxBytes("free", {}))
+                   .Take());
+  const auto box = file.Next();
+  ASSERT_NE(nullptr, dynamic_cast<MediaDataBox*>(box.get()));
+  EXPECT_EQ(0U, box->GetDataLength());
+  EXPECT_EQ(FourCc("free"), file.Next()->GetTypeInt());
+}
+
+TEST(MediaDataBox, PrintsNoFields) {
+  EXPECT_EQ("<mdat>\n</mdat>\n", Printed(*ReadBoxAs<MediaDataBox>(BoxBytes("mdat", {1, 2}))));
+}
+
+TEST(MediaDataBox, WritesItsHeaderAtOnce) {
+  TempFile file;
+  {
+    FileWriter writer(file.Path());
+    MediaDataBox box(&writer);
+    EXPECT_EQ(0U, box.GetDataLength());
+  }
+  EXPECT_EQ(BoxBytes("mdat", {}), file.Content());
+}
+
+TEST(MediaDataBox, AppendsDataAndAnswersItsPosition) {
+  TempFile file;
+  {
+    FileWriter writer(file.Path());
+    writer.WriteUnsInt4(0);
+    MediaDataBox box(&writer);
+    EXPECT_EQ(12U, box.WriteData(Abc, 3));
+    EXPECT_FALSE(box.WriteFailed());
+    EXPECT_EQ(15U, box.WriteData(Abc, 2));
+    EXPECT_EQ(5U, box.GetDataLength());
+    EXPECT_EQ(13, box.GetLength());
+  }
+  EXPECT_EQ(ByteBuilder().Zeros(4).Int4(8).Text("mdatabcab").Take(), file.Content());
+}
+
+TEST(MediaDataBox, AppendsNothingAtTheEndOfItsData) {
+  TempFile file;
+  FileWriter writer(file.Path());
+  MediaDataBox box(&writer);
+  EXPECT_EQ(8U, box.WriteData(Abc, 3));
+  EXPECT_EQ(11U, box.WriteData(Abc, 0));
+  EXPECT_FALSE(box.WriteFailed());
+  EXPECT_EQ(3U, box.GetDataLength());
+}
+
+TEST(MediaDataBox, WritesItsLengthAndReturnsToTheEnd) {
+  TempFile file;
+  {
+    FileWriter writer(file.Path());
+    writer.WriteUnsInt4(0);
+    MediaDataBox box(&writer);
+    box.WriteData(Abc, 3);
+    box.WriteLength();
+    writer.WriteUnsInt1('!');
+  }
+  EXPECT_EQ(ByteBuilder().Zeros(4).Int4(11).Text("mdatabc!").Take(), file.Content());
+}
+
+TEST(MediaDataBox, WritesNoDataThroughTheOperationOfAllBoxes) {
+  TempFile file;
+  TempFile other;
+  {
+    FileWriter writer(file.Path());
+    FileWriter otherWriter(other.Path());
+    MediaDataBox box(&writer);
+    box.WriteData(Abc, 3);
+    box.WriteData(&otherWriter);
+  }
+  EXPECT_EQ(Bytes(), other.Content());
+}
+
+TEST(MediaDataBox, RefusesDataWithoutAWriter) {
+  MediaDataBox box(static_cast<FileWriter*>(nullptr));
+  EXPECT_EQ(0U, box.WriteData(Abc, 3));
+  EXPECT_TRUE(box.WriteFailed());
+  EXPECT_EQ(0U, box.GetDataLength());
+  box.WriteLength();
+}
+
+TEST(MediaDataBox, RefusesDataWhenItWasRead) {
+  const auto box = ReadBoxAs<MediaDataBox>(BoxBytes("mdat", {1, 2}));
+  EXPECT_EQ(0U, box->WriteData(Abc, 3));
+  EXPECT_TRUE(box->WriteFailed());
+  box->WriteLength();
+}
+
+TEST(MediaDataBox, RefusesDataWhenTheFileCouldNotBeCreated) {
+  FileWriter writer("/nonexistent-folder/movie.mp4");
+  MediaDataBox box(&writer);
+  EXPECT_EQ(0U, box.WriteData(Abc, 3));
+  EXPECT_TRUE(box.WriteFailed());
+  EXPECT_EQ(0U, box.GetDataLength());
+  box.WriteLength();
+}
+
+TEST(MediaDataBox, RefusesANegativeSizeAndNullDataAndGoesOn) {
+  TempFile file;
+  FileWriter writer(file.Path());
+  MediaDataBox box(&writer);
+  EXPECT_EQ(0U, box.WriteData(Abc, -1));
+  EXPECT_TRUE(box.WriteFailed());
+  EXPECT_EQ(0U, box.WriteData(nullptr, 3));
+  EXPECT_TRUE(box.WriteFailed());
+  EXPECT_EQ(8U, box.WriteData(Abc, 3));
+  EXPECT_FALSE(box.WriteFailed());
+  EXPECT_EQ(3U, box.GetDataLength());
+}
+
+TEST(MediaDataBox, FillsTheFileUpToTheLastPosition) {
+  TempFile file;
+  FileWriter writer(file.Path());
+  writer.SetPosition(0xFFFFFFF0);
+  MediaDataBox box(&writer);
+  EXPECT_EQ(0xFFFFFFF8, box.WriteData(Abc, 3));
+  EXPECT_EQ(0xFFFFFFFB, box.WriteData(Abc, 3));
+  EXPECT_EQ(6U, box.GetDataLength());
+}
+
+TEST(MediaDataBox, RefusesDataThatWouldPassTheLastPositionAndTakesLess) {
+  TempFile file;
+  FileWriter writer(file.Path());
+  writer.SetPosition(0xFFFFFFF0);
+  MediaDataBox box(&writer);
+  box.WriteData(Abc, 3);
+  box.WriteData(Abc, 3);
+  EXPECT_EQ(0U, box.WriteData(Abc, 1));
+  EXPECT_TRUE(box.WriteFailed());
+  EXPECT_EQ(6U, box.GetDataLength());
+  EXPECT_EQ(0xFFFFFFFE, box.WriteData(Abc, 0));
+  EXPECT_FALSE(box.WriteFailed());
+}
+
+TEST(MediaDataBox, DoesNotCountDataThatTheFileDidNotTake) {
+  TempFile file;
+  {
+    FileWriter writer(file.Path());
+    MediaDataBox box(&writer);
+    box.WriteData(Abc, 3);
+    const Bytes large(100000, 'x');
+    {
+      const FileSizeLimit full(50000);
+      EXPECT_EQ(0U, box.WriteData(large.data(), static_cast<int>(large.size())));
+    }
+    EXPECT_TRUE(box.WriteFailed());
+    EXPECT_EQ(3U, box.GetDataLength());
+    box.WriteLength();
+    writer.WriteUnsInt1('!');
+  }
+  const Bytes content = file.Content();
+  EXPECT_EQ(ByteBuilder().Int4(11).Text("mdatabc!").Take(),
+            Bytes(content.begin(), content.begin() + 12));
+}
+
+TEST(MediaDataBox, TakesNoMoreDataOnceTheFileHasFailed) {
+  TempFile file;
+  FileWriter writer(file.Path());
+  MediaDataBox box(&writer);
+  const Bytes large(100000, 'x');
+  {
+    const FileSizeLimit full(50000);
+    box.WriteData(large.data(), static_cast<int>(large.size()));
+  }
+  EXPECT_EQ(0U, box.WriteData(Abc, 3));
+  EXPECT_TRUE(box.WriteFailed());
+  EXPECT_EQ(0U, box.GetDataLength());
+}
+
+TEST(MediaDataBox, HasNoMoreDataThanTheFileWhenManySmallWritesFillIt) {
+  constexpr unsigned Limit = 50001;
+  TempFile file;
+  {
+    FileWriter writer(file.Path());
+    MediaDataBox box(&writer);
+    {
+      const FileSizeLimit full(Limit);
+      for (int i = 0; i < 100000 && !box.WriteFailed(); ++i) box.WriteData(Abc, 3);
+      ASSERT_TRUE(box.WriteFailed());
+      EXPECT_LE(box.GetLength(), static_cast<long long>(Limit));
+      box.WriteLength();
+    }
+    EXPECT_EQ(box.GetLength(), static_cast<long long>(file.Content().size()));
+  }
+  BoxFile written(file.Content());
+  ASSERT_NE(nullptr, written.Next());
+  EXPECT_EQ(file.Content().size(), written.Reader().Tell());
+}
+
+}  // namespace

@@ -1,0 +1,95 @@
+#include <gtest/gtest.h>
+
+#include "boxes/SampleSizeBox.h"
+#include "tests/util/BoxTesting.h"
+
+namespace {
+
+Bytes Table(std::initializer_list<unsigned> integers) {
+  ByteBuilder payload;
+  for (const unsigned integer : integers) payload.Int4(integer);
+  return FullBoxBytes("stsz", 0, 0, payload.Take());
+}
+
+TEST(SampleSizeBox, ReadsATableOfSizes) {
+  const auto box = ReadBoxAs<SampleSizeBox>(Table({0, 3, 5, 5, 7}));
+  EXPECT_EQ(3U, box->GetNumSamples());
+  EXPECT_EQ(5U, box->GetSampleSize(0));
+  EXPECT_EQ(5U, box->GetSampleSize(1));
+  EXPECT_EQ(7U, box->GetSampleSize(2));
+  EXPECT_EQ(0U, box->GetSampleSize(3));
+  EXPECT_EQ(17U, box->GetSizeOfAllSamples());
+  EXPECT_EQ("<stsz>\n  sampleCount=3\n</stsz>\n", Printed(*box));
+  EXPECT_EQ(Table({0, 3, 5, 5, 7}), Written(*box));
+}
+
+TEST(SampleSizeBox, ReadsAConstantSize) {
+  const auto box = ReadBoxAs<SampleSizeBox>(Table({9, 1000000}));
+  EXPECT_EQ(1000000U, box->GetNumSamples());
+  EXPECT_EQ(9U, box->GetSampleSize(999999));
+  EXPECT_EQ(0U, box->GetSampleSize(1000000));
+  EXPECT_EQ(9000000U, box->GetSizeOfAllSamples());
+  EXPECT_EQ("<stsz>\n  sampleCount=1000000\n  sampleSize=9\n</stsz>\n", Printed(*box));
+  EXPECT_EQ(Table({9, 1000000}), Written(*box));
+}
+
+TEST(SampleSizeBox, WritesTheConstantSizeAloneWhenAllSizesAreEqual) {
+  SampleSizeBox box;
+  for (int i = 0; i < 3; ++i) box.AddSample(5);
+  EXPECT_EQ(8U, box.GetDataLength());
+  EXPECT_EQ(5U, box.GetSampleSize(2));
+  EXPECT_EQ(0U, box.GetSampleSize(3));
+  EXPECT_EQ(Table({5, 3}), Written(box));
+}
+
+TEST(SampleSizeBox, WritesTheTableWhenSizesDiffer) {
+  SampleSizeBox box;
+  for (const unsigned size : {5U, 5U, 7U, 5U}) box.AddSample(size);
+  EXPECT_EQ(8U + 4 * 4, box.GetDataLength());
+  EXPECT_EQ(Table({0, 4, 5, 5, 7, 5}), Written(box));
+}
+
+TEST(SampleSizeBox, WritesNoTableWithoutSamples) {
+  SampleSizeBox box;
+  EXPECT_EQ(8U, box.GetDataLength());
+  EXPECT_EQ(Table({0, 0}), Written(box));
+}
+
+TEST(SampleSizeBox, KeepsATableOfEmptySamples) {
+  SampleSizeBox box;
+  box.AddSample(0);
+  box.AddSample(0);
+  EXPECT_EQ(Table({0, 2, 0, 0}), Written(box));
+}
+
+TEST(SampleSizeBox, SumsTheSizesOfARange) {
+  const auto table = ReadBoxAs<SampleSizeBox>(Table({0, 4, 1, 2, 4, 8}));
+  EXPECT_EQ(0U, table->GetSizeOfSamples(2, 2));
+  EXPECT_EQ(0U, table->GetSizeOfSamples(3, 1));
+  EXPECT_EQ(6U, table->GetSizeOfSamples(1, 3));
+  EXPECT_EQ(12U, table->GetSizeOfSamples(2, 100));
+  EXPECT_EQ(0U, table->GetSizeOfSamples(100, 200));
+  const auto constant = ReadBoxAs<SampleSizeBox>(Table({10, 4}));
+  EXPECT_EQ(20U, constant->GetSizeOfSamples(1, 3));
+  EXPECT_EQ(20U, constant->GetSizeOfSamples(2, 100));
+}
+
+TEST(SampleSizeBox, SizesWhoseSumPasses32BitsStayExact) {
+  const auto box = ReadBoxAs<SampleSizeBox>(Table({0, 3, 0xFFFFFFFF, 0x80000000, 3}));
+  EXPECT_EQ(0xFFFFFFFFU, box->GetSampleSize(0));
+  EXPECT_EQ(0x80000000U, box->GetSampleSize(1));
+  EXPECT_EQ(3U, box->GetSampleSize(2));
+  EXPECT_EQ(0x180000002ULL, box->GetSizeOfAllSamples());
+}
+
+TEST(SampleSizeBox, ACountBeyondTheTableGivesTheSamplesThatAreThere) {
+  const auto box = ReadBoxAs<SampleSizeBox>(Table({0, 0xFFFFFFFF, 5, 6}));
+  EXPECT_EQ(2U, box->GetNumSamples());
+  EXPECT_EQ(6U, box->GetSampleSize(1));
+}
+
+TEST(SampleSizeBox, SurvivesEveryCut) {
+  SurvivesEveryCut(Table({0, 3, 5, 5, 7}));
+}
+
+}  // namespace

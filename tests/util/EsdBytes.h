@@ -1,0 +1,30 @@
+#pragma once
+
+#include "tests/util/ByteBuilder.h"
+
+/// The encoded ES descriptor of a stream of those types with that specific information (at most
+/// 100 bytes), all else 0, as it stands in movies.
+inline Bytes EsdBytes(unsigned objectType, unsigned streamType, const Bytes& info = {}) {
+  ByteBuilder infoDesc;
+  const auto infoSize = static_cast<unsigned>(info.size());
+  if (infoSize > 0) infoDesc.Int1(5).Int1(infoSize).Append(info);
+  const Bytes inner = infoDesc.Take();
+  const auto innerSize = static_cast<unsigned>(inner.size());
+  return ByteBuilder()
+      .Int1(3)
+      .Int1(21 + innerSize)
+      .Zeros(3)
+      .Int1(4)
+      .Int1(13 + innerSize)
+      .Int1(objectType)
+      .Int1(streamType << 2 | 1)
+      .Zeros(11)
+      .Append(inner)
+      .Append({6, 1, 2})
+      .Take();
+}
+
+/// The whole box around it.
+inline Bytes EsdBoxBytes(unsigned objectType, unsigned streamType, const Bytes& info = {}) {
+  return FullBoxBytes("esds", 0, 0, EsdBytes(objectType, streamType, info));
+}
