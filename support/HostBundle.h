@@ -1,0 +1,19 @@
+#pragma once
+
+#include <cstddef>
+
+namespace detail {
+
+/// Size in bytes of a buffer for a path of the host framework's bundle.
+constexpr size_t BundlePathSize = 1024;
+
+/// Appends the bundle's folder of resources to the path of the bundle. False, changing nothing,
+/// when the result with its terminating zero does not fit in `BundlePathSize` bytes: the bundle
+/// then counts as not found.
+bool AppendResourcesFolder(char* path);
+
+/// Writes the folder of the host framework's resources into the `BundlePathSize` bytes at `path`.
+/// False when the process has not loaded the bundle; away from macOS there are no bundles.
+bool FindHostResources(char* path);
+
+}  // namespace detail

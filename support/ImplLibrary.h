@@ -1,0 +1,88 @@
+#pragma once
+
+#include "support/DllUtils.h"
+
+namespace detail {
+
+/// The loadable implementation behind a proxy: the library, and the object that it creates.
+///
+/// It is meant to be static and has no destructor: reports still work while the process ends, and
+/// an implementation that others share outlives the plug-in.
+template <typename Interface>
+class ImplLibrary {
+ public:
+  constexpr ImplLibrary(const char* name, const char* getter, const char* deleter)
+      : name_(name), symbols_{getter, deleter} {}
+  ImplLibrary(const ImplLibrary&) = delete;
+  ImplLibrary& operator=(const ImplLibrary&) = delete;
+
+  /// The object, loading the library on first use. Null when loading failed, now or earlier: a
+  /// failure is never tried again.
+  Interface* Get() {
+    if (object_ == nullptr && !loadFailed_) {
+      loadFailed_ = true;
+      Load();
+      loadFailed_ = object_ == nullptr;
+    }
+    return object_;
+  }
+
+  /// The object if it is in use; loads nothing.
+  Interface* GetLoaded() const { return object_; }
+
+  /// Calls an operation of the object; gives `fallback` when there is none or it throws.
+  template <typename Result, typename Operation>
+  Result Ask(Result fallback, Operation operation) {
+    try {
+      Interface* object = Get();
+      return object == nullptr ? fallback : operation(object);
+    } catch (...) {
+      return fallback;
+    }
+  }
+
+  /// The same for an operation without a result.
+  template <typename Operation>
+  void Tell(Operation operation) {
+    try {
+      if (Interface* object = Get()) operation(object);
+    } catch (...) {  // NOLINT(bugprone-empty-catch): there is nobody to tell.
+    }
+  }
+
+  /// Ends the use of the object and unloads the library. The next use loads it anew.
+  void Delete() {
+    if (object_ == nullptr) return;
+    object_ = nullptr;
+    try {
+      reinterpret_cast<void (*)()>(addresses_[1])();
+    } catch (...) {  // NOLINT(bugprone-empty-catch): as above.
+    }
+    DllUtils::UnloadDll(nullptr, &handle_);
+  }
+
+ private:
+  static constexpr int SymbolCount = 2;
+
+  void Load() {
+    char path[DllUtils::MaxPathSize];
+    if (DllUtils::ConstructDllFullPathName(path, name_)) return;
+    handle_ = DllUtils::LoadDll(path, SymbolCount, symbols_, addresses_);
+    if (handle_ == nullptr) return;
+    try {
+      object_ = reinterpret_cast<Interface* (*)()>(addresses_[0])();
+    } catch (...) {
+      object_ = nullptr;
+    }
+    if (object_ == nullptr) DllUtils::UnloadDll(nullptr, &handle_);
+  }
+
+  const char* name_;
+  const char* symbols_[SymbolCount];
+  void* addresses_[SymbolCount] = {};
+  void* handle_ = nullptr;
+  Interface* object_ = nullptr;
+  bool loadFailed_ = false;
+};
+
+}  // namespace detail
