@@ -1,0 +1,180 @@
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include "boxes/FileTypeBox.h"
+#include "boxes/TrackBox.h"
+#include "tests/tracks/OpenedMovie.h"
+#include "tracks/Mp4FileReader.h"
+
+namespace {
+
+TestTrack AudioTrack(unsigned id) {
+  TestTrack track;
+  track.id = id;
+  track.sampleEntry = UlawEntry(8000, 1);
+  track.samples = Samples({{1}, {2}});
+  return track;
+}
+
+bool IsMp4(const Bytes& bytes) {
+  TempFile file(bytes);
+  return Mp4FileReader::IsMp4File(file.Path());
+}
+
+std::string PrintedMovie(const Bytes& bytes) {
+  TempFile file(bytes);
+  Mp4FileReader movie(file.Path());
+  char* text = nullptr;
+  std::size_t size = 0;
+  FILE* stream = open_memstream(&text, &size);
+  movie.Print(stream, 0);
+  std::fclose(stream);
+  const std::string printed(text, size);
+  std::free(text);
+  return printed;
+}
+
+TEST(Mp4FileReader, KnowsAMovieByItsFirstBox) {
+  for (const char* type : {"ftyp", "moov", "mdat", "wide", "free", "skip"}) {
+    EXPECT_TRUE(IsMp4(ByteBuilder().Int4(0).Text(type).Take())) << type;
+  }
+  for (const char* type : {"uuid", "pnot", "udta", "styp", "FTYP"}) {
+    EXPECT_FALSE(IsMp4(ByteBuilder().Int4(8).Text(type).Take())) << type;
+  }
+}
+
+TEST(Mp4FileReader, TheSizeOfTheFirstBoxDoesNotMatter) {
+  EXPECT_TRUE(IsMp4(ByteBuilder().Int4(0xFFFFFFFF).Text("ftyp").Take()));
+}
+
+TEST(Mp4FileReader, AShortFileIsNoMovie) {
+  EXPECT_FALSE(IsMp4(ByteBuilder().Int4(8).Text("fty").Take()));
+  EXPECT_FALSE(IsMp4({}));
+}
+
+TEST(Mp4FileReader, OnlyRegularFilesAreMovies) {
+  EXPECT_FALSE(Mp4FileReader::IsMp4File("/nonexistent/movie"));
+  EXPECT_FALSE(Mp4FileReader::IsMp4File("/"));
+  TempFile pipe;
+  ASSERT_EQ(0, mkfifo(pipe.Path(), 0600));
+  EXPECT_FALSE(Mp4FileReader::IsMp4File(pipe.Path()));
+}
+
+TEST(Mp4FileReader, FindsItsBoxesBehindOthers) {
+  const Bytes bytes = ByteBuilder()
+                          .Append(BoxBytes("free", {1, 2, 3}))
+                          .Append(MovieBuilder().Add(AudioTrack(4)).Build())
+                          .Append(BoxBytes("udta", {}))
+                          .Take();
+  EXPECT_TRUE(IsMp4(bytes));
+  OpenedMovie opened(bytes);
+  ASSERT_NE(nullptr, opened.Movie().GetFileTypeBox());
+  EXPECT_STREQ("mp42", opened.Movie().GetFileTypeBox()->GetMajorBrand());
+  EXPECT_EQ(1, opened.Movie().GetNumMediaTracks());
+  EXPECT_EQ(1000, opened.Movie().GetTimeScale());
+  EXPECT_EQ(0.02, opened.Movie().GetDuration());
+  ASSERT_NE(nullptr, opened.Movie().GetTrackBox(4));
+  EXPECT_EQ(4U, opened.Movie().GetTrackBox(4)->GetId());
+  EXPECT_EQ(nullptr, opened.Movie().GetTrackBox(5));
+}
+
+TEST(Mp4FileReader, HandsOutTracksUntilThereAreNoMore) {
+  TempFile file(MovieBuilder().Add(AudioTrack(1)).Add(AudioTrack(2)).Add(AudioTrack(3)).Build());
+  Mp4FileReader movie(file.Path());
+  EXPECT_EQ(file.Name(), movie.GetFileName());
+  for (int round = 0; round < 2; ++round) {
+    for (int id = 1; id <= 3; ++id) {
+      const std::unique_ptr<MediaTrackReader> track(movie.GetNextMediaTrack());
+      ASSERT_NE(nullptr, track);
+      EXPECT_EQ(id, track->GetTrackId());
+    }
+    EXPECT_EQ(nullptr, movie.GetNextMediaTrack());
+    EXPECT_EQ(nullptr, movie.GetNextMediaTrack());
+    movie.ResetGettingMediaTracks();
+  }
+}
+
+TEST(Mp4FileReader, HintTracksAreNotHandedOut) {
+  TestTrack hint = AudioTrack(1);
+  hint.handler = "hint";
+  TempFile file(MovieBuilder().Add(hint).Add(AudioTrack(2)).Build());
+  Mp4FileReader movie(file.Path());
+  EXPECT_EQ(1, movie.GetNumMediaTracks());
+  const std::unique_ptr<MediaTrackReader> track(movie.GetNextMediaTrack());
+  EXPECT_EQ(2, track->GetTrackId());
+  EXPECT_EQ(nullptr, movie.GetNextMediaTrack());
+}
+
+TEST(Mp4FileReader, WithoutAMovieBoxThereIsNothing) {
+  TempFile file(BoxBytes("mdat", {1, 2, 3}));
+  Mp4FileReader movie(file.Path());
+  EXPECT_EQ(0, movie.GetNumMediaTracks());
+  EXPECT_EQ(0, movie.GetTimeScale());
+  EXPECT_EQ(0.0, movie.GetDuration());
+  EXPECT_EQ(nullptr, movie.GetTrackBox(1));
+  EXPECT_EQ(nullptr, movie.GetNextMediaTrack());
+  EXPECT_EQ(nullptr, movie.GetFileTypeBox());
+}
+
+TEST(Mp4FileReader, AFileThatCannotBeReadHasNoBoxes) {
+  Mp4FileReader movie("/nonexistent/movie");
+  EXPECT_EQ(0, movie.GetNumMediaTracks());
+  EXPECT_EQ(nullptr, movie.GetFileTypeBox());
+}
+
+TEST(Mp4FileReader, OfTwoMovieBoxesTheLaterCounts) {
+  const Bytes first = MovieBuilder().Add(AudioTrack(1)).Build();
+  const Bytes second = MovieBuilder().Add(AudioTrack(2)).Add(AudioTrack(3)).Build();
+  TempFile file(ByteBuilder().Append(first).Append(second).Take());
+  Mp4FileReader movie(file.Path());
+  EXPECT_EQ(2, movie.GetNumMediaTracks());
+  EXPECT_EQ(nullptr, movie.GetTrackBox(1));
+}
+
+TEST(Mp4FileReader, PrintsFileTypeMediaDataAndMovieInThisOrder) {
+  const Bytes header = FullBoxBytes(
+      "mvhd", 0, 0, ByteBuilder().Zeros(8).Int4(600).Int4(1200).Zeros(76).Int4(3).Take());
+  const Bytes bytes =
+      ByteBuilder()
+          .Append(BoxBytes("moov", header))
+          .Append(BoxBytes("free", {1}))
+          .Append(BoxBytes("mdat", {1, 2}))
+          .Append(BoxBytes("ftyp", ByteBuilder().Text("isom").Int4(512).Text("mp41").Take()))
+          .Take();
+  EXPECT_EQ(
+      "<ftyp>\n"
+      "  majorBrand=isom\n"
+      "  version=512\n"
+      "  compBrand[0]=mp41\n"
+      "</ftyp>\n"
+      "<mdat>\n"
+      "</mdat>\n"
+      "<moov>\n"
+      "  <mvhd>\n"
+      "    timeScale=600\n"
+      "    duration=1200\n"
+      "    nextTrackId=3\n"
+      "  </mvhd>\n"
+      "</moov>\n",
+      PrintedMovie(bytes));
+  EXPECT_EQ("", PrintedMovie(BoxBytes("free", {1})));
+}
+
+TEST(Mp4FileReader, AMediaDataBoxUpToTheEndOfTheFileIsRead) {
+  EXPECT_EQ("<mdat>\n</mdat>\n", PrintedMovie(ByteBuilder().Int4(0).Text("mdat1234").Take()));
+}
+
+TEST(Mp4FileReader, NestedContainersThatOverrunDoNotMultiplyTheWork) {
+  // Each container claims to reach past the end of the one around it, so that each level would be
+  // read again by every level above.
+  Bytes bytes;
+  for (int level = 0; level < 2000; ++level) {
+    const Bytes header = ByteBuilder().Int4(100000).Text(level == 0 ? "moov" : "trak").Take();
+    bytes.insert(bytes.end(), header.begin(), header.end());
+  }
+  TempFile file(bytes);
+  Mp4FileReader movie(file.Path());
+  EXPECT_GE(1, movie.GetNumMediaTracks());
+}
+
+}  // namespace

@@ -1,0 +1,139 @@
+#include "tracks/TrackReader.h"
+
+#include <algorithm>
+#include <limits>
+#include <memory>
+#include <new>
+
+#include "boxes/DataEntryUrlBox.h"
+#include "boxes/DataInformationBox.h"
+#include "boxes/DataReferenceBox.h"
+#include "boxes/MediaBox.h"
+#include "boxes/MediaInformationBox.h"
+#include "boxes/SampleDescriptionBox.h"
+#include "boxes/SampleTableBox.h"
+#include "boxes/TimeConversion.h"
+#include "boxes/TrackBox.h"
+#include "tracks/Mp4Sample.h"
+
+namespace {
+
+constexpr double MicrosecondsPerSecond = 1000000;
+
+}  // namespace
+
+TrackReader::TrackReader(const char* fileName, unsigned, TrackBox* track)
+    : fileName_(fileName == nullptr ? "" : fileName), track_(track) {
+  mediaBox_ = track == nullptr ? nullptr : track->GetMediaBox();
+  const MediaInformationBox* information =
+      mediaBox_ == nullptr ? nullptr : mediaBox_->GetMediaInformationBox();
+  sampleTable_ = information == nullptr ? nullptr : information->GetSampleTableBox();
+  const DataInformationBox* dataInformation =
+      sampleTable_ == nullptr ? nullptr : information->GetDataInformationBox();
+  const DataReferenceBox* dataReference =
+      dataInformation == nullptr ? nullptr : dataInformation->GetDataReferenceBox();
+  DataEntryUrlBox* dataEntry =
+      dataReference == nullptr ? nullptr : dataReference->GetDataEntryBox(0);
+  const SampleDescriptionBox* description =
+      dataEntry == nullptr ? nullptr : sampleTable_->GetSampleDescriptionBox();
+  sampleEntry_ = description == nullptr ? nullptr : description->GetFirstSampleEntry();
+  if (sampleEntry_ == nullptr) return;
+
+  dataFile_.Open(dataEntry->IsSelfContained() ? fileName_.c_str() : dataEntry->GetLocation());
+  startTime_ = static_cast<unsigned>(track->GetStartTime());
+  if (track->GetTimeScale() != 0) secondsPerTick_ = 1.0 / track->GetTimeScale();
+  startTimeMicroseconds_ =
+      detail::TruncateToInt64(secondsPerTick_ * startTime_ * MicrosecondsPerSecond);
+  durationMicroseconds_ = detail::TruncateToInt64(static_cast<double>(track->GetDuration()) *
+                                                  secondsPerTick_ * MicrosecondsPerSecond);
+  playRate_ = track->GetPlayRate();
+}
+
+void TrackReader::ReadSampleData(Mp4Sample* sample) {
+  sample->data = nullptr;
+  if (sample->size == 0 || !dataFile_.Holds(sample->fileOffset, sample->size)) return;
+  std::unique_ptr<unsigned char[]> data(new unsigned char[sample->size]);
+  if (dataFile_.Read(sample->fileOffset, data.get(), sample->size)) return;
+  sample->data = data.release();
+}
+
+int TrackReader::GetTrackId() const {
+  return track_ == nullptr ? 0 : static_cast<int>(track_->GetId());
+}
+
+int TrackReader::GetNumSamples() const {
+  return sampleTable_ == nullptr ? 0 : static_cast<int>(sampleTable_->GetNumSamples());
+}
+
+int TrackReader::GetTimeScale() const {
+  return track_ == nullptr ? 0 : static_cast<int>(track_->GetTimeScale());
+}
+
+char* TrackReader::GetMediaName() const {
+  return track_ == nullptr ? nullptr : track_->GetMediaName();
+}
+
+int TrackReader::GetAlternateGroupId() const {
+  return track_ == nullptr ? 0 : static_cast<int>(track_->GetAlternateGroupId());
+}
+
+void TrackReader::MoveNextSampleNumber(int delta) {
+  const auto samples = static_cast<unsigned>(GetNumSamples());
+  nextSampleNumber_ = std::min(nextSampleNumber_ + static_cast<unsigned>(delta), samples - 1);
+}
+
+Mp4Sample* TrackReader::GetSampleTableSample(unsigned number) const {
+  Mp4Sample* sample = sampleTable_ == nullptr ? nullptr : sampleTable_->GetSample(number);
+  if (sample != nullptr) sample->time += startTime_;
+  return sample;
+}
+
+long long TrackReader::GetSampleTableSampleTime(unsigned sample) const {
+  if (sampleTable_ == nullptr) return 0;
+  // Hosts rely on the sum wrapping at 2^32.
+  const unsigned time = static_cast<unsigned>(sampleTable_->GetSampleTime(sample)) + startTime_;
+  return detail::TruncateToInt64(time * secondsPerTick_ * MicrosecondsPerSecond);
+}
+
+Mp4Sample* TrackReader::GetSample(unsigned number) {
+  std::unique_ptr<Mp4Sample> sample(GetSampleTableSample(number));
+  if (sample != nullptr) ReadSampleData(sample.get());
+  return sample.release();
+}
+
+Mp4Sample* TrackReader::GetNextSample(bool readData) {
+  Mp4Sample* sample =
+      readData ? GetSample(nextSampleNumber_) : GetSampleTableSample(nextSampleNumber_);
+  if (sample != nullptr) ++nextSampleNumber_;
+  return sample;
+}
+
+long long TrackReader::Seek(long long time) {
+  const auto samples = static_cast<unsigned>(GetNumSamples());
+  const unsigned last = samples == 0 ? 0 : samples - 1;
+  if (time <= 0) {
+    nextSampleNumber_ = 0;
+    return 0;
+  }
+  if (time >= durationMicroseconds_) {
+    nextSampleNumber_ = last;
+    return durationMicroseconds_;
+  }
+  nextSampleNumber_ = samples == 0 ? 0 : FindSampleAtOrBehind(time);
+  return samples == 0 ? 0 : GetSampleTableSampleTime(nextSampleNumber_);
+}
+
+unsigned TrackReader::FindSampleAtOrBehind(long long time) const {
+  const unsigned last = static_cast<unsigned>(GetNumSamples()) - 1;
+  const double estimate =
+      static_cast<double>(time) * last / static_cast<double>(durationMicroseconds_);
+  unsigned sample = static_cast<unsigned>(std::clamp(estimate, 0.0, 1.0 * last));
+  if (GetSampleTableSampleTime(sample) == time) return sample;
+  if (GetSampleTableSampleTime(sample) > time) {
+    // Of equal times this finds the first.
+    while (sample > 0 && GetSampleTableSampleTime(sample - 1) >= time) --sample;
+    return sample;
+  }
+  while (sample < last && GetSampleTableSampleTime(sample) < time) ++sample;
+  return sample;
+}

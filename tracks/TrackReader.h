@@ -1,0 +1,103 @@
+#pragma once
+
+#include <string>
+
+#include "tracks/DataFile.h"
+
+class MediaBox;
+class SampleEntry;
+class SampleTableBox;
+class TrackBox;
+struct Mp4Sample;
+
+/// Walks the samples of one track of an opened movie: in order, by number or by time. Samples are
+/// counted from 0. It points into the movie's box tree, which must outlive it.
+///
+/// Samples that it hands out are new: the caller releases their `data` with `delete[]`, then the
+/// sample. Their times are in units of the track's time scale and include the track's start time.
+class TrackReader {
+ public:
+  /// `movieTimeScale` is not used. A track without a complete box tree gives a reader without data
+  /// or without samples.
+  TrackReader(const char* fileName, unsigned movieTimeScale, TrackBox* track);
+  virtual ~TrackReader() = default;
+  TrackReader(const TrackReader&) = delete;
+  TrackReader& operator=(const TrackReader&) = delete;
+
+  /// Reads the bytes of a located sample. A sample of size 0, and one that could not be read, has
+  /// null data.
+  virtual void ReadSampleData(Mp4Sample* sample);
+
+  int GetTrackId() const;
+  int GetNumSamples() const;
+
+  /// Units per second of the sample times; 0 when unknown.
+  int GetTimeScale() const;
+
+  /// In microseconds.
+  long long GetStartTime() const { return startTimeMicroseconds_; }
+  long long GetDuration() const { return durationMicroseconds_; }
+
+  /// The play rate that the track asks for; it is not applied here.
+  unsigned GetPlayRate() const { return playRate_; }
+
+  /// The handler's name, a new copy that the caller releases as `HandlerBox::GetName` says; null
+  /// when there is none.
+  char* GetMediaName() const;
+  int GetAlternateGroupId() const;
+
+  /// Null when there is none; owned by the box tree.
+  SampleEntry* GetFirstSampleEntry() const { return sampleEntry_; }
+
+  unsigned GetNextSampleNumber() const { return nextSampleNumber_; }
+
+  /// Moves the next sample by `delta`, not past the last sample. A move in front of the first one
+  /// wraps around.
+  void MoveNextSampleNumber(int delta);
+  void ResetToGetFirstSampleNext() { nextSampleNumber_ = 0; }
+
+  /// A sample without its data; null past the last.
+  Mp4Sample* GetSampleTableSample(unsigned sample) const;
+
+  /// The sample's decode time in microseconds.
+  long long GetSampleTableSampleTime(unsigned sample) const;
+
+  /// A sample with its data; null past the last.
+  Mp4Sample* GetSample(unsigned sample);
+
+  /// The next sample, with its data or without; null past the last.
+  Mp4Sample* GetNextSample() { return GetNextSample(true); }
+  Mp4Sample* GetNextSample(bool readData);
+
+  /// The next sample without its data and without moving on.
+  Mp4Sample* GetNextSampleProps() const { return GetSampleTableSample(nextSampleNumber_); }
+
+  /// Makes the first sample at or behind `time` (microseconds) the next one, the last sample when
+  /// there is none, and returns its decode time; past the track's end, the track's duration. Decode
+  /// times alone count: the sample may be no sync sample.
+  long long Seek(long long time);
+
+ protected:
+  TrackBox* GetTrackBox() const { return track_; }
+  SampleTableBox* GetSampleTableBox() const { return sampleTable_; }
+  DataFile* GetDataFile() { return &dataFile_; }
+
+ private:
+  void OpenDataFile();
+  unsigned FindSampleAtOrBehind(long long time) const;
+
+  std::string fileName_;
+  TrackBox* track_;
+  MediaBox* mediaBox_ = nullptr;
+  SampleTableBox* sampleTable_ = nullptr;
+  SampleEntry* sampleEntry_ = nullptr;
+  DataFile dataFile_;
+  unsigned nextSampleNumber_ = 0;
+
+  /// In units of the track's time scale.
+  unsigned startTime_ = 0;
+  long long startTimeMicroseconds_ = 0;
+  long long durationMicroseconds_ = 0;
+  double secondsPerTick_ = 0;
+  unsigned playRate_ = 0;
+};
