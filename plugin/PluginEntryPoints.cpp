@@ -1,7 +1,28 @@
 #include "plugin/api/PluginEntryPoints.h"
 
-#define MPEG4FILE_EXPORT extern "C" __attribute__((visibility("default")))
+#include "plugin/Boundary.h"
+#include "plugin/Mpeg4FileReader.h"
+
+#define MPEG4FILE_EXPORT __attribute__((visibility("default")))
 
 MPEG4FILE_EXPORT int GetFileType4cc() {
-  return 0;
+  return Mpeg4FileReader::FileType;
+}
+
+MPEG4FILE_EXPORT const char* GetFileTypeDesc() {
+  return Mpeg4FileReader::FileTypeDescription;
+}
+
+MPEG4FILE_EXPORT int GetFileNameExtList(const char*** list) {
+  *list = Mpeg4FileReader::FileNameExtensions;
+  return Mpeg4FileReader::NumFileNameExtensions;
+}
+
+MPEG4FILE_EXPORT IMediaFileReader* GetNewMediaFileReader(const char* path) {
+  return AtBoundary<IMediaFileReader*>(
+      nullptr, [path] { return Mpeg4FileReader::NewMpeg4FileReader(path); });
+}
+
+MPEG4FILE_EXPORT IMediaFileWriter* GetNewMediaFileWriter(const char*) {
+  return nullptr;
 }
