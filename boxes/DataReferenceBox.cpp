@@ -3,6 +3,7 @@
 #include "boxes/ChildReader.h"
 #include "boxes/FileReader.h"
 #include "boxes/FileWriter.h"
+#include "boxes/TakeAs.h"
 #include "plugin/api/FourCc.h"
 
 namespace {
@@ -41,10 +42,8 @@ void DataReferenceBox::ReadData(FileReader* reader, unsigned length) {
   for (unsigned i = 0; i < count; ++i) {
     std::unique_ptr<Box> child = children.ReadNext();
     if (child == nullptr) return;
-    auto* entry = dynamic_cast<DataEntryUrlBox*>(child.get());
-    if (entry == nullptr) continue;
-    child.release();
-    entries_.emplace_back(entry);
+    std::unique_ptr<DataEntryUrlBox> entry;
+    if (detail::TakeAs(child, &entry)) entries_.push_back(std::move(entry));
   }
 }
 

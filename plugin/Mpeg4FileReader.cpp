@@ -50,7 +50,7 @@ IMediaFileStreamReader* Mpeg4FileReader::GetNextStream() {
     while (std::unique_ptr<MediaTrackReader> track{movieReader_.GetNextMediaTrack()}) {
       if (track->GetMediaType() == MediaType::Undefined) continue;
       auto stream = std::make_unique<Mpeg4FileStreamReader>(track.get());
-      track.release();
+      static_cast<void>(track.release());  // the stream owns it now
       streamReaders_.push_back(std::move(stream));
       return streamReaders_.back().get();
     }

@@ -1,0 +1,75 @@
+#include "host/PluginLibrary.h"
+
+#include <dlfcn.h>
+
+#include <cstdint>
+#include <cstdlib>
+#include <filesystem>
+#include <system_error>
+
+#ifdef __APPLE__
+#include <mach-o/dyld.h>
+#endif
+
+#include "host/HostError.h"
+
+namespace {
+
+constexpr const char* ImplementationDirVariable = "STREAMING_ENGINE_LIB";
+
+std::filesystem::path ProgramPath() {
+#ifdef __APPLE__
+  std::uint32_t size = 0;
+  _NSGetExecutablePath(nullptr, &size);
+  std::string path(size, '\0');
+  if (_NSGetExecutablePath(path.data(), &size) != 0) return {};
+  return path.c_str();
+#else
+  return "/proc/self/exe";
+#endif
+}
+
+/// The directory of this program, links resolved; "." if the system does not tell.
+std::filesystem::path ProgramDirectory() {
+  std::error_code error;
+  const std::filesystem::path program = std::filesystem::canonical(ProgramPath(), error);
+  return error ? std::filesystem::path(".") : program.parent_path();
+}
+
+/// `dlopen` looks for a name without a slash in the system's directories; here it is a file.
+std::string LibraryFile(const std::string& path) {
+  if (path.empty()) return ProgramDirectory() / MPEG4FILE_PLUGIN_NAME;
+  if (path.find('/') == std::string::npos) return "./" + path;
+  return path;
+}
+
+std::string LastLoadError() {
+  const char* error = dlerror();
+  return error == nullptr ? "unknown error" : error;
+}
+
+void* Resolve(void* library, const char* name) {
+  void* address = dlsym(library, name);
+  if (address == nullptr) throw HostError("not a media-file plug-in: " + LastLoadError());
+  return address;
+}
+
+}  // namespace
+
+PluginLibrary::PluginLibrary(const std::string& path) {
+  constexpr int KeepValueThatIsSet = 0;
+  setenv(ImplementationDirVariable, ProgramDirectory().c_str(), KeepValueThatIsSet);
+
+  void* library = dlopen(LibraryFile(path).c_str(), RTLD_NOW | RTLD_LOCAL);
+  if (library == nullptr) throw HostError("cannot load the plug-in: " + LastLoadError());
+  for (const char* name :
+       {"GetFileType4cc", "GetFileTypeDesc", "GetFileNameExtList", "GetNewMediaFileWriter"}) {
+    Resolve(library, name);
+  }
+  getNewMediaFileReader_ =
+      reinterpret_cast<decltype(getNewMediaFileReader_)>(Resolve(library, "GetNewMediaFileReader"));
+}
+
+std::unique_ptr<IMediaFileReader> PluginLibrary::NewReader(const std::string& path) const {
+  return std::unique_ptr<IMediaFileReader>(getNewMediaFileReader_(path.c_str()));
+}

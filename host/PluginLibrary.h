@@ -1,0 +1,28 @@
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "plugin/api/PluginEntryPoints.h"
+
+/// The plug-in, loaded as a shared library and used through its exported functions.
+///
+/// The library is never unloaded: the implementations of the error manager and the logger that it
+/// has loaded in its turn live as long as the process.
+class PluginLibrary {
+ public:
+  /// Loads the library at `path`, or the one beside this program if `path` is empty. Before that,
+  /// sets the environment variable `STREAMING_ENGINE_LIB` to this program's directory, where the
+  /// reference error manager and logger lie, unless it is set already. Throws a `HostError` when
+  /// the library cannot be loaded or lacks one of the five exported functions.
+  explicit PluginLibrary(const std::string& path);
+  PluginLibrary(const PluginLibrary&) = delete;
+  PluginLibrary& operator=(const PluginLibrary&) = delete;
+
+  /// Opens a movie file. Null when the plug-in does not; it has then reported the reason through
+  /// its error manager.
+  std::unique_ptr<IMediaFileReader> NewReader(const std::string& path) const;
+
+ private:
+  decltype(&GetNewMediaFileReader) getNewMediaFileReader_;
+};

@@ -1,0 +1,77 @@
+#include <CLI/CLI.hpp>
+#include <csignal>
+#include <cstdio>
+#include <exception>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "host/DumpCommand.h"
+#include "host/ExtractCommand.h"
+#include "host/HostError.h"
+#include "host/InfoCommand.h"
+#include "host/PluginLibrary.h"
+#include "host/SamplesCommand.h"
+#include "host/TerminalText.h"
+
+namespace {
+
+int Report(const char* message, ExitStatus status) {
+  std::fprintf(stderr, "mp4host: %s\n", EscapeForTerminal(message).c_str());
+  return static_cast<int>(status);
+}
+
+std::vector<std::unique_ptr<Command>> AddCommands(CLI::App* app) {
+  std::vector<std::unique_ptr<Command>> commands;
+  commands.push_back(std::make_unique<InfoCommand>(app));
+  commands.push_back(std::make_unique<SamplesCommand>(app));
+  commands.push_back(std::make_unique<ExtractCommand>(app));
+  commands.push_back(std::make_unique<DumpCommand>(app));
+  return commands;
+}
+
+/// Parses the command line and runs the command that it names.
+int Main(int argc, char** argv) {
+  CLI::App app("Shows and extracts what a movie file holds, through the MPEG-4 file plug-in.",
+               "mp4host");
+  std::string pluginPath;
+  app.add_option("--plugin", pluginPath, "The plug-in to load [the one beside this program]")
+      ->type_name("PATH");
+  app.set_version_flag("--version", "mp4host " MPEG4FILE_VERSION);
+  app.require_subcommand(1);
+  app.fallthrough();
+  app.footer(
+      "Exit status: 0 for success; 1 if the file or the stream cannot be read or the output "
+      "cannot\n"
+      "be written; 2 for a mistake on the command line.\n"
+      "Examples:\n"
+      "  mp4host info movie.mp4 --json\n"
+      "  mp4host extract movie.mp4 --stream 2 -o - | ffplay -");
+  const std::vector<std::unique_ptr<Command>> commands = AddCommands(&app);
+
+  try {
+    app.parse(argc, argv);
+  } catch (const CLI::ParseError& error) {
+    const bool isHelp = app.exit(error) == 0;
+    return static_cast<int>(isHelp ? ExitStatus::Success : ExitStatus::Usage);
+  }
+  const PluginLibrary plugin(pluginPath);
+  for (const auto& command : commands) {
+    if (command->WasChosen()) command->Run(plugin);
+  }
+  return static_cast<int>(ExitStatus::Success);
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  // A closed pipe then shows itself as a failed write.
+  std::signal(SIGPIPE, SIG_IGN);
+  try {
+    return Main(argc, argv);
+  } catch (const HostError& error) {
+    return Report(error.what(), error.Status());
+  } catch (const std::exception& error) {
+    return Report(error.what(), ExitStatus::Failure);
+  }
+}

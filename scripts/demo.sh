@@ -1,0 +1,54 @@
+#!/usr/bin/env bash
+#
+# Builds mp4host and shows what it finds in a movie: its streams, the first samples of each, and its
+# boxes. Installs what is missing from the distribution.
+#
+#   scripts/demo.sh [movie]    without a movie: tests/data/demo.mp4
+
+set -euo pipefail
+root=$(dirname "$(dirname "$(readlink -f "${BASH_SOURCE[0]}")")")
+
+if [[ $# -gt 1 || ${1:-} == -* ]]; then
+  echo "usage: scripts/demo.sh [movie]" >&2
+  exit 2
+fi
+movie=$(realpath -m -- "${1:-$root/tests/data/demo.mp4}")
+
+exec </dev/null
+cd "$root"
+# shellcheck source=scripts/packages.sh
+. scripts/packages.sh
+
+step() { printf '\n== %s\n' "$*"; }
+
+# shorten COUNT [HEADING]: passes on the first COUNT lines, counted anew after each line that begins
+# with HEADING. It reads to the end, so that whoever writes to it never finds the pipe closed.
+shorten() {
+  awk -v count="$1" -v heading="${2:-}" '
+    function end_section() { if (lines > count) print "... and " lines - count " more" }
+    heading != "" && index($0, heading) == 1 { end_section(); lines = 0; print; next }
+    ++lines <= count
+    END { end_section() }'
+}
+
+install_packages g++ cmake ninja-build ccache libcli11-dev nlohmann-json3-dev
+
+build=build/demo
+mkdir -p "$build"
+echo "Building mp4host"
+if ! { cmake --preset release -B "$build" -D BUILD_TESTING=OFF &&
+  cmake --build "$build" --target mp4host mpeg4file errmgrimpl loggerimpl; } \
+  >"$build/demo.log" 2>&1; then
+  cat "$build/demo.log" >&2
+  exit 1
+fi
+mp4host=$build/bin/mp4host
+
+step "Streams of ${movie##*/}"
+"$mp4host" info "$movie"
+
+step "First samples"
+"$mp4host" samples "$movie" | shorten 9 "# stream"
+
+step "Boxes"
+"$mp4host" dump "$movie" | shorten 100

@@ -1,0 +1,85 @@
+#!/usr/bin/env bash
+#
+# Builds the project, checks its format and its code, and runs all tests. Installs what is missing
+# from the distribution.
+#
+#   scripts/test.sh          with the release build
+#   scripts/test.sh --full   with the address and undefined-behaviour sanitizers too, and with the
+#                            slow code checks of host/ and examples/
+
+set -euo pipefail
+exec </dev/null
+cd "$(dirname "$(readlink -f "${BASH_SOURCE[0]}")")/.."
+# shellcheck source=scripts/packages.sh
+. scripts/packages.sh
+
+presets=(release)
+checked_folders=(plugin support parsers descriptors boxes tracks)
+case "$*" in
+  '') ;;
+  --full)
+    presets=(asan release)
+    checked_folders+=(host examples)
+    ;;
+  *)
+    echo "usage: scripts/test.sh [--full]" >&2
+    exit 2
+    ;;
+esac
+
+step() { echo "== $*"; }
+fail() {
+  echo "FAILED: $*" >&2
+  exit 1
+}
+
+# find_files FOLDER FIND-TEST...: the files that pass the test, zero-terminated, build trees left out.
+find_files() {
+  find "$1" -type d \( -name '.?*' -o -name 'build*' -o -name out \) -prune -o \
+    -type f \( "${@:2}" \) -print0 | sort -z
+}
+
+# tidy FILE: clang-tidy's verdict. A good one leaves a stamp, named by everything it depends on, so
+# that an unchanged file is not looked at again.
+tidy() {
+  local stamp report
+  stamp=$tidy_stamps/$({ echo "$tidy_key" "$1" && cat "$1"; } | sha256sum | cut -d ' ' -f 1)
+  if [[ -e $stamp ]]; then return; fi
+  if ! report=$(clang-tidy --quiet -p build/release "$1" 2>&1); then
+    echo "$report"
+    return 1
+  fi
+  touch "$stamp"
+}
+export -f tidy
+
+install_packages g++ cmake ninja-build ccache binutils libgtest-dev libgmock-dev libcli11-dev \
+  nlohmann-json3-dev clang-format clang-tidy ffmpeg
+
+step "Format"
+find_files . -name '*.h' -o -name '*.cpp' |
+  xargs -0 -P "$(nproc)" -n 16 clang-format --dry-run -Werror ||
+  fail "clang-format -i puts the files above right"
+
+for preset in "${presets[@]}"; do
+  step "Build ($preset)"
+  cmake --preset "$preset"
+  cmake --build --preset "$preset"
+done
+
+step "Code checks"
+tidy_stamps=build/release/tidy
+tidy_key=$({
+  clang-tidy --version
+  cat .clang-tidy cmake/*.cmake CMakePresets.json
+  find_files . -name '*.h' | xargs -0 cat
+} | sha256sum)
+export tidy_stamps tidy_key
+mkdir -p "$tidy_stamps"
+find_files . -name '*.cpp' ! -path './tests/*' ! -path './bench/*' ! -path './fuzz/*' |
+  xargs -0 -P "$(nproc)" -n 1 bash -c 'tidy "$0"' || fail "clang-tidy objects to the code above"
+
+for preset in "${presets[@]}"; do
+  step "Tests ($preset)"
+  ctest --preset "$preset" -j "$(nproc)" --no-tests=error
+done

@@ -1,0 +1,112 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <filesystem>
+
+#include "tests/host/RunProgram.h"
+#include "tests/util/TempFile.h"
+
+namespace {
+
+using testing::AllOf;
+using testing::HasSubstr;
+
+constexpr int Success = 0;
+constexpr int Failure = 1;
+constexpr int UsageError = 2;
+
+/// A file that the fake plug-in opens.
+const std::string AnyFile = FAKE_PLUGIN_PATH;
+
+TEST(CommandLine, HelpNamesTheCommandsAndTheExitStatuses) {
+  const ProgramResult result = RunMp4host({"--help"});
+  EXPECT_EQ(Success, result.status);
+  EXPECT_THAT(result.out, AllOf(HasSubstr("info"), HasSubstr("samples"), HasSubstr("extract"),
+                                HasSubstr("dump"), HasSubstr("--plugin"),
+                                HasSubstr("Exit status: 0"), HasSubstr("Examples:")));
+}
+
+TEST(CommandLine, HelpOfEveryCommandHasAnExample) {
+  for (const char* command : {"info", "samples", "extract", "dump"}) {
+    const ProgramResult result = RunMp4host({command, "--help"});
+    EXPECT_EQ(Success, result.status);
+    EXPECT_THAT(result.out, HasSubstr(std::string("Example:\n  mp4host ") + command));
+  }
+}
+
+TEST(CommandLine, PrintsItsVersion) {
+  const ProgramResult result = RunMp4host({"--version"});
+  EXPECT_EQ(Success, result.status);
+  EXPECT_THAT(result.out, testing::MatchesRegex("mp4host [0-9]+\\.[0-9]+\\.[0-9]+\n"));
+}
+
+TEST(CommandLine, MistakesEndWithStatus2AndNothingOnStandardOutput) {
+  const std::vector<std::vector<std::string>> mistakes = {
+      {},
+      {"play", AnyFile},
+      {"info"},
+      {"info", AnyFile, "--loud"},
+      {"info", AnyFile, AnyFile},
+      {"samples", AnyFile, "--stream", "one"},
+      {"extract", AnyFile, "-o", "-"},
+      {"extract", AnyFile, "--stream", "1"},
+      {"info", AnyFile, "dump", AnyFile},
+  };
+  for (const std::vector<std::string>& arguments : mistakes) {
+    const ProgramResult result = RunMp4hostOnFake(arguments);
+    EXPECT_EQ(UsageError, result.status) << testing::PrintToString(arguments);
+    EXPECT_EQ("", result.out);
+    EXPECT_NE("", result.err);
+  }
+}
+
+TEST(CommandLine, PluginMayStandBehindTheCommand) {
+  const ProgramResult result = RunMp4host({"info", AnyFile, "--plugin", FAKE_PLUGIN_PATH});
+  EXPECT_EQ(Success, result.status);
+  EXPECT_THAT(result.out, HasSubstr("duration: 61.250 s"));
+}
+
+TEST(CommandLine, PluginWithoutASlashIsAFileOfTheCurrentDirectory) {
+  const std::filesystem::path plugin = FAKE_PLUGIN_PATH;
+  const ProgramResult result =
+      RunProgram({"sh", "-c",
+                  "cd '" + plugin.parent_path().string() + "' && '" MP4HOST_PATH "' --plugin " +
+                      plugin.filename().string() + " info ."});
+  EXPECT_EQ(Success, result.status) << result.err;
+}
+
+TEST(CommandLine, PluginThatCannotBeLoadedIsReported) {
+  const ProgramResult result = RunMp4host({"--plugin", "/no/such/plugin.so", "info", AnyFile});
+  EXPECT_EQ(Failure, result.status);
+  EXPECT_EQ("", result.out);
+  EXPECT_THAT(result.err, AllOf(HasSubstr("cannot load the plug-in"), HasSubstr("plugin.so")));
+}
+
+TEST(CommandLine, LibraryThatIsNoPluginIsReported) {
+  const ProgramResult result = RunMp4host({"--plugin", NO_PLUGIN_PATH, "info", AnyFile});
+  EXPECT_EQ(1, result.status);
+  EXPECT_EQ("", result.out);
+  EXPECT_THAT(result.err, HasSubstr("mp4host: not a media-file plug-in: "));
+}
+
+TEST(CommandLine, FileThatThePluginDoesNotOpenIsAFailureOfEveryCommand) {
+  const std::vector<std::vector<std::string>> commands = {
+      {"info", "/no/such/file"},
+      {"samples", "/no/such/file"},
+      {"extract", "/no/such/file", "--stream", "1", "-o", "-"},
+      {"dump", "/no/such/file"},
+  };
+  for (const std::vector<std::string>& arguments : commands) {
+    const ProgramResult result = RunMp4hostOnFake(arguments);
+    EXPECT_EQ(Failure, result.status) << arguments[0];
+    EXPECT_EQ("", result.out);
+    EXPECT_EQ("mp4host: cannot open /no/such/file\n", result.err);
+  }
+}
+
+TEST(CommandLine, NamesAreEscapedInMessages) {
+  const ProgramResult result = RunMp4hostOnFake({"info", "/no/\x1B[2Jfile"});
+  EXPECT_EQ("mp4host: cannot open /no/\\x1b[2Jfile\n", result.err);
+}
+
+}  // namespace

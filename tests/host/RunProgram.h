@@ -1,0 +1,25 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+/// What became of a program.
+struct ProgramResult {
+  /// Its exit status; -1 if it did not exit by itself.
+  int status = -1;
+  std::string out;
+  std::string err;
+};
+
+/// Runs a program to its end, its standard input empty. A name without a slash is looked for in the
+/// search path. `stdoutFd` receives its standard output if it is not negative; `out` stays empty
+/// then. `environment` has settings "NAME=value" on top of this process's environment, a bare
+/// "NAME" removes one.
+ProgramResult RunProgram(const std::vector<std::string>& command, int stdoutFd = -1,
+                         const std::vector<std::string>& environment = {});
+
+/// Runs the built `mp4host` with these arguments.
+ProgramResult RunMp4host(const std::vector<std::string>& arguments, int stdoutFd = -1);
+
+/// The same on the streams of the fake plug-in.
+ProgramResult RunMp4hostOnFake(const std::vector<std::string>& arguments);

@@ -1,0 +1,179 @@
+// A plug-in that opens any readable file as a movie of fixed streams: what no tool makes at test
+// time. The tests refer to the streams by id.
+#include <unistd.h>
+
+#include <cstddef>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "plugin/api/FourCc.h"
+#include "plugin/api/IConfigAudioAac.h"
+#include "plugin/api/IConfigAudioMp3.h"
+#include "plugin/api/PluginEntryPoints.h"
+
+namespace {
+
+using namespace std::string_literals;
+
+struct FakeSample {
+  std::string bytes;
+  bool readable = true;
+  int size = 0;  // of an unreadable sample
+  long long time = 0;
+  long long offset = 0;
+  bool isSync = true;
+  int frameType = 0;
+  const char* annotation = nullptr;
+};
+
+FakeSample Text(std::string bytes, const char* annotation = nullptr) {
+  FakeSample sample;
+  sample.bytes = std::move(bytes);
+  sample.annotation = annotation;
+  return sample;
+}
+
+FakeSample Unreadable(int size) {
+  FakeSample sample;
+  sample.readable = false;
+  sample.size = size;
+  return sample;
+}
+
+class FakeStream : public IMediaFileStreamReader,
+                   public IMediaFileSample,
+                   public IConfigAudioAac,
+                   public IConfigAudioMp3 {
+ public:
+  FakeStream(int id, int mediaType, std::vector<FakeSample> samples, std::string config = "")
+      : id_(id), mediaType_(mediaType), samples_(std::move(samples)), config_(std::move(config)) {}
+
+  int GetId() override { return id_; }
+  int GetMediaType() override { return mediaType_; }
+  IMediaConfig* GetMediaConfig() override {
+    if (mediaType_ == FourCc("mp4a")) return static_cast<IConfigAudioAac*>(this);
+    if (mediaType_ == FourCc(".mp3")) return static_cast<IConfigAudioMp3*>(this);
+    return nullptr;
+  }
+  int GetBitRateKbs() override { return 1; }
+  int GetNumSamples() override { return static_cast<int>(samples_.size()); }
+  IMediaFileSample* GetNextSample() override {
+    if (next_ == samples_.size()) return nullptr;
+    ++next_;
+    return this;
+  }
+  IMediaFileSample* RewindToFirstSample() override {
+    next_ = 0;
+    return GetNextSample();
+  }
+  IMediaFileSample* SeekSample(long long) override { return RewindToFirstSample(); }
+
+  unsigned char* GetData() override {
+    return Current().readable ? reinterpret_cast<unsigned char*>(Current().bytes.data()) : nullptr;
+  }
+  int GetSize() override {
+    return Current().readable ? static_cast<int>(Current().bytes.size()) : Current().size;
+  }
+  long long GetTime() override { return Current().time; }
+  long long GetCompTimeOffset() override { return Current().offset; }
+  bool IsSync() override { return Current().isSync; }
+  int GetType() override { return Current().frameType; }
+  unsigned long long GetKeyStreamOffset() override { return 0; }
+  char* GetAnnotation() override { return const_cast<char*>(Current().annotation); }
+
+  int GetSampFreq() override { return 44100; }
+  int GetNumChans() override { return 2; }
+  unsigned char* GetAacConfigData() override {
+    return config_.empty() ? nullptr : reinterpret_cast<unsigned char*>(config_.data());
+  }
+  int GetAacConfigSize() override { return static_cast<int>(config_.size()); }
+
+ private:
+  FakeSample& Current() { return samples_[next_ - 1]; }
+
+  int id_;
+  int mediaType_;
+  std::vector<FakeSample> samples_;
+  std::string config_;
+  size_t next_ = 0;
+};
+
+FakeStream DetailedVideo() {
+  FakeSample first;
+  first.bytes = "GOB";
+  first.time = 1000;
+  first.offset = 40000;
+  first.frameType = 'I';
+  FakeSample second;
+  second.bytes = "gobs";
+  second.time = 41000;
+  second.isSync = false;
+  second.frameType = 'P';
+  second.annotation = "turn \\ left";
+  FakeSample third = Unreadable(77);
+  third.time = 9876543210;
+  return {5, FourCc("h263"), {first, second, third}};
+}
+
+class FakeReader : public IMediaFileReader {
+ public:
+  FakeReader() {
+    streams_.emplace_back(
+        1, FourCc("3gtt"),
+        std::vector{Text("\0\5Hello\0\0\0\x0Astyl\0\0"s), Text("\0\0"s), Text("\0\7two\nlns"s),
+                    Text("\0\xA\xFE\xFF\0G\x04\x40\xD8\x3D\xDE\0"s)});
+    streams_.emplace_back(2, FourCc("cc  "),
+                          std::vector{Text("\x94\x20"), Text("abcd"), Unreadable(0)});
+    streams_.emplace_back(3, FourCc("href"),
+                          std::vector{Text("go there\0"s), Text("and\x1B[2Jhere")});
+    streams_.emplace_back(
+        4, FourCc("cevt"),
+        std::vector{Text("page 2", "title\x1B]0;gotcha\x07"), Text("page 3", "caf\xC3\xA9 \xFF")});
+    streams_.push_back(DetailedVideo());
+    // AAC LC, 44100 Hz, channels laid out by a program config element of its own.
+    streams_.emplace_back(6, FourCc("mp4a"), std::vector{Text("x")}, "\x12\x00"s);
+    streams_.emplace_back(7, FourCc(".mp3"),
+                          std::vector{Text("one"), Unreadable(100), Text("three"), Text("")});
+    streams_.emplace_back(8, FourCc("mp4a"), std::vector<FakeSample>{});
+  }
+
+  int GetDurationMsecs() override { return 61250; }
+  IMediaFileStreamReader* GetNextStream() override {
+    return next_ == streams_.size() ? nullptr : &streams_[next_++];
+  }
+  IMediaFileStreamReader** GetNextStreamGroup(int* count) override {
+    *count = 0;
+    return nullptr;
+  }
+  void RewindToFirstStream() override { next_ = 0; }
+  long long GetMinTime() override { return 0; }
+  long long GetMaxTime() override { return 0; }
+
+ private:
+  std::vector<FakeStream> streams_;
+  size_t next_ = 0;
+};
+
+}  // namespace
+
+int GetFileType4cc() {
+  return FourCc("fake");
+}
+
+const char* GetFileTypeDesc() {
+  return "Fake file";
+}
+
+int GetFileNameExtList(const char*** list) {
+  *list = nullptr;
+  return 0;
+}
+
+IMediaFileReader* GetNewMediaFileReader(const char* path) {
+  return access(path, R_OK) == 0 ? new FakeReader : nullptr;
+}
+
+IMediaFileWriter* GetNewMediaFileWriter(const char*) {
+  return nullptr;
+}

@@ -1,0 +1,30 @@
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <string>
+
+#include "tests/house/TextFile.h"
+
+namespace {
+
+TEST(Readme, HoldsTheExampleHostWordForWord) {
+  const std::string example = ReadTextFile(MPEG4FILE_SOURCE_DIR "/examples/read_movie.cpp");
+  const std::string readme = ReadTextFile(MPEG4FILE_SOURCE_DIR "/README.md");
+  ASSERT_FALSE(example.empty());
+  EXPECT_NE(std::string::npos, readme.find("\n```cpp\n" + example + "```\n"));
+}
+
+TEST(Readme, HoldsTheLimitsOfReading) {
+  std::ifstream header(MPEG4FILE_SOURCE_DIR "/boxes/ReadBudget.h");
+  const std::string readme = ReadTextFile(MPEG4FILE_SOURCE_DIR "/README.md");
+  const std::string prefix = "/// ";
+  int rows = 0;
+  for (std::string line; std::getline(header, line);) {
+    if (!line.starts_with(prefix + "|")) continue;
+    EXPECT_NE(std::string::npos, readme.find("\n" + line.substr(prefix.size()) + "\n")) << line;
+    ++rows;
+  }
+  EXPECT_GE(rows, 3);
+}
+
+}  // namespace

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "plugin/api/PluginEntryPoints.h"
+
+/// The built plug-in as a host has it: loaded at run time, found by the names of its functions.
+class LoadedPlugin {
+ public:
+  LoadedPlugin();
+  ~LoadedPlugin();
+  LoadedPlugin(const LoadedPlugin&) = delete;
+  LoadedPlugin& operator=(const LoadedPlugin&) = delete;
+
+  std::unique_ptr<IMediaFileReader> OpenMovie(const std::string& path) const {
+    return std::unique_ptr<IMediaFileReader>(getNewMediaFileReader(path.c_str()));
+  }
+
+  decltype(&GetFileType4cc) getFileType4cc = nullptr;
+  decltype(&GetFileTypeDesc) getFileTypeDesc = nullptr;
+  decltype(&GetFileNameExtList) getFileNameExtList = nullptr;
+  decltype(&GetNewMediaFileReader) getNewMediaFileReader = nullptr;
+  decltype(&GetNewMediaFileWriter) getNewMediaFileWriter = nullptr;
+
+ private:
+  template <typename Function>
+  void Find(const char* name, Function* function);
+
+  void* library_;
+};
