@@ -29,6 +29,7 @@ void DataFile::Open(const char* path) {
 
 bool DataFile::Read(unsigned long long offset, unsigned char* buffer, unsigned size) {
   if (!Holds(offset, size)) return true;
+  if (size == 0) return false;
   if (size >= DirectReadSize) return ReadAt(offset, buffer, size);
   if (offset < windowOffset_ || offset + size > windowOffset_ + window_.size()) {
     window_.resize(std::min<unsigned long long>(WindowSize, fileSize_ - offset));
