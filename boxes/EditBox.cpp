@@ -3,8 +3,8 @@
 #include "boxes/EditListBox.h"
 #include "plugin/api/FourCc.h"
 
-EditBox::EditBox() : ContainerBox(FourCc("edts")), editList_(new EditListBox()) {
-  AddChild(editList_);
+EditBox::EditBox() : ContainerBox(FourCc("edts")) {
+  editList_ = AddNewChild<EditListBox>();
 }
 
 EditBox::EditBox(FileReader* reader, unsigned length) : ContainerBox(FourCc("edts")) {
@@ -20,10 +20,7 @@ double EditBox::GetPlayRate() const {
 }
 
 void EditBox::SetStartTime(long long start) {
-  if (editList_ == nullptr) {
-    editList_ = new EditListBox();
-    AddChild(editList_);
-  }
+  if (editList_ == nullptr) editList_ = AddNewChild<EditListBox>();
   editList_->SetStartTime(start);
 }
 

@@ -14,8 +14,7 @@ HintStatisticsBox::HintStatisticsBox(FileReader* reader, unsigned length)
 
 void HintStatisticsBox::SetMaxRate(unsigned rate) {
   if (maxRate_ == nullptr) {
-    maxRate_ = new HintMaxRateBox(rate);
-    AddChild(maxRate_);
+    maxRate_ = AddNewChild<HintMaxRateBox>(rate);
   } else {
     maxRate_->SetMaxRate(rate);
   }

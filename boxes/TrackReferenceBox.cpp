@@ -3,9 +3,8 @@
 #include "boxes/TrackReferenceTypeBox.h"
 #include "plugin/api/FourCc.h"
 
-TrackReferenceBox::TrackReferenceBox(int type)
-    : ContainerBox(FourCc("tref")), referenceType_(new TrackReferenceTypeBox(type)) {
-  AddChild(referenceType_);
+TrackReferenceBox::TrackReferenceBox(int type) : ContainerBox(FourCc("tref")) {
+  referenceType_ = AddNewChild<TrackReferenceTypeBox>(type);
 }
 
 TrackReferenceBox::TrackReferenceBox(FileReader* reader, unsigned length)

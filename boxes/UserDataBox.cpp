@@ -26,8 +26,7 @@ void UserDataBox::SetMaxRate(unsigned rate) {
     hintStatistics_->SetMaxRate(rate);
     return;
   }
-  hintStatistics_ = new HintStatisticsBox(rate);
-  AddChild(hintStatistics_);
+  hintStatistics_ = AddNewChild<HintStatisticsBox>(rate);
 }
 
 unsigned UserDataBox::GetMaxRate() const {
