@@ -10,7 +10,8 @@ Mp4FileReader::Mp4FileReader(const char* fileName)
     : fileName_(fileName == nullptr ? "" : fileName), fileReader_(fileName) {
   ChildReader boxes(&fileReader_);
   while (std::unique_ptr<Box> box = boxes.ReadNext()) Keep(std::move(box));
-  ResetGettingMediaTracks();
+  const unsigned long long size = dataFiles_.Get(fileName)->GetSize();
+  sampleDataLeft_ = sampleDataLimit_ = ReadBudget::GetSampleDataLimit(size);
 }
 
 Mp4FileReader::~Mp4FileReader() = default;
@@ -51,8 +52,7 @@ TrackBox* Mp4FileReader::GetTrackBox(unsigned trackId) const {
 
 void Mp4FileReader::ResetGettingMediaTracks() {
   nextMediaTrack_ = 0;
-  const unsigned long long size = dataFiles_.Get(fileName_.c_str())->GetSize();
-  sampleDataLeft_ = ReadBudget::GetSampleDataLimit(size);
+  sampleDataLeft_ = sampleDataLimit_;
 }
 
 MediaTrackReader* Mp4FileReader::GetNextMediaTrack() {

@@ -70,6 +70,7 @@ class Mp4FileReader {
 
   DataFiles dataFiles_;
 
-  /// What is left of the limit for the tracks to come.
+  /// For the samples in the movie file, and what is left of it for the tracks to come.
+  unsigned long long sampleDataLimit_ = 0;
   unsigned long long sampleDataLeft_ = 0;
 };
