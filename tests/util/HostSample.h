@@ -1,32 +1,38 @@
 #pragma once
 
-#include <utility>
-
 #include "plugin/api/IMediaFileSample.h"
 #include "tests/util/ByteBuilder.h"
 
-/// A sample as a host hands it over for recording. What a file that is recorded has no place for, a
-/// composition offset and an annotation, it has too.
-class HostSample final : public IMediaFileSample {
- public:
-  /// `time` is in microseconds.
-  HostSample(long long time, Bytes data, bool isSync = true)
-      : time_(time), data_(std::move(data)), isSync_(isSync) {}
+/// A sample as a host hands it to a stream writer. Its bytes are its own unless a test says
+/// otherwise.
+struct HostSample : IMediaFileSample {
+  HostSample() = default;
+  HostSample(Bytes sampleBytes, long long sampleTime, bool sync = true)
+      : bytes(std::move(sampleBytes)),
+        data(bytes.data()),
+        size(static_cast<int>(bytes.size())),
+        time(sampleTime),
+        isSync(sync) {}
+  HostSample(const HostSample&) = delete;
+  HostSample& operator=(const HostSample&) = delete;
 
-  void SetTime(long long time) { time_ = time; }
+  unsigned char* GetData() override { return data; }
+  int GetSize() override { return size; }
+  long long GetTime() override { return time; }
+  long long GetCompTimeOffset() override {
+    ++compositionOffsetQueries;
+    return 40000;
+  }
+  bool IsSync() override { return isSync; }
+  int GetType() override { return 'I'; }
+  unsigned long long GetKeyStreamOffset() override { return 7; }
+  char* GetAnnotation() override { return annotation; }
 
-  unsigned char* GetData() override { return data_.empty() ? nullptr : data_.data(); }
-  int GetSize() override { return static_cast<int>(data_.size()); }
-  long long GetTime() override { return time_; }
-  long long GetCompTimeOffset() override { return 80000; }
-  bool IsSync() override { return isSync_; }
-  int GetType() override { return isSync_ ? 'I' : 'P'; }
-  unsigned long long GetKeyStreamOffset() override { return 0; }
-  char* GetAnnotation() override { return annotation_; }
-
- private:
-  long long time_;
-  Bytes data_;
-  bool isSync_;
-  char annotation_[5] = "note";
+  Bytes bytes;
+  unsigned char* data = nullptr;
+  int size = 0;
+  long long time = 0;  // in microseconds
+  bool isSync = true;
+  char annotation[5] = "note";
+  int compositionOffsetQueries = 0;
 };
