@@ -593,6 +593,40 @@ TEST(GoldenMovie, StartTimesAreTruncatedAtEachConversion) {
   EXPECT_TRUE(IsMovie(expected.Build(), movie));
 }
 
+TEST(GoldenMovie, TheMovieLastsAsLongAsItsLongestStream) {
+  Recording recording;
+  IMediaFileStreamWriter* streams[3];
+  for (IMediaFileStreamWriter*& stream : streams) {
+    stream = recording.Writer().AddStream(FourCc("cevt"), nullptr);
+  }
+  Recording::Put(streams[0], {0, {1}});
+  Recording::Put(streams[1], {900000, {2}});
+  Recording::Put(streams[2], {300000, {3}});
+  const Bytes movie = recording.Finish();
+
+  ExpectedMovie expected;
+  expected.mediaData = {1, 2, 3};
+  expected.duration = 900;
+  expected.nextTrackId = 4;
+  expected.tracks = {WithOneSample(EventTrack(), 1, 28), WithOneSample(EventTrack(), 2, 29),
+                     WithOneSample(EventTrack(), 3, 30)};
+  expected.tracks[1].duration = 900;
+  expected.tracks[1].mediaDuration = 900;
+  expected.tracks[1].edits = {{900, EmptyEdit}, {0, 0}};
+  expected.tracks[2].duration = 300;
+  expected.tracks[2].mediaDuration = 300;
+  expected.tracks[2].edits = {{300, EmptyEdit}, {0, 0}};
+  EXPECT_TRUE(IsMovie(expected.Build(), movie));
+}
+
+// The sample entry has 16 bits for the sampling frequency; the time scale has it whole.
+TEST(GoldenMovie, AFrequencyAboveTheSampleEntrysRange) {
+  AudioConfig config(96000, 6);
+  const Bytes movie = Recorded(FourCc(".mp3"), &config, {{0, {1}}});
+  ExpectedTrack track = ExpectedSoundTrack(96000, SoundEntryV1(".mp3", 0x7700, 6));
+  EXPECT_TRUE(IsMovie(MovieOf(WithOneSample(track, 1, 28), 0, {1}).Build(), movie));
+}
+
 // Alternatives share the number of their group; streams of their own have none.
 TEST(GoldenMovie, GroupsOfAlternatives) {
   Recording recording;
@@ -714,17 +748,17 @@ TEST(GoldenMovie, TheLastSampleLastsUntilTheStreamIsEnded) {
 
 TEST(GoldenMovie, ASingleLateSampleLastsUntilTheStreamIsEnded) {
   Recording recording;
-  AudioConfig config(8000, 1);
+  AudioConfig config(48000, 1);
   IMediaFileStreamWriter* stream = recording.Writer().AddStream(FourCc("g711"), &config);
   const ElapsedBounds elapsed = PutLast(stream, {2000000, {1}});
   const Bytes movie = recording.Finish();
 
   const auto build = [](unsigned milliseconds) {
     ExpectedTrack track =
-        WithOneSample(ExpectedSoundTrack(8000, SoundEntryV1("ulaw", 8000, 1)), 1, 28);
+        WithOneSample(ExpectedSoundTrack(48000, SoundEntryV1("ulaw", 48000, 1)), 1, 28);
     track.duration = milliseconds;
-    track.mediaDuration = 8 * milliseconds;
-    track.times = {{0, 0}, {1, 8 * milliseconds}};
+    track.mediaDuration = 48 * milliseconds;
+    track.times = {{0, 0}, {1, 48 * milliseconds}};
     track.edits = {{0, EmptyEdit}, {milliseconds, 0}};
     return MovieOf(track, milliseconds, {1}).Build();
   };

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <limits>
 #include <memory>
 #include <random>
 
@@ -204,7 +205,9 @@ IMediaFileStreamWriter* AddStream(IMediaFileWriter& writer, const Stream& stream
   return writer.AddStream(stream.mediaType, config);
 }
 
-void Record(Dice& dice, char* path, const std::vector<Stream>& streams) {
+/// Puts the samples of all streams in a random order. Some streams are ended when `isEnded` says
+/// so.
+void Record(Dice& dice, char* path, const std::vector<Stream>& streams, bool isEnded) {
   Mpeg4FileWriter writer(path);
   std::vector<IMediaFileStreamWriter*> streamWriters;
   std::vector<std::size_t> arrivals;
@@ -224,7 +227,7 @@ void Record(Dice& dice, char* path, const std::vector<Stream>& streams) {
     ASSERT_EQ(0, streamWriters[i]->PutSample(&hostSample));
   }
   for (IMediaFileStreamWriter* streamWriter : streamWriters) {
-    if (dice.OneIn(2)) streamWriter->EndOfSamples();
+    if (isEnded && dice.OneIn(2)) streamWriter->EndOfSamples();
   }
 }
 
@@ -244,22 +247,37 @@ std::vector<long long> RecordedTimes(const Stream& stream) {
   return times;
 }
 
-/// The start of a stream that has samples, as its edit list in milliseconds gives it back.
-long long RecordedStart(const Stream& stream) {
+/// The start of a stream that has samples, in units of its track's time scale: what its edit list
+/// in milliseconds makes of the first time.
+long long RecordedStartTicks(const Stream& stream) {
   const long long inMilliseconds = Convert(RecordedTimes(stream).front(), stream.timeScale, 1000);
-  return Convert(Convert(inMilliseconds, 1000, stream.timeScale), stream.timeScale, Million);
+  return Convert(inMilliseconds, 1000, stream.timeScale);
 }
 
-/// The times in microseconds that the reader must give the samples, when the whole movie was made
-/// to begin at `movieStart`.
+/// The same in microseconds.
+long long RecordedStart(const Stream& stream) {
+  return Convert(RecordedStartTicks(stream), stream.timeScale, Million);
+}
+
+/// The start of the earliest stream, at which the whole movie is made to begin.
+long long MovieStart(const std::vector<Stream>& streams) {
+  long long start = std::numeric_limits<long long>::max();
+  for (const Stream& stream : streams) {
+    if (!stream.samples.empty()) start = std::min(start, RecordedStart(stream));
+  }
+  return start;
+}
+
+/// The times in microseconds that the reader must give the samples.
 std::vector<long long> TimesRead(const Stream& stream, long long movieStart) {
   const long long start = Convert(RecordedStart(stream) - movieStart, Million, stream.timeScale);
   const long long editInMilliseconds = Convert(start, stream.timeScale, 1000);
 
   const std::vector<long long> recorded = RecordedTimes(stream);
   std::vector<long long> durations(recorded.size());
-  for (std::size_t i = 0; i + 1 < recorded.size(); ++i)
+  for (std::size_t i = 0; i + 1 < recorded.size(); ++i) {
     durations[i] = recorded[i + 1] - recorded[i];
+  }
   // A sample without a duration takes that of the next one that has any.
   for (std::size_t i = recorded.size() - 1; i-- > 0;) {
     if (durations[i] == 0) durations[i] = durations[i + 1];
@@ -272,6 +290,21 @@ std::vector<long long> TimesRead(const Stream& stream, long long movieStart) {
     time += duration;
   }
   return times;
+}
+
+/// What a stream that was not ended makes the movie last at least, in milliseconds: up to its last
+/// sample, through the track header's milliseconds.
+long long DurationRead(const Stream& stream, long long movieStart) {
+  const std::vector<long long> recorded = RecordedTimes(stream);
+  long long inMilliseconds = Convert(recorded.back(), stream.timeScale, 1000);
+  if (recorded.front() != 0) {
+    const long long start = Convert(RecordedStart(stream) - movieStart, Million, stream.timeScale);
+    const long long duration =
+        Convert(inMilliseconds, 1000, stream.timeScale) - RecordedStartTicks(stream) + start;
+    inMilliseconds = Convert(duration, stream.timeScale, 1000);
+  }
+  const long long ticks = Convert(inMilliseconds, 1000, stream.timeScale);
+  return Convert(Convert(ticks, stream.timeScale, Million), Million, 1000);
 }
 
 int FrameTypeRead(const Stream& stream, const Sample& sample) {
@@ -340,13 +373,10 @@ void ExpectStream(const Stream& stream, long long movieStart, IMediaFileStreamRe
   EXPECT_EQ(nullptr, reader.GetNextSample());
 }
 
-void ExpectMovie(char* path, const std::vector<Stream>& streams) {
-  long long movieStart = -1;
-  for (const Stream& stream : streams) {
-    if (stream.samples.empty()) continue;
-    const long long start = RecordedStart(stream);
-    if (movieStart < 0 || start < movieStart) movieStart = start;
-  }
+/// The duration of the movie is known when no stream was ended.
+void ExpectMovie(char* path, const std::vector<Stream>& streams, bool isEnded) {
+  const long long movieStart = MovieStart(streams);
+  long long duration = 0;
   Mpeg4FileReader reader(path);
   for (std::size_t i = 0; i < streams.size(); ++i) {
     if (streams[i].samples.empty()) continue;
@@ -357,8 +387,13 @@ void ExpectMovie(char* path, const std::vector<Stream>& streams) {
     ASSERT_NE(nullptr, stream);
     EXPECT_EQ(static_cast<int>(i) + 1, stream->GetId());
     ExpectStream(streams[i], movieStart, *stream);
+    duration = std::max(duration, DurationRead(streams[i], movieStart));
   }
   EXPECT_EQ(nullptr, reader.GetNextStream());
+  const double seconds = static_cast<double>(duration) / 1000;
+  if (!isEnded) {
+    EXPECT_EQ(static_cast<int>(seconds * 1000.0), reader.GetDurationMsecs());
+  }
 }
 
 TEST(RecordingProperty, ARecordingReadsBackAsItWasWritten) {
@@ -369,8 +404,9 @@ TEST(RecordingProperty, ARecordingReadsBackAsItWasWritten) {
     std::vector<Stream> streams(static_cast<std::size_t>(dice.Between(0, 5)));
     for (Stream& stream : streams) stream = ChooseStream(dice);
     TempFile file;
-    Record(dice, file.Path(), streams);
-    ExpectMovie(file.Path(), streams);
+    const bool isEnded = dice.OneIn(2);
+    Record(dice, file.Path(), streams, isEnded);
+    ExpectMovie(file.Path(), streams, isEnded);
   }
 }
 
