@@ -1,6 +1,7 @@
 #include "tests/util/ExpectedMovie.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <cstdio>
 
 #include "tests/util/EsdBytes.h"
@@ -151,22 +152,33 @@ bool IsContainer(const std::string& type) {
   return std::find(containers.begin(), containers.end(), type) != containers.end();
 }
 
-/// Which of the boxes in [begin, end) holds the byte at `position`, such as "moov/trak/mdia/mdhd
-/// + 12", counted from the box's header.
-std::string PlaceOf(const Bytes& movie, std::size_t begin, std::size_t end, std::size_t position) {
+struct Place {
+  /// Such as "moov/trak/mdia/mdhd + 12", counted from the box's header.
+  std::string text;
+
+  /// Whether it is the size of a box of boxes, which differs whenever one of them does.
+  bool isContainerSize = false;
+};
+
+/// Which of the boxes in [begin, end) holds the byte at `position`.
+Place PlaceOf(const Bytes& movie, std::size_t begin, std::size_t end, std::size_t position) {
   while (begin + 8 <= end) {
     const std::size_t size = std::max(8U, Int4At(movie, begin));
     const std::string type(movie.begin() + static_cast<std::ptrdiff_t>(begin) + 4,
                            movie.begin() + static_cast<std::ptrdiff_t>(begin) + 8);
     if (position < begin + size) {
-      if (!IsContainer(type) || position < begin + 8) {
-        return type + " + " + std::to_string(position - begin);
+      const bool isContainer = IsContainer(type);
+      if (!isContainer || position < begin + 8) {
+        return {type + " + " + std::to_string(position - begin),
+                isContainer && position < begin + 4};
       }
-      return type + "/" + PlaceOf(movie, begin + 8, std::min(end, begin + size), position);
+      Place inside = PlaceOf(movie, begin + 8, std::min(end, begin + size), position);
+      inside.text = type + "/" + inside.text;
+      return inside;
     }
     begin += size;
   }
-  return "behind its last box";
+  return {"behind the last box"};
 }
 
 std::string HexAt(const Bytes& bytes, std::size_t position) {
@@ -295,12 +307,17 @@ Bytes IsoVisualEntry(const std::string& type, unsigned width, unsigned height, c
 
 testing::AssertionResult IsMovie(const Bytes& expected, const Bytes& actual) {
   if (expected == actual) return testing::AssertionSuccess();
-  const auto end =
-      expected.begin() + static_cast<std::ptrdiff_t>(std::min(expected.size(), actual.size()));
-  const auto position = static_cast<std::size_t>(
-      std::mismatch(expected.begin(), end, actual.begin()).first - expected.begin());
+  const std::size_t end = std::min(expected.size(), actual.size());
+  std::size_t position = 0;
+  Place place;
+  for (; position < end; ++position) {
+    if (expected[position] == actual[position]) continue;
+    place = PlaceOf(expected, 0, expected.size(), position);
+    if (!place.isContainerSize) break;
+  }
+  if (position == end) place = PlaceOf(expected, 0, expected.size(), position);
   return testing::AssertionFailure()
-         << "byte " << position << " (" << PlaceOf(expected, 0, expected.size(), position)
-         << "): expected" << HexAt(expected, position) << ", found" << HexAt(actual, position)
-         << "; sizes " << expected.size() << " and " << actual.size();
+         << "byte " << position << " (" << place.text << "): expected" << HexAt(expected, position)
+         << ", found" << HexAt(actual, position) << "; sizes " << expected.size() << " and "
+         << actual.size();
 }

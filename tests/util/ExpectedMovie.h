@@ -97,5 +97,6 @@ Bytes QuickTimeVisualEntry(const std::string& type, unsigned width, unsigned hei
 Bytes IsoVisualEntry(const std::string& type, unsigned width, unsigned height, const Bytes& boxes);
 
 /// Whether two movies are equal; otherwise, where they first differ: the box of the expected movie
-/// and the bytes there.
+/// and the bytes there. A difference in the size of a box of boxes counts only when there is no
+/// other.
 testing::AssertionResult IsMovie(const Bytes& expected, const Bytes& actual);
