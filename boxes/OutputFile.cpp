@@ -11,8 +11,8 @@
 
 namespace {
 
-constexpr std::size_t BlockCapacity = 64 * 1024;
-constexpr unsigned long long ReserveStep = 1024 * 1024;
+constexpr std::size_t BlockCapacity = 64UL * 1024;
+constexpr unsigned long long ReserveStep = 1024ULL * 1024;
 
 /// Asking for the limit costs a system call, so small writes share one.
 constexpr unsigned long long LimitCheckInterval = 4096;

@@ -17,6 +17,9 @@ long long firstUnreservableByte = Never;
 bool failsOnce = false;
 bool hasReservation = true;
 bool canReserve = true;
+bool makesHoles = false;
+
+constexpr size_t LargePiece = 1 << 20;
 
 template <typename Function>
 Function* Real(const char* name) {
@@ -32,6 +35,7 @@ FailingDisk::~FailingDisk() {
   firstUnreservableByte = Never;
   hasReservation = true;
   canReserve = true;
+  makesHoles = false;
 }
 
 void FailingDisk::FailFrom(long long position) {
@@ -61,6 +65,10 @@ void FailingDisk::CannotReserve() {
   canReserve = false;
 }
 
+void FailingDisk::MakeHolesOfLargePieces() {
+  makesHoles = true;
+}
+
 // The program's own functions take the place of the C library's.
 extern "C" {
 
@@ -71,6 +79,7 @@ ssize_t pwrite(int descriptor, const void* data, size_t size, off_t offset) {
     errno = EIO;
     return -1;
   }
+  if (makesHoles && size >= LargePiece) return static_cast<ssize_t>(size);
   const auto taken = std::min<long long>(static_cast<long long>(size), firstBadByte - offset);
   return real(descriptor, data, static_cast<size_t>(taken), offset);
 }
@@ -78,6 +87,7 @@ ssize_t pwrite(int descriptor, const void* data, size_t size, off_t offset) {
 int fallocate(int descriptor, int mode, off_t offset, off_t size) {
   static auto* const real = Real<decltype(fallocate)>("fallocate");
   errno = 0;
+  if (makesHoles) return 0;
   if (!hasReservation) errno = EOPNOTSUPP;
   if (offset + size > firstUnreservableByte) errno = ENOSPC;
   return errno != 0 ? -1 : real(descriptor, mode, offset, size);

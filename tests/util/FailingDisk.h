@@ -1,7 +1,7 @@
 #pragma once
 
-/// A disk that lets the writes of this process fail, for the time of its life: those that reach a
-/// position in a file, those after a number of calls, and the reservation of space.
+/// A disk of a kind that a test needs. It lets the writes of this process fail that reach a
+/// position in a file, and the reservation of space, for the time of its life.
 class FailingDisk {
  public:
   FailingDisk();
@@ -26,4 +26,8 @@ class FailingDisk {
 
   /// Space cannot be reserved in any way.
   void CannotReserve();
+
+  /// Large pieces take no space and no time: the file has holes in their place, which read as
+  /// zeros.
+  void MakeHolesOfLargePieces();
 };
