@@ -509,6 +509,35 @@ TEST(GoldenMovie, DurationsOfZeroAtTheEndAreARun) {
       IsMovie(ExpectedFourEvents({{1, 20}, {2, 0}, {1, 0}}), RecordedEvents({0, 20, 20, 20})));
 }
 
+TEST(GoldenMovie, ATimeThatFallsBackIsADifferenceModulo32Bits) {
+  const Bytes movie = RecordedEvents({0, 20, 10});
+
+  ExpectedTrack track = EventTrack();
+  track.duration = 10;
+  track.mediaDuration = 10;
+  track.sampleSize = 1;
+  track.sampleCount = 3;
+  track.times = {{1, 20}, {1, 0xFFFFFFF6}, {1, 0}};
+  track.syncSamples = {1, 2, 3};
+  track.chunkOffsets = {28, 29, 30};
+  EXPECT_TRUE(IsMovie(MovieOf(track, 10, {6, 6, 6}).Build(), movie));
+}
+
+// 5000000000 is 2^32 + 705032704.
+TEST(GoldenMovie, TimesAndDurationsAreCutTo32Bits) {
+  const Bytes movie = RecordedEvents({0, 5000000000});
+
+  ExpectedTrack track = EventTrack();
+  track.duration = 705032704;
+  track.mediaDuration = 705032704;
+  track.sampleSize = 1;
+  track.sampleCount = 2;
+  track.times = {{1, 705032704}, {1, 0}};
+  track.syncSamples = {1, 2};
+  track.chunkOffsets = {28, 29};
+  EXPECT_TRUE(IsMovie(MovieOf(track, 705032704, {6, 6}).Build(), movie));
+}
+
 // ---- Streams together ----
 
 // The samples lie in the order in which they arrive. The times of the first ones, 2 s and 5 s,

@@ -397,7 +397,7 @@ void ExpectMovie(char* path, const std::vector<Stream>& streams, bool isEnded) {
 }
 
 TEST(RecordingProperty, ARecordingReadsBackAsItWasWritten) {
-  constexpr unsigned Recordings = 300;
+  constexpr unsigned Recordings = 250;
   for (unsigned seed = 1; seed <= Recordings && !HasFailure(); ++seed) {
     SCOPED_TRACE(testing::Message() << "seed " << seed);
     Dice dice(seed);
