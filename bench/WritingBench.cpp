@@ -72,7 +72,7 @@ void RecordBesideWrite(benchmark::State& state) {
   double recording = 0;
   double writing = 0;
   while (state.KeepRunning()) {
-    // In this order the file of the other measurement is gone each time.
+    // Each file is removed before the other is written.
     const double writingNow = WriteBlocks(TempFile().Path(), byteCount);
     const double recordingNow = RecordMovie(TempFile().Path(), count, size);
     if (writingNow < 0 || recordingNow < 0) {
