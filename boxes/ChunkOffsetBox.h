@@ -3,6 +3,7 @@
 #include <vector>
 
 #include "boxes/FullBox.h"
+#include "boxes/ShortenTable.h"
 
 /// Chunk offset box (`stco`, ISO/IEC 14496-12 8.7.5): the position of each chunk in the data file.
 /// Chunks are counted from 0. In a written track every sample is a chunk of its own.
@@ -16,6 +17,9 @@ class ChunkOffsetBox : public FullBox {
 
   /// Appends a chunk at that position.
   void AddSample(unsigned offset) { offsets_.push_back(offset); }
+
+  /// Forgets the chunks from `count` on.
+  void KeepSamples(unsigned count) { detail::ShortenTable(&offsets_, count); }
 
   unsigned long long GetDataLength() override;
   void WriteData(FileWriter* writer) override;

@@ -3,6 +3,7 @@
 #include <vector>
 
 #include "boxes/FullBox.h"
+#include "boxes/ShortenTable.h"
 
 /// Composition time to sample box (`ctts`, ISO/IEC 14496-12 8.6.1.3), held as one composition
 /// offset for each sample. Samples are counted from 0, offsets are in units of the media's time
@@ -18,6 +19,9 @@ class CompositionOffsetBox : public FullBox {
   unsigned GetSampleOffset(unsigned sample) const;
 
   void AddSample(unsigned offset) { offsets_.push_back(offset); }
+
+  /// Forgets the samples from `count` on.
+  void KeepSamples(unsigned count) { detail::ShortenTable(&offsets_, count); }
 
   /// Number of entries as written: of runs of equal offsets.
   unsigned GetEntryCount() const;

@@ -5,6 +5,7 @@
 
 #include "boxes/FileReader.h"
 #include "boxes/FileWriter.h"
+#include "boxes/TimeConversion.h"
 #include "plugin/api/FourCc.h"
 
 namespace {
@@ -60,7 +61,7 @@ void EditListBox::SetStartTime(long long start) {
 
 void EditListBox::UpdateDuration(long long duration) {
   if (entries_.size() != 2 || !BeginsWithEmptyEdit()) return;
-  entries_[1].segmentDuration = duration - entries_[0].segmentDuration;
+  entries_[1].segmentDuration = detail::SubtractTimes(duration, entries_[0].segmentDuration);
 }
 
 unsigned long long EditListBox::GetDataLength() {

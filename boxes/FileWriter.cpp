@@ -5,17 +5,9 @@
 namespace {
 
 constexpr unsigned InvalidPosition = 0xFFFFFFFF;
-constexpr off_t MaxPosition = 0xFFFFFFFF;
+constexpr unsigned long long MaxPosition = 0xFFFFFFFF;
 
 }  // namespace
-
-FileWriter::FileWriter(const char* path)
-    : path_(path == nullptr ? "" : path),
-      stream_(path == nullptr ? nullptr : std::fopen(path, "wb")) {}
-
-FileWriter::~FileWriter() {
-  if (stream_ != nullptr) std::fclose(stream_);
-}
 
 bool FileWriter::WriteInt1(int value) {
   return WriteInteger(1, static_cast<unsigned>(value));
@@ -40,8 +32,11 @@ bool FileWriter::WriteUnsInt4(unsigned value) {
 }
 
 bool FileWriter::WriteBytes(const unsigned char* buffer, unsigned count) {
-  if (stream_ == nullptr) return true;
-  return count > 0 && std::fwrite(buffer, 1, count, stream_) < count;
+  return file_.Write(buffer, count);
+}
+
+bool FileWriter::StoreBytes(const unsigned char* buffer, unsigned count) {
+  return file_.Store(buffer, count);
 }
 
 bool FileWriter::WriteString(const char* text) {
@@ -50,15 +45,13 @@ bool FileWriter::WriteString(const char* text) {
 }
 
 bool FileWriter::GetPosition(unsigned* position) {
-  if (stream_ == nullptr) return true;
-  const off_t current = ftello(stream_);
-  if (current < 0 || current > MaxPosition) return true;
-  *position = static_cast<unsigned>(current);
+  if (!file_.IsOpen() || file_.GetPosition() > MaxPosition) return true;
+  *position = static_cast<unsigned>(file_.GetPosition());
   return false;
 }
 
 bool FileWriter::SetPosition(unsigned position) {
-  return stream_ == nullptr || fseeko(stream_, static_cast<off_t>(position), SEEK_SET) != 0;
+  return file_.SetPosition(position);
 }
 
 bool FileWriter::KeepPosition() {

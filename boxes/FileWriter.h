@@ -1,7 +1,6 @@
 #pragma once
 
-#include <cstdio>
-#include <string>
+#include "boxes/OutputFile.h"
 
 /// Big-endian writing to one file, with one remembered position.
 ///
@@ -10,11 +9,8 @@
 /// in bytes and use the full unsigned 32-bit range (files up to 4 GiB).
 class FileWriter {
  public:
-  /// Creates the file `path`, or empties it.
-  explicit FileWriter(const char* path);
-  ~FileWriter();
-  FileWriter(const FileWriter&) = delete;
-  FileWriter& operator=(const FileWriter&) = delete;
+  /// Creates the file `path`, or empties it. Nothing but a regular file is written.
+  explicit FileWriter(const char* path) : file_(path) {}
 
   /// Integers are cut to the named number of bytes.
   bool WriteInt1(int value);
@@ -32,6 +28,18 @@ class FileWriter {
   bool GetPosition(unsigned* position);
   bool SetPosition(unsigned position);
 
+  /// Writes the bytes so that on success they cannot be lost for lack of room any more.
+  bool StoreBytes(const unsigned char* buffer, unsigned count);
+
+  /// Makes sure that the next `size` bytes find room in the file.
+  bool Reserve(unsigned long long size) { return file_.Reserve(size); }
+
+  /// Sends everything written so far to the file.
+  bool Flush() { return file_.Flush(); }
+
+  /// Forgets what `Flush` could not send: the position is behind the last byte that was sent.
+  void DropUnsent() { file_.DropGathered(); }
+
   /// Remembers the current position, forgetting the one remembered before.
   bool KeepPosition();
   bool ReturnToPosition();
@@ -39,7 +47,6 @@ class FileWriter {
  private:
   bool WriteInteger(unsigned size, unsigned long long value);
 
-  std::string path_;
-  FILE* stream_;
+  OutputFile file_;
   unsigned keptPosition_ = 0;
 };

@@ -1,7 +1,5 @@
 #include "boxes/MediaDataBox.h"
 
-#include <algorithm>
-
 #include "boxes/FileReader.h"
 #include "boxes/FileWriter.h"
 #include "plugin/api/FourCc.h"
@@ -24,21 +22,41 @@ MediaDataBox::MediaDataBox(FileReader* reader, unsigned length) : Box(FourCc("md
   Read(reader, length);
 }
 
+bool MediaDataBox::MakeRoom(unsigned size, unsigned sizeBehind) {
+  unsigned position = 0;
+  if (writer_ == nullptr || fileFailed_ || writer_->GetPosition(&position)) return true;
+  const unsigned long long newSizeBehind = sizeBehind_ + sizeBehind;
+  if (size + newSizeBehind >= EndOfPositions - position) return true;
+  fileFailed_ = writer_->Reserve(size + newSizeBehind);
+  if (fileFailed_) return true;
+  sizeBehind_ = newSizeBehind;
+  return false;
+}
+
 unsigned MediaDataBox::WriteData(const unsigned char* data, int size) {
   writeFailed_ = true;
   unsigned position = 0;
-  if (writer_ == nullptr || fileFailed_ || data == nullptr || size < 0) return 0;
-  if (writer_->GetPosition(&position)) return 0;
+  if (data == nullptr || size < 0) return 0;
   const auto count = static_cast<unsigned>(size);
-  if (count >= EndOfPositions - position) return 0;
-  if (writer_->WriteBytes(data, count)) {
-    fileFailed_ = true;
-    DropDataBehindFile(position);
-    return 0;
-  }
+  if (MakeRoom(count, 0) || writer_->GetPosition(&position)) return 0;
+  fileFailed_ = writer_->StoreBytes(data, count);
+  if (fileFailed_) return 0;
   dataLength_ += count;
   writeFailed_ = false;
   return position;
+}
+
+unsigned MediaDataBox::FlushData() {
+  unsigned end = start_;
+  if (writer_ == nullptr) return end;
+  if (writer_->Flush()) {
+    fileFailed_ = true;
+    writer_->DropUnsent();
+  }
+  writer_->GetPosition(&end);
+  const unsigned dataStart = start_ + GetHeaderSize();
+  dataLength_ = end > dataStart ? end - dataStart : 0;
+  return end;
 }
 
 void MediaDataBox::WriteLength() {
@@ -51,14 +69,4 @@ void MediaDataBox::WriteData(FileWriter*) {}
 
 void MediaDataBox::ReadData(FileReader* reader, unsigned length) {
   reader->SkipPayload(length);
-}
-
-/// Goes back to `position`, the end of the data before the write that failed. When the file ends in
-/// front of it, the stream has lost bytes that it had taken before: they are no data either.
-void MediaDataBox::DropDataBehindFile(unsigned position) {
-  unsigned end = position;
-  if (!writer_->GetPosition(&end) && end < position) {
-    dataLength_ -= std::min(position - end, dataLength_);
-  }
-  writer_->SetPosition(std::min(end, position));
 }

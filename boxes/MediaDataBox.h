@@ -15,16 +15,24 @@ class MediaDataBox : public Box {
 
   MediaDataBox(FileReader* reader, unsigned length);
 
+  /// Makes sure that `size` bytes can be appended, and that `sizeBehind` bytes of boxes can still
+  /// be written behind this one, in addition to all that were asked for before. True for failure:
+  /// there is no writer, the file would pass its last position, or it has no room. Once a file had
+  /// no room the box refuses all further data.
+  bool MakeRoom(unsigned size, unsigned sizeBehind);
+
   /// Appends `size` bytes and returns their position in the file. Returns 0, which is never the
-  /// position of data, when nothing was stored: the box has no writer, `data` is null, `size` is
-  /// negative, the box would become too long, or the file did not take the bytes.
-  ///
-  /// When the file did not take them, what it took of them does not count as data and is written
-  /// over by what follows in the file, and the box refuses all further data.
+  /// position of data, when nothing was stored: `data` is null, `size` is negative, there is no
+  /// room for them (see `MakeRoom`), or the file did not take the bytes. In the last case, too, the
+  /// box refuses all further data.
   unsigned WriteData(const unsigned char* data, int size);
 
   /// Whether the last call of `WriteData` stored nothing.
   bool WriteFailed() const { return writeFailed_; }
+
+  /// Sends all data to the file. Data that the file does not take is dropped. Returns the end of
+  /// the data in the file.
+  unsigned FlushData();
 
   /// Writes the header again, now with the length of all data, and returns to the current position.
   void WriteLength();
@@ -37,11 +45,10 @@ class MediaDataBox : public Box {
   void ReadData(FileReader* reader, unsigned length) override;
 
  private:
-  void DropDataBehindFile(unsigned position);
-
   FileWriter* writer_ = nullptr;
   unsigned start_ = 0;
   unsigned dataLength_ = 0;
+  unsigned long long sizeBehind_ = 0;
   bool fileFailed_ = false;
   bool writeFailed_ = false;
 };

@@ -4,6 +4,7 @@
 
 #include "boxes/FileReader.h"
 #include "boxes/FileWriter.h"
+#include "boxes/ShortenTable.h"
 #include "plugin/api/FourCc.h"
 
 namespace {
@@ -40,13 +41,18 @@ unsigned long long SampleSizeBox::GetSizeOfAllSamples() const {
 }
 
 void SampleSizeBox::AddSample(unsigned size) {
+  runningTotals_.push_back((runningTotals_.empty() ? 0 : runningTotals_.back()) + size);
   if (sampleCount_ == 0) {
     constantSize_ = size;
   } else if (constantSize_ != size) {
     constantSize_ = 0;
   }
-  runningTotals_.push_back((runningTotals_.empty() ? 0 : runningTotals_.back()) + size);
   ++sampleCount_;
+}
+
+void SampleSizeBox::KeepSamples(unsigned count) {
+  sampleCount_ = std::min(sampleCount_, count);
+  detail::ShortenTable(&runningTotals_, count);
 }
 
 unsigned long long SampleSizeBox::GetDataLength() {

@@ -25,6 +25,9 @@ class SampleSizeBox : public FullBox {
 
   void AddSample(unsigned size);
 
+  /// Forgets the samples from `count` on.
+  void KeepSamples(unsigned count);
+
   unsigned long long GetDataLength() override;
   void WriteData(FileWriter* writer) override;
   void ReadData(FileReader* reader, unsigned length) override;

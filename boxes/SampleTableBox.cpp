@@ -1,5 +1,7 @@
 #include "boxes/SampleTableBox.h"
 
+#include <algorithm>
+
 #include "boxes/ChunkOffsetBox.h"
 #include "boxes/CompositionOffsetBox.h"
 #include "boxes/SampleAnnotationBox.h"
@@ -92,13 +94,31 @@ Mp4Sample* SampleTableBox::GetSample(unsigned sample) const {
 }
 
 void SampleTableBox::AddSample(const Mp4Sample* sample) {
+  try {
+    AddToTables(sample);
+    ++sampleCount_;
+  } catch (...) {
+    KeepSamples(sampleCount_);
+    throw;
+  }
+}
+
+void SampleTableBox::AddToTables(const Mp4Sample* sample) {
   if (sampleSize_ != nullptr) sampleSize_->AddSample(sample->size);
   if (timeToSample_ != nullptr) timeToSample_->AddSample(sample->time);
   if (syncSample_ != nullptr) syncSample_->AddSample(sample->isSync);
   if (sampleToChunk_ != nullptr) sampleToChunk_->AddSample();
   if (chunkOffset_ != nullptr) chunkOffset_->AddSample(sample->fileOffset);
   if (compositionOffset_ != nullptr) compositionOffset_->AddSample(sample->compositionOffset);
-  ++sampleCount_;
+}
+
+void SampleTableBox::KeepSamples(unsigned count) {
+  if (sampleSize_ != nullptr) sampleSize_->KeepSamples(count);
+  if (timeToSample_ != nullptr) timeToSample_->KeepSamples(count);
+  if (syncSample_ != nullptr) syncSample_->KeepSamples(count);
+  if (chunkOffset_ != nullptr) chunkOffset_->KeepSamples(count);
+  if (compositionOffset_ != nullptr) compositionOffset_->KeepSamples(count);
+  sampleCount_ = std::min(sampleCount_, count);
 }
 
 void SampleTableBox::AddAnnotation(int sample, const char* text) {

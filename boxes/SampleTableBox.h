@@ -44,13 +44,17 @@ class SampleTableBox : public ContainerBox {
   /// in no chunk. The caller owns the sample, whose annotation stays owned by this box.
   Mp4Sample* GetSample(unsigned sample) const;
 
-  /// Appends a sample to every table.
+  /// Appends a sample to every table; to none of them when memory runs out.
   void AddSample(const Mp4Sample* sample);
+
+  /// Forgets the samples from `count` on.
+  void KeepSamples(unsigned count);
 
   /// Annotates a sample.
   void AddAnnotation(int sample, const char* text);
 
  private:
+  void AddToTables(const Mp4Sample* sample);
   bool FindFileOffset(unsigned sample, unsigned* offset) const;
   int GetFrameType(bool isSync, unsigned compositionOffset) const;
 

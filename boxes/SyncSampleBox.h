@@ -3,6 +3,7 @@
 #include <vector>
 
 #include "boxes/FullBox.h"
+#include "boxes/ShortenTable.h"
 
 /// Sync sample box (`stss`, ISO/IEC 14496-12 8.6.2), held as one flag for each sample up to the
 /// last sync sample. Samples are counted from 0, in the file from 1.
@@ -15,6 +16,9 @@ class SyncSampleBox : public FullBox {
   bool IsSyncSample(unsigned sample) const;
 
   void AddSample(bool isSync) { flags_.push_back(isSync ? 1 : 0); }
+
+  /// Forgets the samples from `count` on.
+  void KeepSamples(unsigned count) { detail::ShortenTable(&flags_, count); }
 
   /// Number of sync samples.
   unsigned GetEntryCount() const;

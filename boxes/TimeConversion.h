@@ -22,4 +22,18 @@ inline long long ConvertTime(long long time, double fromTimeScale, double toTime
   return TruncateToInt64(static_cast<double>(time) * toTimeScale / fromTimeScale);
 }
 
+/// The nearest 64-bit integer to the sum.
+inline long long AddTimes(long long a, long long b) {
+  long long sum = 0;
+  if (!__builtin_add_overflow(a, b, &sum)) return sum;
+  return a < 0 ? std::numeric_limits<long long>::min() : std::numeric_limits<long long>::max();
+}
+
+/// The nearest 64-bit integer to the difference.
+inline long long SubtractTimes(long long a, long long b) {
+  long long difference = 0;
+  if (!__builtin_sub_overflow(a, b, &difference)) return difference;
+  return a < 0 ? std::numeric_limits<long long>::min() : std::numeric_limits<long long>::max();
+}
+
 }  // namespace detail

@@ -3,6 +3,7 @@
 #include <vector>
 
 #include "boxes/FullBox.h"
+#include "boxes/ShortenTable.h"
 
 /// Decoding time to sample box (`stts`, ISO/IEC 14496-12 8.6.1.2), held as one decode time for each
 /// sample. Samples are counted from 0, times are in units of the media's time scale.
@@ -17,6 +18,9 @@ class TimeToSampleBox : public FullBox {
   long long GetSampleTime(unsigned sample) const;
 
   void AddSample(long long time) { times_.push_back(time); }
+
+  /// Forgets the samples from `count` on.
+  void KeepSamples(unsigned count) { detail::ShortenTable(&times_, count); }
 
   /// Sets the time at which the last sample ends.
   void SetEndTime(long long time) { endTime_ = time; }

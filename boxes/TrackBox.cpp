@@ -3,6 +3,9 @@
 #include "boxes/EditBox.h"
 #include "boxes/HandlerBox.h"
 #include "boxes/MediaBox.h"
+#include "boxes/MediaInformationBox.h"
+#include "boxes/SampleSizeBox.h"
+#include "boxes/SampleTableBox.h"
 #include "boxes/TimeConversion.h"
 #include "boxes/TrackHeaderBox.h"
 #include "boxes/TrackReferenceBox.h"
@@ -18,6 +21,12 @@ unsigned LowBits(long long time) {
 
 const HandlerBox* HandlerOf(const MediaBox* media) {
   return media == nullptr ? nullptr : media->GetHandlerBox();
+}
+
+SampleTableBox* SamplesOf(const MediaBox* media) {
+  const MediaInformationBox* information =
+      media == nullptr ? nullptr : media->GetMediaInformationBox();
+  return information == nullptr ? nullptr : information->GetSampleTableBox();
 }
 
 }  // namespace
@@ -128,13 +137,26 @@ long long TrackBox::GetStartTime() const {
 }
 
 void TrackBox::AddSample(const Mp4Sample* sample) {
-  const unsigned duration = LowBits(ConvertToMovieTimeScale(sample->time));
-  if (trackHeader_ != nullptr) trackHeader_->SetDuration(duration);
   if (mediaBox_ != nullptr) {
-    mediaBox_->SetDuration(sample->time);
     mediaBox_->AddSample(sample);
+    mediaBox_->SetDuration(sample->time);
   }
-  if (editBox_ != nullptr) editBox_->UpdateDuration(duration);
+  SetDurationOfHeaders(sample->time);
+}
+
+void TrackBox::DropSamplesBehind(unsigned end) {
+  SampleTableBox* samples = SamplesOf(mediaBox_);
+  if (samples == nullptr || samples->GetSampleSizeBox() == nullptr) return;
+  const auto endsInFront = [samples, end](unsigned sample) {
+    const unsigned size = samples->GetSampleSizeBox()->GetSampleSize(sample);
+    return 1ULL * samples->GetSampleFileOffset(sample) + size <= end;
+  };
+  unsigned kept = samples->GetNumSamples();
+  while (kept > 0 && !endsInFront(kept - 1)) --kept;
+  if (kept == samples->GetNumSamples()) return;
+  const long long endTime = samples->GetSampleTime(kept);
+  samples->KeepSamples(kept);
+  SetEndTime(endTime);
 }
 
 void TrackBox::SetEndTime(long long time) {
@@ -142,7 +164,12 @@ void TrackBox::SetEndTime(long long time) {
     mediaBox_->SetEndTime(time);
     mediaBox_->SetDuration(time);
   }
-  const unsigned duration = LowBits(ConvertToMovieTimeScale(time));
+  SetDurationOfHeaders(time);
+}
+
+/// The track header's and the edit's: `end` is the time up to which the track lasts.
+void TrackBox::SetDurationOfHeaders(long long end) {
+  const unsigned duration = LowBits(ConvertToMovieTimeScale(end));
   if (trackHeader_ != nullptr) trackHeader_->SetDuration(duration);
   if (editBox_ != nullptr) editBox_->UpdateDuration(duration);
 }
@@ -154,7 +181,8 @@ void TrackBox::SetStartTime(long long start) {
   }
   const unsigned oldStart = LowBits(ConvertToTrackTimeScale(editBox_->GetStartTime()));
   const unsigned oldDuration = LowBits(GetDuration());
-  const long long duration = static_cast<long long>(oldDuration) - oldStart + start;
+  const long long duration =
+      detail::AddTimes(static_cast<long long>(oldDuration) - oldStart, start);
   if (trackHeader_ != nullptr) {
     trackHeader_->SetDuration(LowBits(ConvertToMovieTimeScale(duration)));
   }

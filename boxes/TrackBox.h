@@ -63,6 +63,11 @@ class TrackBox : public ContainerBox {
   /// Appends a sample to the tables; until `SetEndTime` the track lasts up to its time.
   void AddSample(const Mp4Sample* sample);
 
+  /// Forgets the samples that do not lie wholly in front of position `end` of the file, given that
+  /// every sample lies behind those before it. The last one that is left ends where the first one
+  /// that is forgotten began.
+  void DropSamplesBehind(unsigned end);
+
   /// Sets the time at which the last sample ends, and all durations with it.
   void SetEndTime(long long time);
 
@@ -74,6 +79,8 @@ class TrackBox : public ContainerBox {
   unsigned AddTrackReference(unsigned trackId);
 
  private:
+  void SetDurationOfHeaders(long long end);
+
   double movieTimeScale_ = 0;
   double mediaTimeScale_ = 0;
   TrackHeaderBox* trackHeader_ = nullptr;

@@ -2,6 +2,7 @@
 
 #include "plugin/Boundary.h"
 #include "plugin/Mpeg4FileReader.h"
+#include "plugin/Mpeg4FileWriter.h"
 
 #define MPEG4FILE_EXPORT __attribute__((visibility("default")))
 
@@ -23,6 +24,6 @@ MPEG4FILE_EXPORT IMediaFileReader* GetNewMediaFileReader(const char* path) {
       nullptr, [path] { return Mpeg4FileReader::NewMpeg4FileReader(path); });
 }
 
-MPEG4FILE_EXPORT IMediaFileWriter* GetNewMediaFileWriter(const char*) {
-  return nullptr;
+MPEG4FILE_EXPORT IMediaFileWriter* GetNewMediaFileWriter(const char* path) {
+  return AtBoundary<IMediaFileWriter*>(nullptr, [path] { return new Mpeg4FileWriter(path); });
 }

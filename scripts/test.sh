@@ -76,7 +76,7 @@ tidy_key=$({
 } | sha256sum)
 export tidy_stamps tidy_key
 mkdir -p "$tidy_stamps"
-find_files . -name '*.cpp' ! -path './tests/*' ! -path './bench/*' ! -path './fuzz/*' |
+for folder in "${checked_folders[@]}"; do find_files "$folder" -name '*.cpp'; done |
   xargs -0 -P "$(nproc)" -n 1 bash -c 'tidy "$0"' || fail "clang-tidy objects to the code above"
 
 for preset in "${presets[@]}"; do

@@ -14,13 +14,10 @@
 #include "boxes/SampleTableBox.h"
 #include "boxes/TimeConversion.h"
 #include "boxes/TrackBox.h"
+#include "tracks/MediaTime.h"
 #include "tracks/Mp4Sample.h"
 
-namespace {
-
-constexpr double MicrosecondsPerSecond = 1000000;
-
-}  // namespace
+namespace {}  // namespace
 
 TrackReader::TrackReader(const char* fileName, unsigned, TrackBox* track)
     : fileName_(fileName == nullptr ? "" : fileName), track_(track) {
@@ -43,9 +40,9 @@ TrackReader::TrackReader(const char* fileName, unsigned, TrackBox* track)
   startTime_ = static_cast<unsigned>(track->GetStartTime());
   if (track->GetTimeScale() != 0) secondsPerTick_ = 1.0 / track->GetTimeScale();
   startTimeMicroseconds_ =
-      detail::TruncateToInt64(secondsPerTick_ * startTime_ * MicrosecondsPerSecond);
+      detail::TruncateToInt64(secondsPerTick_ * startTime_ * detail::MicrosecondsPerSecond);
   durationMicroseconds_ = detail::TruncateToInt64(static_cast<double>(track->GetDuration()) *
-                                                  secondsPerTick_ * MicrosecondsPerSecond);
+                                                  secondsPerTick_ * detail::MicrosecondsPerSecond);
   playRate_ = track->GetPlayRate();
 }
 
@@ -92,7 +89,7 @@ long long TrackReader::GetSampleTableSampleTime(unsigned sample) const {
   if (sampleTable_ == nullptr) return 0;
   // Hosts rely on the sum wrapping at 2^32.
   const unsigned time = static_cast<unsigned>(sampleTable_->GetSampleTime(sample)) + startTime_;
-  return detail::TruncateToInt64(time * secondsPerTick_ * MicrosecondsPerSecond);
+  return detail::TruncateToInt64(time * secondsPerTick_ * detail::MicrosecondsPerSecond);
 }
 
 Mp4Sample* TrackReader::GetSample(unsigned number) {

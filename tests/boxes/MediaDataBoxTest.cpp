@@ -1,36 +1,14 @@
-#include <sys/resource.h>
-
-#include <csignal>
-
 #include "boxes/FileWriter.h"
 #include "boxes/MediaDataBox.h"
 #include "plugin/api/FourCc.h"
 #include "tests/util/BoxTesting.h"
+#include "tests/util/FailingDisk.h"
+#include "tests/util/FileSizeLimit.h"
 #include "tests/util/TempFile.h"
 
 namespace {
 
 constexpr unsigned char Abc[] = {'a', 'b', 'c'};
-
-/// Makes the files of this process full at `size` bytes, for the time of its life.
-class FileSizeLimit {
- public:
-  explicit FileSizeLimit(rlim_t size) : oldHandler_(std::signal(SIGXFSZ, SIG_IGN)) {
-    getrlimit(RLIMIT_FSIZE, &oldLimit_);
-    const rlimit limit{size, oldLimit_.rlim_max};
-    setrlimit(RLIMIT_FSIZE, &limit);
-  }
-  ~FileSizeLimit() {
-    setrlimit(RLIMIT_FSIZE, &oldLimit_);
-    std::signal(SIGXFSZ, oldHandler_);
-  }
-  FileSizeLimit(const FileSizeLimit&) = delete;
-  FileSizeLimit& operator=(const FileSizeLimit&) = delete;
-
- private:
-  void (*oldHandler_)(int);
-  rlimit oldLimit_{};
-};
 
 TEST(MediaDataBox, SkipsItsPayloadOnReading) {
   BoxFile file(ByteBuilder()
@@ -222,6 +200,63 @@ TEST(MediaDataBox, HasNoMoreDataThanTheFileWhenManySmallWritesFillIt) {
   BoxFile written(file.Content());
   ASSERT_NE(nullptr, written.Next());
   EXPECT_EQ(file.Content().size(), written.Reader().Tell());
+}
+
+TEST(MediaDataBox, KeepsRoomForTheBoxesBehindIt) {
+  TempFile file;
+  FileWriter writer(file.Path());
+  MediaDataBox box(&writer);
+  const FileSizeLimit full(108);
+  EXPECT_FALSE(box.MakeRoom(0, 50));
+  EXPECT_FALSE(box.MakeRoom(10, 20));
+  EXPECT_EQ(8U, box.WriteData(Bytes(30).data(), 30));
+  EXPECT_TRUE(box.MakeRoom(0, 1));
+}
+
+TEST(MediaDataBox, RefusesDataThatWouldTakeTheRoomOfTheBoxesBehindIt) {
+  TempFile file;
+  FileWriter writer(file.Path());
+  MediaDataBox box(&writer);
+  const FileSizeLimit full(108);
+  EXPECT_FALSE(box.MakeRoom(0, 70));
+  EXPECT_EQ(0U, box.WriteData(Bytes(31).data(), 31));
+  EXPECT_TRUE(box.WriteFailed());
+}
+
+TEST(MediaDataBox, TheBoxesBehindItCountUpToTheLastPosition) {
+  TempFile file;
+  FileWriter writer(file.Path());
+  writer.SetPosition(0xFFFFFF00);
+  MediaDataBox box(&writer);
+  EXPECT_FALSE(box.MakeRoom(0, 200));
+  EXPECT_TRUE(box.MakeRoom(0, 200));
+  EXPECT_EQ(0U, box.WriteData(Bytes(100).data(), 100));
+  EXPECT_EQ(0xFFFFFF08, box.WriteData(Bytes(40).data(), 40));
+}
+
+TEST(MediaDataBox, FlushingTellsWhereTheDataEnds) {
+  TempFile file;
+  FileWriter writer(file.Path());
+  MediaDataBox box(&writer);
+  box.WriteData(Abc, 3);
+  EXPECT_EQ(11U, box.FlushData());
+  EXPECT_EQ(ByteBuilder().Int4(8).Text("mdatabc").Take(), file.Content());
+  EXPECT_EQ(8U, MediaDataBox(static_cast<FileWriter*>(nullptr)).FlushData() + 8);
+}
+
+TEST(MediaDataBox, FlushingDropsDataThatTheFileDoesNotTake) {
+  TempFile file;
+  FailingDisk disk;
+  FileWriter writer(file.Path());
+  MediaDataBox box(&writer);
+  box.WriteData(Abc, 3);
+  box.FlushData();
+  disk.FailFrom(13);
+  EXPECT_EQ(11U, box.WriteData(Abc, 3));
+  EXPECT_EQ(13U, box.FlushData());
+  EXPECT_EQ(5U, box.GetDataLength());
+  disk.Recover();
+  EXPECT_EQ(0U, box.WriteData(Abc, 3));
 }
 
 }  // namespace

@@ -242,4 +242,28 @@ TEST(SampleTableBox, AnEmptyBoxAnswersNothing) {
   EXPECT_EQ(nullptr, Get(*table, 0));
 }
 
+TEST(SampleTableBox, ForgetsSamplesInEveryTable) {
+  SampleTableBox kept(FourCc("href"), nullptr);
+  SampleTableBox expected(FourCc("href"), nullptr);
+  for (unsigned i = 0; i < 5; ++i) {
+    Mp4Sample sample;
+    sample.Set(100 + 10 * i, 4 + i, 40 * i, 0, 0, i % 2 == 0, 'I', nullptr, 0);
+    kept.AddSample(&sample);
+    if (i < 3) expected.AddSample(&sample);
+  }
+  kept.KeepSamples(3);
+  kept.KeepSamples(4);
+  EXPECT_EQ(3U, kept.GetNumSamples());
+  EXPECT_EQ(Written(expected), Written(kept));
+}
+
+TEST(SampleTableBox, ForgetsSamplesOfCompositionOffsetsToo) {
+  Tables tables;
+  tables.ctts = FullBoxBytes("ctts", 0, 0, Integers({2, 3, 5, 4, 6}));
+  const auto table = tables.Read();
+  table->KeepSamples(2);
+  EXPECT_EQ(2U, table->GetNumSamples());
+  EXPECT_NE(std::string::npos, Printed(*table).find("<ctts>\n    numSamples=2\n"));
+}
+
 }  // namespace

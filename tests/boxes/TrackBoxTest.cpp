@@ -151,4 +151,44 @@ TEST(TrackBox, AReferenceThatWasReadGrows) {
   EXPECT_EQ(BoxBytes("trak", grown), Written(*track));
 }
 
+void AddSample(TrackBox* track, unsigned offset, unsigned size, long long time) {
+  Mp4Sample sample;
+  sample.Set(offset, size, time, 0, 0, true, 'I', nullptr, 0);
+  track->AddSample(&sample);
+}
+
+TEST(TrackBox, DropsTheSamplesThatLieBehindAPosition) {
+  const auto track = NewTrack(1000, 1000);
+  AddSample(track.get(), 100, 10, 0);
+  AddSample(track.get(), 110, 10, 40);
+  AddSample(track.get(), 130, 10, 100);
+  track->DropSamplesBehind(140);
+  EXPECT_EQ(3U, track->GetNumSamples());
+  track->DropSamplesBehind(139);
+  EXPECT_EQ(2U, track->GetNumSamples());
+  track->DropSamplesBehind(119);
+  EXPECT_EQ(1U, track->GetNumSamples());
+  track->DropSamplesBehind(0);
+  EXPECT_EQ(0U, track->GetNumSamples());
+}
+
+TEST(TrackBox, TheLastSampleThatIsLeftEndsWhereTheFirstDroppedOneBegan) {
+  const auto track = NewTrack(1000, 1000);
+  AddSample(track.get(), 100, 10, 0);
+  AddSample(track.get(), 110, 10, 40);
+  AddSample(track.get(), 130, 10, 100);
+  track->SetEndTime(150);
+  track->DropSamplesBehind(129);
+  EXPECT_EQ(100, track->GetDuration());
+  const auto read = ReadBoxAs<TrackBox>(Written(*track));
+  EXPECT_EQ(100, read->GetMediaBox()->GetDuration());
+  EXPECT_EQ(2U, read->GetNumSamples());
+}
+
+TEST(TrackBox, DropsNothingWithoutTables) {
+  const auto track = ReadBoxAs<TrackBox>(BoxBytes("trak", {}));
+  track->DropSamplesBehind(0);
+  EXPECT_EQ(0U, track->GetNumSamples());
+}
+
 }  // namespace

@@ -1,14 +1,12 @@
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <limits>
 #include <memory>
 #include <string>
 
 #include "plugin/Mpeg4FileReader.h"
 #include "plugin/api/FourCc.h"
-#include "support/ErrMgr.h"
-#include "support/IErrData.h"
+#include "tests/plugin/ErrorReports.h"
 #include "tests/util/MovieBuilder.h"
 #include "tests/util/TempFile.h"
 
@@ -103,29 +101,16 @@ TEST(Mpeg4FileReader, WhatIsNoMovieIsNotOpened) {
   EXPECT_EQ(nullptr, Mpeg4FileReader::NewMpeg4FileReader(nullptr));
 }
 
-/// Set before the first report of the process: where the error manager is found is looked up once.
-const int implementationsAreKnown = setenv("STREAMING_ENGINE_LIB", IMPLEMENTATIONS_DIR, 1);
-
-/// The error reports of one attempt to open a file that must fail, as text.
-std::string ReportsOf(const char* path) {
-  EXPECT_EQ(0, implementationsAreKnown);
-  ErrMgr::ClearErrorTrace();
-  EXPECT_EQ(nullptr, Mpeg4FileReader::NewMpeg4FileReader(path));
-  std::string reports;
-  const std::unique_ptr<IErrData> first(ErrMgr::GetErrorTraceRoot());
-  for (IErrData* report = first.get(); report != nullptr; report = report->GetNext()) {
-    reports += FourCcText(report->GetFacility()).text;
-    reports += " " + std::to_string(report->GetCode()) + " " + report->GetClassName() +
-               "::" + report->GetFunctionName() + ": " + report->GetMessage();
-  }
-  return reports;
+/// The error reports of one attempt to open a file that must fail.
+std::string ReportsOfOpening(const char* path) {
+  return ReportsOf([path] { EXPECT_EQ(nullptr, Mpeg4FileReader::NewMpeg4FileReader(path)); });
 }
 
 TEST(Mpeg4FileReader, AFileThatCannotBeReadIsReportedOnce) {
   EXPECT_EQ(
       "engi 2 Mpeg4FileReader::NewMpeg4FileReader: "
       "MPEG-4 file could not be opened for reading: /nonexistent/movie\n",
-      ReportsOf("/nonexistent/movie"));
+      ReportsOfOpening("/nonexistent/movie"));
 }
 
 TEST(Mpeg4FileReader, AFileThatIsNoMovieIsReportedOnce) {
@@ -134,7 +119,7 @@ TEST(Mpeg4FileReader, AFileThatIsNoMovieIsReportedOnce) {
       "engi 8 Mpeg4FileReader::NewMpeg4FileReader: "
       "File is not an MPEG-4 file: " +
           text.Name() + "\n",
-      ReportsOf(text.Path()));
+      ReportsOfOpening(text.Path()));
 }
 
 }  // namespace

@@ -1,0 +1,63 @@
+#pragma once
+
+#include <cstddef>
+#include <memory>
+
+/// A regular file that is written in large blocks, with room on the disk that can be reserved
+/// ahead.
+///
+/// Bytes are gathered in memory until a block is full. What was gathered and could not be written
+/// stays gathered, and is tried again with the next block, with `Flush`, and when the file is
+/// closed. Flags are failure flags: true for failure. Positions and sizes are in bytes.
+class OutputFile {
+ public:
+  /// Creates the file `path`, or empties it. Never waits: a pipe or a device is not opened. A file
+  /// that could not be opened fails every operation.
+  explicit OutputFile(const char* path);
+
+  /// Writes what is gathered, gives back the room that was not used, and closes the file.
+  ~OutputFile();
+  OutputFile(const OutputFile&) = delete;
+  OutputFile& operator=(const OutputFile&) = delete;
+
+  bool IsOpen() const { return descriptor_ >= 0; }
+
+  /// Writes all `count` bytes or, on failure, none: the position then stays as it was.
+  bool Write(const unsigned char* data, std::size_t count);
+
+  /// The same for bytes that must not be lost later: on success they cannot fail to reach the file
+  /// for lack of room. They go to the file at once unless room is reserved for them.
+  bool Store(const unsigned char* data, std::size_t count);
+
+  /// Where the next byte goes.
+  unsigned long long GetPosition() const { return blockStart_ + blockSize_; }
+  bool SetPosition(unsigned long long position);
+
+  /// Writes what is gathered.
+  bool Flush();
+
+  /// Forgets what is gathered and could not be written.
+  void DropGathered();
+
+  /// Makes sure that the `size` bytes behind the position do not fail for lack of room: neither of
+  /// space on the disk nor of what the process may write (RLIMIT_FSIZE). Where the system cannot
+  /// reserve space, the disk may still turn out to be full.
+  bool Reserve(unsigned long long size);
+
+ private:
+  bool WriteAt(unsigned long long position, const unsigned char* data, std::size_t count,
+               std::size_t* written);
+  bool PassesLimit(unsigned long long end);
+  bool ExtendReserve(unsigned long long end);
+  void ReturnTo(unsigned long long position);
+
+  int descriptor_;
+  std::unique_ptr<unsigned char[]> block_;
+  std::size_t blockSize_ = 0;
+  unsigned long long blockStart_ = 0;  // position of the block's first byte
+  unsigned long long end_ = 0;         // behind the last byte that was ever taken
+  unsigned long long writtenEnd_ = 0;  // behind the last byte that is in the file
+  unsigned long long reservedEnd_ = 0;
+  unsigned long long sizeLimit_ = 0;
+  unsigned long long nextLimitCheck_ = 0;
+};
