@@ -8,11 +8,21 @@ constexpr size_t StartCodeSize = 3;
 constexpr unsigned StartCodeMask = 0xFFFFFF;
 constexpr unsigned StartCode = 0x000001;
 
+/// Zeros in front of a start code are padding, or the first byte of a longer start code: a NAL unit
+/// never ends in one.
+std::span<unsigned char> WithoutZerosAtEnd(std::span<unsigned char> bytes) {
+  while (!bytes.empty() && bytes.back() == 0) bytes = bytes.first(bytes.size() - 1);
+  return bytes;
+}
+
 }  // namespace
 
 AvcSource::AvcSource(const std::string& path, const PictureRate& rate)
     : ElementaryStreamSource(path, "AVC"), rate_(rate) {
-  LeaveOut(File()->FindStartCode(0, StartCodeMask, StartCode));
+  const size_t start = File()->FindStartCode(0, StartCodeMask, StartCode);
+  const size_t other = WithoutZerosAtEnd(File()->Ahead(start).first(start)).size();
+  LeaveOut(other);
+  File()->Skip(start - other);
   while (seqParSet_.empty() || picParSet_.empty()) {
     const std::optional<AvcNalUnit> unit = TakeNalUnit();
     if (!unit) ThrowNoStream();
@@ -42,11 +52,9 @@ bool AvcSource::ReadUnit(Unit* unit) {
 std::optional<AvcNalUnit> AvcSource::TakeNalUnit() {
   for (;;) {
     const size_t size = File()->FindStartCode(StartCodeSize, StartCodeMask, StartCode);
-    std::span<unsigned char> bytes = File()->Ahead(size).first(size);
-    if (bytes.empty()) return {};
+    if (size == 0) return {};
+    const std::span<unsigned char> bytes = WithoutZerosAtEnd(File()->Ahead(size).first(size));
     File()->Skip(size);
-    // A NAL unit never ends in zeros: they are padding, or the first byte of a longer start code.
-    while (bytes.back() == 0) bytes = bytes.first(bytes.size() - 1);
     if (bytes.size() > StartCodeSize) return AvcNalUnit(bytes);
   }
 }

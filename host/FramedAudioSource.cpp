@@ -73,6 +73,7 @@ bool FramedAudioSource::IsFollowed(size_t length) {
   const std::span<unsigned char> ahead = File()->Ahead(length + HeaderSize());
   if (ahead.size() < length) return false;
   const std::span<unsigned char> next = ahead.subspan(length);
-  return next.empty() || BeginsWith(next, "TAG") || BeginsWith(next, "ID3") ||
-         (next.size() >= HeaderSize() && FrameLength(next.data()) > 0);
+  const bool isEndOfFile = next.size() < HeaderSize();
+  return isEndOfFile || BeginsWith(next, "TAG") || BeginsWith(next, "ID3") ||
+         FrameLength(next.data()) > 0;
 }

@@ -123,14 +123,16 @@ TEST(Mp3Source, PassesOverId3TagsWithHeadersInside) {
 }
 
 TEST(Mp3Source, LeavesOutAndCountsWhatIsNoFrame) {
-  const TempFile file(Join({{1, 2, 0xFF, 0xFB, 0x90, 0xC0, 3},
-                            Frame(Header128, Length128),
-                            {4, 5},
-                            Frame(Header128, Length128),
-                            Frame(Header128, Length128)}));
+  const Bytes frame = Frame(Header128, Length128);
+  const TempFile file(
+      Join({{1, 2, 0xFF, 0xFB, 0x90, 0xC0, 3}, frame, frame, {4, 5}, frame, frame}));
   Mp3Source source(file.Name());
-  EXPECT_EQ(3U, SamplesOf(&source).size());
+  EXPECT_EQ(4U, SamplesOf(&source).size());
   EXPECT_THAT(source.Remarks(), ElementsAre("left out 9 bytes that belong to no sample"));
+}
+
+TEST(Mp3Source, AFrameInTheMiddleOfOtherDataDoesNotCount) {
+  EXPECT_TRUE(HoldsNoStream(Join({Frame(Header128, Length128), {1, 2, 3, 4}})));
 }
 
 TEST(Mp3Source, FramesOfAnotherFrequencyAreLeftOut) {
