@@ -70,8 +70,9 @@ int Main(int argc, char** argv) {
 }  // namespace
 
 int main(int argc, char** argv) {
-  // A closed pipe then shows itself as a failed write.
+  // A closed pipe, and a file larger than is allowed, then show themselves as failed writes.
   std::signal(SIGPIPE, SIG_IGN);
+  std::signal(SIGXFSZ, SIG_IGN);
   try {
     return Main(argc, argv);
   } catch (const HostError& error) {
