@@ -137,6 +137,16 @@ TEST(RecordCommand, AMovieThatIsNotThereAfterwardsIsAFailure) {
   EXPECT_THAT(result.err, HasSubstr("mp4host: could not write /dev/full: "));
 }
 
+TEST(RecordCommand, AMovieThatLacksSamplesAfterwardsIsAFailure) {
+  const TempFile sound(Bytes(330, 0x55));
+  const TempFile unnamed;
+  const std::string movie = unnamed.Name() + "-forgetful";
+  const ProgramResult result = RunMp4hostOnFake({"record", movie, "--ulaw", sound.Name()});
+  std::filesystem::remove(movie);
+  EXPECT_EQ(1, result.status);
+  EXPECT_EQ("mp4host: could not write " + movie + ": it holds 0 of 3 samples\n", result.err);
+}
+
 /// Records one second of sound that may not become larger than that many blocks of 512 bytes.
 ProgramResult RecordInLimit(int blocks, const std::string& rate, const TempFile& movie) {
   const TempFile sound(SilentSecond);

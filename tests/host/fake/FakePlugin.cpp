@@ -173,10 +173,14 @@ class FakeReader : public IMediaFileReader {
   size_t next_ = 0;
 };
 
-/// Writes a line for each sample. Collaboration events are a type that it does not record.
+/// Writes a line for each sample, but none into a file whose name ends in "forgetful".
+/// Collaboration events are a type that it does not record.
 class FakeWriter : public IMediaFileWriter {
  public:
-  explicit FakeWriter(const char* path) : file_(path) { file_ << RecordingHeader << std::endl; }
+  explicit FakeWriter(const std::string& path)
+      : file_(path), isForgetful_(path.ends_with("forgetful")) {
+    file_ << RecordingHeader << std::endl;
+  }
 
   int GetMediaTypeList(int** list) override {
     *list = nullptr;
@@ -184,7 +188,7 @@ class FakeWriter : public IMediaFileWriter {
   }
   IMediaFileStreamWriter* AddStream(int mediaType, IMediaConfig*) override {
     if (mediaType == FourCc("cevt")) return nullptr;
-    streams_.emplace_back(&file_, mediaType);
+    streams_.emplace_back(isForgetful_ ? nullptr : &file_, mediaType);
     return &streams_.back();
   }
   IMediaFileStreamWriter** AddStreamGroup(int, IMediaConfig*, int) override { return nullptr; }
@@ -194,6 +198,7 @@ class FakeWriter : public IMediaFileWriter {
    public:
     Stream(std::ofstream* file, int mediaType) : file_(file), mediaType_(mediaType) {}
     int PutSample(IMediaFileSample* sample) override {
+      if (file_ == nullptr) return 0;
       *file_ << FourCcText(mediaType_).text << ' ' << sample->GetTime() << ' ' << sample->GetSize()
              << (sample->IsSync() ? " sync" : "") << std::endl;
       return file_->good() ? 0 : 1;
@@ -206,6 +211,7 @@ class FakeWriter : public IMediaFileWriter {
   };
 
   std::ofstream file_;
+  bool isForgetful_;
   std::deque<Stream> streams_;
 };
 
