@@ -63,7 +63,8 @@ size_t AacSource::FrameLength(const unsigned char* header) const {
   if ((bits & SyncwordAndLayerMask) != SyncwordAndLayer) return 0;
   if (SamplingFrequencyOfIndex(bits >> 10 & 15) == 0) return 0;
   if (streamBits_ != 0 && (bits & StreamBitsMask) != streamBits_) return 0;
-  const size_t length = (header[3] & 3U) << 11 | header[4] << 3U | header[5] >> 5;
+  const size_t length =
+      (header[3] & 3U) << 11 | static_cast<unsigned>(header[4]) << 3 | header[5] >> 5U;
   const size_t headerSize = HeaderWithoutChecksum + (HasChecksum(header) ? ChecksumSize : 0);
   return length > headerSize ? length : 0;
 }

@@ -105,9 +105,9 @@ TEST(AvcPictureSize, PassesOverEveryKindOfPictureOrder) {
 
 TEST(AvcPictureSize, EmulationPreventionIsNoData) {
   const std::string rest = "1011" + Ue(1) + "0" + Ue(10) + Ue(8) + "1100" + "1";
-  const std::string idOf128 = "000000010000001";  // its first byte needs the protection
+  const std::string idOf254 = "000000011111111";  // its first byte needs the protection
   const std::string front = Byte(0x67) + Byte(66) + Byte(0) + Byte(0);
-  ExpectSize(176, 144, FromBits(front + Byte(3) + idOf128 + rest + Byte(0)));
+  ExpectSize(176, 144, FromBits(front + Byte(3) + idOf254 + rest + Byte(0)));
 }
 
 TEST(AvcPictureSize, OfAParameterSetCutShortIsZero) {

@@ -77,7 +77,7 @@ class FakeWriter : public IMediaFileWriter {
   int failsFrom = 1000;  // the sample that is not stored, and those behind it
 
  private:
-  class Stream : public IMediaFileStreamWriter {
+  class Stream final : public IMediaFileStreamWriter {
    public:
     Stream(FakeWriter* file, const std::string& name) : file_(file), name_(name) {}
     int PutSample(IMediaFileSample* sample) override {

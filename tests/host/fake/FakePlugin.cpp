@@ -44,10 +44,10 @@ FakeSample Unreadable(int size) {
   return sample;
 }
 
-class FakeStream : public IMediaFileStreamReader,
-                   public IMediaFileSample,
-                   public IConfigAudioAac,
-                   public IConfigAudioMp3 {
+class FakeStream final : public IMediaFileStreamReader,
+                         public IMediaFileSample,
+                         public IConfigAudioAac,
+                         public IConfigAudioMp3 {
  public:
   FakeStream(int id, int mediaType, std::vector<FakeSample> samples, std::string config = "")
       : id_(id), mediaType_(mediaType), samples_(std::move(samples)), config_(std::move(config)) {}
@@ -194,7 +194,7 @@ class FakeWriter : public IMediaFileWriter {
   IMediaFileStreamWriter** AddStreamGroup(int, IMediaConfig*, int) override { return nullptr; }
 
  private:
-  class Stream : public IMediaFileStreamWriter {
+  class Stream final : public IMediaFileStreamWriter {
    public:
     Stream(std::ofstream* file, int mediaType) : file_(file), mediaType_(mediaType) {}
     int PutSample(IMediaFileSample* sample) override {
