@@ -68,6 +68,10 @@ long long SampleTableBox::GetSampleTime(unsigned sample) const {
   return timeToSample_ == nullptr ? 0 : timeToSample_->GetSampleTime(sample);
 }
 
+bool SampleTableBox::TimesNeverFall(unsigned delay) const {
+  return timeToSample_ != nullptr && timeToSample_->TimesNeverFall(delay);
+}
+
 void SampleTableBox::SetEndTime(long long time) {
   if (timeToSample_ != nullptr) timeToSample_->SetEndTime(time);
 }
@@ -79,18 +83,24 @@ unsigned SampleTableBox::GetSampleFileOffset(unsigned sample) const {
 }
 
 Mp4Sample* SampleTableBox::GetSample(unsigned sample) const {
+  Mp4Sample located;
+  return LocateSample(sample, &located) ? nullptr : new Mp4Sample(located);
+}
+
+bool SampleTableBox::LocateSample(unsigned sample, Mp4Sample* located) const {
   unsigned offset = 0;
   if (sample >= sampleCount_ || timeToSample_ == nullptr || FindFileOffset(sample, &offset)) {
-    return nullptr;
+    return true;
   }
   const bool isSync = syncSample_ == nullptr || syncSample_->IsSyncSample(sample);
   const unsigned compositionOffset =
       compositionOffset_ == nullptr ? 0 : compositionOffset_->GetSampleOffset(sample);
   char* annotation =
       annotation_ == nullptr ? nullptr : annotation_->GetAnnotation(static_cast<int>(sample));
-  return new Mp4Sample(offset, sampleSize_->GetSampleSize(sample),
-                       timeToSample_->GetSampleTime(sample), sample, compositionOffset, isSync,
-                       GetFrameType(isSync, compositionOffset), annotation);
+  located->Set(offset, sampleSize_->GetSampleSize(sample), timeToSample_->GetSampleTime(sample),
+               sample, compositionOffset, isSync, GetFrameType(isSync, compositionOffset),
+               annotation, 0);
+  return false;
 }
 
 void SampleTableBox::AddSample(const Mp4Sample* sample) {

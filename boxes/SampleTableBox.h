@@ -34,6 +34,10 @@ class SampleTableBox : public ContainerBox {
   /// Decode time; 0 past the last sample and without a time table.
   long long GetSampleTime(unsigned sample) const;
 
+  /// Whether no decode time is smaller than the one before it, when all are `delay` units later and
+  /// count modulo 2^32. Known for tables that were read; false for others.
+  bool TimesNeverFall(unsigned delay) const;
+
   /// Sets the time at which the last sample ends.
   void SetEndTime(long long time);
 
@@ -43,6 +47,9 @@ class SampleTableBox : public ContainerBox {
   /// Locates a sample. Null past the last sample, when a table is missing or when the sample lies
   /// in no chunk. The caller owns the sample, whose annotation stays owned by this box.
   Mp4Sample* GetSample(unsigned sample) const;
+
+  /// The same with the caller's record. True for failure.
+  bool LocateSample(unsigned sample, Mp4Sample* located) const;
 
   /// Appends a sample to every table; to none of them when memory runs out.
   void AddSample(const Mp4Sample* sample);

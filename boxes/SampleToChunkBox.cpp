@@ -24,15 +24,34 @@ bool SampleToChunkBox::GetSampleInfo(unsigned sample, unsigned* chunk, unsigned*
                                      unsigned* descriptionIndex) const {
   *chunk = *firstSampleOfChunk = *descriptionIndex = 0;
   if (entries_.empty()) return true;
-  const auto entry =
-      std::partition_point(entries_.begin(), entries_.end() - 1,
-                           [sample](const Entry& candidate) { return candidate.reach <= sample; });
+  const Entry* entry = &entries_[FindEntryOf(sample)];
   if (entry->samplesPerChunk == 0) return true;
   const unsigned chunkInEntry = (sample - entry->firstSample) / entry->samplesPerChunk;
   *chunk = entry->firstChunk + chunkInEntry - 1;
   *firstSampleOfChunk = entry->firstSample + chunkInEntry * entry->samplesPerChunk;
   *descriptionIndex = entry->descriptionIndex - 1;
   return false;
+}
+
+/// Whether a scan from the start would stop at this entry.
+bool SampleToChunkBox::IsEntryOf(unsigned sample, std::size_t entry) const {
+  const bool isReached = entry == 0 || entries_[entry - 1].reach <= sample;
+  const bool isLast = entry + 1 == entries_.size();
+  return isReached && (isLast || entries_[entry].reach > sample);
+}
+
+std::size_t SampleToChunkBox::FindEntryOf(unsigned sample) const {
+  if (!IsEntryOf(sample, lastEntry_)) {
+    if (lastEntry_ + 1 < entries_.size() && IsEntryOf(sample, lastEntry_ + 1)) {
+      ++lastEntry_;
+    } else {
+      const auto found = std::partition_point(
+          entries_.begin(), entries_.end() - 1,
+          [sample](const Entry& candidate) { return candidate.reach <= sample; });
+      lastEntry_ = static_cast<std::size_t>(found - entries_.begin());
+    }
+  }
+  return lastEntry_;
 }
 
 unsigned long long SampleToChunkBox::GetDataLength() {

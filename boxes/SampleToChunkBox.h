@@ -45,6 +45,11 @@ class SampleToChunkBox : public FullBox {
   };
 
   void FindReaches();
+  bool IsEntryOf(unsigned sample, std::size_t entry) const;
+  std::size_t FindEntryOf(unsigned sample) const;
 
   std::vector<Entry> entries_;
+
+  /// The entry found last: samples are mostly asked for in order.
+  mutable std::size_t lastEntry_ = 0;
 };

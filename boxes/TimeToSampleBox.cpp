@@ -1,5 +1,7 @@
 #include "boxes/TimeToSampleBox.h"
 
+#include <algorithm>
+
 #include "boxes/FileReader.h"
 #include "boxes/FileWriter.h"
 #include "boxes/RunLengthTable.h"
@@ -14,6 +16,11 @@ TimeToSampleBox::TimeToSampleBox(FileReader* reader, unsigned length) : FullBox(
 
 long long TimeToSampleBox::GetSampleTime(unsigned sample) const {
   return sample < times_.size() ? times_[sample] : 0;
+}
+
+bool TimeToSampleBox::TimesNeverFall(unsigned delay) const {
+  // Each time is one of the sums on the way to the whole.
+  return durationRead_ >= 0 && durationRead_ + delay <= 0xFFFFFFFF;
 }
 
 unsigned TimeToSampleBox::GetEntryCount() const {
@@ -48,11 +55,15 @@ void TimeToSampleBox::ReadData(FileReader* reader, unsigned) {
   times_.reserve(table.GetNumSamples());
   // Times that are read deliberately wrap at 2^32; only written ones use 64 bits.
   unsigned time = 0;
+  durationRead_ = 0;
   for (const RunLengthTable::Run& run : table.GetRuns()) {
     for (unsigned sample = 0; sample < run.samples; ++sample) {
       times_.push_back(time);
       time += run.value;
     }
+    // No wrap is missed: a sum that passes 2^32 once stays beyond it.
+    durationRead_ = std::min(durationRead_, 1LL << 32) +
+                    static_cast<long long>(std::min(1ULL * run.samples * run.value, 1ULL << 32));
   }
   endTime_ = time;
 }

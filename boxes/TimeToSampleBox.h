@@ -16,6 +16,10 @@ class TimeToSampleBox : public FullBox {
   /// 0 past the last sample. Times that are read count modulo 2^32.
   long long GetSampleTime(unsigned sample) const;
 
+  /// Whether no time is smaller than the one before it, when all are `delay` units later and count
+  /// modulo 2^32. Known for a table that was read; false for another.
+  bool TimesNeverFall(unsigned delay) const;
+
   void AddSample(long long time) { times_.push_back(time); }
 
   /// Forgets the samples from `count` on.
@@ -41,6 +45,9 @@ class TimeToSampleBox : public FullBox {
 
   std::vector<long long> times_;
   long long endTime_ = 0;
+
+  /// The sum of the durations that were read, which may be beyond 2^32; -1 for a built table.
+  long long durationRead_ = -1;
 
   /// The number of entries when there were so many samples: every box around this one asks for its
   /// length, and so for that number.

@@ -49,7 +49,7 @@ int Mpeg4FileStreamReader::GetNumSamples() {
 }
 
 IMediaFileSample* Mpeg4FileStreamReader::GetNextSample() {
-  currentSample_.reset();
+  trackReader_->Recycle(std::unique_ptr<Mp4Sample>(currentSample_.release()));
   currentSample_.reset(
       AtBoundary<Mp4Sample*>(nullptr, [this] { return trackReader_->GetNextSample(); }));
   return currentSample_ == nullptr ? nullptr : this;

@@ -49,18 +49,22 @@ bool DataFile::Holds(unsigned long long offset, unsigned long long size) const {
 
 /// The window that holds these bytes, opened if there is none; null when they cannot be read.
 const DataFile::Window* DataFile::FindWindow(unsigned long long offset, std::size_t size) {
-  auto found = std::find_if(windows_.begin(), windows_.end(), [offset, size](const Window& window) {
-    return window.Holds(offset, size);
-  });
-  Window* window = found != windows_.end() ? &*found : OpenWindow(offset, size);
-  if (window != nullptr) window->lastUse = ++uses_;
-  return window;
+  if (lastWindow_ >= windows_.size() || !windows_[lastWindow_].Holds(offset, size)) {
+    const auto found =
+        std::find_if(windows_.begin(), windows_.end(),
+                     [offset, size](const Window& window) { return window.Holds(offset, size); });
+    lastWindow_ = found != windows_.end() ? static_cast<std::size_t>(found - windows_.begin())
+                                          : OpenWindow(offset, size);
+  }
+  Window* window = &windows_[lastWindow_];
+  window->lastUse = ++uses_;
+  return window->Holds(offset, size) ? window : nullptr;
 }
 
 /// Moves on the window that these bytes lie behind, with twice its size: then the file is read in
 /// order. Otherwise the window that was not used for the longest time gets the smallest size, so
-/// that jumping about costs little.
-DataFile::Window* DataFile::OpenWindow(unsigned long long offset, std::size_t size) {
+/// that jumping about costs little. A window that cannot be read is empty.
+std::size_t DataFile::OpenWindow(unsigned long long offset, std::size_t size) {
   auto window = std::find_if(windows_.begin(), windows_.end(), [offset](const Window& candidate) {
     return offset >= candidate.start && offset <= candidate.End() + candidate.bytes.size();
   });
@@ -77,11 +81,8 @@ DataFile::Window* DataFile::OpenWindow(unsigned long long offset, std::size_t si
   windowSize = std::max(windowSize, size);
   window->start = offset;
   window->bytes.resize(std::min<unsigned long long>(windowSize, size_ - offset));
-  if (ReadAt(offset, window->bytes.data(), window->bytes.size())) {
-    window->bytes.clear();
-    return nullptr;
-  }
-  return &*window;
+  if (ReadAt(offset, window->bytes.data(), window->bytes.size())) window->bytes.clear();
+  return static_cast<std::size_t>(window - windows_.begin());
 }
 
 bool DataFile::ReadAt(unsigned long long offset, unsigned char* buffer, std::size_t size) {

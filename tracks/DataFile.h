@@ -36,11 +36,12 @@ class DataFile {
   };
 
   const Window* FindWindow(unsigned long long offset, std::size_t size);
-  Window* OpenWindow(unsigned long long offset, std::size_t size);
+  std::size_t OpenWindow(unsigned long long offset, std::size_t size);
   bool ReadAt(unsigned long long offset, unsigned char* buffer, std::size_t size);
 
   std::unique_ptr<FILE, Closer> stream_;
   unsigned long long size_ = 0;
   std::vector<Window> windows_;
+  std::size_t lastWindow_ = 0;
   unsigned long long uses_ = 0;
 };

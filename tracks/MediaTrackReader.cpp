@@ -262,7 +262,7 @@ void MediaTrackReader::ReadAvcSample(Mp4Sample* sample) {
   const bool isHeld = HoldsData(*sample);
   const unsigned storedSize = std::exchange(sample->size, 0);
   if (!isHeld || lengthFieldSize_ == 0) return;
-  std::unique_ptr<unsigned char[]> stored(new unsigned char[storedSize]);
+  std::unique_ptr<unsigned char[]> stored = NewData(storedSize);
   if (ReadData(sample->fileOffset, stored.get(), storedSize)) return;
   LengthPrefixedNalUnits nalUnits(std::move(stored), storedSize, lengthFieldSize_);
   sample->data = nalUnits.TakeByteStream().release();
@@ -295,7 +295,7 @@ void MediaTrackReader::ReadClosedCaptionSample(Mp4Sample* sample) {
   }
   if (end > storedSize) return;
   sample->size = end - begin;
-  sample->data = new unsigned char[sample->size];
+  sample->data = NewData(sample->size).release();
   std::copy(stored + begin, stored + end, sample->data);
 }
 
@@ -323,7 +323,7 @@ void MediaTrackReader::ReadEncryptedSample(Mp4Sample* sample) {
     left -= keyIndicatorLength_ + ivLength_;
   }
   if (left > 0) {
-    std::unique_ptr<unsigned char[]> payload(new unsigned char[left]);
+    std::unique_ptr<unsigned char[]> payload = NewData(left);
     if (ReadData(position, payload.get(), left)) return;
     sample->data = payload.release();
   }

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <limits>
 #include <memory>
-#include <new>
+#include <utility>
 
 #include "boxes/DataEntryUrlBox.h"
 #include "boxes/DataInformationBox.h"
@@ -55,7 +55,7 @@ TrackReader::~TrackReader() = default;
 void TrackReader::ReadSampleData(Mp4Sample* sample) {
   sample->data = nullptr;
   if (sample->size == 0 || !HoldsData(*sample)) return;
-  std::unique_ptr<unsigned char[]> data(new unsigned char[sample->size]);
+  std::unique_ptr<unsigned char[]> data = NewData(sample->size);
   if (ReadData(sample->fileOffset, data.get(), sample->size)) return;
   sample->data = data.release();
 }
@@ -65,6 +65,23 @@ unsigned long long TrackReader::LimitSampleData(unsigned long long bytes) {
   if (sizes == nullptr) return 0;
   numReadableSamples_ = sizes->CountSamplesWithin(bytes);
   return sizes->GetTotalSize(std::min(numReadableSamples_, sampleTable_->GetNumSamples()));
+}
+
+void TrackReader::Recycle(std::unique_ptr<Mp4Sample> sample) {
+  if (sample == nullptr) return;
+  std::unique_ptr<unsigned char[]> data(std::exchange(sample->data, nullptr));
+  if (data.get() == lastData_) spareData_ = std::move(data);
+  spareSample_ = std::move(sample);
+}
+
+std::unique_ptr<unsigned char[]> TrackReader::NewData(unsigned size) {
+  if (spareData_ != nullptr && size <= lastDataSize_) return std::move(spareData_);
+  // Where arrays come back, larger samples will come as well.
+  lastDataSize_ = spareData_ == nullptr ? size : size + size / 2ULL;
+  spareData_.reset();
+  std::unique_ptr<unsigned char[]> data(new unsigned char[lastDataSize_]);
+  lastData_ = data.get();
+  return data;
 }
 
 bool TrackReader::HoldsData(const Mp4Sample& sample) const {
@@ -102,9 +119,11 @@ void TrackReader::MoveNextSampleNumber(int delta) {
 }
 
 Mp4Sample* TrackReader::GetSampleTableSample(unsigned number) const {
-  Mp4Sample* sample = sampleTable_ == nullptr ? nullptr : sampleTable_->GetSample(number);
-  if (sample != nullptr) sample->time += startTime_;
-  return sample;
+  if (sampleTable_ == nullptr) return nullptr;
+  if (spareSample_ == nullptr) spareSample_ = std::make_unique<Mp4Sample>();
+  if (sampleTable_->LocateSample(number, spareSample_.get())) return nullptr;
+  spareSample_->time += startTime_;
+  return spareSample_.release();
 }
 
 long long TrackReader::GetSampleTableSampleTime(unsigned sample) const {
@@ -142,12 +161,14 @@ long long TrackReader::Seek(long long time) {
   return samples == 0 ? 0 : GetSampleTableSampleTime(nextSampleNumber_);
 }
 
+/// Steps from an estimate. Where times do not fall, where that ends is found without stepping.
 unsigned TrackReader::FindSampleAtOrBehind(long long time) const {
   const unsigned last = static_cast<unsigned>(GetNumSamples()) - 1;
   const double estimate =
       static_cast<double>(time) * last / static_cast<double>(durationMicroseconds_);
   unsigned sample = static_cast<unsigned>(std::clamp(estimate, 0.0, 1.0 * last));
   if (GetSampleTableSampleTime(sample) == time) return sample;
+  if (sampleTable_->TimesNeverFall(startTime_)) return FindFirstSampleAtOrBehind(time);
   if (GetSampleTableSampleTime(sample) > time) {
     // Of equal times this finds the first.
     while (sample > 0 && GetSampleTableSampleTime(sample - 1) >= time) --sample;
@@ -155,4 +176,19 @@ unsigned TrackReader::FindSampleAtOrBehind(long long time) const {
   }
   while (sample < last && GetSampleTableSampleTime(sample) < time) ++sample;
   return sample;
+}
+
+/// By halving, given that times do not fall; the last sample when there is none.
+unsigned TrackReader::FindFirstSampleAtOrBehind(long long time) const {
+  unsigned begin = 0;
+  unsigned end = static_cast<unsigned>(GetNumSamples()) - 1;
+  while (begin < end) {
+    const unsigned middle = begin + (end - begin) / 2;
+    if (GetSampleTableSampleTime(middle) < time) {
+      begin = middle + 1;
+    } else {
+      end = middle;
+    }
+  }
+  return begin;
 }

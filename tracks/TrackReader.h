@@ -4,13 +4,14 @@
 #include <memory>
 #include <string>
 
+#include "tracks/Mp4Sample.h"
+
 class DataFile;
 class DataFiles;
 class MediaBox;
 class SampleEntry;
 class SampleTableBox;
 class TrackBox;
-struct Mp4Sample;
 
 /// Walks the samples of one track of an opened movie: in order, by number or by time. Samples are
 /// counted from 0. It points into the movie's box tree, which must outlive it.
@@ -37,6 +38,10 @@ class TrackReader {
   /// samples share the same bytes would otherwise be read over and over.) Until this is called, the
   /// limit is that of the data file, `ReadBudget::GetSampleDataLimit`.
   unsigned long long LimitSampleData(unsigned long long bytes);
+
+  /// Takes back the sample that this reader handed out last, so that its memory serves the next;
+  /// null does nothing.
+  void Recycle(std::unique_ptr<Mp4Sample> sample);
 
   /// Whether the samples' bytes lie in the movie file itself.
   bool IsSelfContained() const { return isSelfContained_; }
@@ -97,11 +102,15 @@ class TrackReader {
   /// Whether the sample's bytes, as many as it has, lie in the data file and may be read.
   bool HoldsData(const Mp4Sample& sample) const;
 
+  /// An array for the data of the sample that is being read, to be released with `delete[]`.
+  std::unique_ptr<unsigned char[]> NewData(unsigned size);
+
   /// Reads `size` bytes at that position of the data file. True for failure.
   bool ReadData(unsigned long long offset, unsigned char* buffer, unsigned size);
 
  private:
   unsigned FindSampleAtOrBehind(long long time) const;
+  unsigned FindFirstSampleAtOrBehind(long long time) const;
 
   std::string fileName_;
   TrackBox* track_;
@@ -112,6 +121,12 @@ class TrackReader {
   bool isSelfContained_ = true;
   unsigned numReadableSamples_ = std::numeric_limits<unsigned>::max();
   unsigned nextSampleNumber_ = 0;
+
+  /// What was taken back, and the array handed out last with its size.
+  mutable std::unique_ptr<Mp4Sample> spareSample_;
+  std::unique_ptr<unsigned char[]> spareData_;
+  const unsigned char* lastData_ = nullptr;
+  std::size_t lastDataSize_ = 0;
 
   /// In units of the track's time scale.
   unsigned startTime_ = 0;

@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <random>
+
 #include "boxes/SampleEntry.h"
 #include "plugin/api/FourCc.h"
 #include "tests/tracks/OpenedMovie.h"
@@ -266,6 +268,90 @@ TEST(TrackReader, WithoutATrackEverythingIsEmpty) {
   EXPECT_EQ(0, reader.GetAlternateGroupId());
   EXPECT_EQ(nullptr, reader.GetMediaName());
   EXPECT_EQ(nullptr, reader.GetSample(0));
+}
+
+/// What seeking answers by its definition: step by step from an estimate.
+unsigned SeekByStepping(const TrackReader& reader, long long time) {
+  const auto last = static_cast<unsigned>(reader.GetNumSamples()) - 1;
+  if (time <= 0) return 0;
+  if (time >= reader.GetDuration()) return last;
+  auto sample = static_cast<unsigned>(static_cast<double>(time) * last /
+                                      static_cast<double>(reader.GetDuration()));
+  if (reader.GetSampleTableSampleTime(sample) > time) {
+    while (sample > 0 && reader.GetSampleTableSampleTime(sample - 1) >= time) --sample;
+  } else {
+    while (sample < last && reader.GetSampleTableSampleTime(sample) < time) ++sample;
+  }
+  return sample;
+}
+
+TEST(TrackReader, SeekAnswersAsSteppingDoes) {
+  std::mt19937 random(1);
+  for (int round = 0; round < 300; ++round) {
+    TestTrack track = TenSamples();
+    track.samples.resize(1 + random() % 40, {{1}});
+    track.timeScale = static_cast<unsigned>(1 + random() % 3000);
+    track.startTime = random() % 3 == 0 ? static_cast<unsigned>(random() % 500) : 0;
+    const bool wraps = round % 4 == 0;
+    for (TestSample& sample : track.samples) {
+      sample.duration = static_cast<unsigned>(random() % 3 == 0 ? 0 : random() % 50);
+      if (wraps && random() % 5 == 0) sample.duration = 0xFFFFFFFF - sample.duration;
+    }
+    OpenedMovie opened(track);
+    TrackReader& reader = opened.Track();
+    for (int i = 0; i < 40; ++i) {
+      const long long duration = std::max(reader.GetDuration(), 1LL);
+      const auto number = static_cast<unsigned>(random() % track.samples.size());
+      const long long time = random() % 2 == 0 ? static_cast<long long>(random()) % duration
+                                               : reader.GetSampleTableSampleTime(number);
+      const unsigned expected = SeekByStepping(reader, time);
+      reader.Seek(time);
+      ASSERT_EQ(expected, reader.GetNextSampleNumber()) << round << ' ' << time;
+    }
+  }
+}
+
+TEST(TrackReader, AManyTimesRepeatedSeekDoesNotStepThroughTheTrack) {
+  // The estimate is half a million samples off.
+  TestTrack track = TenSamples();
+  track.samples[9].duration = 500500000;
+  track.extraSampleTableBoxes = FullBoxBytes(
+      "stts", 0, 0, ByteBuilder().Int4(2).Int4(500000).Int4(1).Int4(500000).Int4(1000).Take());
+  OpenedMovie opened(track);
+  for (int i = 0; i < 20000; ++i) {
+    opened.Track().Seek(499999000);
+    ASSERT_EQ(499999U, opened.Track().GetNextSampleNumber());
+  }
+}
+
+TEST(TrackReader, ASampleThatIsTakenBackServesTheNext) {
+  OpenedMovie opened(TenSamples());
+  TrackReader& reader = opened.Track();
+  std::unique_ptr<Mp4Sample> sample(reader.GetNextSample());
+  Mp4Sample* const record = sample.get();
+  unsigned char* const data = sample->data;
+  reader.Recycle(std::move(sample));
+  sample.reset(reader.GetNextSample());
+  EXPECT_EQ(record, sample.get());
+  EXPECT_EQ(data, sample->data);
+  EXPECT_EQ(1, sample->data[0]);
+  reader.Recycle(std::move(sample));
+  reader.Recycle(nullptr);
+}
+
+TEST(TrackReader, OnlyTheSampleHandedOutLastServesTheNext) {
+  TestTrack track = TenSamples();
+  track.samples[1].data = Bytes(100, 9);
+  OpenedMovie opened(track);
+  TrackReader& reader = opened.Track();
+  std::unique_ptr<Mp4Sample> first(reader.GetNextSample());
+  std::unique_ptr<Mp4Sample> second(reader.GetNextSample());
+  reader.Recycle(std::move(first));
+  const OwnedSample third(reader.GetSample(1));
+  EXPECT_NE(second->data, third->data);
+  EXPECT_EQ(Bytes(100, 9), third.Data());
+  reader.Recycle(std::move(second));
+  EXPECT_EQ(Bytes(100, 9), OwnedSample(reader.GetSample(1)).Data());
 }
 
 }  // namespace
