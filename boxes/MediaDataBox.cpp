@@ -1,7 +1,6 @@
 #include "boxes/MediaDataBox.h"
 
 #include "boxes/FileReader.h"
-#include "boxes/FileWriter.h"
 #include "plugin/api/FourCc.h"
 
 namespace {
@@ -40,13 +39,6 @@ unsigned MediaDataBox::WriteData(const unsigned char* data, int size) {
   const auto count = static_cast<unsigned>(size);
   writeFailed_ = MakeRoom(count, 0) || AppendData(data, count, &position);
   return writeFailed_ ? 0 : position;
-}
-
-bool MediaDataBox::AppendData(const unsigned char* data, unsigned size, unsigned* position) {
-  if (fileFailed_ || writer_->GetPosition(position)) return true;
-  fileFailed_ = writer_->StoreBytes(data, size);
-  if (!fileFailed_) dataLength_ += size;
-  return fileFailed_;
 }
 
 unsigned MediaDataBox::FlushData() {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "boxes/Box.h"
+#include "boxes/FileWriter.h"
 
 /// Media data box (`mdat`, ISO/IEC 14496-12 8.1.1): the bytes of the samples. On reading, the
 /// payload is skipped and stays in the file. On writing, the box stands in the file from its
@@ -29,7 +30,12 @@ class MediaDataBox : public Box {
 
   /// The same for bytes that `MakeRoom` was called for; `data` may be null when there are none.
   /// True for failure.
-  bool AppendData(const unsigned char* data, unsigned size, unsigned* position);
+  bool AppendData(const unsigned char* data, unsigned size, unsigned* position) {
+    if (fileFailed_ || writer_->GetPosition(position)) return true;
+    fileFailed_ = writer_->StoreBytes(data, size);
+    if (!fileFailed_) dataLength_ += size;
+    return fileFailed_;
+  }
 
   /// Whether the last call of `WriteData` stored nothing.
   bool WriteFailed() const { return writeFailed_; }

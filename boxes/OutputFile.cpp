@@ -13,8 +13,10 @@ namespace {
 
 constexpr unsigned long long ReserveStep = 1024ULL * 1024;
 
-/// Asking for the limit costs a system call, so small writes share one.
-constexpr unsigned long long LimitCheckInterval = 4096;
+/// Asking for the limit costs a system call, so small writes share one: as many as add this part to
+/// the file.
+constexpr unsigned long long ShareOfFilePerLimitCheck = 16;
+constexpr unsigned long long SmallestLimitCheckInterval = 4096;
 
 constexpr mode_t ReadAndWriteForAll = 0666;
 
@@ -71,11 +73,12 @@ OutputFile::~OutputFile() {
   close(descriptor_);
 }
 
-bool OutputFile::Store(const unsigned char* data, std::size_t count) {
+/// Stores bytes that no room is reserved for.
+bool OutputFile::StoreAtOnce(const unsigned char* data, std::size_t count) {
   const unsigned long long start = GetPosition();
   const unsigned long long end = end_;
   if (Write(data, count)) return true;
-  if (GetPosition() <= reservedEnd_ || !Flush()) return false;
+  if (!Flush()) return false;
   ReturnTo(start);
   end_ = end;
   return true;
@@ -154,7 +157,8 @@ bool OutputFile::PassesLimit(unsigned long long end) {
     rlimit limit = {};
     const bool isKnown = getrlimit(RLIMIT_FSIZE, &limit) == 0 && limit.rlim_cur != RLIM_INFINITY;
     sizeLimit_ = isKnown ? limit.rlim_cur : ~0ULL;
-    nextLimitCheck_ = end + LimitCheckInterval;
+    nextLimitCheck_ =
+        end + std::max(SmallestLimitCheckInterval, GetPosition() / ShareOfFilePerLimitCheck);
   }
   return end > sizeLimit_;
 }

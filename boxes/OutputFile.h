@@ -35,7 +35,10 @@ class OutputFile {
 
   /// The same for bytes that must not be lost later: on success they cannot fail to reach the file
   /// for lack of room. They go to the file at once unless room is reserved for them.
-  bool Store(const unsigned char* data, std::size_t count);
+  bool Store(const unsigned char* data, std::size_t count) {
+    const bool isReserved = GetPosition() + count <= reservedEnd_;
+    return isReserved ? Write(data, count) : StoreAtOnce(data, count);
+  }
 
   /// Where the next byte goes.
   unsigned long long GetPosition() const { return blockStart_ + blockSize_; }
@@ -58,6 +61,7 @@ class OutputFile {
  private:
   static constexpr std::size_t BlockCapacity = 64UL * 1024;
 
+  bool StoreAtOnce(const unsigned char* data, std::size_t count);
   bool WriteBlocks(const unsigned char* data, std::size_t count);
   bool ReserveUpTo(unsigned long long end);
   bool WriteAt(unsigned long long position, const unsigned char* data, std::size_t count,

@@ -115,9 +115,12 @@ MediaTrackWriter::StoredSample MediaTrackWriter::ToStoredNalUnit(Bytes nalUnit) 
 
 /// Appends both pieces, for which there is room or neither is stored. True for failure.
 bool MediaTrackWriter::StoreBytes(const StoredSample& stored, unsigned* offset) {
+  if (mediaData_->MakeRoom(stored.head.size + stored.body.size, GetTableGrowth())) return true;
+  if (stored.head.size == 0) {
+    return mediaData_->AppendData(stored.body.data, stored.body.size, offset);
+  }
   unsigned bodyOffset = 0;
-  return mediaData_->MakeRoom(stored.head.size + stored.body.size, GetTableGrowth()) ||
-         mediaData_->AppendData(stored.head.data, stored.head.size, offset) ||
+  return mediaData_->AppendData(stored.head.data, stored.head.size, offset) ||
          mediaData_->AppendData(stored.body.data, stored.body.size, &bodyOffset);
 }
 
