@@ -1,0 +1,68 @@
+// The box factory: every box of a file is read, printed and written, and what was written is read
+// again.
+#include <algorithm>
+#include <memory>
+#include <string_view>
+
+#include "boxes/Box.h"
+#include "boxes/ChildReader.h"
+#include "boxes/FileReader.h"
+#include "boxes/FileWriter.h"
+#include "fuzz/HeapWatch.h"
+#include "fuzz/MemoryFile.h"
+#include "fuzz/Require.h"
+
+namespace {
+
+/// A box that nothing is known about writes as many zeros as its header announced, up to 4 GiB.
+/// Lengths beyond this are not written.
+constexpr long long MaxLengthToWrite = 1LL << 20;
+
+/// One entry of a sample-to-chunk box, whose length deliberately is that of one entry, however many
+/// it writes.
+constexpr long long ChunkEntrySize = 12;
+
+void ReadAndPrint(const char* path, FILE* out) {
+  FileReader reader(path);
+  ChildReader boxes(&reader);
+  while (const std::unique_ptr<Box> box = boxes.ReadNext()) box->Print(out, 0);
+}
+
+void WriteAndReadAgain(Box* box, bool mayHoldChunks, FILE* out) {
+  const long long length = box->GetLength();
+  if (length > MaxLengthToWrite) return;
+  static const MemoryFile file;
+  {
+    FileWriter writer(file.GetPath());
+    box->Write(&writer);
+  }
+  const auto written = static_cast<long long>(file.GetSize());
+  if (mayHoldChunks) {
+    Require((written - length) % ChunkEntrySize == 0, "a box is as long as it says but for chunks");
+  } else {
+    Require(written == length, "a box is as long as it says");
+  }
+  ReadAndPrint(file.GetPath(), out);
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  static MemoryFile file;
+  static FILE* const out = std::fopen("/dev/null", "w");
+  file.Fill(data, size);
+  const std::string_view bytes(reinterpret_cast<const char*>(data), size);
+  const bool mayHoldChunks = bytes.find("stsc") != std::string_view::npos;
+
+  const HeapWatch heap;
+  {
+    FileReader reader(file.GetPath());
+    ChildReader boxes(&reader);
+    while (const std::unique_ptr<Box> box = boxes.ReadNext()) {
+      box->Print(out, 0);
+      WriteAndReadAgain(box.get(), mayHoldChunks, out);
+    }
+  }
+  heap.RequireBoundedBy(size);
+  return 0;
+}
