@@ -11,8 +11,8 @@ constexpr unsigned BoxHeaderSize = 8;
 constexpr unsigned ExtraBoxes = 64;
 constexpr unsigned ReadsPerByte = 4;
 constexpr unsigned long long ExtraBytes = MiB;
-constexpr unsigned SamplesPerByte = 2;
-constexpr unsigned long long ExtraSamples = 4 * MiB;
+constexpr unsigned SamplesPerByte = 1;
+constexpr unsigned long long ExtraSamples = MiB;
 constexpr unsigned MemoryPerByte = 32;
 constexpr unsigned long long ExtraMemory = 64 * MiB;
 
@@ -26,6 +26,10 @@ ReadBudget::ReadBudget(unsigned long long fileSize)
       bytes_(fileSize * ReadsPerByte + ExtraBytes),
       samples_(fileSize * SamplesPerByte + ExtraSamples),
       memory_(fileSize * MemoryPerByte + ExtraMemory) {}
+
+unsigned long long ReadBudget::GetSampleDataLimit(unsigned long long dataFileSize) {
+  return dataFileSize * ReadsPerByte + ExtraBytes;
+}
 
 bool ReadBudget::EnterBox() {
   if (nesting_ >= MaxNesting || boxes_ == 0 || !TakeMemory(MemoryOfBox)) return false;

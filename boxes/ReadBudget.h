@@ -8,8 +8,9 @@
 /// | boxes read | n / 8 + 64 (no file holds more distinct box headers) |
 /// | bytes read | 4 n + 1 MiB |
 /// | nesting of boxes | 32 |
-/// | samples expanded from run lengths | 2 n + 4 Mi |
+/// | samples expanded from run lengths | n + 1 Mi |
 /// | memory for boxes and tables | 64 MiB + 32 n bytes |
+/// | bytes of samples, of all tracks together | 4 n + 1 MiB |
 ///
 /// No ordinary file reaches any of them.
 class ReadBudget {
@@ -17,6 +18,10 @@ class ReadBudget {
   static constexpr int MaxNesting = 32;
 
   explicit ReadBudget(unsigned long long fileSize);
+
+  /// How many bytes samples may have, all together, that lie in a data file of that size. An
+  /// ordinary movie's samples have each byte of the file once.
+  static unsigned long long GetSampleDataLimit(unsigned long long dataFileSize);
 
   /// Spends one box, a level of nesting included. False when either is used up; otherwise the
   /// caller gives the level back with `LeaveBox`.

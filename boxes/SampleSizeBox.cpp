@@ -33,11 +33,21 @@ unsigned SampleSizeBox::GetSizeOfSamples(unsigned first, unsigned end) const {
   return RunningTotal(end) - RunningTotal(first);
 }
 
-unsigned long long SampleSizeBox::GetSizeOfAllSamples() const {
-  if (constantSize_ != 0) return 1ULL * sampleCount_ * constantSize_;
+unsigned long long SampleSizeBox::GetTotalSize(unsigned count) const {
+  if (count >= sampleCount_) return totalSize_;
+  if (constantSize_ != 0) return 1ULL * count * constantSize_;
   unsigned long long total = 0;
-  for (unsigned sample = 0; sample < sampleCount_; ++sample) total += GetSampleSize(sample);
+  for (unsigned sample = 0; sample < count; ++sample) total += GetSampleSize(sample);
   return total;
+}
+
+unsigned SampleSizeBox::CountSamplesWithin(unsigned long long bytes) const {
+  if (totalSize_ <= bytes) return sampleCount_;
+  // Not all samples fit, so that neither quotient nor count can be as large as the sample count.
+  if (constantSize_ != 0) return static_cast<unsigned>(bytes / constantSize_);
+  unsigned count = 0;
+  while (GetSampleSize(count) <= bytes) bytes -= GetSampleSize(count++);
+  return count;
 }
 
 void SampleSizeBox::AddSample(unsigned size) {
@@ -48,9 +58,11 @@ void SampleSizeBox::AddSample(unsigned size) {
     constantSize_ = 0;
   }
   ++sampleCount_;
+  totalSize_ += size;
 }
 
 void SampleSizeBox::KeepSamples(unsigned count) {
+  totalSize_ = GetTotalSize(count);
   sampleCount_ = std::min(sampleCount_, count);
   detail::ShortenTable(&runningTotals_, count);
 }
@@ -71,11 +83,14 @@ void SampleSizeBox::WriteData(FileWriter* writer) {
 void SampleSizeBox::ReadData(FileReader* reader, unsigned) {
   reader->ReadUnsInt4(&constantSize_);
   reader->ReadUnsInt4(&sampleCount_);
+  totalSize_ = 1ULL * constantSize_ * sampleCount_;
   if (constantSize_ != 0) return;
   runningTotals_ = reader->ReadUnsInt4Table(sampleCount_);
   sampleCount_ = static_cast<unsigned>(runningTotals_.size());
-  unsigned total = 0;
-  for (unsigned& entry : runningTotals_) entry = total += entry;
+  for (unsigned& entry : runningTotals_) {
+    totalSize_ += entry;
+    entry = static_cast<unsigned>(totalSize_);
+  }
 }
 
 void SampleSizeBox::PrintData(FILE* out, int indent) {

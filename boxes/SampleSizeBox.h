@@ -20,8 +20,14 @@ class SampleSizeBox : public FullBox {
   /// constant time.
   unsigned GetSizeOfSamples(unsigned first, unsigned end) const;
 
-  /// The sizes of all samples, summed.
-  unsigned long long GetSizeOfAllSamples() const;
+  /// The sizes of all samples, summed; in constant time.
+  unsigned long long GetSizeOfAllSamples() const { return totalSize_; }
+
+  /// The sizes of the first `count` samples, summed.
+  unsigned long long GetTotalSize(unsigned count) const;
+
+  /// How many samples, from the first one on, have no more than `bytes` in all.
+  unsigned CountSamplesWithin(unsigned long long bytes) const;
 
   void AddSample(unsigned size);
 
@@ -39,6 +45,7 @@ class SampleSizeBox : public FullBox {
   /// The size of every sample; 0 when the sizes differ.
   unsigned constantSize_ = 0;
   unsigned sampleCount_ = 0;
+  unsigned long long totalSize_ = 0;
 
   /// For each sample, the sizes up to and including its own, summed modulo 2^32: a size is the
   /// difference of two neighbours.

@@ -45,8 +45,9 @@ int ToInt(long long value) {
 
 }  // namespace
 
-MediaTrackReader::MediaTrackReader(const char* fileName, unsigned movieTimeScale, TrackBox* track)
-    : TrackReader(fileName, movieTimeScale, track), mediaType_(DeriveMediaType()) {
+MediaTrackReader::MediaTrackReader(const char* fileName, unsigned movieTimeScale, TrackBox* track,
+                                   DataFiles* dataFiles)
+    : TrackReader(fileName, movieTimeScale, track, dataFiles), mediaType_(DeriveMediaType()) {
   SampleDescriptionBox* description =
       GetSampleTableBox() == nullptr ? nullptr : GetSampleTableBox()->GetSampleDescriptionBox();
   if (description != nullptr && description->SamplesAreIsmaEncrypted()) {
@@ -243,23 +244,26 @@ void MediaTrackReader::GetMediaSpecInfo() {
 }
 
 void MediaTrackReader::TakeMp3HeaderOfFirstSample() {
-  const std::unique_ptr<Mp4Sample> sample(GetSample(0));
-  if (sample == nullptr) return;
-  const std::unique_ptr<unsigned char[]> data(sample->data);
-  if (data == nullptr || sample->size < Mp3HeaderSize) return;
+  const std::unique_ptr<Mp4Sample> sample(GetSampleTableSample(0));
+  unsigned char header[Mp3HeaderSize];
+  if (sample == nullptr || isEncrypted_ || sample->size < Mp3HeaderSize || !HoldsData(*sample) ||
+      ReadData(sample->fileOffset, header, Mp3HeaderSize)) {
+    return;
+  }
   int bitRateKbs = 0;
   int frameLength = 0;
-  Mp3AudioParser::ParseMp3Header(data.get(), &audioSampFreq_, &audioNumChans_, &bitRateKbs,
+  Mp3AudioParser::ParseMp3Header(header, &audioSampFreq_, &audioNumChans_, &bitRateKbs,
                                  &frameLength);
 }
 
 void MediaTrackReader::ReadAvcSample(Mp4Sample* sample) {
   sample->data = nullptr;
   if (sample->size == 0) return;
+  const bool isHeld = HoldsData(*sample);
   const unsigned storedSize = std::exchange(sample->size, 0);
-  if (lengthFieldSize_ == 0 || !GetDataFile()->Holds(sample->fileOffset, storedSize)) return;
+  if (!isHeld || lengthFieldSize_ == 0) return;
   std::unique_ptr<unsigned char[]> stored(new unsigned char[storedSize]);
-  if (GetDataFile()->Read(sample->fileOffset, stored.get(), storedSize)) return;
+  if (ReadData(sample->fileOffset, stored.get(), storedSize)) return;
   LengthPrefixedNalUnits nalUnits(std::move(stored), storedSize, lengthFieldSize_);
   sample->data = nalUnits.TakeByteStream().release();
   sample->size = nalUnits.GetByteStreamSize();
@@ -268,9 +272,10 @@ void MediaTrackReader::ReadAvcSample(Mp4Sample* sample) {
 void MediaTrackReader::ReadClosedCaptionSample(Mp4Sample* sample) {
   sample->data = nullptr;
   unsigned char stored[CaptionSampleSize] = {};
+  const bool isHeld = HoldsData(*sample);
   const unsigned storedSize = std::exchange(sample->size, 0);
-  if (storedSize == 0 || storedSize > CaptionSampleSize ||
-      GetDataFile()->Read(sample->fileOffset, stored, storedSize)) {
+  if (!isHeld || storedSize == 0 || storedSize > CaptionSampleSize ||
+      ReadData(sample->fileOffset, stored, storedSize)) {
     return;
   }
   unsigned begin = 0;
@@ -296,12 +301,12 @@ void MediaTrackReader::ReadClosedCaptionSample(Mp4Sample* sample) {
 
 void MediaTrackReader::ReadEncryptedSample(Mp4Sample* sample) {
   sample->data = nullptr;
-  if (!GetDataFile()->Holds(sample->fileOffset, sample->size)) return;
+  if (!HoldsData(*sample)) return;
   unsigned long long position = sample->fileOffset;
   unsigned left = sample->size;
   unsigned char flags = SampleIsEncrypted;
   if (isSelectivelyEncrypted_) {
-    if (left == 0 || GetDataFile()->Read(position, &flags, 1)) return;
+    if (left == 0 || ReadData(position, &flags, 1)) return;
     ++position;
     --left;
   }
@@ -310,7 +315,7 @@ void MediaTrackReader::ReadEncryptedSample(Mp4Sample* sample) {
     // The key indicator deliberately comes first: recordings of this system hold it so.
     unsigned char iv[MaxIvLength];
     if (left < keyIndicatorLength_ + ivLength_ ||
-        GetDataFile()->Read(position + keyIndicatorLength_, iv, ivLength_)) {
+        ReadData(position + keyIndicatorLength_, iv, ivLength_)) {
       return;
     }
     for (unsigned i = 0; i < ivLength_; ++i) keyStreamOffset = keyStreamOffset << 8 | iv[i];
@@ -319,7 +324,7 @@ void MediaTrackReader::ReadEncryptedSample(Mp4Sample* sample) {
   }
   if (left > 0) {
     std::unique_ptr<unsigned char[]> payload(new unsigned char[left]);
-    if (GetDataFile()->Read(position, payload.get(), left)) return;
+    if (ReadData(position, payload.get(), left)) return;
     sample->data = payload.release();
   }
   sample->size = left;

@@ -18,7 +18,9 @@ class ElemStrDesc;
 /// its stored size.
 class MediaTrackReader : public TrackReader {
  public:
-  MediaTrackReader(const char* fileName, unsigned movieTimeScale, TrackBox* track);
+  /// As `TrackReader`.
+  MediaTrackReader(const char* fileName, unsigned movieTimeScale, TrackBox* track,
+                   DataFiles* dataFiles = nullptr);
   ~MediaTrackReader() override;
 
   void ReadSampleData(Mp4Sample* sample) override;

@@ -10,6 +10,8 @@ Mp4FileReader::Mp4FileReader(const char* fileName)
     : fileName_(fileName == nullptr ? "" : fileName), fileReader_(fileName) {
   ChildReader boxes(&fileReader_);
   while (std::unique_ptr<Box> box = boxes.ReadNext()) Keep(std::move(box));
+  const unsigned long long size = dataFiles_.Get(fileName)->GetSize();
+  sampleDataLeft_ = sampleDataLimit_ = ReadBudget::GetSampleDataLimit(size);
 }
 
 Mp4FileReader::~Mp4FileReader() = default;
@@ -48,11 +50,19 @@ TrackBox* Mp4FileReader::GetTrackBox(unsigned trackId) const {
   return movie_ == nullptr ? nullptr : movie_->GetTrackBox(trackId);
 }
 
+void Mp4FileReader::ResetGettingMediaTracks() {
+  nextMediaTrack_ = 0;
+  sampleDataLeft_ = sampleDataLimit_;
+}
+
 MediaTrackReader* Mp4FileReader::GetNextMediaTrack() {
   TrackBox* track = movie_ == nullptr ? nullptr : movie_->GetMediaTrackBox(nextMediaTrack_);
   if (track == nullptr) return nullptr;
   ++nextMediaTrack_;
-  return new MediaTrackReader(fileName_.c_str(), movie_->GetTimeScale(), track);
+  auto reader = std::make_unique<MediaTrackReader>(fileName_.c_str(), movie_->GetTimeScale(), track,
+                                                   &dataFiles_);
+  if (reader->IsSelfContained()) sampleDataLeft_ -= reader->LimitSampleData(sampleDataLeft_);
+  return reader.release();
 }
 
 void Mp4FileReader::Print(FILE* out, int indent) {

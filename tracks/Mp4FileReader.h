@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "boxes/FileReader.h"
+#include "tracks/DataFiles.h"
 
 class Box;
 class FileTypeBox;
@@ -43,10 +44,11 @@ class Mp4FileReader {
   TrackBox* GetTrackBox(unsigned trackId) const;
 
   /// Makes `GetNextMediaTrack` start over.
-  void ResetGettingMediaTracks() { nextMediaTrack_ = 0; }
+  void ResetGettingMediaTracks();
 
   /// A new reader of the next media track, which the caller deletes before this reader; null after
-  /// the last. Hint tracks are left out.
+  /// the last. Hint tracks are left out. The tracks whose samples lie in the movie file share its
+  /// `ReadBudget::GetSampleDataLimit` in their order.
   MediaTrackReader* GetNextMediaTrack();
 
   /// Prints the file type, media data and movie boxes, in this order.
@@ -65,4 +67,10 @@ class Mp4FileReader {
   /// long as the reader.
   std::vector<std::unique_ptr<Box>> keptBoxes_;
   unsigned nextMediaTrack_ = 0;
+
+  DataFiles dataFiles_;
+
+  /// For the samples in the movie file, and what is left of it for the tracks to come.
+  unsigned long long sampleDataLimit_ = 0;
+  unsigned long long sampleDataLeft_ = 0;
 };

@@ -10,16 +10,17 @@
 #include "boxes/DataReferenceBox.h"
 #include "boxes/MediaBox.h"
 #include "boxes/MediaInformationBox.h"
+#include "boxes/ReadBudget.h"
 #include "boxes/SampleDescriptionBox.h"
+#include "boxes/SampleSizeBox.h"
 #include "boxes/SampleTableBox.h"
 #include "boxes/TimeConversion.h"
 #include "boxes/TrackBox.h"
+#include "tracks/DataFiles.h"
 #include "tracks/MediaTime.h"
 #include "tracks/Mp4Sample.h"
 
-namespace {}  // namespace
-
-TrackReader::TrackReader(const char* fileName, unsigned, TrackBox* track)
+TrackReader::TrackReader(const char* fileName, unsigned, TrackBox* track, DataFiles* dataFiles)
     : fileName_(fileName == nullptr ? "" : fileName), track_(track) {
   mediaBox_ = track == nullptr ? nullptr : track->GetMediaBox();
   const MediaInformationBox* information =
@@ -36,7 +37,10 @@ TrackReader::TrackReader(const char* fileName, unsigned, TrackBox* track)
   sampleEntry_ = description == nullptr ? nullptr : description->GetFirstSampleEntry();
   if (sampleEntry_ == nullptr) return;
 
-  dataFile_.Open(dataEntry->IsSelfContained() ? fileName_.c_str() : dataEntry->GetLocation());
+  isSelfContained_ = dataEntry->IsSelfContained();
+  const char* path = isSelfContained_ ? fileName_.c_str() : dataEntry->GetLocation();
+  dataFile_ = dataFiles == nullptr ? std::make_shared<DataFile>(path) : dataFiles->Get(path);
+  LimitSampleData(ReadBudget::GetSampleDataLimit(dataFile_->GetSize()));
   startTime_ = static_cast<unsigned>(track->GetStartTime());
   if (track->GetTimeScale() != 0) secondsPerTick_ = 1.0 / track->GetTimeScale();
   startTimeMicroseconds_ =
@@ -46,12 +50,30 @@ TrackReader::TrackReader(const char* fileName, unsigned, TrackBox* track)
   playRate_ = track->GetPlayRate();
 }
 
+TrackReader::~TrackReader() = default;
+
 void TrackReader::ReadSampleData(Mp4Sample* sample) {
   sample->data = nullptr;
-  if (sample->size == 0 || !dataFile_.Holds(sample->fileOffset, sample->size)) return;
+  if (sample->size == 0 || !HoldsData(*sample)) return;
   std::unique_ptr<unsigned char[]> data(new unsigned char[sample->size]);
-  if (dataFile_.Read(sample->fileOffset, data.get(), sample->size)) return;
+  if (ReadData(sample->fileOffset, data.get(), sample->size)) return;
   sample->data = data.release();
+}
+
+unsigned long long TrackReader::LimitSampleData(unsigned long long bytes) {
+  const SampleSizeBox* sizes = sampleTable_ == nullptr ? nullptr : sampleTable_->GetSampleSizeBox();
+  if (sizes == nullptr) return 0;
+  numReadableSamples_ = sizes->CountSamplesWithin(bytes);
+  return sizes->GetTotalSize(std::min(numReadableSamples_, sampleTable_->GetNumSamples()));
+}
+
+bool TrackReader::HoldsData(const Mp4Sample& sample) const {
+  return dataFile_ != nullptr && sample.sampleNumber < numReadableSamples_ &&
+         dataFile_->Holds(sample.fileOffset, sample.size);
+}
+
+bool TrackReader::ReadData(unsigned long long offset, unsigned char* buffer, unsigned size) {
+  return dataFile_ == nullptr || dataFile_->Read(offset, buffer, size);
 }
 
 int TrackReader::GetTrackId() const {

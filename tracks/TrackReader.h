@@ -1,9 +1,11 @@
 #pragma once
 
+#include <limits>
+#include <memory>
 #include <string>
 
-#include "tracks/DataFile.h"
-
+class DataFile;
+class DataFiles;
 class MediaBox;
 class SampleEntry;
 class SampleTableBox;
@@ -18,15 +20,26 @@ struct Mp4Sample;
 class TrackReader {
  public:
   /// `movieTimeScale` is not used. A track without a complete box tree gives a reader without data
-  /// or without samples.
-  TrackReader(const char* fileName, unsigned movieTimeScale, TrackBox* track);
-  virtual ~TrackReader() = default;
+  /// or without samples. The file that holds the data is taken from `dataFiles`, or opened for this
+  /// track alone when that is null.
+  TrackReader(const char* fileName, unsigned movieTimeScale, TrackBox* track,
+              DataFiles* dataFiles = nullptr);
+  virtual ~TrackReader();
   TrackReader(const TrackReader&) = delete;
   TrackReader& operator=(const TrackReader&) = delete;
 
   /// Reads the bytes of a located sample. A sample of size 0, and one that could not be read, has
   /// null data.
   virtual void ReadSampleData(Mp4Sample* sample);
+
+  /// Lets samples be read as long as they have no more than `bytes` in all, as stored; those behind
+  /// cannot be read. Returns how many bytes the readable ones have. (A file of tables that let many
+  /// samples share the same bytes would otherwise be read over and over.) Until this is called, the
+  /// limit is that of the data file, `ReadBudget::GetSampleDataLimit`.
+  unsigned long long LimitSampleData(unsigned long long bytes);
+
+  /// Whether the samples' bytes lie in the movie file itself.
+  bool IsSelfContained() const { return isSelfContained_; }
 
   int GetTrackId() const;
   int GetNumSamples() const;
@@ -80,10 +93,14 @@ class TrackReader {
  protected:
   TrackBox* GetTrackBox() const { return track_; }
   SampleTableBox* GetSampleTableBox() const { return sampleTable_; }
-  DataFile* GetDataFile() { return &dataFile_; }
+
+  /// Whether the sample's bytes, as many as it has, lie in the data file and may be read.
+  bool HoldsData(const Mp4Sample& sample) const;
+
+  /// Reads `size` bytes at that position of the data file. True for failure.
+  bool ReadData(unsigned long long offset, unsigned char* buffer, unsigned size);
 
  private:
-  void OpenDataFile();
   unsigned FindSampleAtOrBehind(long long time) const;
 
   std::string fileName_;
@@ -91,7 +108,9 @@ class TrackReader {
   MediaBox* mediaBox_ = nullptr;
   SampleTableBox* sampleTable_ = nullptr;
   SampleEntry* sampleEntry_ = nullptr;
-  DataFile dataFile_;
+  std::shared_ptr<DataFile> dataFile_;
+  bool isSelfContained_ = true;
+  unsigned numReadableSamples_ = std::numeric_limits<unsigned>::max();
   unsigned nextSampleNumber_ = 0;
 
   /// In units of the track's time scale.

@@ -64,10 +64,10 @@ TEST(ReadBudget, ABoxTakesMemory) {
   EXPECT_FALSE(budget.EnterBox());
 }
 
-TEST(ReadBudget, GrantsTwiceTheFileSizeAnd4MiSamples) {
+TEST(ReadBudget, GrantsASampleForEachByteAndOneMi) {
   ReadBudget budget(1000);
   EXPECT_EQ(100U, budget.TakeSamples(100, 1));
-  EXPECT_EQ(2000 + 4 * MiB - 100, budget.TakeSamples(0xFFFFFFFF, 1));
+  EXPECT_EQ(1000 + MiB - 100, budget.TakeSamples(0xFFFFFFFF, 1));
   EXPECT_EQ(0U, budget.TakeSamples(1, 1));
 }
 

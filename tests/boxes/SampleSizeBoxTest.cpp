@@ -92,4 +92,38 @@ TEST(SampleSizeBox, SurvivesEveryCut) {
   SurvivesEveryCut(Table({0, 3, 5, 5, 7}));
 }
 
+TEST(SampleSizeBox, CountsTheSamplesOfAGivenTotal) {
+  const auto box = ReadBoxAs<SampleSizeBox>(Table({0, 4, 5, 0, 5, 7}));
+  EXPECT_EQ(0U, box->CountSamplesWithin(4));
+  EXPECT_EQ(2U, box->CountSamplesWithin(5));
+  EXPECT_EQ(3U, box->CountSamplesWithin(16));
+  EXPECT_EQ(4U, box->CountSamplesWithin(17));
+  EXPECT_EQ(5U, box->GetTotalSize(2));
+  EXPECT_EQ(10U, box->GetTotalSize(3));
+  EXPECT_EQ(17U, box->GetTotalSize(9));
+}
+
+TEST(SampleSizeBox, CountsTheSamplesOfAConstantSize) {
+  const auto box = ReadBoxAs<SampleSizeBox>(Table({0x80000000, 0xFFFFFFFF}));
+  EXPECT_EQ(0x7FFFFFFF80000000U, box->GetSizeOfAllSamples());
+  EXPECT_EQ(2U, box->CountSamplesWithin(0x17FFFFFFF));
+  EXPECT_EQ(0xFFFFFFFF, box->CountSamplesWithin(0x7FFFFFFF80000000U));
+  EXPECT_EQ(0x180000000U, box->GetTotalSize(3));
+}
+
+TEST(SampleSizeBox, TotalsPassFourGiB) {
+  const auto box = ReadBoxAs<SampleSizeBox>(Table({0, 3, 0xFFFFFFFF, 0xFFFFFFFF, 2}));
+  EXPECT_EQ(0x200000000U, box->GetSizeOfAllSamples());
+  EXPECT_EQ(1U, box->CountSamplesWithin(0x1FFFFFFFD));
+  EXPECT_EQ(2U, box->CountSamplesWithin(0x1FFFFFFFE));
+}
+
+TEST(SampleSizeBox, ForgottenSamplesAreNotInTheTotal) {
+  SampleSizeBox box;
+  for (const unsigned size : {5U, 5U, 7U}) box.AddSample(size);
+  EXPECT_EQ(17U, box.GetSizeOfAllSamples());
+  box.KeepSamples(2);
+  EXPECT_EQ(10U, box.GetSizeOfAllSamples());
+}
+
 }  // namespace

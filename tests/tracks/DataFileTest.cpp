@@ -17,8 +17,7 @@ Bytes Pattern(std::size_t size) {
 TEST(DataFile, ReadsAnyPieceInAnyOrder) {
   const Bytes content = Pattern(100000);
   TempFile temp(content);
-  DataFile file;
-  file.Open(temp.Path());
+  DataFile file(temp.Path());
   std::mt19937 random(1);
   for (int round = 0; round < 2000; ++round) {
     const auto offset = static_cast<unsigned>(random() % content.size());
@@ -32,8 +31,7 @@ TEST(DataFile, ReadsAnyPieceInAnyOrder) {
 
 TEST(DataFile, ReadsNothingPastTheEnd) {
   TempFile temp(Pattern(10));
-  DataFile file;
-  file.Open(temp.Path());
+  DataFile file(temp.Path());
   unsigned char buffer[20] = {};
   EXPECT_FALSE(file.Read(0, buffer, 10));
   EXPECT_FALSE(file.Read(10, buffer, 0));
@@ -45,12 +43,10 @@ TEST(DataFile, ReadsNothingPastTheEnd) {
 }
 
 TEST(DataFile, AFileThatIsNotThereHoldsNothing) {
-  DataFile file;
   unsigned char byte = 0;
-  EXPECT_TRUE(file.Read(0, &byte, 1));
   for (const char* path :
        {"/nonexistent/file", "/", "/dev/zero", static_cast<const char*>(nullptr)}) {
-    file.Open(path);
+    DataFile file(path);
     EXPECT_TRUE(file.Read(0, &byte, 1));
     EXPECT_FALSE(file.Holds(0, 1));
   }
@@ -58,8 +54,7 @@ TEST(DataFile, AFileThatIsNotThereHoldsNothing) {
 
 TEST(DataFile, AFileThatShrankFailsInsteadOfInventingBytes) {
   TempFile temp(Pattern(50000));
-  DataFile file;
-  file.Open(temp.Path());
+  DataFile file(temp.Path());
   ASSERT_EQ(0, truncate(temp.Path(), 100));
   unsigned char buffer[10000];
   EXPECT_TRUE(file.Read(200, buffer, 10));

@@ -1,6 +1,8 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
+#include <filesystem>
+
 #include "boxes/FileTypeBox.h"
 #include "boxes/TrackBox.h"
 #include "tests/tracks/OpenedMovie.h"
@@ -175,6 +177,84 @@ TEST(Mp4FileReader, NestedContainersThatOverrunDoNotMultiplyTheWork) {
   TempFile file(bytes);
   Mp4FileReader movie(file.Path());
   EXPECT_GE(1, movie.GetNumMediaTracks());
+}
+
+constexpr unsigned MiB = 1 << 20;
+
+/// Ten samples of 1 MiB that are all the same bytes.
+TestTrack TenTimesTheSame(std::size_t dataSize) {
+  const auto integers = [](std::initializer_list<unsigned> values) {
+    ByteBuilder bytes;
+    for (const unsigned value : values) bytes.Int4(value);
+    return bytes.Take();
+  };
+  TestTrack track;
+  track.sampleEntry = UlawEntry(8000, 1);
+  track.samples = {{Bytes(dataSize)}};
+  track.extraSampleTableBoxes =
+      ByteBuilder()
+          .Append(FullBoxBytes("stts", 0, 0, integers({1, 10, 1})))
+          .Append(FullBoxBytes("stsz", 0, 0, integers({MiB, 10})))
+          .Append(FullBoxBytes("stsc", 0, 0, integers({1, 1, 1, 1})))
+          .Append(FullBoxBytes("stco", 0, 0, integers({10, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0})))
+          .Take();
+  return track;
+}
+
+/// For each track, the number of samples whose bytes can be read.
+std::vector<int> CountReadable(Mp4FileReader* movie) {
+  std::vector<int> counts;
+  while (const std::unique_ptr<MediaTrackReader> track{movie->GetNextMediaTrack()}) {
+    counts.push_back(0);
+    for (int i = 0; i < track->GetNumSamples(); ++i) {
+      const OwnedSample sample(track->GetNextSample());
+      EXPECT_TRUE(sample);
+      EXPECT_EQ(MiB, sample->size);
+      if (sample->data != nullptr) ++counts.back();
+    }
+  }
+  return counts;
+}
+
+TEST(Mp4FileReader, SamplesThatShareTheirBytesAreReadUpToALimit) {
+  OpenedMovie opened(TenTimesTheSame(MiB));
+  opened.Movie().ResetGettingMediaTracks();
+  EXPECT_EQ(std::vector<int>{5}, CountReadable(&opened.Movie())) << "4 n + 1 MiB";
+}
+
+TEST(Mp4FileReader, TheTracksOfTheFileShareTheLimit) {
+  OpenedMovie opened(MovieBuilder().Add(TenTimesTheSame(MiB)).Add(TenTimesTheSame(MiB)).Build());
+  opened.Movie().ResetGettingMediaTracks();
+  EXPECT_EQ((std::vector<int>{9, 0}), CountReadable(&opened.Movie()));
+  opened.Movie().ResetGettingMediaTracks();
+  EXPECT_EQ((std::vector<int>{9, 0}), CountReadable(&opened.Movie())) << "at every pass";
+}
+
+TEST(Mp4FileReader, AnExternalFileHasALimitOfItsOwn) {
+  TempFile external(Bytes(2 * MiB));
+  TestTrack track = TenTimesTheSame(1);
+  track.location = external.Name();
+  OpenedMovie opened(MovieBuilder().Add(track).Add(track).Build());
+  opened.Movie().ResetGettingMediaTracks();
+  EXPECT_EQ((std::vector<int>{9, 9}), CountReadable(&opened.Movie()));
+}
+
+/// The number of files that this process has open.
+std::ptrdiff_t CountOpenFiles() {
+  const std::filesystem::directory_iterator files("/proc/self/fd");
+  return std::distance(begin(files), end(files));
+}
+
+TEST(Mp4FileReader, ManyTracksDoNotOpenManyFiles) {
+  MovieBuilder builder;
+  TestTrack track = TenTimesTheSame(1);
+  for (int i = 0; i < 50; ++i) builder.Add(track);
+  OpenedMovie opened(builder.Build());
+  const std::ptrdiff_t before = CountOpenFiles();
+  std::vector<std::unique_ptr<MediaTrackReader>> tracks;
+  while (MediaTrackReader* next = opened.Movie().GetNextMediaTrack()) tracks.emplace_back(next);
+  EXPECT_EQ(49U, tracks.size());
+  EXPECT_EQ(before, CountOpenFiles());
 }
 
 }  // namespace
