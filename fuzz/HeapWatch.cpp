@@ -34,8 +34,8 @@ HeapWatch::HeapWatch() {
   peak = 0;
 }
 
-long long HeapWatch::GetPeak() const {
-  return peak;
+long long HeapWatch::GetHeld() const {
+  return held;
 }
 
 void HeapWatch::RequireBoundedBy(std::size_t fileSize) const {

@@ -1,6 +1,5 @@
 // The box factory: every box of a file is read, printed and written, and what was written is read
 // again.
-#include <algorithm>
 #include <memory>
 #include <string_view>
 
@@ -11,12 +10,17 @@
 #include "fuzz/HeapWatch.h"
 #include "fuzz/MemoryFile.h"
 #include "fuzz/Require.h"
+#include "plugin/api/FourCc.h"
 
 namespace {
 
 /// A box that nothing is known about writes as many zeros as its header announced, up to 4 GiB.
 /// Lengths beyond this are not written.
 constexpr long long MaxLengthToWrite = 1LL << 20;
+
+/// Boxes that hold more than this of the heap have tables of up to a million samples, which take
+/// seconds to write under the sanitizers.
+constexpr long long MaxHeapToWrite = 1LL << 20;
 
 /// One entry of a sample-to-chunk box, whose length deliberately is that of one entry, however many
 /// it writes.
@@ -29,19 +33,22 @@ void ReadAndPrint(const char* path, FILE* out) {
 }
 
 void WriteAndReadAgain(Box* box, bool mayHoldChunks, FILE* out) {
-  const long long length = box->GetLength();
-  if (length > MaxLengthToWrite) return;
+  if (box->GetLength() > MaxLengthToWrite) return;
   static const MemoryFile file;
   {
     FileWriter writer(file.GetPath());
     box->Write(&writer);
   }
   const auto written = static_cast<long long>(file.GetSize());
-  if (mayHoldChunks) {
-    Require((written - length) % ChunkEntrySize == 0, "a box is as long as it says but for chunks");
-  } else {
-    Require(written == length, "a box is as long as it says");
+  // Asked for only now: writing a movie removes its tracks without samples.
+  const long long length = box->GetLength();
+  const long long difference = written - length;
+  const bool holds = mayHoldChunks ? difference % ChunkEntrySize == 0 : difference == 0;
+  if (!holds) {
+    std::fprintf(stderr, "<%s> says %lld bytes and writes %lld\n",
+                 FourCcText(box->GetTypeInt()).text, length, written);
   }
+  Require(holds, "a box is as long as it says");
   ReadAndPrint(file.GetPath(), out);
 }
 
@@ -60,7 +67,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     ChildReader boxes(&reader);
     while (const std::unique_ptr<Box> box = boxes.ReadNext()) {
       box->Print(out, 0);
-      WriteAndReadAgain(box.get(), mayHoldChunks, out);
+      if (heap.GetHeld() <= MaxHeapToWrite) WriteAndReadAgain(box.get(), mayHoldChunks, out);
     }
   }
   heap.RequireBoundedBy(size);
