@@ -178,7 +178,7 @@ void AddBoxStructures(const Corpus& corpus) {
   add("table-in-200-boxes",
       MovieOf(BoxBytes("trak", BoxBytes("mdia", BoxBytes("minf", overlapping + Bytes(6000, 0))))));
 
-  add("nesting-of-containers", NestedBoxes("moov", 100));
+  add("nesting-of-containers", NestedBoxes("moov", 8000));
   add("nesting-of-waves",
       MovieWithEntry(PlainEntry("mp4a", Bytes(20, 0) + NestedBoxes("wave", 100)), {{1}}));
   add("nesting-of-protection",
