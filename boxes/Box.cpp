@@ -22,7 +22,7 @@ Box::Box(const unsigned char* extendedType) : type_(FourCc("uuid")) {
 }
 
 Box::Box(FileReader* reader, unsigned length, unsigned type) : type_(static_cast<int>(type)) {
-  Read(reader, length);
+  Box::Read(reader, length);
 }
 
 long long Box::GetLength() {

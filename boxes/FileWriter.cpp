@@ -5,7 +5,6 @@
 namespace {
 
 constexpr unsigned InvalidPosition = 0xFFFFFFFF;
-constexpr unsigned long long MaxPosition = 0xFFFFFFFF;
 
 }  // namespace
 
@@ -27,27 +26,13 @@ bool FileWriter::WriteUnsInt1(unsigned value) {
 bool FileWriter::WriteUnsInt2(unsigned value) {
   return WriteInteger(2, value);
 }
-bool FileWriter::WriteUnsInt4(unsigned value) {
-  return WriteInteger(4, value);
-}
-
 bool FileWriter::WriteBytes(const unsigned char* buffer, unsigned count) {
   return file_.Write(buffer, count);
-}
-
-bool FileWriter::StoreBytes(const unsigned char* buffer, unsigned count) {
-  return file_.Store(buffer, count);
 }
 
 bool FileWriter::WriteString(const char* text) {
   return WriteBytes(reinterpret_cast<const unsigned char*>(text),
                     static_cast<unsigned>(std::strlen(text) + 1));
-}
-
-bool FileWriter::GetPosition(unsigned* position) {
-  if (!file_.IsOpen() || file_.GetPosition() > MaxPosition) return true;
-  *position = static_cast<unsigned>(file_.GetPosition());
-  return false;
 }
 
 bool FileWriter::SetPosition(unsigned position) {

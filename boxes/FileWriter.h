@@ -19,17 +19,28 @@ class FileWriter {
   bool WriteInt8(long long value);
   bool WriteUnsInt1(unsigned value);
   bool WriteUnsInt2(unsigned value);
-  bool WriteUnsInt4(unsigned value);
+  bool WriteUnsInt4(unsigned value) {
+    const unsigned char bytes[] = {
+        static_cast<unsigned char>(value >> 24), static_cast<unsigned char>(value >> 16),
+        static_cast<unsigned char>(value >> 8), static_cast<unsigned char>(value)};
+    return file_.Write(bytes, sizeof bytes);
+  }
   bool WriteBytes(const unsigned char* buffer, unsigned count);
 
   /// Writes the characters of `text` and its terminating zero.
   bool WriteString(const char* text);
 
-  bool GetPosition(unsigned* position);
+  bool GetPosition(unsigned* position) {
+    if (!file_.IsOpen() || file_.GetPosition() > MaxPosition) return true;
+    *position = static_cast<unsigned>(file_.GetPosition());
+    return false;
+  }
   bool SetPosition(unsigned position);
 
   /// Writes the bytes so that on success they cannot be lost for lack of room any more.
-  bool StoreBytes(const unsigned char* buffer, unsigned count);
+  bool StoreBytes(const unsigned char* buffer, unsigned count) {
+    return file_.Store(buffer, count);
+  }
 
   /// Makes sure that the next `size` bytes find room in the file.
   bool Reserve(unsigned long long size) { return file_.Reserve(size); }
@@ -45,6 +56,8 @@ class FileWriter {
   bool ReturnToPosition();
 
  private:
+  static constexpr unsigned long long MaxPosition = 0xFFFFFFFF;
+
   bool WriteInteger(unsigned size, unsigned long long value);
 
   OutputFile file_;

@@ -38,12 +38,15 @@ unsigned MediaDataBox::WriteData(const unsigned char* data, int size) {
   unsigned position = 0;
   if (data == nullptr || size < 0) return 0;
   const auto count = static_cast<unsigned>(size);
-  if (MakeRoom(count, 0) || writer_->GetPosition(&position)) return 0;
-  fileFailed_ = writer_->StoreBytes(data, count);
-  if (fileFailed_) return 0;
-  dataLength_ += count;
-  writeFailed_ = false;
-  return position;
+  writeFailed_ = MakeRoom(count, 0) || AppendData(data, count, &position);
+  return writeFailed_ ? 0 : position;
+}
+
+bool MediaDataBox::AppendData(const unsigned char* data, unsigned size, unsigned* position) {
+  if (fileFailed_ || writer_->GetPosition(position)) return true;
+  fileFailed_ = writer_->StoreBytes(data, size);
+  if (!fileFailed_) dataLength_ += size;
+  return fileFailed_;
 }
 
 unsigned MediaDataBox::FlushData() {

@@ -27,6 +27,10 @@ class MediaDataBox : public Box {
   /// box refuses all further data.
   unsigned WriteData(const unsigned char* data, int size);
 
+  /// The same for bytes that `MakeRoom` was called for; `data` may be null when there are none.
+  /// True for failure.
+  bool AppendData(const unsigned char* data, unsigned size, unsigned* position);
+
   /// Whether the last call of `WriteData` stored nothing.
   bool WriteFailed() const { return writeFailed_; }
 

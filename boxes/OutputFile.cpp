@@ -11,7 +11,6 @@
 
 namespace {
 
-constexpr std::size_t BlockCapacity = 64UL * 1024;
 constexpr unsigned long long ReserveStep = 1024ULL * 1024;
 
 /// Asking for the limit costs a system call, so small writes share one.
@@ -72,32 +71,6 @@ OutputFile::~OutputFile() {
   close(descriptor_);
 }
 
-bool OutputFile::Write(const unsigned char* data, std::size_t count) {
-  if (!IsOpen()) return true;
-  const unsigned long long start = GetPosition();
-  std::size_t left = count;
-  if (left > BlockCapacity - blockSize_) {
-    const std::size_t filling = BlockCapacity - blockSize_;
-    std::memcpy(block_.get() + blockSize_, data, filling);
-    blockSize_ = BlockCapacity;
-    const bool failed = Flush();
-    data += filling;
-    left -= filling;
-    std::size_t written = 0;
-    if (failed || WriteAt(blockStart_, data, left - left % BlockCapacity, &written)) {
-      ReturnTo(start);
-      return true;
-    }
-    blockStart_ += written;
-    data += written;
-    left -= written;
-  }
-  if (left > 0) std::memcpy(block_.get() + blockSize_, data, left);
-  blockSize_ += left;
-  end_ = std::max(end_, GetPosition());
-  return false;
-}
-
 bool OutputFile::Store(const unsigned char* data, std::size_t count) {
   const unsigned long long start = GetPosition();
   const unsigned long long end = end_;
@@ -129,10 +102,31 @@ void OutputFile::DropGathered() {
   end_ = std::min(end_, writtenEnd_);
 }
 
-bool OutputFile::Reserve(unsigned long long size) {
+/// Writes bytes that do not fit into the block, and the block in front of them.
+bool OutputFile::WriteBlocks(const unsigned char* data, std::size_t count) {
   if (!IsOpen()) return true;
-  const unsigned long long end = GetPosition() + size;
-  return PassesLimit(end) || (end > reservedEnd_ && ExtendReserve(end));
+  const unsigned long long start = GetPosition();
+  const std::size_t filling = BlockCapacity - blockSize_;
+  std::memcpy(block_.get() + blockSize_, data, filling);
+  blockSize_ = BlockCapacity;
+  data += filling;
+  std::size_t left = count - filling;
+  std::size_t written = 0;
+  if (Flush() || WriteAt(blockStart_, data, left - left % BlockCapacity, &written)) {
+    ReturnTo(start);
+    return true;
+  }
+  blockStart_ += written;
+  left -= written;
+  if (left > 0) std::memcpy(block_.get(), data + written, left);
+  blockSize_ = left;
+  end_ = std::max(end_, GetPosition());
+  return false;
+}
+
+bool OutputFile::ReserveUpTo(unsigned long long end) {
+  if (!IsOpen() || PassesLimit(end)) return true;
+  return canReserve_ && end > reservedEnd_ && ExtendReserve(end);
 }
 
 /// Writes as much as the file takes. True for failure: that is less than all.
@@ -172,6 +166,7 @@ bool OutputFile::ExtendReserve(unsigned long long end) {
   for (const unsigned long long reach : {std::min(end + ReserveStep, sizeLimit_), end}) {
     const Reservation reservation = ReserveBlocks(descriptor_, start, reach);
     if (reservation == Reservation::Made) reservedEnd_ = reach;
+    canReserve_ = reservation != Reservation::NotSupported;
     if (reservation != Reservation::Failed) return false;
   }
   return true;

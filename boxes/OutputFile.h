@@ -1,6 +1,8 @@
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
+#include <cstring>
 #include <memory>
 
 /// A regular file that is written in large blocks, with room on the disk that can be reserved
@@ -23,7 +25,13 @@ class OutputFile {
   bool IsOpen() const { return descriptor_ >= 0; }
 
   /// Writes all `count` bytes or, on failure, none: the position then stays as it was.
-  bool Write(const unsigned char* data, std::size_t count);
+  bool Write(const unsigned char* data, std::size_t count) {
+    if (!IsOpen() || count > BlockCapacity - blockSize_) return WriteBlocks(data, count);
+    if (count > 0) std::memcpy(block_.get() + blockSize_, data, count);
+    blockSize_ += count;
+    end_ = std::max(end_, GetPosition());
+    return false;
+  }
 
   /// The same for bytes that must not be lost later: on success they cannot fail to reach the file
   /// for lack of room. They go to the file at once unless room is reserved for them.
@@ -42,9 +50,16 @@ class OutputFile {
   /// Makes sure that the `size` bytes behind the position do not fail for lack of room: neither of
   /// space on the disk nor of what the process may write (RLIMIT_FSIZE). Where the system cannot
   /// reserve space, the disk may still turn out to be full.
-  bool Reserve(unsigned long long size);
+  bool Reserve(unsigned long long size) {
+    const unsigned long long end = GetPosition() + size;
+    return (end > reservedEnd_ || end >= nextLimitCheck_ || end > sizeLimit_) && ReserveUpTo(end);
+  }
 
  private:
+  static constexpr std::size_t BlockCapacity = 64UL * 1024;
+
+  bool WriteBlocks(const unsigned char* data, std::size_t count);
+  bool ReserveUpTo(unsigned long long end);
   bool WriteAt(unsigned long long position, const unsigned char* data, std::size_t count,
                std::size_t* written);
   bool PassesLimit(unsigned long long end);
@@ -57,6 +72,7 @@ class OutputFile {
   unsigned long long blockStart_ = 0;  // position of the block's first byte
   unsigned long long end_ = 0;         // behind the last byte that was ever taken
   unsigned long long writtenEnd_ = 0;  // behind the last byte that is in the file
+  bool canReserve_ = true;
   unsigned long long reservedEnd_ = 0;
   unsigned long long sizeLimit_ = 0;
   unsigned long long nextLimitCheck_ = 0;

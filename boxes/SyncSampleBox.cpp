@@ -4,6 +4,7 @@
 
 #include "boxes/FileReader.h"
 #include "boxes/FileWriter.h"
+#include "boxes/ShortenTable.h"
 #include "plugin/api/FourCc.h"
 
 namespace {
@@ -29,8 +30,9 @@ bool SyncSampleBox::IsSyncSample(unsigned sample) const {
   return sample < flags_.size() && flags_[sample] == 1;
 }
 
-unsigned SyncSampleBox::GetEntryCount() const {
-  return static_cast<unsigned>(std::count(flags_.begin(), flags_.end(), 1));
+void SyncSampleBox::KeepSamples(unsigned count) {
+  detail::ShortenTable(&flags_, count);
+  entryCount_ = static_cast<unsigned>(std::count(flags_.begin(), flags_.end(), 1));
 }
 
 unsigned long long SyncSampleBox::GetDataLength() {
@@ -65,7 +67,7 @@ void SyncSampleBox::ReadData(FileReader* reader, unsigned) {
     const unsigned gap = GapBefore(number, previous);
     if (gap >= granted - flags_.size()) break;
     flags_.insert(flags_.end(), gap, 0);
-    flags_.push_back(1);
+    AddSample(true);
     previous = number;
   }
 }

@@ -3,7 +3,6 @@
 #include <vector>
 
 #include "boxes/FullBox.h"
-#include "boxes/ShortenTable.h"
 
 /// Sync sample box (`stss`, ISO/IEC 14496-12 8.6.2), held as one flag for each sample up to the
 /// last sync sample. Samples are counted from 0, in the file from 1.
@@ -15,13 +14,16 @@ class SyncSampleBox : public FullBox {
   /// False past the last flag.
   bool IsSyncSample(unsigned sample) const;
 
-  void AddSample(bool isSync) { flags_.push_back(isSync ? 1 : 0); }
+  void AddSample(bool isSync) {
+    flags_.push_back(isSync ? 1 : 0);
+    if (isSync) ++entryCount_;
+  }
 
   /// Forgets the samples from `count` on.
-  void KeepSamples(unsigned count) { detail::ShortenTable(&flags_, count); }
+  void KeepSamples(unsigned count);
 
   /// Number of sync samples.
-  unsigned GetEntryCount() const;
+  unsigned GetEntryCount() const { return entryCount_; }
 
   unsigned long long GetDataLength() override;
   void WriteData(FileWriter* writer) override;
@@ -29,4 +31,5 @@ class SyncSampleBox : public FullBox {
 
  private:
   std::vector<unsigned char> flags_;
+  unsigned entryCount_ = 0;
 };

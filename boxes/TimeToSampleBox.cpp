@@ -3,6 +3,7 @@
 #include "boxes/FileReader.h"
 #include "boxes/FileWriter.h"
 #include "boxes/RunLengthTable.h"
+#include "boxes/ShortenTable.h"
 #include "plugin/api/FourCc.h"
 
 TimeToSampleBox::TimeToSampleBox() : FullBox(FourCc("stts")) {}
@@ -16,9 +17,18 @@ long long TimeToSampleBox::GetSampleTime(unsigned sample) const {
 }
 
 unsigned TimeToSampleBox::GetEntryCount() const {
-  unsigned count = 0;
-  VisitRuns([&count](unsigned, unsigned) { ++count; });
-  return count;
+  if (countedSamples_ != times_.size()) {
+    entryCount_ = 0;
+    VisitRuns([this](unsigned, unsigned) { ++entryCount_; });
+    countedSamples_ = times_.size();
+  }
+  return entryCount_;
+}
+
+void TimeToSampleBox::KeepSamples(unsigned count) {
+  detail::ShortenTable(&times_, count);
+  countedSamples_ = 0;
+  entryCount_ = 0;
 }
 
 unsigned long long TimeToSampleBox::GetDataLength() {

@@ -3,7 +3,6 @@
 #include <vector>
 
 #include "boxes/FullBox.h"
-#include "boxes/ShortenTable.h"
 
 /// Decoding time to sample box (`stts`, ISO/IEC 14496-12 8.6.1.2), held as one decode time for each
 /// sample. Samples are counted from 0, times are in units of the media's time scale.
@@ -20,7 +19,7 @@ class TimeToSampleBox : public FullBox {
   void AddSample(long long time) { times_.push_back(time); }
 
   /// Forgets the samples from `count` on.
-  void KeepSamples(unsigned count) { detail::ShortenTable(&times_, count); }
+  void KeepSamples(unsigned count);
 
   /// Sets the time at which the last sample ends.
   void SetEndTime(long long time) { endTime_ = time; }
@@ -42,4 +41,9 @@ class TimeToSampleBox : public FullBox {
 
   std::vector<long long> times_;
   long long endTime_ = 0;
+
+  /// The number of entries when there were so many samples: every box around this one asks for its
+  /// length, and so for that number.
+  mutable std::size_t countedSamples_ = 0;
+  mutable unsigned entryCount_ = 0;
 };

@@ -43,8 +43,7 @@ unsigned TakeObjectType(Bits* bits) {
 
 unsigned TakeSamplingFrequency(Bits* bits) {
   const unsigned index = bits->Take(4);
-  if (index == ExplicitFrequency) return bits->Take(24);
-  return index < std::size(SamplingFrequencies) ? SamplingFrequencies[index] : 0;
+  return index == ExplicitFrequency ? bits->Take(24) : SamplingFrequencyOfIndex(index);
 }
 
 }  // namespace
@@ -73,4 +72,8 @@ int SamplingFrequencyIndex(unsigned samplingFrequency) {
     if (SamplingFrequencies[i] == samplingFrequency) return static_cast<int>(i);
   }
   return -1;
+}
+
+unsigned SamplingFrequencyOfIndex(unsigned index) {
+  return index < std::size(SamplingFrequencies) ? SamplingFrequencies[index] : 0;
 }

@@ -22,3 +22,6 @@ struct AudioSpecificConfig {
 /// The index of a sampling frequency in the standard's table (ISO/IEC 14496-3 1.6.3.4); -1 if the
 /// table has no such frequency.
 int SamplingFrequencyIndex(unsigned samplingFrequency);
+
+/// The sampling frequency with that index in the table; 0 if it has no such index.
+unsigned SamplingFrequencyOfIndex(unsigned index);

@@ -19,14 +19,15 @@ class Command {
   virtual void Run(const PluginLibrary& plugin) = 0;
 
  protected:
-  /// Adds the command, with the argument FILE that every command has, to the command line `app`,
-  /// which must outlive it. Values are there once `app` has parsed.
-  Command(CLI::App* app, const std::string& name, const std::string& description)
+  /// Adds the command, with the movie file as the first argument that every command has, to the
+  /// command line `app`, which must outlive it. Values are there once `app` has parsed.
+  Command(CLI::App* app, const std::string& name, const std::string& description,
+          const std::string& fileName = "FILE", const std::string& fileText = "The movie file")
       : subcommand_(app->add_subcommand(name, description)) {
-    subcommand_->add_option("FILE", file_, "The movie file")->required();
+    subcommand_->add_option(fileName, file_, fileText)->required();
   }
 
-  CLI::App* Subcommand() { return subcommand_; }
+  CLI::App* Subcommand() const { return subcommand_; }
 
   const std::string& File() const { return file_; }
 

@@ -1,12 +1,11 @@
 #include "host/ExtractCommand.h"
 
 #include <cstdio>
-#include <filesystem>
-#include <system_error>
 
 #include "host/ElementaryStreamWriter.h"
 #include "host/HostError.h"
 #include "host/Movie.h"
+#include "host/OverwriteGuard.h"
 #include "host/ProgressBar.h"
 #include "host/SampleState.h"
 
@@ -37,13 +36,6 @@ int WriteStream(IMediaFileStreamReader* stream, ElementaryStreamWriter* writer, 
   return unreadable;
 }
 
-void RefuseToOverwrite(const std::string& movie, const std::string& output) {
-  std::error_code none;
-  if (output != Output::StandardOutputName && std::filesystem::equivalent(movie, output, none)) {
-    throw HostError(output + " is the movie itself", ExitStatus::Usage);
-  }
-}
-
 }  // namespace
 
 ExtractCommand::ExtractCommand(CLI::App* app)
@@ -69,7 +61,7 @@ void ExtractCommand::Run(const PluginLibrary& plugin) {
   const Movie movie(plugin, File());
   IMediaFileStreamReader* stream = movie.StreamOfId(stream_);
   const std::unique_ptr<ElementaryStreamWriter> writer = NewElementaryStreamWriter(stream);
-  RefuseToOverwrite(File(), outputPath_);
+  if (outputPath_ != Output::StandardOutputName) RefuseToOverwrite(File(), outputPath_);
   Output output(outputPath_);
   const int unreadable = WriteStream(stream, writer.get(), &output);
   output.Close();

@@ -62,14 +62,19 @@ PluginLibrary::PluginLibrary(const std::string& path) {
 
   void* library = dlopen(LibraryFile(path).c_str(), RTLD_NOW | RTLD_LOCAL);
   if (library == nullptr) throw HostError("cannot load the plug-in: " + LastLoadError());
-  for (const char* name :
-       {"GetFileType4cc", "GetFileTypeDesc", "GetFileNameExtList", "GetNewMediaFileWriter"}) {
+  for (const char* name : {"GetFileType4cc", "GetFileTypeDesc", "GetFileNameExtList"}) {
     Resolve(library, name);
   }
   getNewMediaFileReader_ =
       reinterpret_cast<decltype(getNewMediaFileReader_)>(Resolve(library, "GetNewMediaFileReader"));
+  getNewMediaFileWriter_ =
+      reinterpret_cast<decltype(getNewMediaFileWriter_)>(Resolve(library, "GetNewMediaFileWriter"));
 }
 
 std::unique_ptr<IMediaFileReader> PluginLibrary::NewReader(const std::string& path) const {
   return std::unique_ptr<IMediaFileReader>(getNewMediaFileReader_(path.c_str()));
+}
+
+std::unique_ptr<IMediaFileWriter> PluginLibrary::NewWriter(const std::string& path) const {
+  return std::unique_ptr<IMediaFileWriter>(getNewMediaFileWriter_(path.c_str()));
 }

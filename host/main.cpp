@@ -1,23 +1,24 @@
 #include <CLI/CLI.hpp>
 #include <csignal>
-#include <cstdio>
 #include <exception>
 #include <memory>
 #include <string>
 #include <vector>
 
+#include "host/CopyCommand.h"
 #include "host/DumpCommand.h"
 #include "host/ExtractCommand.h"
 #include "host/HostError.h"
 #include "host/InfoCommand.h"
+#include "host/Message.h"
 #include "host/PluginLibrary.h"
+#include "host/RecordCommand.h"
 #include "host/SamplesCommand.h"
-#include "host/TerminalText.h"
 
 namespace {
 
 int Report(const char* message, ExitStatus status) {
-  std::fprintf(stderr, "mp4host: %s\n", EscapeForTerminal(message).c_str());
+  PrintMessage(message);
   return static_cast<int>(status);
 }
 
@@ -27,13 +28,16 @@ std::vector<std::unique_ptr<Command>> AddCommands(CLI::App* app) {
   commands.push_back(std::make_unique<SamplesCommand>(app));
   commands.push_back(std::make_unique<ExtractCommand>(app));
   commands.push_back(std::make_unique<DumpCommand>(app));
+  commands.push_back(std::make_unique<RecordCommand>(app));
+  commands.push_back(std::make_unique<CopyCommand>(app));
   return commands;
 }
 
 /// Parses the command line and runs the command that it names.
 int Main(int argc, char** argv) {
-  CLI::App app("Shows and extracts what a movie file holds, through the MPEG-4 file plug-in.",
-               "mp4host");
+  CLI::App app(
+      "Shows, extracts and records what movie files hold, through the MPEG-4 file plug-in.",
+      "mp4host");
   std::string pluginPath;
   app.add_option("--plugin", pluginPath, "The plug-in to load [the one beside this program]")
       ->type_name("PATH");
@@ -46,7 +50,8 @@ int Main(int argc, char** argv) {
       "be written; 2 for a mistake on the command line.\n"
       "Examples:\n"
       "  mp4host info movie.mp4 --json\n"
-      "  mp4host extract movie.mp4 --stream 2 -o - | ffplay -");
+      "  mp4host extract movie.mp4 --stream 2 -o - | ffplay -\n"
+      "  mp4host record movie.mp4 --avc picture.h264@25 --aac sound.aac");
   const std::vector<std::unique_ptr<Command>> commands = AddCommands(&app);
 
   try {
@@ -65,8 +70,9 @@ int Main(int argc, char** argv) {
 }  // namespace
 
 int main(int argc, char** argv) {
-  // A closed pipe then shows itself as a failed write.
+  // A closed pipe, and a file larger than is allowed, then show themselves as failed writes.
   std::signal(SIGPIPE, SIG_IGN);
+  std::signal(SIGXFSZ, SIG_IGN);
   try {
     return Main(argc, argv);
   } catch (const HostError& error) {

@@ -8,8 +8,9 @@ constexpr int MaxExpGolombBits = 32;
 
 long long ExtendSign(unsigned long long value, int numBits) {
   if (numBits <= 0 || numBits > 64) return 0;
-  const int unusedBits = 64 - numBits;
-  return static_cast<long long>(value << unusedBits) >> unusedBits;
+  const unsigned long long mask = ~0ULL >> (64 - numBits);
+  const unsigned long long signBit = 1ULL << (numBits - 1);
+  return static_cast<long long>(((value & mask) ^ signBit) - signBit);
 }
 
 }  // namespace

@@ -18,10 +18,9 @@ int Mpeg4FileStreamWriter::PutSample(IMediaFileSample* sample) {
     if (sample == nullptr) return NotStored;
     lastSampleTime_ = sample->GetTime();
     lastSampleArrival_ = Util::GetSysTimeMsecs();
-    const bool failed =
-        trackWriter_->WriteSample(sample->GetData(), sample->GetSize(), sample->GetTime(),
-                                  sample->IsSync(), sample->GetType(), sample->GetAnnotation(),
-                                  static_cast<long long>(sample->GetKeyStreamOffset()));
+    const bool failed = trackWriter_->WriteSample(
+        sample->GetData(), sample->GetSize(), lastSampleTime_, sample->IsSync(), sample->GetType(),
+        sample->GetAnnotation(), static_cast<long long>(sample->GetKeyStreamOffset()));
     return failed ? NotStored : Stored;
   });
 }

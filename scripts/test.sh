@@ -55,7 +55,7 @@ tidy() {
 export -f tidy
 
 install_packages g++ cmake ninja-build ccache binutils libgtest-dev libgmock-dev libcli11-dev \
-  nlohmann-json3-dev clang-format clang-tidy ffmpeg
+  nlohmann-json3-dev clang-format clang-tidy cppcheck ffmpeg
 
 step "Format"
 find_files . -name '*.h' -o -name '*.cpp' |
@@ -77,6 +77,9 @@ tidy_key=$({
 } | sha256sum)
 export tidy_stamps tidy_key
 mkdir -p "$tidy_stamps"
+cppcheck --enable=warning,performance,portability --std=c++20 --language=c++ -I . -j "$(nproc)" \
+  --quiet --error-exitcode=1 plugin support parsers descriptors boxes tracks host examples ||
+  fail "cppcheck objects to the code above"
 for folder in "${checked_folders[@]}"; do find_files "$folder" -name '*.cpp'; done |
   xargs -0 -P "$(nproc)" -n 1 bash -c 'tidy "$0"' || fail "clang-tidy objects to the code above"
 

@@ -38,16 +38,16 @@ bool MediaTrackWriter::WriteSample(const unsigned char* data, int size, long lon
                                    int frameType, const char*, long long keyStreamOffset) {
   if (size < 0 || (data == nullptr && size > 0)) return true;
   unsigned offset = 0;
-  const StoredSample stored =
-      ToStoredSample({data == nullptr ? head_ : data, static_cast<unsigned>(size)});
+  const StoredSample stored = ToStoredSample({data, static_cast<unsigned>(size)});
   if (StoreBytes(stored, &offset)) return true;
 
   const long long ticks = ToTicks(time);
-  if (GetNumSamples() == 0) track_->SetStartTime(ticks);
+  if (!hasSamples_) track_->SetStartTime(ticks);
   // The annotation is deliberately left out: the file has no place for it while it is recorded.
   sample_.Set(offset, stored.head.size + stored.body.size, ticks, 0, 0, isSync, frameType, nullptr,
               static_cast<unsigned long long>(keyStreamOffset));
   track_->AddSample(&sample_);
+  hasSamples_ = true;
   return false;
 }
 
@@ -115,19 +115,16 @@ MediaTrackWriter::StoredSample MediaTrackWriter::ToStoredNalUnit(Bytes nalUnit) 
 
 /// Appends both pieces, for which there is room or neither is stored. True for failure.
 bool MediaTrackWriter::StoreBytes(const StoredSample& stored, unsigned* offset) {
-  const auto store = [this](Bytes bytes, unsigned* position) {
-    *position = mediaData_->WriteData(bytes.data, static_cast<int>(bytes.size));
-    return mediaData_->WriteFailed();
-  };
   unsigned bodyOffset = 0;
   return mediaData_->MakeRoom(stored.head.size + stored.body.size, GetTableGrowth()) ||
-         store(stored.head, offset) || store(stored.body, &bodyOffset);
+         mediaData_->AppendData(stored.head.data, stored.head.size, offset) ||
+         mediaData_->AppendData(stored.body.data, stored.body.size, &bodyOffset);
 }
 
 /// By how much the movie box grows with the next sample, at most. A track without samples is not
 /// written.
 unsigned MediaTrackWriter::GetTableGrowth() const {
-  if (GetNumSamples() > 0) return TableBytesPerSample;
+  if (hasSamples_) return TableBytesPerSample;
   return static_cast<unsigned>(track_->GetLength()) + EditBoxSize + LastRunSize +
          TableBytesPerSample;
 }

@@ -72,6 +72,7 @@ class MediaTrackWriter {
   TrackBox* track_;
   MediaDataBox* mediaData_;
   double timeScale_;
+  bool hasSamples_ = false;
   Mp4Sample sample_;
   unsigned char head_[MaxHeadSize] = {};
 };

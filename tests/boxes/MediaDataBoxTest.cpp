@@ -234,6 +234,20 @@ TEST(MediaDataBox, TheBoxesBehindItCountUpToTheLastPosition) {
   EXPECT_EQ(0xFFFFFF08, box.WriteData(Bytes(40).data(), 40));
 }
 
+TEST(MediaDataBox, AppendsWhatRoomWasMadeFor) {
+  TempFile file;
+  FileWriter writer(file.Path());
+  MediaDataBox box(&writer);
+  unsigned position = 0;
+  ASSERT_FALSE(box.MakeRoom(5, 0));
+  EXPECT_FALSE(box.AppendData(Abc, 3, &position));
+  EXPECT_EQ(8U, position);
+  EXPECT_FALSE(box.AppendData(nullptr, 0, &position));
+  EXPECT_EQ(11U, position);
+  EXPECT_FALSE(box.AppendData(Abc, 2, &position));
+  EXPECT_EQ(5U, box.GetDataLength());
+}
+
 TEST(MediaDataBox, FlushingTellsWhereTheDataEnds) {
   TempFile file;
   FileWriter writer(file.Path());

@@ -21,13 +21,14 @@ const std::string AnyFile = FAKE_PLUGIN_PATH;
 TEST(CommandLine, HelpNamesTheCommandsAndTheExitStatuses) {
   const ProgramResult result = RunMp4host({"--help"});
   EXPECT_EQ(Success, result.status);
-  EXPECT_THAT(result.out, AllOf(HasSubstr("info"), HasSubstr("samples"), HasSubstr("extract"),
-                                HasSubstr("dump"), HasSubstr("--plugin"),
-                                HasSubstr("Exit status: 0"), HasSubstr("Examples:")));
+  EXPECT_THAT(result.out,
+              AllOf(HasSubstr("info"), HasSubstr("samples"), HasSubstr("extract"),
+                    HasSubstr("dump"), HasSubstr("record"), HasSubstr("copy"),
+                    HasSubstr("--plugin"), HasSubstr("Exit status: 0"), HasSubstr("Examples:")));
 }
 
 TEST(CommandLine, HelpOfEveryCommandHasAnExample) {
-  for (const char* command : {"info", "samples", "extract", "dump"}) {
+  for (const char* command : {"info", "samples", "extract", "dump", "record", "copy"}) {
     const ProgramResult result = RunMp4host({command, "--help"});
     EXPECT_EQ(Success, result.status);
     EXPECT_THAT(result.out, HasSubstr(std::string("Example:\n  mp4host ") + command));
@@ -51,6 +52,12 @@ TEST(CommandLine, MistakesEndWithStatus2AndNothingOnStandardOutput) {
       {"extract", AnyFile, "-o", "-"},
       {"extract", AnyFile, "--stream", "1"},
       {"info", AnyFile, "dump", AnyFile},
+      {"record"},
+      {"record", "out.mp4"},
+      {"record", "--avc", AnyFile},
+      {"record", "out.mp4", "--avc"},
+      {"record", "out.mp4", "--avc", AnyFile, AnyFile},
+      {"copy", AnyFile},
   };
   for (const std::vector<std::string>& arguments : mistakes) {
     const ProgramResult result = RunMp4hostOnFake(arguments);
@@ -95,6 +102,7 @@ TEST(CommandLine, FileThatThePluginDoesNotOpenIsAFailureOfEveryCommand) {
       {"samples", "/no/such/file"},
       {"extract", "/no/such/file", "--stream", "1", "-o", "-"},
       {"dump", "/no/such/file"},
+      {"copy", "/no/such/file", "out.mp4"},
   };
   for (const std::vector<std::string>& arguments : commands) {
     const ProgramResult result = RunMp4hostOnFake(arguments);

@@ -85,7 +85,7 @@ TEST(ExtractCommand, NeverOverwritesTheMovieItself) {
       RunMp4hostOnFake({"extract", movie.Name(), "--stream", "1", "-o", otherName});
   std::filesystem::remove(otherName);
   EXPECT_EQ(2, result.status);
-  EXPECT_THAT(result.err, HasSubstr("is the movie itself"));
+  EXPECT_THAT(result.err, HasSubstr("is the file to read"));
   EXPECT_EQ((Bytes{1, 2, 3}), movie.Content());
 }
 

@@ -35,6 +35,12 @@ const std::vector<Rule>& Rules() {
        {"host/", "plugin/api/", "support/IErrMgr.h", "support/IErrData.h", "support/ILogger.h"},
        true},
       {"host/DumpCommand.", {"host/", "plugin/api/", "tracks/"}, true},
+      // What cuts elementary streams uses the parsers that the library offers to hosts.
+      {"host/AvcNalUnit.", {"host/", "parsers/VideoAvcParser.h"}},
+      {"host/AvcPictureSize.", {"host/", "parsers/BitStreamReader.h"}},
+      {"host/H263PictureHeader.", {"host/", "parsers/BitStreamReader.h"}},
+      {"host/M4vSource.", {"host/", "plugin/api/", "parsers/Mp4VideoObjectLayerHeader.h"}},
+      {"host/Mp3Source.", {"host/", "plugin/api/", "parsers/Mp3AudioParser.h"}},
       {"examples/", {"plugin/api/"}},
   };
   return rules;

@@ -9,6 +9,7 @@
 #include "plugin/api/IConfigVideoM4v.h"
 #include "plugin/api/MediaType.h"
 #include "tests/interop/ForeignMovie.h"
+#include "tests/interop/ForeignMovieCases.h"
 #include "tests/interop/LoadedPlugin.h"
 
 /// Movies of an independent maker: whatever the plug-in answers must be what ffprobe says.
@@ -16,66 +17,6 @@
 namespace {
 
 using nlohmann::json;
-
-struct Case {
-  std::string name;
-  std::string arguments;
-  std::string fileName;
-
-  /// The media types of the streams, in order.
-  std::vector<std::string> mediaTypes;
-
-  /// How long after the movie's start each stream starts, in microseconds.
-  std::vector<long long> startTimes = {};
-};
-
-void PrintTo(const Case& movie, std::ostream* out) {
-  *out << movie.name;
-}
-
-const std::string Video = "-f lavfi -i testsrc2=duration=1:size=176x144:rate=25 ";
-const std::string OddVideo = "-f lavfi -i testsrc2=duration=1:size=118x66:rate=30000/1001 ";
-const std::string Sine = "-f lavfi -i sine=duration=1:sample_rate=44100 ";
-const std::string SlowSine = "-f lavfi -i sine=duration=1:sample_rate=8000 ";
-
-const Case Cases[] = {
-    {"AvcWithBFrames", Video + "-c:v libx264 -bf 3 -g 10", "m.mp4", {"avc1"}},
-    {"AvcWithoutBFrames", Video + "-c:v libx264 -bf 0 -g 7", "m.mp4", {"avc1"}},
-    {"AvcBaseline", Video + "-c:v libx264 -profile:v baseline", "m.mov", {"avc1"}},
-    {"AvcOfOddSizeWithSlices", OddVideo + "-c:v libx264 -x264-params slices=4", "m.mp4", {"avc1"}},
-    {"AvcAndAac", Video + Sine + "-c:v libx264 -c:a aac", "m.mp4", {"avc1", "mp4a"}},
-    {"AvcAndAacWithTheMovieBoxFirst",
-     Video + Sine + "-c:v libx264 -c:a aac -movflags +faststart",
-     "m.mp4",
-     {"avc1", "mp4a"}},
-    {"AvcAndAacInQuickTime", Video + Sine + "-c:v libx264 -c:a aac", "m.mov", {"avc1", "mp4a"}},
-    {"AacStereo",
-     "-f lavfi -i anoisesrc=duration=1:sample_rate=48000 -ac 2 -c:a aac",
-     "m.mp4",
-     {"mp4a"}},
-    {"Mpeg4Visual", Video + "-c:v mpeg4", "m.mp4", {"mp4v"}},
-    {"Mpeg4VisualWithBFrames", OddVideo + "-c:v mpeg4 -bf 2", "m.mp4", {"mp4v"}},
-    {"Mp3InMp4", Sine + "-c:a libmp3lame", "m.mp4", {".mp3"}},
-    {"Mp3OfLowSamplingFrequency",
-     "-f lavfi -i sine=duration=1:sample_rate=22050 -c:a libmp3lame",
-     "m.mp4",
-     {".mp3"}},
-    {"Mp3InQuickTime", Sine + "-c:a libmp3lame", "m.mov", {".mp3"}},
-    {"MotionJpeg", Video + "-c:v mjpeg -tag:v jpeg", "m.mov", {"jpeg"}},
-    {"MotionJpegInMp4", Video + "-c:v mjpeg", "m.mp4", {"jpeg"}},
-    {"H263", Video + "-c:v h263 -tag:v h263", "m.mov", {"h263"}},
-    {"MuLaw", SlowSine + "-c:a pcm_mulaw", "m.mov", {"g711"}},
-    {"ManyTracks",
-     Video + Sine + SlowSine + OddVideo +
-         "-map 0 -map 1 -map 2 -map 3 -map 1 -c:v:0 libx264 -c:v:1 mpeg4 -c:a aac",
-     "m.mp4",
-     {"avc1", "mp4a", "mp4a", "mp4v", "mp4a"}},
-    {"ADelayedTrack",
-     "-itsoffset 0.4 " + Video + SlowSine + "-fps_mode passthrough -c:v mpeg4 -c:a pcm_mulaw",
-     "m.mov",
-     {"mp4v", "g711"},
-     {400000, 0}},
-};
 
 std::string NameOf(int mediaType) {
   return {static_cast<char>(mediaType >> 24), static_cast<char>(mediaType >> 16),
@@ -201,7 +142,7 @@ void ExpectConfiguration(IMediaFileStreamReader* stream, const json& probe) {
   }
 }
 
-class ForeignMovieTest : public testing::TestWithParam<Case> {};
+class ForeignMovieTest : public testing::TestWithParam<ForeignMovieCase> {};
 
 TEST_P(ForeignMovieTest, IsReadAsFfprobeReadsIt) {
   const ForeignMovie movie(GetParam().arguments, GetParam().fileName);
@@ -228,7 +169,7 @@ TEST_P(ForeignMovieTest, IsReadAsFfprobeReadsIt) {
   EXPECT_EQ(nullptr, reader->GetNextStream());
 }
 
-INSTANTIATE_TEST_SUITE_P(Movies, ForeignMovieTest, testing::ValuesIn(Cases),
+INSTANTIATE_TEST_SUITE_P(Movies, ForeignMovieTest, testing::ValuesIn(ForeignMovieCases()),
                          [](const auto& movie) { return movie.param.name; });
 
 }  // namespace

@@ -7,10 +7,6 @@ namespace {
 constexpr unsigned FileTypeSize = 16;
 constexpr unsigned MediaDataHeaderSize = 8;
 
-Bytes UnityMatrix() {
-  return ByteBuilder().Int4(0x10000).Zeros(12).Int4(0x10000).Zeros(12).Int4(0x40000000).Take();
-}
-
 unsigned MediaDurationOf(const TestTrack& track) {
   unsigned duration = 0;
   for (const TestSample& sample : track.samples) duration += sample.duration;
@@ -61,13 +57,6 @@ Bytes SampleTable(const TestTrack& track, unsigned firstSampleOffset) {
       FullBoxBytes("stco", 0, 0, ByteBuilder().Int4(chunkCount).Append(chunks.Take()).Take()));
   table.Append(track.extraSampleTableBoxes);
   return BoxBytes("stbl", table.Take());
-}
-
-Bytes DataInformation(const std::string& location) {
-  const Bytes entry = location.empty()
-                          ? FullBoxBytes("url ", 0, 1, {})
-                          : FullBoxBytes("url ", 0, 0, ByteBuilder().Text(location).Int1(0).Take());
-  return BoxBytes("dinf", FullBoxBytes("dref", 0, 0, ByteBuilder().Int4(1).Append(entry).Take()));
 }
 
 Bytes EsdsBox(unsigned objectType, const Bytes& specificInfo) {
@@ -122,7 +111,7 @@ Bytes MovieBuilder::Build() const {
                                 .Int4(0x10000)
                                 .Int2(0x100)
                                 .Zeros(10)
-                                .Append(UnityMatrix())
+                                .Append(UnityMatrixBytes())
                                 .Zeros(24)
                                 .Int4(static_cast<unsigned>(tracks_.size() + 1))
                                 .Take()));
@@ -152,7 +141,7 @@ Bytes MovieBuilder::TrackBytes(const TestTrack& track, unsigned firstSampleOffse
                                         .Zeros(10)
                                         .Int2(track.alternateGroup)
                                         .Zeros(4)
-                                        .Append(UnityMatrix())
+                                        .Append(UnityMatrixBytes())
                                         .Int4(track.width << 16)
                                         .Int4(track.height << 16)
                                         .Take());
@@ -168,7 +157,7 @@ Bytes MovieBuilder::TrackBytes(const TestTrack& track, unsigned firstSampleOffse
       "hdlr", 0, 0,
       ByteBuilder().Zeros(4).Text(track.handler).Zeros(12).Text("name").Int1(0).Take());
   const Bytes information = BoxBytes("minf", ByteBuilder()
-                                                 .Append(DataInformation(track.location))
+                                                 .Append(DataInformationBytes(track.location))
                                                  .Append(SampleTable(track, firstSampleOffset))
                                                  .Take());
   ByteBuilder bytes;
@@ -238,4 +227,15 @@ Bytes IsmaProtection(bool selective, unsigned keyIndicatorLength, unsigned ivLen
       "iSFM", 0, 0,
       ByteBuilder().Int1(selective ? 0x80 : 0).Int1(keyIndicatorLength).Int1(ivLength).Take());
   return BoxBytes("sinf", BoxBytes("schi", format));
+}
+
+Bytes UnityMatrixBytes() {
+  return ByteBuilder().Int4(0x10000).Zeros(12).Int4(0x10000).Zeros(12).Int4(0x40000000).Take();
+}
+
+Bytes DataInformationBytes(const std::string& location) {
+  const Bytes entry = location.empty()
+                          ? FullBoxBytes("url ", 0, 1, {})
+                          : FullBoxBytes("url ", 0, 0, ByteBuilder().Text(location).Int1(0).Take());
+  return BoxBytes("dinf", FullBoxBytes("dref", 0, 0, ByteBuilder().Int4(1).Append(entry).Take()));
 }

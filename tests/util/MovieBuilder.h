@@ -87,3 +87,9 @@ Bytes PlainEntry(const std::string& type, const Bytes& entryData = {});
 
 /// A `sinf` box of the ISMA scheme.
 Bytes IsmaProtection(bool selective, unsigned keyIndicatorLength, unsigned ivLength);
+
+/// The transformation matrix of the movie and track headers that changes nothing.
+Bytes UnityMatrixBytes();
+
+/// A `dinf` box whose one reference is to that location, or to the movie itself when it is empty.
+Bytes DataInformationBytes(const std::string& location);

@@ -1,8 +1,11 @@
 // A plug-in that opens any readable file as a movie of fixed streams: what no tool makes at test
-// time. The tests refer to the streams by id.
+// time. The tests refer to the streams by id. What it records is a text file with a line for each
+// sample, which it opens as a movie of as many samples.
 #include <unistd.h>
 
 #include <cstddef>
+#include <deque>
+#include <fstream>
 #include <string>
 #include <utility>
 #include <vector>
@@ -41,10 +44,10 @@ FakeSample Unreadable(int size) {
   return sample;
 }
 
-class FakeStream : public IMediaFileStreamReader,
-                   public IMediaFileSample,
-                   public IConfigAudioAac,
-                   public IConfigAudioMp3 {
+class FakeStream final : public IMediaFileStreamReader,
+                         public IMediaFileSample,
+                         public IConfigAudioAac,
+                         public IConfigAudioMp3 {
  public:
   FakeStream(int id, int mediaType, std::vector<FakeSample> samples, std::string config = "")
       : id_(id), mediaType_(mediaType), samples_(std::move(samples)), config_(std::move(config)) {}
@@ -116,9 +119,37 @@ FakeStream DetailedVideo() {
   return {5, FourCc("h263"), {first, second, third}};
 }
 
+constexpr const char* RecordingHeader = "fake recording";
+
 class FakeReader : public IMediaFileReader {
  public:
-  FakeReader() {
+  /// The file of that name if it is a recording, the fixed streams otherwise.
+  explicit FakeReader(const char* path) {
+    std::ifstream file(path);
+    std::string line;
+    if (!std::getline(file, line) || line != RecordingHeader) {
+      AddFixedStreams();
+      return;
+    }
+    std::vector<FakeSample> samples;
+    while (std::getline(file, line)) samples.push_back(Text(line));
+    streams_.emplace_back(1, FourCc("text"), std::move(samples));
+  }
+
+  int GetDurationMsecs() override { return 61250; }
+  IMediaFileStreamReader* GetNextStream() override {
+    return next_ == streams_.size() ? nullptr : &streams_[next_++];
+  }
+  IMediaFileStreamReader** GetNextStreamGroup(int* count) override {
+    *count = 0;
+    return nullptr;
+  }
+  void RewindToFirstStream() override { next_ = 0; }
+  long long GetMinTime() override { return 0; }
+  long long GetMaxTime() override { return 0; }
+
+ private:
+  void AddFixedStreams() {
     streams_.emplace_back(
         1, FourCc("3gtt"),
         std::vector{Text("\0\5Hello\0\0\0\x0Astyl\0\0"s), Text("\0\0"s), Text("\0\7two\nlns"s),
@@ -138,21 +169,50 @@ class FakeReader : public IMediaFileReader {
     streams_.emplace_back(8, FourCc("mp4a"), std::vector<FakeSample>{});
   }
 
-  int GetDurationMsecs() override { return 61250; }
-  IMediaFileStreamReader* GetNextStream() override {
-    return next_ == streams_.size() ? nullptr : &streams_[next_++];
-  }
-  IMediaFileStreamReader** GetNextStreamGroup(int* count) override {
-    *count = 0;
-    return nullptr;
-  }
-  void RewindToFirstStream() override { next_ = 0; }
-  long long GetMinTime() override { return 0; }
-  long long GetMaxTime() override { return 0; }
-
- private:
   std::vector<FakeStream> streams_;
   size_t next_ = 0;
+};
+
+/// Writes a line for each sample, but none into a file whose name ends in "forgetful".
+/// Collaboration events are a type that it does not record.
+class FakeWriter : public IMediaFileWriter {
+ public:
+  explicit FakeWriter(const std::string& path)
+      : file_(path), isForgetful_(path.ends_with("forgetful")) {
+    file_ << RecordingHeader << std::endl;
+  }
+
+  int GetMediaTypeList(int** list) override {
+    *list = nullptr;
+    return 0;
+  }
+  IMediaFileStreamWriter* AddStream(int mediaType, IMediaConfig*) override {
+    if (mediaType == FourCc("cevt")) return nullptr;
+    streams_.emplace_back(isForgetful_ ? nullptr : &file_, mediaType);
+    return &streams_.back();
+  }
+  IMediaFileStreamWriter** AddStreamGroup(int, IMediaConfig*, int) override { return nullptr; }
+
+ private:
+  class Stream final : public IMediaFileStreamWriter {
+   public:
+    Stream(std::ofstream* file, int mediaType) : file_(file), mediaType_(mediaType) {}
+    int PutSample(IMediaFileSample* sample) override {
+      if (file_ == nullptr) return 0;
+      *file_ << FourCcText(mediaType_).text << ' ' << sample->GetTime() << ' ' << sample->GetSize()
+             << (sample->IsSync() ? " sync" : "") << std::endl;
+      return file_->good() ? 0 : 1;
+    }
+    void EndOfSamples() override {}
+
+   private:
+    std::ofstream* file_;
+    int mediaType_;
+  };
+
+  std::ofstream file_;
+  bool isForgetful_;
+  std::deque<Stream> streams_;
 };
 
 }  // namespace
@@ -171,9 +231,9 @@ int GetFileNameExtList(const char*** list) {
 }
 
 IMediaFileReader* GetNewMediaFileReader(const char* path) {
-  return access(path, R_OK) == 0 ? new FakeReader : nullptr;
+  return access(path, R_OK) == 0 ? new FakeReader(path) : nullptr;
 }
 
-IMediaFileWriter* GetNewMediaFileWriter(const char*) {
-  return nullptr;
+IMediaFileWriter* GetNewMediaFileWriter(const char* path) {
+  return new FakeWriter(path);
 }

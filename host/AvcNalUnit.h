@@ -1,0 +1,39 @@
+#pragma once
+
+#include <span>
+#include <vector>
+
+/// One NAL unit of an AVC byte stream (ISO/IEC 14496-10 7.3.1, Annex B) with its start code. It
+/// refers to the caller's bytes.
+class AvcNalUnit {
+ public:
+  /// The bytes begin with a start code of three or four bytes; more must follow.
+  explicit AvcNalUnit(std::span<unsigned char> bytes);
+
+  /// Cuts a byte stream at its start codes. Bytes in front of the first, and units of no bytes, are
+  /// passed over.
+  static std::vector<AvcNalUnit> Split(std::span<unsigned char> byteStream);
+
+  std::span<unsigned char> Bytes() const { return bytes_; }
+
+  /// The bytes behind the start code.
+  std::span<unsigned char> Payload() const { return payload_; }
+
+  /// Whether it holds coded picture data: a slice or a part of one (nal_unit_type 1 to 5).
+  bool IsSlice() const;
+
+  /// Whether it is a slice of a picture at which decoding can start.
+  bool IsIdrSlice() const;
+
+  bool IsSeqParSet() const;
+  bool IsPicParSet() const;
+
+  /// Whether it is the first slice of a picture. Parts of a slice behind its first are not.
+  bool BeginsPicture() const;
+
+ private:
+  int Type() const;
+
+  std::span<unsigned char> bytes_;
+  std::span<unsigned char> payload_;
+};

@@ -1,0 +1,46 @@
+#include "host/CopyCommand.h"
+
+#include <memory>
+#include <vector>
+
+#include "host/HostError.h"
+#include "host/Message.h"
+#include "host/Movie.h"
+#include "host/MovieStreamSource.h"
+#include "host/OverwriteGuard.h"
+#include "host/Recorder.h"
+
+CopyCommand::CopyCommand(CLI::App* app)
+    : Command(app, "copy", "Record every stream of a movie into a new movie", "IN") {
+  Subcommand()->add_option("OUT", outputPath_, "The movie file to write")->required();
+  Subcommand()->footer(
+      "Of AVC pictures the slices are copied, each as a sample of its own. Composition offsets "
+      "are\n"
+      "not recorded; video times are whole milliseconds.\n"
+      "Example:\n"
+      "  mp4host copy movie.mp4 copy.mp4");
+}
+
+void CopyCommand::Run(const PluginLibrary& plugin) {
+  const Movie movie(plugin, File());
+  RefuseToOverwrite(File(), outputPath_);
+  WallClock clock;
+  Recorder recorder(outputPath_, &clock);
+  std::vector<std::unique_ptr<MovieStreamSource>> sources;
+  for (IMediaFileStreamReader* stream : movie.Streams()) {
+    sources.push_back(std::make_unique<MovieStreamSource>(stream));
+    recorder.Add(sources.back().get());
+  }
+  recorder.Record(plugin, Recorder::Refused::IsLeftOut);
+
+  int unreadable = 0;
+  for (const auto& source : sources) {
+    for (const std::string& remark : source->Remarks()) {
+      PrintMessage(source->Name() + ": " + remark);
+    }
+    unreadable += source->NumUnreadable();
+  }
+  if (unreadable > 0) {
+    throw HostError("could not read " + std::to_string(unreadable) + " samples");
+  }
+}

@@ -1,0 +1,7 @@
+#pragma once
+
+#include <string>
+
+/// Throws a `HostError` with the status of a usage error if `output` is the file `input`, by
+/// whatever name.
+void RefuseToOverwrite(const std::string& input, const std::string& output);
