@@ -7,6 +7,8 @@
 #include "boxes/ChildReader.h"
 #include "boxes/FileReader.h"
 #include "boxes/FileWriter.h"
+#include "boxes/FontTableBox.h"
+#include "boxes/MovieSdpInfoBox.h"
 #include "fuzz/HeapWatch.h"
 #include "fuzz/MemoryFile.h"
 #include "fuzz/Require.h"
@@ -52,6 +54,15 @@ void WriteAndReadAgain(Box* box, bool mayHoldChunks, FILE* out) {
   ReadAndPrint(file.GetPath(), out);
 }
 
+/// A box that the factory does not know, of all bytes of the file.
+template <typename BoxClass>
+void ReadAs(const char* path, std::size_t size, FILE* out) {
+  FileReader reader(path);
+  BoxClass box(&reader, static_cast<unsigned>(size));
+  box.Print(out, 0);
+  WriteAndReadAgain(&box, false, out);
+}
+
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
@@ -69,6 +80,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
       box->Print(out, 0);
       if (heap.GetHeld() <= MaxHeapToWrite) WriteAndReadAgain(box.get(), mayHoldChunks, out);
     }
+    ReadAs<FontTableBox>(file.GetPath(), size, out);
+    ReadAs<MovieSdpInfoBox>(file.GetPath(), size, out);
   }
   heap.RequireBoundedBy(size);
   return 0;

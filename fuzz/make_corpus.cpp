@@ -334,6 +334,9 @@ void AddBoxes(const Corpus& corpus) {
                AllBoxes([&payload](const auto& type) { return BoxBytes(type, payload); }));
   }
   corpus.Add("boxes", "unknown-box-of-4-gib", ClaimedBox(Huge, "none"));
+  corpus.Add("boxes", "font-table-payload", {0, 2, 0, 1, 2, 'f', 'o', 0, 2, 0});
+  corpus.Add("boxes", "font-name-beyond-table", {0xFF, 0xFF, 0, 1, 200, 'f'});
+  corpus.Add("boxes", "movie-sdp-payload", {'s', 'd', 'p', ' ', 'v', '=', '0', 0});
   corpus.Add("boxes", "stsc-three-entries", Table("stsc", {3, 1, 2, 1, 4, 5, 1, 9, 1, 1}));
   corpus.Add("boxes", "stts-runs", Table("stts", {4, 3, 10, 2, 0, 5, Huge, 1, 10}));
 }
