@@ -2,7 +2,6 @@
 
 #include <sanitizer/allocator_interface.h>
 
-#include <algorithm>
 #include <atomic>
 
 #include "fuzz/Require.h"

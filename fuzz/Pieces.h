@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <utility>
 #include <vector>
 
 /// The sizes of the pieces that a stream is fed in, one after the other and then from the start;

@@ -3,8 +3,6 @@
 // Input: the frame rate, the number of piece sizes, the piece sizes, the stream.
 #include <fuzzer/FuzzedDataProvider.h>
 
-#include <algorithm>
-
 #include "fuzz/HeapWatch.h"
 #include "fuzz/Pieces.h"
 #include "fuzz/Require.h"

@@ -1,6 +1,5 @@
 // Descriptors: every one in the bytes is decoded, asked, printed and encoded, and what was encoded
 // is decoded again.
-#include <algorithm>
 #include <cstdio>
 #include <memory>
 

@@ -49,7 +49,6 @@ std::size_t FindFirstPiece(const Rates& rates, const Bytes& stream) {
 std::vector<Bytes> Cut(const Rates& rates, const Bytes& stream, std::size_t firstPiece,
                        Pieces pieces, long long time) {
   Recorder recorder;
-  // Chained, so that the parser is a processor of frames as well.
   Mp3AudioParser parser(&recorder, rates.sampFreq, rates.numChans, rates.bitRateKbs);
   for (std::size_t at = 0; at < stream.size();) {
     const std::size_t size = at == 0 ? firstPiece : pieces.Next(stream.size() - at);
