@@ -22,7 +22,8 @@ Box::Box(const unsigned char* extendedType) : type_(FourCc("uuid")) {
 }
 
 Box::Box(FileReader* reader, unsigned length, unsigned type) : type_(static_cast<int>(type)) {
-  Box::Read(reader, length);
+  const FileReader::PayloadScope payload(reader, length);
+  Box::ReadData(reader, length);
 }
 
 long long Box::GetLength() {

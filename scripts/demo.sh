@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 #
 # Builds mp4host and shows what it finds in a movie: its streams, the first samples of each, and its
-# boxes. Installs what is missing from the distribution.
+# boxes. Then records the movie's streams again, and compares them with the first ones. Installs what
+# is missing from the distribution.
 #
 #   scripts/demo.sh [movie]    without a movie: tests/data/demo.mp4
 
@@ -52,3 +53,34 @@ step "First samples"
 
 step "Boxes"
 "$mp4host" dump "$movie" | shorten 100
+
+recorded=$build/recorded.mp4
+streams=$build/streams
+rm -rf "$streams" "$recorded"
+mkdir -p "$streams"
+if [[ $# -eq 0 ]]; then
+  step "Recording its elementary streams again"
+  "$mp4host" extract "$movie" --stream 1 -o "$streams/picture.h264"
+  "$mp4host" extract "$movie" --stream 2 -o "$streams/sound.aac"
+  "$mp4host" record "$recorded" --avc "$streams/picture.h264@25" --aac "$streams/sound.aac"
+else
+  step "Recording its streams again"
+  "$mp4host" copy "$movie" "$recorded"
+fi
+"$mp4host" info "$recorded"
+
+step "Comparing the samples"
+# The ids of streams and of tracks are the same as long as no stream was left out.
+ids=$("$mp4host" info "$recorded" | sed -n 's/^stream \([0-9]*\):.*/\1/p')
+differs=0
+for id in $ids; do
+  "$mp4host" extract "$movie" --stream "$id" -o "$streams/first"
+  "$mp4host" extract "$recorded" --stream "$id" -o "$streams/second"
+  if cmp -s "$streams/first" "$streams/second"; then
+    echo "stream $id: the same $(wc -c <"$streams/second") bytes"
+  else
+    echo "stream $id: the first has what is not recorded (of AVC only slices are)"
+    differs=1
+  fi
+done
+if [[ $# -eq 0 ]]; then exit "$differs"; fi

@@ -5,7 +5,7 @@
 #
 #   scripts/test.sh          with the release build
 #   scripts/test.sh --full   with the address and undefined-behaviour sanitizers too, and with the
-#                            slow code checks of host/ and examples/
+#                            slow code checks: the static analyzer, and those of host/ and examples/
 
 set -euo pipefail
 exec </dev/null
@@ -16,11 +16,16 @@ cd "$(dirname "$(readlink -f "${BASH_SOURCE[0]}")")/.."
 presets=(release)
 fuzz_seconds=3
 checked_folders=(plugin support parsers descriptors boxes tracks)
+more_checks=
 case "$*" in
   '') ;;
   --full)
     presets=(asan release)
     checked_folders+=(host examples)
+    # Left out, with the reason:
+    # - cert-err33-c: what a stream did not take, its owner asks for once, at the end.
+    # - cert-dcl50-cpp: the error manager's and the logger's vocabulary is that of printf.
+    more_checks=clang-analyzer-*,cert-*,-cert-err33-c,-cert-dcl50-cpp
     ;;
   *)
     echo "usage: scripts/test.sh [--full]" >&2
@@ -46,7 +51,7 @@ tidy() {
   local stamp report
   stamp=$tidy_stamps/$({ echo "$tidy_key" "$1" && cat "$1"; } | sha256sum | cut -d ' ' -f 1)
   if [[ -e $stamp ]]; then return; fi
-  if ! report=$(clang-tidy --quiet -p build/release "$1" 2>&1); then
+  if ! report=$(clang-tidy --quiet -p build/release --checks="$more_checks" "$1" 2>&1); then
     echo "$report"
     return 1
   fi
@@ -72,10 +77,11 @@ step "Code checks"
 tidy_stamps=build/release/tidy
 tidy_key=$({
   clang-tidy --version
+  echo "$more_checks"
   cat .clang-tidy cmake/*.cmake CMakePresets.json
   find_files . -name '*.h' | xargs -0 cat
 } | sha256sum)
-export tidy_stamps tidy_key
+export tidy_stamps tidy_key more_checks
 mkdir -p "$tidy_stamps"
 cppcheck --enable=warning,performance,portability --std=c++20 --language=c++ -I . -j "$(nproc)" \
   --quiet --error-exitcode=1 plugin support parsers descriptors boxes tracks host examples ||

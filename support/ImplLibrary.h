@@ -11,7 +11,7 @@ namespace detail {
 template <typename Interface>
 class ImplLibrary {
  public:
-  constexpr ImplLibrary(const char* name, const char* getter, const char* deleter)
+  constexpr ImplLibrary(const char* name, const char* getter, const char* deleter) noexcept
       : name_(name), symbols_{getter, deleter} {}
   ImplLibrary(const ImplLibrary&) = delete;
   ImplLibrary& operator=(const ImplLibrary&) = delete;

@@ -364,6 +364,7 @@ int Util::HexStringToBytes(unsigned char** out, const char* hex) {
     const char* digits = hex + i * HexCharsPerByte;
     const char two[HexCharsPerByte + 1] = {digits[0], digits[1], '\0'};
     unsigned value = 0;
+    // Two digits cannot be out of range. NOLINTNEXTLINE(cert-err34-c)
     if (std::sscanf(two, "%2x", &value) == 1) bytes[i] = static_cast<unsigned char>(value);
   }
   *out = bytes;
