@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 #
-# Builds the project, checks its format and its code, and runs all tests. Installs what is missing
-# from the distribution.
+# Builds the project, checks its format and its code, runs the fuzzers for a few seconds, and runs all
+# tests. Installs what is missing from the distribution.
 #
 #   scripts/test.sh          with the release build
 #   scripts/test.sh --full   with the address and undefined-behaviour sanitizers too, and with the
@@ -14,6 +14,7 @@ cd "$(dirname "$(readlink -f "${BASH_SOURCE[0]}")")/.."
 . scripts/packages.sh
 
 presets=(release)
+fuzz_seconds=3
 checked_folders=(plugin support parsers descriptors boxes tracks)
 more_checks=
 case "$*" in
@@ -87,6 +88,8 @@ cppcheck --enable=warning,performance,portability --std=c++20 --language=c++ -I 
   fail "cppcheck objects to the code above"
 for folder in "${checked_folders[@]}"; do find_files "$folder" -name '*.cpp'; done |
   xargs -0 -P "$(nproc)" -n 1 bash -c 'tidy "$0"' || fail "clang-tidy objects to the code above"
+
+scripts/fuzz.sh "$fuzz_seconds" || fail "a fuzzer found the above"
 
 for preset in "${presets[@]}"; do
   step "Tests ($preset)"

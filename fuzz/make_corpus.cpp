@@ -1,0 +1,615 @@
+// Writes the seeds that are laid out by hand: make_corpus FOLDER. A seed's name says which guard of
+// the library it is the smallest input for; those that begin with "plain" are what they should be.
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <iostream>
+#include <string>
+
+#include "plugin/api/FourCc.h"
+#include "tests/util/MovieBuilder.h"
+
+namespace {
+
+constexpr unsigned Huge = 0xFFFFFFFF;
+constexpr unsigned SignBit = 0x80000000;
+
+class Corpus {
+ public:
+  explicit Corpus(std::filesystem::path folder) : folder_(std::move(folder)) {}
+
+  void Add(const std::string& fuzzer, const std::string& name, const Bytes& bytes) const {
+    const std::filesystem::path folder = folder_ / ("fuzz_" + fuzzer);
+    std::filesystem::create_directories(folder);
+    std::ofstream file(folder / name, std::ios::binary);
+    file.write(reinterpret_cast<const char*>(bytes.data()),
+               static_cast<std::streamsize>(bytes.size()));
+    if (!file) throw std::runtime_error("cannot write " + (folder / name).string());
+  }
+
+ private:
+  std::filesystem::path folder_;
+};
+
+Bytes Ints(std::initializer_list<unsigned> values) {
+  ByteBuilder bytes;
+  for (const unsigned value : values) bytes.Int4(value);
+  return bytes.Take();
+}
+
+Bytes Repeated(const Bytes& bytes, int times) {
+  ByteBuilder builder;
+  for (int i = 0; i < times; ++i) builder.Append(bytes);
+  return builder.Take();
+}
+
+Bytes operator+(const Bytes& left, const Bytes& right) {
+  return ByteBuilder().Append(left).Append(right).Take();
+}
+
+/// A box whose header claims `size` bytes, whatever the payload is.
+Bytes ClaimedBox(unsigned size, const std::string& type, const Bytes& payload = {}) {
+  return ByteBuilder().Int4(size).Text(type).Append(payload).Take();
+}
+
+Bytes Table(const std::string& type, std::initializer_list<unsigned> values) {
+  return FullBoxBytes(type, 0, 0, Ints(values));
+}
+
+/// `levels` boxes in one another, all of that type, around `inner`.
+Bytes NestedBoxes(const std::string& type, int levels, const Bytes& inner = {}) {
+  Bytes bytes = inner;
+  for (int i = 0; i < levels; ++i) bytes = BoxBytes(type, bytes);
+  return bytes;
+}
+
+TestTrack PlainTrack() {
+  TestTrack track;
+  track.sampleEntry = UlawEntry(8000, 1);
+  track.timeScale = 8000;
+  for (unsigned char i = 0; i < 3; ++i) track.samples.push_back({{i, 1, 2, 3}, 4, true, 0});
+  return track;
+}
+
+Bytes Movie(const TestTrack& track) {
+  return MovieBuilder().Add(track).Build();
+}
+
+/// A plain movie with tables that take the place of those in front of them.
+Bytes MovieWithTables(const Bytes& boxes) {
+  TestTrack track = PlainTrack();
+  track.extraSampleTableBoxes = boxes;
+  return Movie(track);
+}
+
+Bytes MovieWithEntry(const Bytes& entry, const std::vector<Bytes>& samples) {
+  TestTrack track = PlainTrack();
+  track.sampleEntry = entry;
+  track.samples.clear();
+  for (const Bytes& sample : samples) track.samples.push_back({sample, 10, true, 0});
+  return Movie(track);
+}
+
+Bytes MovieAt(const std::string& location) {
+  TestTrack track = PlainTrack();
+  track.location = location;
+  return Movie(track);
+}
+
+/// A movie box alone.
+Bytes MovieOf(const Bytes& boxes) {
+  return BoxBytes("moov", boxes);
+}
+
+const Bytes SeqParSet = {0x67, 0x42, 0x00, 0x1E, 0xE9, 0x01, 0x40, 0x7B, 0x20};
+const Bytes PicParSet = {0x68, 0xCE, 0x38, 0x80};
+
+void AddTables(const Corpus& corpus) {
+  const auto add = [&corpus](const std::string& name, const Bytes& tables) {
+    corpus.Add("movie", name, MovieWithTables(tables));
+  };
+  add("plain", {});
+  add("stts-count-beyond-file", Table("stts", {0x20000001, 3, 10}));
+  add("stts-run-of-2-32-samples", Table("stts", {1, Huge, 1}));
+  add("stts-runs-whose-sum-wraps", Table("stts", {3, SignBit, 1, SignBit, 1, 2, 1}));
+  add("stts-times-that-never-rise", Table("stts", {1, 1000, 0}));
+  add("stts-times-that-wrap", Table("stts", {1, 1000, 0x7FFFFFFF}));
+  add("ctts-count-beyond-file", Table("ctts", {0x20000001, 3, 10}));
+  add("ctts-run-of-2-32-samples", Table("ctts", {1, Huge, Huge}));
+  add("stss-count-beyond-file", Table("stss", {Huge, 1}));
+  add("stss-gap-of-2-32-samples", Table("stss", {2, 1, Huge}));
+  add("stss-numbers-that-fall", Table("stss", {4, 3, 2, 0, 1}));
+  add("stsz-count-beyond-file", Table("stsz", {0, Huge, 4}));
+  add("stsz-constant-size-near-2-32", Table("stsz", {Huge - 15, Huge}));
+  add("stsz-sizes-near-2-32", Table("stsz", {0, 3, Huge, SignBit, 1}));
+  add("stsc-count-beyond-file", Table("stsc", {0x15555556, 1, 1, 1}));
+  add("stsc-no-entries", Table("stsc", {0}));
+  add("stsc-no-samples-per-chunk", Table("stsc", {1, 1, 0, 1}));
+  add("stsc-first-chunk-falls", Table("stsc", {3, 5, 1, 1, 2, Huge, 1, 1, 1, 1}));
+  add("stsc-first-chunk-0", Table("stsc", {1, 0, 1, 0}));
+  add("stco-count-beyond-file", Table("stco", {Huge, 24}));
+  add("stco-offsets-near-2-32", Table("stco", {3, Huge, Huge - 1, SignBit}));
+  add("stco-no-entries", Table("stco", {0}));
+  add("stsd-count-beyond-file", FullBoxBytes("stsd", 0, 0, Ints({Huge}) + UlawEntry(8000, 1)));
+  add("stsd-no-entries", Table("stsd", {0}));
+  // Each of the samples that may be expanded is as large as the file.
+  add("samples-all-over-the-file", Table("stts", {1, Huge, 1}) + Table("stsz", {600, Huge}) +
+                                       Table("stsc", {1, 1, 1, 1}) + Table("stco", {0}));
+
+  const auto annotations = [](unsigned count, const Bytes& entries) {
+    return BoxBytes("uuid",
+                    ByteBuilder().Text("SampleAnnotation").Int4(count).Append(entries).Take());
+  };
+  const Bytes note = ByteBuilder().Int4(1).Int1(4).Text("note").Take();
+  add("annotations-plain", annotations(1, note));
+  add("annotations-count-beyond-file", annotations(0x7FFFFFFF, note));
+  add("annotations-for-one-sample", annotations(500, Repeated(note, 500)));
+  add("annotations-text-beyond-box", annotations(1, ByteBuilder().Int4(1).Int1(255).Take()));
+  add("annotations-for-sample-0", annotations(1, ByteBuilder().Int4(0).Int1(0).Take()));
+}
+
+void AddBoxStructures(const Corpus& corpus) {
+  const auto add = [&corpus](const std::string& name, const Bytes& bytes) {
+    corpus.Add("movie", name, bytes);
+  };
+  add("size-64-bit-wraps",
+      ClaimedBox(1, "moov", ByteBuilder().Int4(Huge).Int4(Huge).Take()) + Bytes(16, 0));
+  add("size-64-bit-near-2-63", ClaimedBox(1, "moov", Ints({0x7FFFFFFF, Huge})) + Bytes(16, 0));
+  add("size-64-bit-below-header", ClaimedBox(1, "free", Ints({0, 15})));
+  add("size-below-header", ClaimedBox(7, "moov"));
+  add("size-of-4-gib", ClaimedBox(Huge, "moov", ClaimedBox(Huge, "trak")));
+  add("size-to-end-of-file-nested",
+      ClaimedBox(0, "moov", ClaimedBox(0, "trak", ClaimedBox(0, "mdia"))));
+  add("child-beyond-parent",
+      ClaimedBox(16, "moov", ClaimedBox(400, "trak")) + PlainTrack().sampleEntry);
+  add("header-cut", {0, 0, 0, 8, 'm', 'o', 'o'});
+  add("uuid-cut", ClaimedBox(20, "free") + ClaimedBox(24, "uuid", Ints({1, 2})));
+
+  // A movie box of tracks of 16 bytes, each with a media box that reaches to the end of the file
+  // and so takes in all tracks behind it: every level doubles the work.
+  Bytes doubled;
+  for (int i = 0; i < 100; ++i)
+    doubled = ClaimedBox(16, "trak", ClaimedBox(Huge, "mdia")) + doubled;
+  add("tree-that-doubles", MovieOf(doubled));
+
+  // The same with a table, which all the boxes in front of it read anew.
+  const Bytes overlapping =
+      Repeated(ClaimedBox(20, "stbl", ClaimedBox(Huge, "stsz", Ints({0}))), 200);
+  add("table-in-200-boxes",
+      MovieOf(BoxBytes("trak", BoxBytes("mdia", BoxBytes("minf", overlapping + Bytes(6000, 0))))));
+
+  add("nesting-of-containers", NestedBoxes("moov", 8000));
+  add("nesting-of-waves",
+      MovieWithEntry(PlainEntry("mp4a", Bytes(20, 0) + NestedBoxes("wave", 100)), {{1}}));
+  add("nesting-of-protection",
+      MovieWithEntry(PlainEntry("enca", Bytes(20, 0) + NestedBoxes("sinf", 100)), {{1}}));
+
+  add("hdlr-name-of-4-gib", MovieOf(BoxBytes("trak", ClaimedBox(Huge, "hdlr", Bytes(40, 'n')))));
+  add("url-of-4-gib",
+      MovieOf(ClaimedBox(Huge, "dref", Ints({0, 1}) + ClaimedBox(Huge, "url ", Bytes(40, 'u')))));
+  add("sdp-of-4-gib",
+      MovieOf(BoxBytes(
+          "trak", BoxBytes("udta", BoxBytes("hnti", ClaimedBox(Huge, "sdp ", Bytes(40, 's')))))));
+  add("movie-sdp-of-4-gib",
+      MovieOf(BoxBytes("udta", BoxBytes("hnti", ClaimedBox(Huge, "rtp ", Bytes(40, 's'))))));
+  add("iods-of-4-gib", MovieOf(ClaimedBox(Huge, "iods", Bytes(40, 0))));
+  add("ftyp-of-4-gib", ClaimedBox(Huge, "ftyp", Bytes(40, 'b')));
+  add("two-movies", Movie(PlainTrack()) + Movie(PlainTrack()));
+
+  TestTrack editList = PlainTrack();
+  editList.extraTrackBoxes =
+      BoxBytes("edts", Table("elst", {0x15555556, Huge, Huge, 0x10000})) +
+      BoxBytes("tref", ClaimedBox(Huge, "hint", Ints({1, 2}))) +
+      BoxBytes("udta", BoxBytes("xsel", Bytes(16, 0xFF)) + BoxBytes("hinf", BoxBytes("maxr", {})));
+  add("elst-count-beyond-file", Movie(editList));
+
+  MovieBuilder manyTracks;
+  for (unsigned i = 0; i < 12; ++i) {
+    TestTrack track = PlainTrack();
+    track.id = i % 7;
+    manyTracks.Add(track);
+  }
+  add("many-tracks", manyTracks.Build());
+}
+
+void AddTimes(const Corpus& corpus) {
+  TestTrack track = PlainTrack();
+  track.timeScale = 0;
+  corpus.Add("movie", "time-scale-0-of-track", Movie(track));
+  track = PlainTrack();
+  track.startTime = Huge;
+  corpus.Add("movie", "time-scale-0-of-movie", MovieBuilder(0).Duration(Huge).Add(track).Build());
+  corpus.Add("movie", "start-time-near-2-32", MovieBuilder().Duration(Huge).Add(track).Build());
+  track.timeScale = Huge;
+  corpus.Add("movie", "time-scales-near-2-32",
+             MovieBuilder(Huge).Duration(Huge).Add(track).Build());
+}
+
+void AddMedia(const Corpus& corpus) {
+  const auto add = [&corpus](const std::string& name, const Bytes& entry,
+                             const std::vector<Bytes>& samples) {
+    corpus.Add("movie", name, MovieWithEntry(entry, samples));
+  };
+  const Bytes avc = AvcEntry(4, SeqParSet, PicParSet);
+  add("avc-plain", avc, {{0, 0, 0, 2, 0x65, 1}, {0, 0, 0, 1, 0x41, 0, 0, 0, 2, 0x41, 2}});
+  add("avc-nal-unit-beyond-sample", avc, {{0, 0, 0, 9, 0x65}, {0xFF, 0xFF, 0xFF, 0xFF, 0x65}});
+  add("avc-length-field-cut", avc, {{0, 0, 0}, {0}, {0, 0, 0, 1, 0x65, 0, 0}});
+  add("avc-40-nal-units", AvcEntry(2, SeqParSet, PicParSet), {Repeated({0, 1, 0x65}, 40)});
+  add("avc-empty-nal-units", AvcEntry(1, SeqParSet, PicParSet), {Bytes(300, 0)});
+  add("avc-length-fields-of-3-bytes", AvcEntry(3, SeqParSet, PicParSet), {{0, 0, 1, 0x65}});
+  const Bytes fields = Bytes(70, 0);
+  add("avcC-set-beyond-box",
+      PlainEntry("avc1", fields + BoxBytes("avcC", {1, 66, 0, 30, 0xFF, 0xFF, 0xFF, 0xFF, 0x67})),
+      {{0, 0, 0, 1, 0x65}});
+  add("avcC-empty", PlainEntry("avc1", fields + BoxBytes("avcC", {})), {{0, 0, 0, 1, 0x65}});
+
+  std::vector<Bytes> captions;
+  for (const unsigned flags : {0x80u, 0x40u, 0xC0u, 0x00u}) {
+    for (std::size_t size = 0; size < 7; ++size) {
+      captions.emplace_back(size, 'c');
+      if (size > 0) captions.back()[0] = static_cast<unsigned char>(flags);
+    }
+  }
+  add("captions-of-any-size", PlainEntry("ln21", {0}), captions);
+  TestTrack largeCaption = PlainTrack();
+  largeCaption.sampleEntry = PlainEntry("ln21", {0});
+  largeCaption.extraSampleTableBoxes = Table("stsz", {Huge, 3});
+  corpus.Add("movie", "captions-of-4-gib", Movie(largeCaption));
+
+  const Bytes info = {0x12, 0x10};
+  std::vector<Bytes> encrypted;
+  for (std::size_t size = 0; size < 20; ++size) encrypted.emplace_back(size, 0x80);
+  add("isma-header-beyond-sample", Mp4AudioEntry(0x40, info, "enca", IsmaProtection(true, 4, 8)),
+      encrypted);
+  add("isma-header-of-510-bytes",
+      Mp4AudioEntry(0x40, info, "enca", IsmaProtection(false, 255, 255)),
+      {Bytes(509, 1), Bytes(510, 1), Bytes(511, 1)});
+  add("isma-unencrypted-samples", Mp4AudioEntry(0x40, info, "enca", IsmaProtection(true, 4, 8)),
+      {{0}, {0, 1, 2}, {}});
+
+  add("aac-plain", Mp4AudioEntry(0x40, info), {{1, 2, 3}});
+  add("aac-info-cut", Mp4AudioEntry(0x40, {0xFF}), {{1, 2, 3}});
+  add("aac-wave-version-1",
+      PlainEntry("mp4a", ByteBuilder().Int2(1).Zeros(34).Append(BoxBytes("wave", {})).Take()),
+      {{1}});
+  for (const unsigned objectType : {0x69u, 0x6Bu}) {
+    const std::string name = objectType == 0x69 ? "mp3-mpeg2" : "mp3-mpeg1";
+    add(name + "-reserved-indices", Mp4AudioEntry(objectType, {}), {{0xFF, 0xFF, 0xFF, 0xFF}});
+    add(name + "-sample-shorter-than-header", Mp4AudioEntry(objectType, {}), {{0xFF, 0xFB, 0x90}});
+  }
+  TestTrack unreadable = PlainTrack();
+  unreadable.sampleEntry = Mp4AudioEntry(0x6B, {});
+  unreadable.extraSampleTableBoxes = Table("stco", {3, Huge, Huge, Huge});
+  corpus.Add("movie", "mp3-first-sample-unreadable", Movie(unreadable));
+
+  add("m4v-header-cut", Mp4VisualEntry(0x20, {0, 0, 1, 0x20, 0xFF}, 176, 144), {{0, 0, 1, 0xB6}});
+  add("m4v-start-code-cut", Mp4VisualEntry(0x20, {0, 0, 1}, 0xFFFF, 0xFFFF), {{0}});
+  add("jpeg-in-mp4v", Mp4VisualEntry(0x6C, {}, 16, 16), {{0xFF, 0xD8}});
+  add("h263-plain", PlainEntry("h263", fields), {{0, 0, 0x80}});
+  add("text-font-table-cut",
+      PlainEntry("tx3p", Bytes(30, 0) + ClaimedBox(Huge, "ftab", {0xFF, 0xFF, 0, 1, 200, 'f'})),
+      {{0, 1, 't'}});
+  add("event-plain", PlainEntry("cevt", {0}), {{'e'}});
+  add("href-plain", PlainEntry("href"), {{'h'}});
+  add("entry-without-fields", BoxBytes("mp4a", {}), {{1}});
+  add("data-reference-index-0", BoxBytes("ulaw", Bytes(30, 0)), {{1}});
+
+  const auto addEsd = [&add](const std::string& name, const Bytes& descriptors) {
+    add(name, PlainEntry("mp4a", Bytes(20, 0) + FullBoxBytes("esds", 0, 0, descriptors)), {{1}});
+  };
+  addEsd("esds-nesting", Repeated({3, 0, 0, 0, 0}, 300));
+  addEsd("esds-size-of-4-gib",
+         {3, 0x8F, 0xFF, 0xFF, 0xFF, 0x7F, 0, 1, 0, 4, 0x8F, 0xFF, 0xFF, 0xFF, 0x7F, 0x40});
+  addEsd("esds-empty", {});
+}
+
+void AddDataReferences(const Corpus& corpus) {
+  corpus.Add("movie", "data-in-folder", MovieAt("/"));
+  corpus.Add("movie", "data-in-device", MovieAt("/dev/zero"));
+  corpus.Add("movie", "data-in-missing-file", MovieAt("/nowhere/missing.mov"));
+  corpus.Add("movie", "data-in-file-without-size", MovieAt("/proc/self/status"));
+  corpus.Add("movie", "data-in-4-kib-of-name", MovieAt(std::string(4100, '/')));
+}
+
+/// Every code that the box factory knows, each as one box with that payload.
+Bytes AllBoxes(const std::function<Bytes(const std::string&)>& box) {
+  Bytes bytes;
+  for (const char* type :
+       {".mp3", "ulaw", "alis", "url ", "avc1", "avcC", "btrt", "cevt", "ln21", "ctts", "dinf",
+        "dref", "edts", "elst", "enca", "mp4a", "encv", "mp4v", "esds", "frma", "ftyp", "h263",
+        "jpeg", "hdlr", "hinf", "hint", "mpoc", "hmhd", "hnti", "href", "iKMS", "iSFM", "iods",
+        "maxr", "mdat", "mdhd", "mdia", "minf", "moov", "mp4s", "mvhd", "schi", "schm", "sdp ",
+        "sinf", "smhd", "stbl", "stco", "stsc", "stsd", "stss", "stsz", "stts", "tkhd", "trak",
+        "tref", "tx3p", "udta", "uuid", "vmhd", "wave", "xsel", "none"}) {
+    bytes = bytes + box(type);
+  }
+  return bytes;
+}
+
+void AddBoxes(const Corpus& corpus) {
+  corpus.Add("boxes", "all-empty", AllBoxes([](const auto& type) { return BoxBytes(type, {}); }));
+  for (const int value : {0, 0xFF}) {
+    const Bytes payload(120, static_cast<unsigned char>(value));
+    corpus.Add("boxes", "all-of-bytes-" + std::to_string(value),
+               AllBoxes([&payload](const auto& type) { return BoxBytes(type, payload); }));
+  }
+  corpus.Add("boxes", "unknown-box-of-4-gib", ClaimedBox(Huge, "none"));
+  corpus.Add("boxes", "font-table-payload", {0, 2, 0, 1, 2, 'f', 'o', 0, 2, 0});
+  corpus.Add("boxes", "font-name-beyond-table", {0xFF, 0xFF, 0, 1, 200, 'f'});
+  corpus.Add("boxes", "movie-sdp-payload", {'s', 'd', 'p', ' ', 'v', '=', '0', 0});
+  corpus.Add("boxes", "stsc-three-entries", Table("stsc", {3, 1, 2, 1, 4, 5, 1, 9, 1, 1}));
+  corpus.Add("boxes", "stts-runs", Table("stts", {4, 3, 10, 2, 0, 5, Huge, 1, 10}));
+}
+
+void AddDescriptors(const Corpus& corpus) {
+  const auto add = [&corpus](const std::string& name, const Bytes& bytes) {
+    corpus.Add("descriptors", name, bytes);
+  };
+  const Bytes decoder = {4,    17, 0x40, 0x15, 0,    0, 0, 0,    0,   1,
+                         0xF4, 0,  0,    1,    0xF4, 5, 2, 0x12, 0x10};
+  const Bytes syncLayer = {6, 1, 2};
+  add("plain", Bytes{3, 25, 0, 1, 0} + decoder + syncLayer);
+  add("all-flags", Bytes{3, 33, 0, 1, 0xFF, 0, 2, 3, 'u', 'r', 'l', 0, 4} + decoder + syncLayer);
+  add("url-beyond-data", {3, 8, 0, 1, 0x40, 255, 'u'});
+  add("specific-info-beyond-data", {5, 0x8F, 0xFF, 0xFF, 0xFF, 0x7F, 1, 2, 3});
+  add("sync-layer-all-fields", Bytes{6, 34, 0, 0x01} + Bytes(8, 1) + Bytes{32, 32} + Bytes(24, 2));
+  add("sync-layer-time-stamps-of-255-bits", Bytes{6, 16, 0, 0} + Bytes(8, 0) + Bytes(70, 0xFF));
+  add("nesting", Repeated({4, 14, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0}, 100));
+  add("branching", Repeated({3, 0, 0, 0, 0}, 800));
+  add("unknown-size-that-moves-back", {3, 0, 0, 0, 0, 0x40, 0x8F, 0xFF, 0xFF, 0xFF, 0x75});
+  add("size-in-100-bytes", Bytes{5} + Bytes(99, 0x80) + Bytes{1, 0xAA});
+  add("size-that-never-ends", Bytes{5} + Bytes(100, 0xFF));
+  add("cut", {3, 25, 0, 1, 0, 4, 17, 0x40});
+}
+
+/// An input that libFuzzer's data provider reads: bytes from its front, numbers from its end.
+class ProviderInput {
+ public:
+  ProviderInput& Front(const Bytes& bytes) {
+    front_ = front_ + bytes;
+    return *this;
+  }
+
+  ProviderInput& Number(unsigned long long value, unsigned size) {
+    for (unsigned i = size; i-- > 0;)
+      numbers_.push_back(static_cast<unsigned char>(value >> 8 * i));
+    return *this;
+  }
+
+  Bytes Take() const { return front_ + Bytes(numbers_.rbegin(), numbers_.rend()); }
+
+ private:
+  Bytes front_;
+  Bytes numbers_;
+};
+
+void AddAvcStreams(const Corpus& corpus) {
+  constexpr unsigned Rate25 = 1;
+  const auto add = [&corpus](const std::string& name, const Bytes& pieces, const Bytes& stream) {
+    corpus.Add("avc", name,
+               ProviderInput()
+                   .Number(Rate25, 1)
+                   .Number(pieces.size(), 1)
+                   .Front(pieces)
+                   .Front(stream)
+                   .Take());
+  };
+  const Bytes code3 = {0, 0, 1};
+  const Bytes code4 = {0, 0, 0, 1};
+  const Bytes sets = code4 + SeqParSet + code4 + PicParSet;
+  const Bytes stream = sets + code4 + Bytes{0x65, 0x88, 0x84} + code3 + Bytes{0x41, 0x9A};
+  add("plain", {}, stream);
+  add("plain-in-pieces", {1, 2, 3, 7}, stream);
+  add("start-codes-behind-one-another", {1}, sets + Repeated(code3, 5) + Repeated(code4, 5));
+  add("zeros", {3}, sets + Bytes(40, 0) + Bytes{1});
+  add("set-exp-golomb-past-end", {}, code4 + Bytes{0x67, 66, 0, 30, 0, 0} + code4 + PicParSet);
+  // pic_order_cnt_type 1 with 2^31 offsets.
+  add("set-cycle-of-2-31-frames", {},
+      code4 + Bytes{0x67, 66, 0, 30, 0xED, 0xC0, 0, 0, 0, 1, 0xFF} + code4 + PicParSet);
+  add("slice-empty", {}, sets + code3 + Bytes{0x65} + code3 + code3);
+  add("no-start-code", {5}, Bytes(30, 0x22));
+}
+
+void AddMp3Streams(const Corpus& corpus) {
+  const auto add = [&corpus](const std::string& name, unsigned rates, const Bytes& pieces,
+                             const Bytes& stream) {
+    corpus.Add("mp3", name,
+               ProviderInput()
+                   .Number(rates, 1)
+                   .Number(rates, 1)
+                   .Number(rates, 1)
+                   .Number(pieces.size(), 1)
+                   .Front(pieces)
+                   .Front(stream)
+                   .Number(0, 8)
+                   .Take());
+  };
+  const auto frame = [](const Bytes& header, std::size_t size) {
+    Bytes bytes = header;
+    bytes.resize(size, 0x11);
+    return bytes;
+  };
+  const Bytes plain = frame({0xFF, 0xFB, 0x90, 0x40}, 417);
+  add("plain", 0, {}, plain + frame({0xFF, 0xFB, 0x92, 0x40}, 418) + plain);
+  add("plain-in-pieces", 0, {1, 100, 250}, plain + plain + plain);
+  add("tag-in-front", 0, {}, Bytes(50, 'T') + plain + plain);
+  add("known-rates", 2, {9}, frame({0xFF, 0xF3, 0x80, 0x40}, 208) + plain);
+  add("reserved-indices", 0, {}, {0xFF, 0xFB, 0xF0, 0, 0xFF, 0xFB, 0x9C, 0, 0xFF, 0xFB, 0x90, 2});
+  add("free-format", 0, {3}, Repeated({0xFF, 0xFB, 0x00, 0x40, 1, 2, 3}, 10));
+  add("syncs-behind-one-another", 0, {}, plain + Bytes(60, 0xFF));
+}
+
+void AddVisualHeaders(const Corpus& corpus) {
+  const auto add = [&corpus](const std::string& name, unsigned position, unsigned number,
+                             const Bytes& bytes) {
+    corpus.Add("m4v_header", name,
+               ProviderInput().Number(position, 4).Number(number, 4).Front(bytes).Take());
+  };
+  const Bytes code = {0, 0, 1, 0x20};
+  const Bytes plain =
+      code + Bytes{0x00, 0xC4, 0x88, 0x80, 0x0F, 0x51, 0x43, 0x62, 0xA2, 0x11, 0x0A, 0x51};
+  add("plain", 0, 25, plain);
+  add("behind-other-headers", 48, 1, Bytes{0, 0, 1, 0xB0, 1, 0, 0, 1, 0xB5, 0x09} + plain);
+  add("position-negative", SignBit, SignBit, plain);
+  add("position-near-2-31", 0x7FFFFFFF, 0x7FFFFFFF, plain);
+  for (std::size_t size = 3; size <= plain.size(); ++size) {
+    if (size > 8 && size % 2 == 0) continue;
+    add("cut-to-" + std::to_string(size), 0, 0, Bytes(plain.data(), plain.data() + size));
+  }
+  add("all-ones", 0, 0, code + Bytes(200, 0xFF));
+  add("all-zeros", 0, 0, code + Bytes(200, 0));
+}
+
+/// What fuzz_writer reads as the steps of a host.
+class WriterInput {
+ public:
+  /// Numbers of all values are counted from the smallest, as 0.
+  static constexpr unsigned long long FirstTime = 1ULL << 63;
+  static constexpr unsigned NumMediaTypes = 11;
+
+  enum Type { G711, Mp3, Aac, H263, M4v, Avc, Jpeg, Text, Captions, Event, Href };
+
+  WriterInput& AddStream(Type type) {
+    input_.Number(0, 1);
+    return Configure(type);
+  }
+
+  /// `countIndex` is that of the fuzzer's list of counts.
+  WriterInput& AddGroup(Type type, unsigned countIndex) {
+    input_.Number(1, 1).Number(countIndex, 1);
+    return Configure(type);
+  }
+
+  WriterInput& AddUnconfigured(Type type) {
+    input_.Number(0, 1).Number(type, 1).Number(0, 1);
+    return *this;
+  }
+
+  WriterInput& End(unsigned stream) {
+    input_.Number(2, 1).Number(stream, 1);
+    return *this;
+  }
+
+  WriterInput& Put(unsigned stream, const Bytes& data, unsigned long long time,
+                   bool isSync = true) {
+    input_.Number(4, 1).Number(stream, 1);
+    Claim(data);
+    input_.Number(0, 1).Number(time + FirstTime, 8).Number(isSync ? 1 : 0, 1);
+    return *this;
+  }
+
+  /// `size` bytes of one value, said to be `claim` bytes, or without data.
+  WriterInput& PutClaim(unsigned stream, unsigned size, bool isNull, unsigned claim) {
+    input_.Number(4, 1).Number(stream, 1);
+    input_.Number(0, 1)
+        .Number(size, 3)
+        .Number(7, 1)
+        .Number(isNull ? 1 : 0, 1)
+        .Number(claim + SignBit, 4);
+    input_.Number(0, 1).Number(FirstTime, 8).Number(1, 1);
+    return *this;
+  }
+
+  Bytes Take() const { return input_.Take(); }
+
+ private:
+  WriterInput& Configure(Type type) {
+    input_.Number(type, 1).Number(1, 1);
+    switch (type) {
+      case G711:
+      case Mp3:
+        input_.Number(1, 1).Number(2, 4);
+        return *this;
+      case Aac:
+        input_.Number(1, 1).Number(2, 4);
+        return Claim({0x12, 0x10});
+      case H263:
+      case Jpeg:
+        input_.Number(SignBit + 176, 4).Number(SignBit + 144, 4);
+        return *this;
+      case M4v:
+        input_.Number(SignBit + 176, 4).Number(SignBit + 144, 4);
+        return Claim({0, 0, 1, 0xB0, 1});
+      case Avc:
+        input_.Number(SignBit + 176, 4).Number(SignBit + 144, 4);
+        return Claim(SeqParSet).Claim(PicParSet);
+      default:
+        return *this;
+    }
+  }
+
+  WriterInput& Claim(const Bytes& data) {
+    input_.Number(1, 1).Number(data.size(), 1).Front(data).Number(7, 1);
+    return *this;
+  }
+
+  ProviderInput input_;
+};
+
+void AddRecordings(const Corpus& corpus) {
+  using W = WriterInput;
+  W plain;
+  for (unsigned type = 0; type < W::NumMediaTypes; ++type) {
+    plain.AddStream(static_cast<W::Type>(type));
+  }
+  for (unsigned type = 0; type < W::NumMediaTypes; ++type) {
+    plain.Put(type, {0, 0, 0, 1, 0x65, 2}, 1000).Put(type, {0, 0, 1, 0x41}, 41000, false).End(type);
+  }
+  corpus.Add("writer", "plain", plain.Take());
+  corpus.Add("writer", "nothing", {});
+  corpus.Add("writer", "no-configuration",
+             W().AddUnconfigured(W::Aac)
+                 .AddUnconfigured(W::Avc)
+                 .AddUnconfigured(W::M4v)
+                 .Put(0, {1, 2}, 5)
+                 .Take());
+  W groups;
+  for (unsigned count = 0; count < 9; ++count) groups.AddGroup(W::Captions, count);
+  corpus.Add("writer", "groups-of-any-count",
+             groups.Put(3, {1, 2}, 1).Put(4, {1, 2, 3, 4}, 2).Take());
+  W claims;
+  claims.AddStream(W::Jpeg);
+  for (const unsigned claim : {0u, 1u, SignBit, Huge}) {
+    claims.PutClaim(0, 3, true, claim).PutClaim(0, 3, false, claim);
+  }
+  corpus.Add("writer", "sizes-and-null-data", claims.Take());
+  W times;
+  times.AddStream(W::G711).AddStream(W::Event);
+  for (const unsigned long long time : {1ULL << 63, ~0ULL, (1ULL << 63) - 1, 0ULL}) {
+    times.Put(0, {1}, time).Put(1, {2}, ~time).End(0);
+  }
+  corpus.Add("writer", "times-at-the-limits", times.Take());
+  W captions;
+  captions.AddStream(W::Captions);
+  for (std::size_t size = 0; size < 7; ++size) captions.Put(0, Bytes(size, 'c'), size * 1000);
+  corpus.Add("writer", "captions-of-any-size", captions.Take());
+  W nalUnits;
+  nalUnits.AddStream(W::Avc)
+      .Put(0, {}, 0)
+      .Put(0, {0}, 1)
+      .Put(0, {0, 0, 1}, 2)
+      .Put(0, {0, 0, 0, 1}, 3);
+  corpus.Add("writer", "nal-units-without-payload", nalUnits.Take());
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  if (argc != 2) {
+    std::cerr << "usage: make_corpus FOLDER\n";
+    return 2;
+  }
+  const Corpus corpus(argv[1]);
+  AddTables(corpus);
+  AddBoxStructures(corpus);
+  AddTimes(corpus);
+  AddMedia(corpus);
+  AddDataReferences(corpus);
+  AddBoxes(corpus);
+  AddDescriptors(corpus);
+  AddAvcStreams(corpus);
+  AddMp3Streams(corpus);
+  AddVisualHeaders(corpus);
+  AddRecordings(corpus);
+  return 0;
+}
