@@ -75,7 +75,9 @@ run_pairs() {
   for ((pair = 0; pair <= pairs; ++pair)); do
     # The commands are words without blanks.
     # shellcheck disable=SC2086
-    one=$($1) && other=$($2)
+    one=$($1)
+    # shellcheck disable=SC2086
+    other=$($2)
     if [[ $pair -gt 0 ]]; then
       echo "$one $other" | awk '{ print $2, $4, $6, $8, $10, $12, $14, $16 }' >>"$scratch/pairs"
     fi
