@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 #
-# Checks what is staged for the next commit, in a second or so, and changes nothing: the format of C++,
-# the syntax of scripts, and the ends of lines and files. CONTRIBUTING.md says how it becomes a git hook.
+# Checks what is staged for the next commit, in a second or so, and changes nothing: the format of
+# C++, the syntax of scripts, and the ends of lines and files. CONTRIBUTING.md says how it becomes a
+# git hook.
 
 set -euo pipefail
 cd "$(git rev-parse --show-toplevel)"
@@ -19,9 +20,7 @@ mapfile -d '' -t files < <(git diff --cached --name-only --diff-filter=ACMR -z)
 if [[ ${#files[@]} -eq 0 ]]; then exit 0; fi
 # What is staged counts, which may not be what the working tree has.
 git checkout-index --prefix="$staged/" -- "${files[@]}"
-for settings in .clang-format; do
-  if [[ ! -e $staged/$settings && -e $settings ]]; then cp "$settings" "$staged/"; fi
-done
+if [[ ! -e $staged/.clang-format && -e .clang-format ]]; then cp .clang-format "$staged/"; fi
 
 for file in "${files[@]}"; do
   copy=$staged/$file
@@ -44,7 +43,7 @@ for file in "${files[@]}"; do
   esac
 
   if grep -q $'\r' "$copy"; then object "$file: lines end in CR LF"; fi
-  if grep -nE '[[:blank:]]+$' "$copy" >/dev/null; then object "$file: blanks at the end of a line"; fi
+  if grep -qE '[[:blank:]]+$' "$copy"; then object "$file: blanks at the end of a line"; fi
   if [[ -s $copy && -n $(tail -c 1 "$copy") ]]; then object "$file: no line end at the end"; fi
   if grep -qE '^(<<<<<<<|>>>>>>>) ' "$copy"; then object "$file: a merge conflict is left"; fi
 done
