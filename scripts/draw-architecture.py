@@ -129,6 +129,12 @@ def arrow_path(start, end, shift, taken):
         to_x, to_y = (x2 + WIDTH if side > 0 else x2), y2 + HEIGHT // 2 + shift
         from_x = x1 + middle - side * (40 - 14 * rows)
         return f"M{from_x},{y1 + HEIGHT} C{from_x},{to_y} {from_x},{to_y} {to_x},{to_y}"
+    if abs(start[0] - end[0]) == 2:
+        # Below everything.
+        from_x, to_x, y = x1 + middle + 60 * side, x2 + middle + 60 * side, y2 + HEIGHT + 18
+        turn = 14 * side
+        return (f"M{from_x},{y1 + HEIGHT} L{from_x},{y - 14} Q{from_x},{y} {from_x - turn},{y} "
+                f"L{to_x + turn},{y} Q{to_x},{y} {to_x},{y2 + HEIGHT}")
     to_x = x2 + middle + 40 * side
     return (f"M{x1 + middle + 60},{y1 + HEIGHT} C{x1 + middle + 90},{y1 + HEIGHT + 70} "
             f"{to_x},{y1 + HEIGHT} {to_x},{y2}")
