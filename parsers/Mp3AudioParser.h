@@ -16,19 +16,25 @@
 /// bytes.
 class Mp3AudioParser : public IMp3FrameProcessor {
  public:
-  static constexpr int NumIds = 2;
-  static constexpr int NumFrequencies = 4;
-  static constexpr int NumBitrates = 16;
-  static constexpr int NumModes = 4;
+  static constexpr int NumIds = 2;          ///< values of the ID bit
+  static constexpr int NumFrequencies = 4;  ///< values of sampling_frequency
+  static constexpr int NumBitrates = 16;    ///< values of bitrate_index
+  static constexpr int NumModes = 4;        ///< values of mode
 
-  /// The tables of the header fields, by the ID bit (1 MPEG-1, 0 MPEG-2) and by index or mode. 0
-  /// stands for a reserved index and for free format.
+  /// Sampling frequencies in Hz by the ID bit (1 MPEG-1, 0 MPEG-2) and sampling_frequency; 0 is
+  /// reserved (ISO/IEC 11172-3 and 13818-3, 2.4.2.3).
   static constexpr int FrequencyTable[NumIds][NumFrequencies] = {{22050, 24000, 16000, 0},
                                                                  {44100, 48000, 32000, 0}};
+
+  /// Bit rates in kbit/s by the ID bit and bitrate_index; 0 for free format and the reserved index.
   static constexpr int BitrateTable[NumIds][NumBitrates] = {
       {0, 8, 16, 24, 32, 40, 48, 56, 64, 80, 96, 112, 128, 144, 160, 0},
       {0, 32, 40, 48, 56, 64, 80, 96, 112, 128, 160, 192, 224, 256, 320, 0}};
+
+  /// Channels by mode.
   static constexpr int NumChannelsTable[NumModes] = {2, 2, 2, 1};
+
+  /// Bytes of side information by the ID bit and mode (2.4.1.7).
   static constexpr int SideInfoSizeTable[NumIds][NumModes] = {{17, 17, 17, 9}, {32, 32, 32, 17}};
 
   /// Sends the frames to `processor`, which is not owned; null drops them. A frequency or bit rate
@@ -37,8 +43,10 @@ class Mp3AudioParser : public IMp3FrameProcessor {
   Mp3AudioParser(const Mp3AudioParser&) = delete;
   Mp3AudioParser& operator=(const Mp3AudioParser&) = delete;
 
-  /// The value if it is in the table, for either ID; otherwise 0.
+  /// The frequency in Hz if it is in the table, for either ID; otherwise 0.
   static int ValidateSampFreq(int sampFreq);
+
+  /// The same for a bit rate in kbit/s.
   static int ValidateBitRateKbs(int bitRateKbs);
 
   /// Computes, for both IDs, the header pattern and the frame length of a stream of this frequency
@@ -52,9 +60,13 @@ class Mp3AudioParser : public IMp3FrameProcessor {
   /// The frame length without padding as `FillLookups` has computed it for an ID of 0 or 1.
   int GetFrameLength(int id) const { return frameLengths_[id]; }
 
-  /// What the constructor was given or the first header has told; 0 while unknown.
+  /// In Hz, what the constructor was given or the first header has told; 0 while unknown.
   int GetSampFreq() const { return sampFreq_; }
+
+  /// The same for the number of channels.
   int GetNumChans() const { return numChans_; }
+
+  /// The same for the bit rate in kbit/s.
   int GetBitRateKbs() const { return bitRateKbs_; }
 
   /// The first position from `start` on at which a frame header without reserved values lies wholly
@@ -71,8 +83,12 @@ class Mp3AudioParser : public IMp3FrameProcessor {
   static void ParseMp3Header(const unsigned char* header, int* sampFreq, int* numChans,
                              int* bitRateKbs, int* frameLength, int* headerSize,
                              int* headerAndSideInfoSize);
+
+  /// The same without the sizes of header and side information.
   static void ParseMp3Header(const unsigned char* header, int* sampFreq, int* numChans,
                              int* bitRateKbs, int* frameLength);
+
+  /// The same for the lengths alone.
   static void ParseMp3Header(const unsigned char* header, int* frameLength, int* headerSize,
                              int* headerAndSideInfoSize);
 

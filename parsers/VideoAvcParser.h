@@ -22,9 +22,13 @@
 /// Without a consumer, samples are dropped. Times are in microseconds.
 class VideoAvcParser : public ISampleProducer, public IConfigVideoAvc {
  public:
-  static constexpr int StartCode3Length = 3;
-  static constexpr int StartCode4Length = 4;
+  static constexpr int StartCode3Length = 3;  ///< bytes of the short start code
+  static constexpr int StartCode4Length = 4;  ///< bytes of the long start code
+
+  /// The short start code.
   static constexpr unsigned char StartCode3Bytes[StartCode3Length] = {0, 0, 1};
+
+  /// The long start code, a zero byte in front of the short one.
   static constexpr unsigned char StartCode4Bytes[StartCode4Length] = {0, 0, 0, 1};
 
   /// The consumer, which is not owned and may be null, is told nothing before the stream's

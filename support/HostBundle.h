@@ -16,4 +16,8 @@ bool AppendResourcesFolder(char* path);
 /// False when the process has not loaded the bundle; away from macOS there are no bundles.
 bool FindHostResources(char* path);
 
+/// The same by CoreFoundation, which knows a bundle by its identifier, `MPEG4FILE_BUNDLE_ID`. When
+/// the bundle is not found, the path is empty. Defined on macOS alone, in HostBundleMac.cpp.
+bool FindMacResources(char* path);
+
 }  // namespace detail

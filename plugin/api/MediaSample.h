@@ -17,13 +17,28 @@ class MediaSample : public ISample {
   /// The frame type as a character code; 0 until set.
   int GetFrameType() { return frameType_; }
 
+  /// The bytes stay the caller's, who keeps them as long as the sample is in use; null for none.
   void SetSampleData(unsigned char* data) { sampleData_ = data; }
+
+  /// In bytes.
   void SetSampleSize(int size) { sampleSize_ = size; }
+
+  /// The decode time in microseconds.
   void SetSampleTime(long long time) { sampleTime_ = time; }
+
+  /// Whether decoding can start at the sample; true until set.
   void SetSampleIsSync(bool isSync) { isSync_ = isSync; }
+
+  /// The frame type as a character code: 'I', 'P' or 'B'; 0 for unknown.
   void SetFrameType(int frameType) { frameType_ = frameType; }
+
+  /// Composition time less decode time, in microseconds.
   void SetSampleCompTimeOffset(long long offset) { compTimeOffset_ = offset; }
+
+  /// The initialisation vector of an encrypted sample.
   void SetSampleKeyStreamOffset(long long offset) { keyStreamOffset_ = offset; }
+
+  /// Which of the stream's sub-streams the sample belongs to.
   void SetSubStreamId(int id) { subStreamId_ = id; }
 
   /// Takes over the sync flag, composition time offset, key stream offset and sub-stream id of

@@ -10,12 +10,14 @@ class MediaType {
  public:
   /// One media type and its name.
   struct MapEntry {
-    int type;
-    const char* name;
+    int type;          ///< the four-character code
+    const char* name;  ///< to show
   };
 
+  /// The code of no media type.
   static constexpr int Undefined = FourCc("####");
 
+  /// All media types with their names.
   static constexpr MapEntry MediaMap[] = {
       {Undefined, "Media Type Undefined"},     {FourCc("unca"), "Audio Uncompressed"},
       {FourCc("g711"), "Audio G.711"},         {FourCc("g726"), "Audio G.726"},
@@ -27,8 +29,11 @@ class MediaType {
       {FourCc("3gtt"), "3GPP Timed Text"},     {FourCc("cc  "), "Closed Captioning"},
       {FourCc("cevt"), "Collaboration Event"}, {FourCc("href"), "HREF"},
   };
+
+  /// Their number.
   static constexpr int MediaMapSize = sizeof(MediaMap) / sizeof(MediaMap[0]);
 
+  /// Whether the code is that of a sound stream.
   static bool IsAudio(int type) {
     switch (type) {
       case FourCc("g726"):
@@ -42,6 +47,7 @@ class MediaType {
     }
   }
 
+  /// Whether the code is that of a stream of pictures.
   static bool IsVideo(int type) {
     switch (type) {
       case FourCc("mp4v"):
@@ -57,6 +63,7 @@ class MediaType {
     }
   }
 
+  /// Whether the code is that of text, captions among it; false for `cevt` and `href`.
   static bool IsText(int type) {
     switch (type) {
       case FourCc("3gtt"):

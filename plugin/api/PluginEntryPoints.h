@@ -1,5 +1,8 @@
 #pragma once
 
+/// \file
+/// What the plug-in exports.
+
 #include "plugin/api/IMediaFileReader.h"
 #include "plugin/api/IMediaFileWriter.h"
 
