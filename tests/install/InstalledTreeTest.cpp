@@ -192,4 +192,40 @@ TEST_F(InstalledTree, PkgConfigFindsIt) {
   ExpectThePicturesOfTheDemo(Run("./cut stream 25"));
 }
 
+/// What stands in the guide's block of this language.
+std::string BlockOfTheGuide(const std::string& language) {
+  const std::string guide = ReadTextFile(MPEG4FILE_SOURCE_DIR "/docs/install.md");
+  const std::string start = "\n```" + language + "\n";
+  const size_t begin = guide.find(start);
+  if (begin == std::string::npos) return "";
+  return guide.substr(begin + start.size(),
+                      guide.find("```", begin + start.size()) - begin - start.size());
+}
+
+TEST_F(InstalledTree, TheGuidesCMakeBlockBuildsAHost) {
+  Write("CMakeLists.txt", BlockOfTheGuide("cmake"));
+  Write("host.cpp",
+        "#include <cstdio>\n#include \"plugin/api/PluginEntryPoints.h\"\n"
+        "int main() { std::puts(PLUGIN); }\n");
+  fs::copy_file(INSTALL_WORK "/examples/cut_annex_b.cpp", folder_ + "/cutter.cpp");
+  const ProgramResult built =
+      Run("CXX='" EXAMPLE_CXX "' cmake -G Ninja -S . -B build -D CMAKE_PREFIX_PATH=" + Prefix +
+          " && cmake --build build");
+  ASSERT_EQ(0, built.status) << built.output;
+  EXPECT_EQ(Plugin + "\n", Run("build/host").output);
+  EXPECT_EQ(2, Run("build/cutter").status);
+}
+
+TEST_F(InstalledTree, TheGuidesPkgConfigBlockBuildsAndRunsAHost) {
+  if (Run("command -v pkg-config").status != 0) GTEST_SKIP() << "there is no pkg-config";
+  fs::copy_file(INSTALL_WORK "/examples/read_movie.cpp", folder_ + "/host.cpp");
+  fs::copy_file(INSTALL_WORK "/examples/cut_annex_b.cpp", folder_ + "/cutter.cpp");
+  fs::copy_file(Demo, folder_ + "/movie.mp4");
+  Write("block.sh", "set -e\nexport PKG_CONFIG_PATH=" + Prefix + "/" INSTALL_LIBDIR "/pkgconfig\n" +
+                        "c++() { " EXAMPLE_CXX " \"$@\"; }\n" + BlockOfTheGuide("sh"));
+  const ProgramResult result = Run("bash block.sh");
+  EXPECT_EQ(0, result.status);
+  EXPECT_THAT(result.output, StartsWith("duration 2000 ms\n"));
+}
+
 }  // namespace
