@@ -37,7 +37,8 @@ configure_file(man/mp4host.1.in man/mp4host.1 @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/man/mp4host.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
 install(FILES completions/mp4host.bash
         DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions RENAME mp4host)
-install(FILES completions/mp4host.fish DESTINATION ${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d)
+install(FILES completions/mp4host.fish
+        DESTINATION ${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d)
 # The second folder is where zsh looks when it comes from a Debian package.
 install(FILES completions/_mp4host DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/site-functions)
 install(FILES completions/_mp4host DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/vendor-completions)

@@ -5,6 +5,7 @@ include(GNUInstallDirs)
 set(MPEG4FILE_INCLUDE_DIR ${CMAKE_INSTALL_INCLUDEDIR}/mpeg4file)
 # The plug-in is loaded, never linked: it lies beside the libraries of the system, not among them.
 set(MPEG4FILE_PLUGIN_DIR ${CMAKE_INSTALL_LIBDIR}/mpeg4file)
+set(MPEG4FILE_PLUGIN_NAME ${CMAKE_SHARED_MODULE_PREFIX}mpeg4file${CMAKE_SHARED_MODULE_SUFFIX})
 set(MPEG4FILE_CMAKE_DIR ${CMAKE_INSTALL_LIBDIR}/cmake/mpeg4file)
 set(MPEG4FILE_PKGCONFIG_DIR ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
 

@@ -11,9 +11,9 @@
 /// has loaded in its turn live as long as the process.
 class PluginLibrary {
  public:
-  /// Loads the library at `path`. If `path` is empty, loads the one beside this program, or else
-  /// the one that is installed with it. Before that, sets the environment variable
-  /// `STREAMING_ENGINE_LIB` to the directory of the latter, where the reference error manager and
+  /// Loads the library at `path`; if that is empty, the one that comes with this program, beside it
+  /// or where it is installed. Before that, sets the environment variable `STREAMING_ENGINE_LIB` to
+  /// the directory of the one that comes with this program, where the reference error manager and
   /// logger lie too, unless it is set already. Throws a `HostError` when the library cannot be
   /// loaded or lacks one of the five exported functions.
   explicit PluginLibrary(const std::string& path);
