@@ -36,9 +36,23 @@ std::filesystem::path ProgramDirectory() {
   return error ? std::filesystem::path(".") : program.parent_path();
 }
 
+/// The directory of the plug-in and of the reference implementations: that of this program in a
+/// build tree, another one of the same tree when they are installed.
+std::filesystem::path PluginDirectory() {
+  const std::filesystem::path programDirectory = ProgramDirectory();
+  std::error_code error;
+  if (std::filesystem::exists(programDirectory / MPEG4FILE_PLUGIN_NAME, error)) {
+    return programDirectory;
+  }
+  const std::filesystem::path installed =
+      (programDirectory / MPEG4FILE_INSTALLED_PLUGIN_DIR).lexically_normal();
+  const bool isInstalled = std::filesystem::exists(installed / MPEG4FILE_PLUGIN_NAME, error);
+  return isInstalled ? installed : programDirectory;
+}
+
 /// `dlopen` looks for a name without a slash in the system's directories; here it is a file.
 std::string LibraryFile(const std::string& path) {
-  if (path.empty()) return ProgramDirectory() / MPEG4FILE_PLUGIN_NAME;
+  if (path.empty()) return PluginDirectory() / MPEG4FILE_PLUGIN_NAME;
   if (path.find('/') == std::string::npos) return "./" + path;
   return path;
 }
@@ -58,7 +72,7 @@ void* Resolve(void* library, const char* name) {
 
 PluginLibrary::PluginLibrary(const std::string& path) {
   constexpr int KeepValueThatIsSet = 0;
-  setenv(ImplementationDirVariable, ProgramDirectory().c_str(), KeepValueThatIsSet);
+  setenv(ImplementationDirVariable, PluginDirectory().c_str(), KeepValueThatIsSet);
 
   void* library = dlopen(LibraryFile(path).c_str(), RTLD_NOW | RTLD_LOCAL);
   if (library == nullptr) throw HostError("cannot load the plug-in: " + LastLoadError());

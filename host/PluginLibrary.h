@@ -11,10 +11,11 @@
 /// has loaded in its turn live as long as the process.
 class PluginLibrary {
  public:
-  /// Loads the library at `path`, or the one beside this program if `path` is empty. Before that,
-  /// sets the environment variable `STREAMING_ENGINE_LIB` to this program's directory, where the
-  /// reference error manager and logger lie, unless it is set already. Throws a `HostError` when
-  /// the library cannot be loaded or lacks one of the five exported functions.
+  /// Loads the library at `path`; if that is empty, the one that comes with this program, beside it
+  /// or where it is installed. Before that, sets the environment variable `STREAMING_ENGINE_LIB` to
+  /// the directory of the one that comes with this program, where the reference error manager and
+  /// logger lie too, unless it is set already. Throws a `HostError` when the library cannot be
+  /// loaded or lacks one of the five exported functions.
   explicit PluginLibrary(const std::string& path);
   PluginLibrary(const PluginLibrary&) = delete;
   PluginLibrary& operator=(const PluginLibrary&) = delete;

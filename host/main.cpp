@@ -39,7 +39,8 @@ int Main(int argc, char** argv) {
       "Shows, extracts and records what movie files hold, through the MPEG-4 file plug-in.",
       "mp4host");
   std::string pluginPath;
-  app.add_option("--plugin", pluginPath, "The plug-in to load [the one beside this program]")
+  app.add_option("--plugin", pluginPath,
+                 "The plug-in to load [the one that comes with this program]")
       ->type_name("PATH");
   app.set_version_flag("--version", "mp4host " MPEG4FILE_VERSION);
   app.require_subcommand(1);

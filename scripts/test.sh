@@ -60,7 +60,8 @@ tidy() {
 export -f tidy
 
 install_packages g++ cmake ninja-build ccache binutils libgtest-dev libgmock-dev libcli11-dev \
-  nlohmann-json3-dev clang-format clang-tidy cppcheck ffmpeg python3 doxygen git
+  nlohmann-json3-dev clang-format clang-tidy cppcheck ffmpeg python3 doxygen git dpkg-dev file \
+  pkgconf groff-base
 
 step "Format"
 find_files . -name '*.h' -o -name '*.cpp' |

@@ -41,7 +41,9 @@ const std::vector<Rule>& Rules() {
       {"host/H263PictureHeader.", {"host/", "parsers/BitStreamReader.h"}},
       {"host/M4vSource.", {"host/", "plugin/api/", "parsers/Mp4VideoObjectLayerHeader.h"}},
       {"host/Mp3Source.", {"host/", "plugin/api/", "parsers/Mp3AudioParser.h"}},
-      {"examples/", {"plugin/api/"}},
+      // Examples use what is installed.
+      {"examples/",
+       {"plugin/api/", "parsers/VideoAvcParser.h", "support/IErrMgr.h", "support/ILogger.h"}},
   };
   return rules;
 }

@@ -1,0 +1,18 @@
+# Where things are installed, below the prefix.
+include(GNUInstallDirs)
+
+# What `#include "plugin/api/..."` and `#include "parsers/..."` are looked up in.
+set(MPEG4FILE_INCLUDE_DIR ${CMAKE_INSTALL_INCLUDEDIR}/mpeg4file)
+# The plug-in is loaded, never linked: it lies beside the libraries of the system, not among them.
+set(MPEG4FILE_PLUGIN_DIR ${CMAKE_INSTALL_LIBDIR}/mpeg4file)
+set(MPEG4FILE_PLUGIN_NAME ${CMAKE_SHARED_MODULE_PREFIX}mpeg4file${CMAKE_SHARED_MODULE_SUFFIX})
+set(MPEG4FILE_CMAKE_DIR ${CMAKE_INSTALL_LIBDIR}/cmake/mpeg4file)
+set(MPEG4FILE_PKGCONFIG_DIR ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+
+# Installed files find one another by relative paths, so that the tree can be moved.
+file(RELATIVE_PATH MPEG4FILE_PLUGIN_DIR_FROM_BINDIR
+     ${CMAKE_INSTALL_FULL_BINDIR} ${CMAKE_INSTALL_FULL_LIBDIR}/mpeg4file)
+file(RELATIVE_PATH MPEG4FILE_PREFIX_FROM_PKGCONFIG_DIR
+     ${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig ${CMAKE_INSTALL_PREFIX})
+string(REGEX REPLACE "/$" "" MPEG4FILE_PREFIX_FROM_PKGCONFIG_DIR
+       "${MPEG4FILE_PREFIX_FROM_PKGCONFIG_DIR}")

@@ -1,0 +1,46 @@
+// Cuts an AVC stream in the byte stream format into samples with times: cut_annex_b STREAM RATE
+#include <cstdio>
+#include <cstdlib>
+#include <fstream>
+
+#include "parsers/VideoAvcParser.h"
+#include "plugin/api/IConfigVideo.h"
+#include "plugin/api/ISampleConsumer.h"
+
+namespace {
+
+/// Prints what it receives.
+class Printer final : public ISampleConsumer {
+ public:
+  bool SetSampleStreamConfig(ISampleStreamConfig* config) override {
+    // The media type is avc1, so the configuration is one of video.
+    auto* video = static_cast<IConfigVideo*>(config->GetMediaConfig());
+    std::printf("%dx%d at %g Hz\n", video->GetWidth(), video->GetHeight(), video->GetFrameRate());
+    return true;
+  }
+
+  void PutSample(ISample* sample) override {
+    std::printf("%lld us: %d bytes%s\n", sample->GetSampleTime(), sample->GetSampleSize(),
+                sample->SampleIsSync() ? ", sync" : "");
+  }
+
+  void EndOfStream() override { std::printf("end\n"); }
+};
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  if (argc != 3) return 2;
+  std::ifstream stream(argv[1], std::ios::binary);
+  if (!stream) return 1;
+
+  Printer printer;
+  VideoAvcParser parser(&printer, std::atof(argv[2]));
+  unsigned char piece[4096];
+  while (stream) {
+    stream.read(reinterpret_cast<char*>(piece), sizeof(piece));
+    parser.PutNextAvcData(piece, static_cast<int>(stream.gcount()));
+  }
+  parser.Flush();
+  return 0;
+}

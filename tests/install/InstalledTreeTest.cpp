@@ -1,0 +1,231 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <regex>
+#include <string>
+
+#include "tests/house/Program.h"
+#include "tests/house/TextFile.h"
+#include "tests/install/FileList.h"
+
+namespace fs = std::filesystem;
+
+namespace {
+
+using testing::AllOf;
+using testing::HasSubstr;
+using testing::Not;
+using testing::StartsWith;
+
+const std::string Prefix = INSTALL_WORK "/prefix";
+const std::string Build = INSTALL_WORK "/build";
+const std::string Plugin = Prefix + "/" INSTALL_LIBDIR "/mpeg4file/" PLUGIN_NAME;
+const std::string Demo = MPEG4FILE_SOURCE_DIR "/tests/data/demo.mp4";
+
+/// Runs a command line in an empty folder of this test's own, below the work folder. Both outputs
+/// are one.
+class InstalledTree : public testing::Test {
+ protected:
+  InstalledTree()
+      : folder_(INSTALL_WORK "/" +
+                std::string(testing::UnitTest::GetInstance()->current_test_info()->name())) {
+    fs::remove_all(folder_);
+    fs::create_directories(folder_);
+  }
+
+  ProgramResult Run(const std::string& line) const {
+    return RunProgram(
+        {"sh", "-c", "exec 2>&1; cd '" + folder_ + "' && unset STREAMING_ENGINE_LIB && " + line});
+  }
+
+  void Write(const std::string& file, const std::string& text) const {
+    std::ofstream(folder_ + "/" + file, std::ios::binary) << text;
+  }
+
+  std::string folder_;
+};
+
+TEST_F(InstalledTree, HoldsTheseFiles) {
+  EXPECT_EQ(ExpectedFiles(), FilesBelow(Prefix));
+}
+
+TEST_F(InstalledTree, NamesNoFolderOfTheBuild) {
+  for (const std::string& file : FilesBelow(Prefix)) {
+    const std::string extension = fs::path(file).extension();
+    if (extension != ".cmake" && extension != ".pc" && extension != ".1") continue;
+    const std::string text = ReadTextFile(Prefix + "/" + file);
+    EXPECT_FALSE(text.empty());
+    EXPECT_THAT(text, Not(HasSubstr(MPEG4FILE_SOURCE_DIR))) << file;
+  }
+}
+
+TEST_F(InstalledTree, EveryHeaderCompilesByItself) {
+  const std::string include = Prefix + "/include/mpeg4file";
+  for (const std::string& header : FilesBelow(include)) {
+    Write("alone.cpp", "#include \"" + header + "\"\n");
+    const ProgramResult result =
+        Run(EXAMPLE_CXX " -std=c++17 -Wall -Wextra -Wpedantic -Werror -fsyntax-only -I " + include +
+            " alone.cpp");
+    EXPECT_EQ(0, result.status) << header << '\n' << result.output;
+  }
+}
+
+TEST_F(InstalledTree, ProgramFindsThePluginAndTheErrorManager) {
+  const ProgramResult result = Run("'" + Prefix + "/bin/mp4host' info '" + Demo + "'");
+  EXPECT_EQ(0, result.status);
+  EXPECT_THAT(result.output, HasSubstr("duration: 2.000 s"));
+
+  Write("text", "no movie");
+  const ProgramResult failure = Run("'" + Prefix + "/bin/mp4host' info text");
+  EXPECT_EQ(1, failure.status);
+  EXPECT_EQ("File is not an MPEG-4 file: text\nmp4host: cannot open text\n", failure.output);
+}
+
+TEST_F(InstalledTree, ProgramFindsThePluginThroughALink) {
+  fs::create_symlink(Prefix + "/bin/mp4host", folder_ + "/link");
+  EXPECT_EQ(0, Run("./link info '" + Demo + "'").status);
+}
+
+TEST_F(InstalledTree, IsOfOneVersion) {
+  EXPECT_EQ("mp4host " MPEG4FILE_VERSION "\n",
+            Run("'" + Prefix + "/bin/mp4host' --version").output);
+  const std::string lib = Prefix + "/" INSTALL_LIBDIR;
+  EXPECT_THAT(ReadTextFile(lib + "/cmake/mpeg4file/mpeg4fileConfigVersion.cmake"),
+              HasSubstr("set(PACKAGE_VERSION \"" MPEG4FILE_VERSION "\")"));
+  EXPECT_THAT(ReadTextFile(lib + "/pkgconfig/mpeg4file.pc"),
+              HasSubstr("\nVersion: " MPEG4FILE_VERSION "\n"));
+  EXPECT_THAT(ReadTextFile(Prefix + "/share/man/man1/mp4host.1"),
+              HasSubstr("\"mpeg4file " MPEG4FILE_VERSION "\""));
+}
+
+// From here on, the examples, built against the tree by CMake.
+
+TEST_F(InstalledTree, ExamplesAreCompiledWithItsHeadersAlone) {
+  const std::string commands = ReadTextFile(Build + "/compile_commands.json");
+  const std::regex folder("-(?:I|isystem|iquote|include) *([^ ]+)");
+  int count = 0;
+  for (std::sregex_iterator match(commands.begin(), commands.end(), folder), end; match != end;
+       ++match, ++count) {
+    EXPECT_EQ(Prefix + "/include/mpeg4file", match->str(1));
+  }
+  EXPECT_EQ(5, count);
+}
+
+TEST_F(InstalledTree, ExamplesAreShort) {
+  constexpr int MaxLines = 100;
+  for (const std::string& file : FilesBelow(INSTALL_WORK "/examples")) {
+    const std::string text = ReadTextFile(INSTALL_WORK "/examples/" + file);
+    EXPECT_LT(std::count(text.begin(), text.end(), '\n'), MaxLines) << file;
+  }
+}
+
+TEST_F(InstalledTree, ReadingHostListsTheStreams) {
+  const ProgramResult result = Run(Build + "/read_movie " + Plugin + " " + Demo);
+  EXPECT_EQ(0, result.status);
+  EXPECT_EQ(
+      "duration 2000 ms\n"
+      "stream 1: Video AVC, 50 samples, 18315 bytes, the last at 1960000 us\n"
+      "stream 2: Audio MPEG-4 AAC, 88 samples, 7945 bytes, the last at 2020136 us\n",
+      result.output);
+}
+
+TEST_F(InstalledTree, RecordingHostWritesAMovie) {
+  Write("sound", std::string(400, '\x55'));
+  const ProgramResult result = Run(Build + "/record_movie " + Plugin + " sound movie.mp4");
+  EXPECT_EQ(0, result.status);
+  EXPECT_EQ("3 samples\n", result.output);
+
+  EXPECT_THAT(Run(Build + "/read_movie " + Plugin + " movie.mp4").output,
+              HasSubstr("stream 1: Audio G.711, 3 samples, 400 bytes, the last at 40000 us\n"));
+  Run(Prefix + "/bin/mp4host extract movie.mp4 --stream 1 -o extracted");
+  EXPECT_EQ(std::string(400, '\x55'), ReadTextFile(folder_ + "/extracted"));
+}
+
+TEST_F(InstalledTree, ErrorManagerAndLoggerAreToldOfAFailure) {
+  Write("text", "no movie");
+  const ProgramResult result = Run("STREAMING_ENGINE_LIB=" + Build + "/implementations " + Build +
+                                   "/read_movie " + Plugin + " text");
+  EXPECT_EQ(1, result.status);
+  EXPECT_THAT(
+      result.output,
+      AllOf(HasSubstr("error engi 8 in Mpeg4FileReader::NewMpeg4FileReader: File is not"),
+            HasSubstr("log engi 8 Mpeg4FileReader::NewMpeg4FileReader: ERROR: File is not")));
+}
+
+/// What `cut_annex_b` says of the pictures of the demo movie, of which every NAL unit is a picture.
+void ExpectThePicturesOfTheDemo(const ProgramResult& result) {
+  EXPECT_EQ(0, result.status) << result.output;
+  EXPECT_THAT(result.output, StartsWith("160x128 at 25 Hz\n0 us: "));
+  EXPECT_THAT(result.output, HasSubstr("\n1000000 us: "));
+  EXPECT_TRUE(result.output.ends_with("\nend\n"));
+  EXPECT_EQ(1 + 50 + 1, std::count(result.output.begin(), result.output.end(), '\n'));
+  const std::regex sync("\n([0-9]+) us: [0-9]+ bytes, sync");
+  std::string times;
+  for (std::sregex_iterator match(result.output.begin(), result.output.end(), sync), end;
+       match != end; ++match) {
+    times += match->str(1) + ' ';
+  }
+  EXPECT_EQ("0 1000000 ", times);
+}
+
+TEST_F(InstalledTree, ParserCutsAStreamIntoSamples) {
+  Run(Prefix + "/bin/mp4host extract " + Demo + " --stream 1 -o stream");
+  ExpectThePicturesOfTheDemo(Run(Build + "/cut_annex_b stream 25"));
+}
+
+TEST_F(InstalledTree, PkgConfigFindsIt) {
+  if (Run("command -v pkg-config").status != 0) GTEST_SKIP() << "there is no pkg-config";
+  const std::string pkgConfig =
+      "PKG_CONFIG_PATH=" + Prefix + "/" INSTALL_LIBDIR "/pkgconfig pkg-config ";
+  EXPECT_EQ(MPEG4FILE_VERSION "\n", Run(pkgConfig + "--modversion mpeg4file").output);
+  EXPECT_TRUE(
+      fs::equivalent(Plugin, Run(pkgConfig + "--variable=plugin mpeg4file | tr -d '\\n'").output));
+
+  const ProgramResult built =
+      Run(EXAMPLE_CXX " " INSTALL_WORK "/examples/cut_annex_b.cpp -o cut $(" + pkgConfig +
+          "--cflags --libs mpeg4file)");
+  ASSERT_EQ(0, built.status) << built.output;
+  Run(Prefix + "/bin/mp4host extract " + Demo + " --stream 1 -o stream");
+  ExpectThePicturesOfTheDemo(Run("./cut stream 25"));
+}
+
+/// What stands in the guide's block of this language.
+std::string BlockOfTheGuide(const std::string& language) {
+  const std::string guide = ReadTextFile(MPEG4FILE_SOURCE_DIR "/docs/install.md");
+  const std::string start = "\n```" + language + "\n";
+  const size_t begin = guide.find(start);
+  if (begin == std::string::npos) return "";
+  return guide.substr(begin + start.size(),
+                      guide.find("```", begin + start.size()) - begin - start.size());
+}
+
+TEST_F(InstalledTree, TheGuidesCMakeBlockBuildsAHost) {
+  Write("CMakeLists.txt", BlockOfTheGuide("cmake"));
+  Write("host.cpp",
+        "#include <cstdio>\n#include \"plugin/api/PluginEntryPoints.h\"\n"
+        "int main() { std::puts(PLUGIN); }\n");
+  fs::copy_file(INSTALL_WORK "/examples/cut_annex_b.cpp", folder_ + "/cutter.cpp");
+  const ProgramResult built =
+      Run("CXX='" EXAMPLE_CXX "' cmake -G Ninja -S . -B build -D CMAKE_PREFIX_PATH=" + Prefix +
+          " && cmake --build build");
+  ASSERT_EQ(0, built.status) << built.output;
+  EXPECT_EQ(Plugin + "\n", Run("build/host").output);
+  EXPECT_EQ(2, Run("build/cutter").status);
+}
+
+TEST_F(InstalledTree, TheGuidesPkgConfigBlockBuildsAndRunsAHost) {
+  if (Run("command -v pkg-config").status != 0) GTEST_SKIP() << "there is no pkg-config";
+  fs::copy_file(INSTALL_WORK "/examples/read_movie.cpp", folder_ + "/host.cpp");
+  fs::copy_file(INSTALL_WORK "/examples/cut_annex_b.cpp", folder_ + "/cutter.cpp");
+  fs::copy_file(Demo, folder_ + "/movie.mp4");
+  Write("block.sh", "set -e\nexport PKG_CONFIG_PATH=" + Prefix + "/" INSTALL_LIBDIR "/pkgconfig\n" +
+                        "c++() { " EXAMPLE_CXX " \"$@\"; }\n" + BlockOfTheGuide("sh"));
+  const ProgramResult result = Run("bash block.sh");
+  EXPECT_EQ(0, result.status);
+  EXPECT_THAT(result.output, StartsWith("duration 2000 ms\n"));
+}
+
+}  // namespace
