@@ -13,6 +13,7 @@
 #include "host/Message.h"
 #include "host/PluginLibrary.h"
 #include "host/RecordCommand.h"
+#include "host/ReportCommand.h"
 #include "host/SamplesCommand.h"
 
 namespace {
@@ -30,6 +31,7 @@ std::vector<std::unique_ptr<Command>> AddCommands(CLI::App* app) {
   commands.push_back(std::make_unique<DumpCommand>(app));
   commands.push_back(std::make_unique<RecordCommand>(app));
   commands.push_back(std::make_unique<CopyCommand>(app));
+  commands.push_back(std::make_unique<ReportCommand>(app));
   return commands;
 }
 

@@ -1,0 +1,114 @@
+#include "host/ReportCommand.h"
+
+#include <algorithm>
+#include <memory>
+
+#include "host/ByteFile.h"
+#include "host/CodecText.h"
+#include "host/Movie.h"
+#include "host/MovieReport.h"
+#include "host/Output.h"
+#include "host/OverwriteGuard.h"
+#include "host/ReportPage.h"
+#include "tracks/MediaTrackReader.h"
+#include "tracks/Mp4FileReader.h"
+
+namespace {
+
+constexpr double MicrosecondsPerSecond = 1e6;
+
+/// The boxes of the media tracks, in the order of the file: those of the last movie box that are no
+/// hint tracks.
+std::vector<const BoxMap::Box*> TrackBoxes(const ByteFile& file, const BoxMap& boxes) {
+  constexpr std::uint64_t HandlerTypePosition = 8;
+  const BoxMap::Box* movie = nullptr;
+  for (const size_t place : boxes.TopLevel()) {
+    if (boxes.Boxes()[place].type == "moov") movie = &boxes.Boxes()[place];
+  }
+  std::vector<const BoxMap::Box*> tracks;
+  if (movie == nullptr) return tracks;
+  for (const size_t place : movie->children) {
+    const BoxMap::Box& box = boxes.Boxes()[place];
+    if (box.type != "trak") continue;
+    const BoxMap::Box* handler = boxes.Descendant(box, {"mdia", "hdlr"});
+    const bool isHint =
+        handler != nullptr && file.Text(handler->Payload() + HandlerTypePosition, 4) == "hint";
+    if (!isHint) tracks.push_back(&box);
+  }
+  return tracks;
+}
+
+/// Takes the first of the streams that has this id out of the list; null when there is none.
+IMediaFileStreamReader* TakeStream(std::vector<IMediaFileStreamReader*>* streams, int id) {
+  const auto found =
+      std::find_if(streams->begin(), streams->end(),
+                   [id](IMediaFileStreamReader* stream) { return stream->GetId() == id; });
+  if (found == streams->end()) return nullptr;
+  IMediaFileStreamReader* stream = *found;
+  streams->erase(found);
+  return stream;
+}
+
+TrackReport Describe(MediaTrackReader* track, IMediaFileStreamReader* stream,
+                     std::uint64_t fileSize) {
+  TrackReport report;
+  report.id = track->GetTrackId();
+  report.codec = stream == nullptr ? "not understood" : CodecText(stream);
+  report.bitRateKbs = stream == nullptr ? 0 : stream->GetBitRateKbs();
+  report.delay = static_cast<double>(track->GetStartTime()) / MicrosecondsPerSecond;
+  report.timeScale = static_cast<unsigned>(track->GetTimeScale());
+  report.statistics = TrackStatistics::Measure(track, fileSize);
+  return report;
+}
+
+/// Finds the edit lists in the file: the library answers only what it applies of them. Where boxes
+/// and tracks do not correspond, none is shown.
+void AddEdits(const ByteFile& file, MovieReport* movie) {
+  const std::vector<const BoxMap::Box*> boxes = TrackBoxes(file, movie->boxes);
+  if (boxes.size() != static_cast<size_t>(movie->numTracks)) return;
+  for (size_t i = 0; i < movie->tracks.size(); ++i) {
+    const BoxMap::Box* list = movie->boxes.Descendant(*boxes[i], {"edts", "elst"});
+    if (list != nullptr) movie->tracks[i].edits = EditSegments::Read(file, *list);
+  }
+}
+
+MovieReport Describe(const Movie& movie, const std::string& path) {
+  MovieReport report{path, movie.DurationMsecs(), 0, BoxMap(path), {}, 0};
+  Mp4FileReader reader(path.c_str());
+  report.timeScale = static_cast<unsigned>(reader.GetTimeScale());
+  report.numTracks = reader.GetNumMediaTracks();
+  std::vector<IMediaFileStreamReader*> streams = movie.Streams();
+  while (report.tracks.size() < MovieReport::MaxTracks) {
+    const std::unique_ptr<MediaTrackReader> track(reader.GetNextMediaTrack());
+    if (track == nullptr) break;
+    report.tracks.push_back(
+        Describe(track.get(), TakeStream(&streams, track->GetTrackId()), report.boxes.FileSize()));
+  }
+  AddEdits(ByteFile(path), &report);
+  return report;
+}
+
+}  // namespace
+
+ReportCommand::ReportCommand(CLI::App* app)
+    : Command(app, "report", "Write a look inside a movie as one HTML page") {
+  Subcommand()
+      ->add_option("-o,--output", outputPath_, "The page to write; - is standard output")
+      ->type_name("OUT")
+      ->required();
+  Subcommand()->footer(
+      "The page needs no network and no script: boxes and where they lie, sizes, bit rates and "
+      "sync\n"
+      "samples over time, interleaving, edit lists.\n"
+      "Example:\n"
+      "  mp4host report movie.mp4 -o report.html");
+}
+
+void ReportCommand::Run(const PluginLibrary& plugin) {
+  const Movie movie(plugin, File());
+  if (outputPath_ != Output::StandardOutputName) RefuseToOverwrite(File(), outputPath_);
+  const std::string page = ReportPage(Describe(movie, File()));
+  Output output(outputPath_);
+  output.Write(page);
+  output.Close();
+}

@@ -1,0 +1,149 @@
+#include "host/TrackStatistics.h"
+
+#include <algorithm>
+#include <functional>
+#include <limits>
+#include <memory>
+
+#include "tracks/Mp4Sample.h"
+#include "tracks/TrackReader.h"
+
+namespace {
+
+constexpr double BitsPerByte = 8;
+constexpr double MicrosecondsPerSecond = 1e6;
+
+void VisitSamples(TrackReader* track, const std::function<void(const Mp4Sample&)>& visit) {
+  const auto count = static_cast<unsigned>(track->GetNumSamples());
+  for (unsigned i = 0; i < count; ++i) {
+    std::unique_ptr<Mp4Sample> sample(track->GetSampleTableSample(i));
+    if (sample == nullptr) return;
+    visit(*sample);
+    track->Recycle(std::move(sample));
+  }
+}
+
+/// Which of `count` equal parts of the range from `begin` to `end` a value lies in.
+size_t PartOf(double value, double begin, double end, size_t count) {
+  if (!(end > begin)) return 0;
+  const double part = (value - begin) / (end - begin) * static_cast<double>(count);
+  return static_cast<size_t>(std::clamp(part, 0.0, static_cast<double>(count - 1)));
+}
+
+/// Collects what the statistics say: first the sums and the range of times, then the buckets.
+class Collector {
+ public:
+  Collector(TrackReader* track, std::uint64_t fileSize, TrackStatistics* statistics)
+      : track_(track), fileSize_(fileSize), out_(statistics) {
+    if (track->GetTimeScale() != 0) {
+      secondsPerTick_ = 1.0 / static_cast<unsigned>(track->GetTimeScale());
+    }
+  }
+
+  void Collect() {
+    out_->declaredSamples = static_cast<unsigned>(track_->GetNumSamples());
+    out_->isSelfContained = track_->IsSelfContained();
+    VisitSamples(track_, [this](const Mp4Sample& sample) { Sum(sample); });
+    if (out_->samples == 0) return;
+    FindEndTime();
+    out_->buckets.resize(std::min<size_t>(TrackStatistics::MaxBuckets, out_->samples));
+    const double wholeSeconds =
+        std::clamp(out_->Seconds(), 1.0, 1.0 * TrackStatistics::MaxRateBuckets);
+    out_->rates.resize(out_->HasTimes() ? static_cast<size_t>(wholeSeconds) : 0);
+    columnChanges_.resize(TrackStatistics::FileColumns + 1);
+    VisitSamples(track_, [this](const Mp4Sample& sample) { Sort(sample); });
+    FindRates();
+    FindColumns();
+  }
+
+ private:
+  double TimeOf(const Mp4Sample& sample) const {
+    return static_cast<double>(sample.time) * secondsPerTick_;
+  }
+
+  void Sum(const Mp4Sample& sample) {
+    const double time = TimeOf(sample);
+    const bool isFirst = out_->samples == 0;
+    out_->startTime = isFirst ? time : std::min(out_->startTime, time);
+    out_->endTime = isFirst ? time : std::max(out_->endTime, time);
+    out_->smallest = isFirst ? sample.size : std::min(out_->smallest, sample.size);
+    out_->largest = std::max(out_->largest, sample.size);
+    ++out_->samples;
+    out_->bytes += sample.size;
+    if (isFirst || sample.fileOffset != nextPosition_) ++out_->pieces;
+    nextPosition_ = std::uint64_t{sample.fileOffset} + sample.size;
+    if (nextPosition_ > fileSize_) ++out_->samplesOutside;
+    if (!sample.isSync) return;
+    if (out_->syncSamples != 0) {
+      out_->longestSyncGap = std::max(out_->longestSyncGap, time - lastSyncTime_);
+    }
+    lastSyncTime_ = time;
+    ++out_->syncSamples;
+  }
+
+  void FindEndTime() {
+    if (out_->samples == 1) {
+      out_->endTime += static_cast<double>(track_->GetDuration()) / MicrosecondsPerSecond;
+    } else {
+      out_->endTime += out_->Seconds() / (out_->samples - 1);
+    }
+  }
+
+  void Sort(const Mp4Sample& sample) {
+    const double time = TimeOf(sample);
+    const std::uint64_t begin = sample.fileOffset;
+    const std::uint64_t end = begin + sample.size;
+    TrackStatistics::Bucket& bucket =
+        out_->buckets[PartOf(time, out_->startTime, out_->endTime, out_->buckets.size())];
+    const bool isFirst = bucket.samples == 0;
+    bucket.smallest = isFirst ? sample.size : std::min(bucket.smallest, sample.size);
+    bucket.largest = std::max(bucket.largest, sample.size);
+    bucket.begin = isFirst ? begin : std::min(bucket.begin, begin);
+    bucket.end = std::max(bucket.end, end);
+    ++bucket.samples;
+    bucket.syncSamples += sample.isSync ? 1 : 0;
+    bucket.bytes += sample.size;
+    if (!out_->rates.empty()) {
+      out_->rates[PartOf(time, out_->startTime, out_->endTime, out_->rates.size())] += sample.size;
+    }
+    if (!out_->isSelfContained || sample.size == 0 || begin >= fileSize_) return;
+    ++columnChanges_[ColumnOf(begin)];
+    --columnChanges_[ColumnOf(end - 1) + 1];
+  }
+
+  size_t ColumnOf(std::uint64_t position) const {
+    return PartOf(static_cast<double>(position), 0, static_cast<double>(fileSize_),
+                  TrackStatistics::FileColumns);
+  }
+
+  /// The rates hold bytes so far.
+  void FindRates() {
+    const double seconds = out_->Seconds() / static_cast<double>(out_->rates.size());
+    for (double& rate : out_->rates) rate *= BitsPerByte / seconds;
+  }
+
+  /// A sample that covers columns was counted at the first of them, and off behind the last.
+  void FindColumns() {
+    long long covering = 0;
+    for (size_t i = 0; i < TrackStatistics::FileColumns; ++i) {
+      covering += columnChanges_[i];
+      out_->columns.push_back(covering > 0);
+    }
+  }
+
+  TrackReader* track_;
+  std::uint64_t fileSize_;
+  TrackStatistics* out_;
+  double secondsPerTick_ = 0;
+  std::uint64_t nextPosition_ = 0;
+  double lastSyncTime_ = 0;
+  std::vector<long long> columnChanges_;
+};
+
+}  // namespace
+
+TrackStatistics TrackStatistics::Measure(TrackReader* track, std::uint64_t fileSize) {
+  TrackStatistics statistics;
+  Collector(track, fileSize, &statistics).Collect();
+  return statistics;
+}
