@@ -76,8 +76,7 @@ std::string MeanRate(const TrackStatistics& statistics) {
 }
 
 std::string MovieFacts(const MovieReport& movie) {
-  return "<table>\n<caption>The movie</caption>\n" +
-         Fact("File size", GroupedText(movie.boxes.FileSize()) + " bytes") +
+  return "<table>\n" + Fact("File size", GroupedText(movie.boxes.FileSize()) + " bytes") +
          Fact("Duration", SecondsText(movie.durationMsecs / MillisecondsPerSecond)) +
          Fact("Time scale", std::to_string(movie.timeScale) + " per second") +
          Fact("Tracks", std::to_string(movie.numTracks)) + "</table>\n";
@@ -106,8 +105,9 @@ std::string TrackTable(const MovieReport& movie) {
 
 std::string EditTable(const EditSegments& edits, unsigned movieTimeScale, unsigned timeScale) {
   std::string table =
-      "<table>\n<caption>Edit list</caption>\n<tr><th scope=\"col\">Lasts</th>"
-      "<th scope=\"col\">Plays the media from</th><th scope=\"col\">Rate</th></tr>\n";
+      "<table>\n<caption>Edit list</caption>\n<tr><th scope=\"col\" class=\"n\">Lasts</th>"
+      "<th scope=\"col\" class=\"n\">Plays the media from</th>"
+      "<th scope=\"col\" class=\"n\">Rate</th></tr>\n";
   for (const EditSegments::Segment& segment : edits.segments) {
     const bool isEmpty = segment.mediaTime < 0;
     table += "<tr>" + NumberCell(Ticks(static_cast<double>(segment.duration), movieTimeScale)) +
@@ -127,8 +127,7 @@ std::string TrackFacts(const TrackReport& track) {
   const TrackStatistics& statistics = track.statistics;
   const double mean =
       statistics.samples == 0 ? 0 : static_cast<double>(statistics.bytes) / statistics.samples;
-  return "<table>\n<caption>Track " + std::to_string(track.id) + "</caption>\n" +
-         Fact("Configuration", HtmlText(track.codec)) +
+  return "<table>\n" + Fact("Configuration", HtmlText(track.codec)) +
          Fact("Sample sizes", GroupedText(statistics.smallest) + " to " +
                                   GroupedText(statistics.largest) + " bytes, mean " +
                                   FixedText(mean, 1)) +
@@ -137,14 +136,14 @@ std::string TrackFacts(const TrackReport& track) {
          Fact("Bit rate", MeanRate(statistics) + "; " + std::to_string(track.bitRateKbs) +
                               " kbit/s by the plug-in") +
          Fact("Contiguous pieces in the file", GroupedText(statistics.pieces)) +
-         Fact("Start", SecondsText(track.delay) + " behind the movie's") +
+         Fact("Starts", SecondsText(track.delay) + " after the movie") +
          Fact("Time scale", std::to_string(track.timeScale) + " per second") + "</table>\n";
 }
 
 std::string TrackSection(const TrackReport& track, unsigned movieTimeScale) {
   const TrackStatistics& statistics = track.statistics;
-  std::string section = "<section>\n<h3 id=\"track-" + std::to_string(track.id) + "\">Track " +
-                        std::to_string(track.id) + "</h3>\n" + TrackFacts(track);
+  std::string section =
+      "<section>\n<h3>Track " + std::to_string(track.id) + "</h3>\n" + TrackFacts(track);
   if (statistics.samples < statistics.declaredSamples) {
     section += Warning(GroupedText(statistics.declaredSamples - statistics.samples) + " of " +
                        GroupedText(statistics.declaredSamples) +

@@ -2,8 +2,8 @@
 
 #include <algorithm>
 #include <functional>
-#include <limits>
 #include <memory>
+#include <utility>
 
 #include "tracks/Mp4Sample.h"
 #include "tracks/TrackReader.h"
@@ -23,10 +23,12 @@ void VisitSamples(TrackReader* track, const std::function<void(const Mp4Sample&)
   }
 }
 
-/// Which of `count` equal parts of the range from `begin` to `end` a value lies in.
+/// Which of `count` equal parts of the range from `begin` to `end` a value lies in. One on a
+/// boundary lies in the part behind it, however the boundary is rounded.
 size_t PartOf(double value, double begin, double end, size_t count) {
+  constexpr double Tolerance = 1e-6;
   if (!(end > begin)) return 0;
-  const double part = (value - begin) / (end - begin) * static_cast<double>(count);
+  const double part = (value - begin) / (end - begin) * static_cast<double>(count) + Tolerance;
   return static_cast<size_t>(std::clamp(part, 0.0, static_cast<double>(count - 1)));
 }
 

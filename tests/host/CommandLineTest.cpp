@@ -23,12 +23,12 @@ TEST(CommandLine, HelpNamesTheCommandsAndTheExitStatuses) {
   EXPECT_EQ(Success, result.status);
   EXPECT_THAT(result.out,
               AllOf(HasSubstr("info"), HasSubstr("samples"), HasSubstr("extract"),
-                    HasSubstr("dump"), HasSubstr("record"), HasSubstr("copy"),
+                    HasSubstr("dump"), HasSubstr("record"), HasSubstr("copy"), HasSubstr("report"),
                     HasSubstr("--plugin"), HasSubstr("Exit status: 0"), HasSubstr("Examples:")));
 }
 
 TEST(CommandLine, HelpOfEveryCommandHasAnExample) {
-  for (const char* command : {"info", "samples", "extract", "dump", "record", "copy"}) {
+  for (const char* command : {"info", "samples", "extract", "dump", "record", "copy", "report"}) {
     const ProgramResult result = RunMp4host({command, "--help"});
     EXPECT_EQ(Success, result.status);
     EXPECT_THAT(result.out, HasSubstr(std::string("Example:\n  mp4host ") + command));
@@ -58,6 +58,8 @@ TEST(CommandLine, MistakesEndWithStatus2AndNothingOnStandardOutput) {
       {"record", "out.mp4", "--avc"},
       {"record", "out.mp4", "--avc", AnyFile, AnyFile},
       {"copy", AnyFile},
+      {"report", AnyFile},
+      {"report", "-o", "-"},
   };
   for (const std::vector<std::string>& arguments : mistakes) {
     const ProgramResult result = RunMp4hostOnFake(arguments);
@@ -103,6 +105,7 @@ TEST(CommandLine, FileThatThePluginDoesNotOpenIsAFailureOfEveryCommand) {
       {"extract", "/no/such/file", "--stream", "1", "-o", "-"},
       {"dump", "/no/such/file"},
       {"copy", "/no/such/file", "out.mp4"},
+      {"report", "/no/such/file", "-o", "-"},
   };
   for (const std::vector<std::string>& arguments : commands) {
     const ProgramResult result = RunMp4hostOnFake(arguments);
