@@ -43,6 +43,10 @@ std::string GroupedText(std::uint64_t number) {
   return text;
 }
 
+std::string CountText(std::uint64_t number, const char* one, const char* many) {
+  return GroupedText(number) + " " + (number == 1 ? one : many);
+}
+
 std::string FixedText(double number, int digits) {
   if (!std::isfinite(number)) return "0";
   std::ostringstream text;

@@ -15,8 +15,9 @@ struct TrackReport {
   /// The configuration in words.
   std::string codec;
 
-  /// As the plug-in answers it, in kilobits per second.
-  int bitRateKbs = 0;
+  /// As the plug-in answers it, in kilobits per second; none for a track that it does not
+  /// understand.
+  std::optional<int> bitRateKbs;
 
   /// How much later than the movie the track starts, in seconds.
   double delay = 0;

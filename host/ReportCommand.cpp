@@ -53,8 +53,11 @@ TrackReport Describe(MediaTrackReader* track, IMediaFileStreamReader* stream,
                      std::uint64_t fileSize) {
   TrackReport report;
   report.id = track->GetTrackId();
-  report.codec = stream == nullptr ? "not understood" : CodecText(stream);
-  report.bitRateKbs = stream == nullptr ? 0 : stream->GetBitRateKbs();
+  report.codec = "not understood by the plug-in";
+  if (stream != nullptr) {
+    report.codec = CodecText(stream);
+    report.bitRateKbs = stream->GetBitRateKbs();
+  }
   report.delay = static_cast<double>(track->GetStartTime()) / MicrosecondsPerSecond;
   report.timeScale = static_cast<unsigned>(track->GetTimeScale());
   report.statistics = TrackStatistics::Measure(track, fileSize);

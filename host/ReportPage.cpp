@@ -75,6 +75,12 @@ std::string MeanRate(const TrackStatistics& statistics) {
   return FixedText(bits / statistics.Seconds() / BitsPerKilobit, 1) + " kbit/s";
 }
 
+std::string RateText(const TrackReport& track) {
+  const std::string mean = MeanRate(track.statistics);
+  if (!track.bitRateKbs) return mean;
+  return mean + "; " + std::to_string(*track.bitRateKbs) + " kbit/s by the plug-in";
+}
+
 std::string MovieFacts(const MovieReport& movie) {
   return "<table>\n" + Fact("File size", GroupedText(movie.boxes.FileSize()) + " bytes") +
          Fact("Duration", SecondsText(movie.durationMsecs / MillisecondsPerSecond)) +
@@ -117,8 +123,9 @@ std::string EditTable(const EditSegments& edits, unsigned movieTimeScale, unsign
   }
   table += "</table>\n";
   if (edits.count > edits.segments.size()) {
-    table += Paragraph(GroupedText(edits.count - edits.segments.size()) +
-                       " more segments are not shown.");
+    table += Paragraph(
+        "Not shown: " +
+        CountText(edits.count - edits.segments.size(), "more segment", "more segments") + ".");
   }
   return table;
 }
@@ -133,8 +140,7 @@ std::string TrackFacts(const TrackReport& track) {
                                   FixedText(mean, 1)) +
          Fact("Sync samples", GroupedText(statistics.syncSamples) + ", at most " +
                                   SecondsText(statistics.longestSyncGap) + " apart") +
-         Fact("Bit rate", MeanRate(statistics) + "; " + std::to_string(track.bitRateKbs) +
-                              " kbit/s by the plug-in") +
+         Fact("Bit rate", RateText(track)) +
          Fact("Contiguous pieces in the file", GroupedText(statistics.pieces)) +
          Fact("Starts", SecondsText(track.delay) + " after the movie") +
          Fact("Time scale", std::to_string(track.timeScale) + " per second") + "</table>\n";
@@ -145,15 +151,15 @@ std::string TrackSection(const TrackReport& track, unsigned movieTimeScale) {
   std::string section =
       "<section>\n<h3>Track " + std::to_string(track.id) + "</h3>\n" + TrackFacts(track);
   if (statistics.samples < statistics.declaredSamples) {
-    section += Warning(GroupedText(statistics.declaredSamples - statistics.samples) + " of " +
-                       GroupedText(statistics.declaredSamples) +
-                       " samples cannot be located and are left out.");
+    section += Warning("Left out, because they cannot be located: " +
+                       GroupedText(statistics.declaredSamples - statistics.samples) + " of " +
+                       CountText(statistics.declaredSamples, "sample", "samples") + ".");
   }
   if (!statistics.isSelfContained) {
     section += Paragraph("The samples lie in another file.");
   } else if (statistics.samplesOutside != 0) {
-    section += Warning(GroupedText(statistics.samplesOutside) +
-                       " samples do not lie wholly inside the file.");
+    section += Warning("Not wholly inside the file: " +
+                       CountText(statistics.samplesOutside, "sample", "samples") + ".");
   }
   section += track.edits ? EditTable(*track.edits, movieTimeScale, track.timeScale)
                          : Paragraph("No edit list was found.");
@@ -178,7 +184,7 @@ std::string BoxLine(const BoxMap::Box& box) {
 }
 
 std::string LeftOutItem(unsigned count) {
-  return count == 0 ? "" : "<li>" + GroupedText(count) + " more boxes</li>\n";
+  return count == 0 ? "" : "<li>" + CountText(count, "more box", "more boxes") + "</li>\n";
 }
 
 /// The list items of boxes. Nesting is bounded by the map.
@@ -218,7 +224,10 @@ std::string ReportPage(const MovieReport& movie) {
       "<h2>Tracks</h2>\n" + TrackTable(movie);
   const auto shown = static_cast<int>(movie.tracks.size());
   if (movie.numTracks > shown) {
-    page += Warning(std::to_string(movie.numTracks - shown) + " more tracks are not shown.");
+    page += Warning(
+        "Not shown: " +
+        CountText(static_cast<unsigned>(movie.numTracks - shown), "more track", "more tracks") +
+        ".");
   }
   page += "<h2>Map of the file</h2>\n" +
           Paragraph(

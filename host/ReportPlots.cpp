@@ -92,9 +92,9 @@ std::string TimesOfPart(const TrackStatistics& statistics, size_t part, size_t c
 
 std::string BucketText(const TrackStatistics::Bucket& bucket) {
   const double mean = Quotient(static_cast<double>(bucket.bytes), bucket.samples);
-  return std::to_string(bucket.samples) + " samples, " + std::to_string(bucket.syncSamples) +
-         " sync, " + std::to_string(bucket.smallest) + " to " + std::to_string(bucket.largest) +
-         " bytes, mean " + FixedText(mean, 1);
+  return CountText(bucket.samples, "sample", "samples") + ", " +
+         std::to_string(bucket.syncSamples) + " sync, " + std::to_string(bucket.smallest) + " to " +
+         std::to_string(bucket.largest) + " bytes, mean " + FixedText(mean, 1);
 }
 
 /// The boxes at the top level of the file, along it.

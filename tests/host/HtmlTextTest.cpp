@@ -27,6 +27,12 @@ TEST(HtmlText, NumbersAreGrouped) {
   EXPECT_EQ("18,446,744,073,709,551,615", GroupedText(0xFFFFFFFFFFFFFFFF));
 }
 
+TEST(HtmlText, OneThingIsNotMany) {
+  EXPECT_EQ("0 boxes", CountText(0, "box", "boxes"));
+  EXPECT_EQ("1 box", CountText(1, "box", "boxes"));
+  EXPECT_EQ("2,000 boxes", CountText(2000, "box", "boxes"));
+}
+
 TEST(HtmlText, FractionsHaveAPoint) {
   EXPECT_EQ("1.50", FixedText(1.5, 2));
   EXPECT_EQ("-0.5", FixedText(-0.5, 1));

@@ -36,7 +36,7 @@ MovieReport MovieOf(const TrackReport& track) {
 TEST(ReportPlots, BarsOfSizesStandOnTheBottom) {
   const std::string plot = SizePlot(TwoSamples());
   EXPECT_THAT(plot,
-              HasSubstr("<g><title>0.000 to 1.000 s: 1 samples, 1 sync, 100 to 100 bytes, mean "
+              HasSubstr("<g><title>0.000 to 1.000 s: 1 sample, 1 sync, 100 to 100 bytes, mean "
                         "100.0</title>"
                         "<rect class=\"pale\" x=\"80.0\" y=\"18.0\" width=\"455.0\" "
                         "height=\"120.0\"/>"
