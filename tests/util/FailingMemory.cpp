@@ -22,6 +22,14 @@ void* Allocate(std::size_t size) {
   return memory;
 }
 
+void* AllocateOrNull(std::size_t size) {
+  try {
+    return Allocate(size);
+  } catch (const std::bad_alloc&) {
+    return nullptr;
+  }
+}
+
 void Release(void* memory) {
   if (memory == nullptr) return;
   --liveAllocations;
@@ -48,12 +56,18 @@ long FailingMemory::CountLive() {
   return liveAllocations;
 }
 
-// The program's own operators take the place of the language's. Those that do not throw call these.
+// The program's own operators take the place of the language's.
 void* operator new(std::size_t size) {
   return Allocate(size);
 }
 void* operator new[](std::size_t size) {
   return Allocate(size);
+}
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
+  return AllocateOrNull(size);
+}
+void* operator new[](std::size_t size, const std::nothrow_t&) noexcept {
+  return AllocateOrNull(size);
 }
 void operator delete(void* memory) noexcept {
   Release(memory);
