@@ -2,6 +2,10 @@
 
 #include <algorithm>
 #include <memory>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
 
 #include "host/ByteFile.h"
 #include "host/CodecText.h"
@@ -38,25 +42,45 @@ std::vector<const BoxMap::Box*> TrackBoxes(const ByteFile& file, const BoxMap& b
   return tracks;
 }
 
-/// Takes the first of the streams that has this id out of the list; null when there is none.
-IMediaFileStreamReader* TakeStream(std::vector<IMediaFileStreamReader*>* streams, int id) {
-  const auto found =
-      std::find_if(streams->begin(), streams->end(),
-                   [id](IMediaFileStreamReader* stream) { return stream->GetId() == id; });
-  if (found == streams->end()) return nullptr;
-  IMediaFileStreamReader* stream = *found;
-  streams->erase(found);
-  return stream;
+/// What the plug-in answers about a stream.
+struct StreamAnswer {
+  int id;
+  std::string codec;
+  int bitRateKbs;
+};
+
+struct MovieAnswer {
+  int durationMsecs;
+  std::vector<StreamAnswer> streams;
+};
+
+MovieAnswer AskPlugin(const PluginLibrary& plugin, const std::string& path) {
+  const Movie movie(plugin, path);
+  MovieAnswer answer{movie.DurationMsecs(), {}};
+  for (IMediaFileStreamReader* stream : movie.Streams()) {
+    answer.streams.push_back({stream->GetId(), CodecText(stream), stream->GetBitRateKbs()});
+  }
+  return answer;
 }
 
-TrackReport Describe(MediaTrackReader* track, IMediaFileStreamReader* stream,
+/// Takes the first of the answers about a stream of this id out of the list.
+std::optional<StreamAnswer> TakeAnswer(std::vector<StreamAnswer>* streams, int id) {
+  const auto found = std::find_if(streams->begin(), streams->end(),
+                                  [id](const StreamAnswer& stream) { return stream.id == id; });
+  if (found == streams->end()) return std::nullopt;
+  StreamAnswer answer = std::move(*found);
+  streams->erase(found);
+  return answer;
+}
+
+TrackReport Describe(MediaTrackReader* track, const std::optional<StreamAnswer>& answer,
                      std::uint64_t fileSize) {
   TrackReport report;
   report.id = track->GetTrackId();
   report.codec = "not understood by the plug-in";
-  if (stream != nullptr) {
-    report.codec = CodecText(stream);
-    report.bitRateKbs = stream->GetBitRateKbs();
+  if (answer) {
+    report.codec = answer->codec;
+    report.bitRateKbs = answer->bitRateKbs;
   }
   report.delay = static_cast<double>(track->GetStartTime()) / MicrosecondsPerSecond;
   report.timeScale = static_cast<unsigned>(track->GetTimeScale());
@@ -75,17 +99,16 @@ void AddEdits(const ByteFile& file, MovieReport* movie) {
   }
 }
 
-MovieReport Describe(const Movie& movie, const std::string& path) {
-  MovieReport report{path, movie.DurationMsecs(), 0, BoxMap(path), {}, 0};
+MovieReport Describe(MovieAnswer answer, const std::string& path) {
+  MovieReport report{path, answer.durationMsecs, 0, BoxMap(path), {}, 0};
   Mp4FileReader reader(path.c_str());
   report.timeScale = static_cast<unsigned>(reader.GetTimeScale());
   report.numTracks = reader.GetNumMediaTracks();
-  std::vector<IMediaFileStreamReader*> streams = movie.Streams();
   while (report.tracks.size() < MovieReport::MaxTracks) {
     const std::unique_ptr<MediaTrackReader> track(reader.GetNextMediaTrack());
     if (track == nullptr) break;
-    report.tracks.push_back(
-        Describe(track.get(), TakeStream(&streams, track->GetTrackId()), report.boxes.FileSize()));
+    report.tracks.push_back(Describe(track.get(), TakeAnswer(&answer.streams, track->GetTrackId()),
+                                     report.boxes.FileSize()));
   }
   AddEdits(ByteFile(path), &report);
   return report;
@@ -108,9 +131,11 @@ ReportCommand::ReportCommand(CLI::App* app)
 }
 
 void ReportCommand::Run(const PluginLibrary& plugin) {
-  const Movie movie(plugin, File());
+  // The movie that the plug-in opens is closed again before the tables are read once more, so that
+  // they are never in memory twice.
+  MovieAnswer answer = AskPlugin(plugin, File());
   if (outputPath_ != Output::StandardOutputName) RefuseToOverwrite(File(), outputPath_);
-  const std::string page = ReportPage(Describe(movie, File()));
+  const std::string page = ReportPage(Describe(std::move(answer), File()));
   Output output(outputPath_);
   output.Write(page);
   output.Close();

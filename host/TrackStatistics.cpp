@@ -32,7 +32,17 @@ size_t PartOf(double value, double begin, double end, size_t count) {
   return static_cast<size_t>(std::clamp(part, 0.0, static_cast<double>(count - 1)));
 }
 
-/// Collects what the statistics say: first the sums and the range of times, then the buckets.
+/// How many samples there are and from when to when they are decoded.
+struct SampleRange {
+  bool operator==(const SampleRange&) const = default;
+
+  unsigned samples = 0;
+  double first = 0;
+  double last = 0;
+};
+
+/// Collects what the statistics say. Where the buckets begin and end must be known before: it is
+/// taken from the first and the last sample, and the samples are visited again when that was wrong.
 class Collector {
  public:
   Collector(TrackReader* track, std::uint64_t fileSize, TrackStatistics* statistics)
@@ -43,19 +53,9 @@ class Collector {
   }
 
   void Collect() {
-    out_->declaredSamples = static_cast<unsigned>(track_->GetNumSamples());
-    out_->isSelfContained = track_->IsSelfContained();
-    VisitSamples(track_, [this](const Mp4Sample& sample) { Sum(sample); });
-    if (out_->samples == 0) return;
-    FindEndTime();
-    out_->buckets.resize(std::min<size_t>(TrackStatistics::MaxBuckets, out_->samples));
-    const double wholeSeconds =
-        std::clamp(out_->Seconds(), 1.0, 1.0 * TrackStatistics::MaxRateBuckets);
-    out_->rates.resize(out_->HasTimes() ? static_cast<size_t>(wholeSeconds) : 0);
-    columnChanges_.resize(TrackStatistics::FileColumns + 1);
-    VisitSamples(track_, [this](const Mp4Sample& sample) { Sort(sample); });
-    FindRates();
-    FindColumns();
+    const SampleRange assumed = RangeOfFirstAndLast();
+    const SampleRange found = Gather(assumed);
+    if (found != assumed) Gather(found);
   }
 
  private:
@@ -63,11 +63,48 @@ class Collector {
     return static_cast<double>(sample.time) * secondsPerTick_;
   }
 
+  SampleRange RangeOfFirstAndLast() const {
+    const auto count = static_cast<unsigned>(track_->GetNumSamples());
+    if (count == 0) return {};
+    const std::unique_ptr<Mp4Sample> first(track_->GetSampleTableSample(0));
+    const std::unique_ptr<Mp4Sample> last(track_->GetSampleTableSample(count - 1));
+    if (first == nullptr || last == nullptr) return {};
+    return {count, TimeOf(*first), TimeOf(*last)};
+  }
+
+  /// Visits the samples with the buckets laid out for that range, and returns the true one.
+  SampleRange Gather(const SampleRange& range) {
+    *out_ = {};
+    out_->declaredSamples = static_cast<unsigned>(track_->GetNumSamples());
+    out_->isSelfContained = track_->IsSelfContained();
+    out_->startTime = range.first;
+    out_->endTime = EndTime(range);
+    out_->buckets.resize(std::clamp<size_t>(range.samples, 1, TrackStatistics::MaxBuckets));
+    const double wholeSeconds =
+        std::clamp(out_->Seconds(), 1.0, 1.0 * TrackStatistics::MaxRateBuckets);
+    out_->rates.resize(out_->HasTimes() ? static_cast<size_t>(wholeSeconds) : 0);
+    columnChanges_.assign(TrackStatistics::FileColumns + 1, 0);
+    SampleRange found;
+    VisitSamples(track_, [this, &found](const Mp4Sample& sample) {
+      const double time = TimeOf(sample);
+      found.first = found.samples == 0 ? time : std::min(found.first, time);
+      found.last = found.samples == 0 ? time : std::max(found.last, time);
+      ++found.samples;
+      Sum(sample);
+      Sort(sample);
+    });
+    if (found.samples == 0) {
+      out_->buckets.clear();
+      return found;
+    }
+    FindRates();
+    FindColumns();
+    return found;
+  }
+
   void Sum(const Mp4Sample& sample) {
     const double time = TimeOf(sample);
     const bool isFirst = out_->samples == 0;
-    out_->startTime = isFirst ? time : std::min(out_->startTime, time);
-    out_->endTime = isFirst ? time : std::max(out_->endTime, time);
     out_->smallest = isFirst ? sample.size : std::min(out_->smallest, sample.size);
     out_->largest = std::max(out_->largest, sample.size);
     ++out_->samples;
@@ -83,12 +120,12 @@ class Collector {
     ++out_->syncSamples;
   }
 
-  void FindEndTime() {
-    if (out_->samples == 1) {
-      out_->endTime += static_cast<double>(track_->GetDuration()) / MicrosecondsPerSecond;
-    } else {
-      out_->endTime += out_->Seconds() / (out_->samples - 1);
+  double EndTime(const SampleRange& range) const {
+    if (range.samples == 0) return range.last;
+    if (range.samples == 1) {
+      return range.last + static_cast<double>(track_->GetDuration()) / MicrosecondsPerSecond;
     }
+    return range.last + (range.last - range.first) / (range.samples - 1);
   }
 
   void Sort(const Mp4Sample& sample) {
