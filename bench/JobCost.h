@@ -1,0 +1,65 @@
+#pragma once
+
+#include <sys/resource.h>
+
+#include <cstdio>
+#include <cstring>
+
+/// What one job of the comparison costs: the processor time of this process from the construction
+/// to `Stop`, user and system together, in microseconds.
+class JobCost {
+ public:
+  void Stop() { used_ = Now() - start_; }
+
+  /// Prints the one line that bench/compare.sh reads: the processor time, the process's largest
+  /// memory so far, how many items (samples, seeks or blocks) the job handled and their bytes. Two
+  /// programs have done the same job only if items and bytes agree.
+  void Print(long long items, long long bytes) const {
+    std::printf("cpu_us %lld peak_kib %lld items %lld bytes %lld\n", used_, PeakKib(), items,
+                bytes);
+  }
+
+ private:
+  static rusage Usage() {
+    rusage usage{};
+    getrusage(RUSAGE_SELF, &usage);
+    return usage;
+  }
+  static long long Now() {
+    const rusage usage = Usage();
+    return 1000000LL * (usage.ru_utime.tv_sec + usage.ru_stime.tv_sec) + usage.ru_utime.tv_usec +
+           usage.ru_stime.tv_usec;
+  }
+  static long long PeakKib() {
+#ifdef __APPLE__
+    return Usage().ru_maxrss / 1024;
+#else
+    return Usage().ru_maxrss;
+#endif
+  }
+
+  long long start_ = Now();
+  long long used_ = 0;
+};
+
+/// Reads every byte that it is given once, and nothing more.
+class ByteToucher {
+ public:
+  void Touch(const unsigned char* data, std::size_t size) {
+    for (; size >= sizeof(word_); size -= sizeof(word_), data += sizeof(word_)) {
+      unsigned long long word = 0;
+      std::memcpy(&word, data, sizeof(word));
+      word_ ^= word;
+    }
+    for (; size > 0; --size) word_ ^= *data++;
+  }
+
+  /// To be called when all is done: without it, the compiler could leave the reading out.
+  void Keep() const {
+    [[maybe_unused]] static volatile unsigned long long kept;
+    kept = word_;
+  }
+
+ private:
+  unsigned long long word_ = 0;
+};

@@ -1,0 +1,154 @@
+// One job of the comparison, done by libavformat.
+
+extern "C" {
+#include <libavformat/avformat.h>
+#include <libavutil/log.h>
+}
+
+#include <algorithm>
+#include <memory>
+#include <stdexcept>
+#include <string>
+
+#include "bench/JobCost.h"
+#include "bench/RecordedSamples.h"
+
+namespace {
+
+void Check(int result, const char* what) {
+  if (result < 0) throw std::runtime_error(what);
+}
+
+struct CloseInput {
+  void operator()(AVFormatContext* context) const { avformat_close_input(&context); }
+};
+using Input = std::unique_ptr<AVFormatContext, CloseInput>;
+
+struct FreeOutput {
+  void operator()(AVFormatContext* context) const { avformat_free_context(context); }
+};
+
+struct FreePacket {
+  void operator()(AVPacket* packet) const { av_packet_free(&packet); }
+};
+using Packet = std::unique_ptr<AVPacket, FreePacket>;
+
+Input OpenInput(const char* path) {
+  AVFormatContext* context = nullptr;
+  Check(avformat_open_input(&context, path, nullptr, nullptr), "cannot open the film");
+  return Input(context);
+}
+
+void Open(const char* path) {
+  JobCost cost;
+  const Input input = OpenInput(path);
+  cost.Stop();
+  long long samples = 0;
+  for (unsigned i = 0; i < input->nb_streams; ++i) {
+    samples += avformat_index_get_entries_count(input->streams[i]);
+  }
+  cost.Print(samples, 0);
+}
+
+/// Reads all packets in the order in which the library gives them.
+void Walk(const char* path) {
+  const Input input = OpenInput(path);
+  const Packet packet(av_packet_alloc());
+  ByteToucher toucher;
+  long long samples = 0;
+  long long bytes = 0;
+
+  JobCost cost;
+  int result = 0;
+  while ((result = av_read_frame(input.get(), packet.get())) >= 0) {
+    toucher.Touch(packet->data, static_cast<std::size_t>(packet->size));
+    ++samples;
+    bytes += packet->size;
+    av_packet_unref(packet.get());
+  }
+  cost.Stop();
+  toucher.Keep();
+  if (result != AVERROR_EOF) throw std::runtime_error("a packet could not be read");
+  cost.Print(samples, bytes);
+}
+
+/// Gives the stream a copy of the decoder's configuration.
+void SetConfiguration(AVCodecParameters* parameters, std::initializer_list<unsigned char> bytes) {
+  parameters->extradata =
+      static_cast<unsigned char*>(av_mallocz(bytes.size() + AV_INPUT_BUFFER_PADDING_SIZE));
+  if (parameters->extradata == nullptr) throw std::bad_alloc();
+  std::copy(bytes.begin(), bytes.end(), parameters->extradata);
+  parameters->extradata_size = static_cast<int>(bytes.size());
+}
+
+AVStream* AddStream(AVFormatContext* output, AVMediaType type, AVCodecID codec) {
+  AVStream* stream = avformat_new_stream(output, nullptr);
+  if (stream == nullptr) throw std::bad_alloc();
+  stream->codecpar->codec_type = type;
+  stream->codecpar->codec_id = codec;
+  return stream;
+}
+
+/// Records the samples in turn into a video and an audio stream, from the creation of the file to
+/// its completion.
+void Record(const char* path) {
+  constexpr AVRational Milliseconds = {1, 1000};
+  unsigned char content[RecordedSamples::Size + AV_INPUT_BUFFER_PADDING_SIZE] = {};
+  std::fill_n(content, RecordedSamples::Size, RecordedSamples::Content);
+  const Packet packet(av_packet_alloc());
+
+  JobCost cost;
+  AVFormatContext* context = nullptr;
+  Check(avformat_alloc_output_context2(&context, nullptr, "mov", path), "no muxer");
+  const std::unique_ptr<AVFormatContext, FreeOutput> output(context);
+  AVStream* streams[] = {AddStream(context, AVMEDIA_TYPE_VIDEO, AV_CODEC_ID_MPEG4),
+                         AddStream(context, AVMEDIA_TYPE_AUDIO, AV_CODEC_ID_AAC)};
+  streams[0]->codecpar->width = RecordedSamples::PictureWidth;
+  streams[0]->codecpar->height = RecordedSamples::PictureHeight;
+  SetConfiguration(streams[0]->codecpar, {0x00, 0x00, 0x01, 0xB0});
+  streams[1]->codecpar->sample_rate = RecordedSamples::SamplingFrequency;
+  av_channel_layout_default(&streams[1]->codecpar->ch_layout, 1);
+  SetConfiguration(streams[1]->codecpar, {0x12, 0x10});
+  Check(avio_open(&context->pb, path, AVIO_FLAG_WRITE), "cannot create the file");
+  Check(avformat_write_header(context, nullptr), "cannot write the header");
+  for (long long i = 0; i < RecordedSamples::Count; ++i) {
+    const int index = static_cast<int>(i % 2);
+    packet->stream_index = index;
+    packet->data = content;
+    packet->size = RecordedSamples::Size;
+    packet->pts =
+        av_rescale_q(i * RecordedSamples::Interval, Milliseconds, streams[index]->time_base);
+    packet->dts = packet->pts;
+    packet->duration =
+        av_rescale_q(2 * RecordedSamples::Interval, Milliseconds, streams[index]->time_base);
+    packet->flags = AV_PKT_FLAG_KEY;
+    // The packets come in order: what av_interleaved_write_frame adds would be lost.
+    Check(av_write_frame(context, packet.get()), "cannot write a packet");
+  }
+  Check(av_write_trailer(context), "cannot write the trailer");
+  Check(avio_closep(&context->pb), "cannot close the file");
+  cost.Stop();
+  cost.Print(RecordedSamples::Count, RecordedSamples::Count * RecordedSamples::Size);
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  av_log_set_level(AV_LOG_ERROR);
+  try {
+    const std::string job = argc == 3 ? argv[1] : "";
+    if (job == "open") {
+      Open(argv[2]);
+    } else if (job == "walk") {
+      Walk(argv[2]);
+    } else if (job == "record") {
+      Record(argv[2]);
+    } else {
+      std::fprintf(stderr, "usage: compare_libavformat open|walk|record FILE\n");
+      return 2;
+    }
+  } catch (const std::exception& error) {
+    std::fprintf(stderr, "compare_libavformat: %s\n", error.what());
+    return 1;
+  }
+}

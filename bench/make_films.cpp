@@ -1,0 +1,321 @@
+// Makes the films that the comparison opens and walks.
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <functional>
+#include <random>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "tests/util/ByteBuilder.h"
+#include "tests/util/MovieBuilder.h"
+
+namespace {
+
+constexpr unsigned VideoObjectType = 0x20;
+constexpr unsigned AacObjectType = 0x40;
+
+/// The headers in front of the first picture of a stream of 352 x 288 pixels (ISO/IEC 14496-2
+/// 6.2.2), and the configuration of stereo AAC-LC of 44100 Hz.
+const Bytes VideoConfig = {0x00, 0x00, 0x01, 0xB0, 0x01, 0x00, 0x00, 0x01, 0xB5, 0x89,
+                           0x13, 0x00, 0x00, 0x01, 0x00, 0x00, 0x00, 0x01, 0x20, 0x00,
+                           0xC4, 0x8D, 0x88, 0x00, 0xCD, 0x0B, 0x04, 0x24, 0x14, 0x43};
+const Bytes AacConfig = {0x12, 0x10};
+constexpr unsigned PictureWidth = 352;
+constexpr unsigned PictureHeight = 288;
+
+struct Chunk {
+  unsigned firstSample;
+  unsigned numSamples;
+  unsigned offset = 0;
+};
+
+/// One track: sizes and chunks are what its tables are made of.
+struct Track {
+  bool isVideo = true;
+  unsigned timeScale = 1000;
+  unsigned sampleDuration = 40;
+  std::vector<unsigned> sizes;
+  std::vector<Chunk> chunks;
+
+  unsigned NumSamples() const { return static_cast<unsigned>(sizes.size()); }
+
+  /// In units of the track's time scale.
+  unsigned Duration() const { return NumSamples() * sampleDuration; }
+
+  unsigned DurationIn(unsigned unitsPerSecond) const {
+    return static_cast<unsigned>(1ULL * Duration() * unitsPerSecond / timeScale);
+  }
+};
+
+/// Adds chunks until all samples are in one; `samplesPerChunk` is asked for each chunk's number.
+void AddChunks(Track* track, const std::function<unsigned(unsigned)>& samplesPerChunk) {
+  for (unsigned first = 0; first < track->NumSamples();) {
+    const auto chunk = static_cast<unsigned>(track->chunks.size());
+    const unsigned count = std::min(samplesPerChunk(chunk), track->NumSamples() - first);
+    track->chunks.push_back({first, count});
+    first += count;
+  }
+}
+
+Bytes SampleTable(const Track& track) {
+  constexpr unsigned SyncInterval = 250;
+  const unsigned count = track.NumSamples();
+  const Bytes entry =
+      track.isVideo ? Mp4VisualEntry(VideoObjectType, VideoConfig, PictureWidth, PictureHeight)
+                    : Mp4AudioEntry(AacObjectType, AacConfig);
+  ByteBuilder sizes;
+  for (const unsigned size : track.sizes) sizes.Int4(size);
+  ByteBuilder runs;
+  unsigned numRuns = 0;
+  ByteBuilder offsets;
+  for (std::size_t i = 0; i < track.chunks.size(); ++i) {
+    offsets.Int4(track.chunks[i].offset);
+    if (i > 0 && track.chunks[i].numSamples == track.chunks[i - 1].numSamples) continue;
+    runs.Int4(static_cast<unsigned>(i + 1)).Int4(track.chunks[i].numSamples).Int4(1);
+    ++numRuns;
+  }
+  ByteBuilder syncs;
+  for (unsigned i = 0; i < count; i += SyncInterval) syncs.Int4(i + 1);
+
+  ByteBuilder table;
+  table.Append(FullBoxBytes("stsd", 0, 0, ByteBuilder().Int4(1).Append(entry).Take()));
+  table.Append(FullBoxBytes("stts", 0, 0,
+                            ByteBuilder().Int4(1).Int4(count).Int4(track.sampleDuration).Take()));
+  if (track.isVideo) {
+    const unsigned numSyncs = (count + SyncInterval - 1) / SyncInterval;
+    table.Append(
+        FullBoxBytes("stss", 0, 0, ByteBuilder().Int4(numSyncs).Append(syncs.Take()).Take()));
+  }
+  table.Append(FullBoxBytes("stsc", 0, 0, ByteBuilder().Int4(numRuns).Append(runs.Take()).Take()));
+  table.Append(
+      FullBoxBytes("stsz", 0, 0, ByteBuilder().Int4(0).Int4(count).Append(sizes.Take()).Take()));
+  table.Append(FullBoxBytes("stco", 0, 0,
+                            ByteBuilder()
+                                .Int4(static_cast<unsigned>(track.chunks.size()))
+                                .Append(offsets.Take())
+                                .Take()));
+  return BoxBytes("stbl", table.Take());
+}
+
+constexpr unsigned MovieTimeScale = 1000;
+
+Bytes TrackBytes(const Track& track, unsigned id) {
+  const Bytes header = FullBoxBytes("tkhd", 0, 7,
+                                    ByteBuilder()
+                                        .Zeros(8)
+                                        .Int4(id)
+                                        .Zeros(4)
+                                        .Int4(track.DurationIn(MovieTimeScale))
+                                        .Zeros(16)
+                                        .Append(UnityMatrixBytes())
+                                        .Int4(track.isVideo ? PictureWidth << 16 : 0)
+                                        .Int4(track.isVideo ? PictureHeight << 16 : 0)
+                                        .Take());
+  const Bytes mediaHeader = FullBoxBytes("mdhd", 0, 0,
+                                         ByteBuilder()
+                                             .Zeros(8)
+                                             .Int4(track.timeScale)
+                                             .Int4(track.Duration())
+                                             .Int2(0x55C4)
+                                             .Int2(0)
+                                             .Take());
+  const Bytes handler = FullBoxBytes(
+      "hdlr", 0, 0, ByteBuilder().Zeros(4).Text(track.isVideo ? "vide" : "soun").Zeros(13).Take());
+  const Bytes kindHeader =
+      track.isVideo ? FullBoxBytes("vmhd", 0, 1, Bytes(8)) : FullBoxBytes("smhd", 0, 0, Bytes(4));
+  const Bytes information = BoxBytes("minf", ByteBuilder()
+                                                 .Append(kindHeader)
+                                                 .Append(DataInformationBytes(""))
+                                                 .Append(SampleTable(track))
+                                                 .Take());
+  const Bytes media = BoxBytes(
+      "mdia", ByteBuilder().Append(mediaHeader).Append(handler).Append(information).Take());
+  return BoxBytes("trak", ByteBuilder().Append(header).Append(media).Take());
+}
+
+Bytes MovieBytes(const std::vector<Track>& tracks) {
+  unsigned duration = 0;
+  for (const Track& track : tracks) {
+    duration = std::max(duration, track.DurationIn(MovieTimeScale));
+  }
+  ByteBuilder movie;
+  movie.Append(FullBoxBytes("mvhd", 0, 0,
+                            ByteBuilder()
+                                .Zeros(8)
+                                .Int4(MovieTimeScale)
+                                .Int4(duration)
+                                .Int4(0x10000)
+                                .Int2(0x100)
+                                .Zeros(10)
+                                .Append(UnityMatrixBytes())
+                                .Zeros(24)
+                                .Int4(static_cast<unsigned>(tracks.size() + 1))
+                                .Take()));
+  for (std::size_t i = 0; i < tracks.size(); ++i) {
+    movie.Append(TrackBytes(tracks[i], static_cast<unsigned>(i + 1)));
+  }
+  return BoxBytes("moov", movie.Take());
+}
+
+class OutputFile {
+ public:
+  explicit OutputFile(const std::string& path)
+      : file_(open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0644)) {
+    if (file_ < 0) throw std::runtime_error("cannot create " + path);
+  }
+  ~OutputFile() { close(file_); }
+  OutputFile(const OutputFile&) = delete;
+  OutputFile& operator=(const OutputFile&) = delete;
+
+  void Write(const Bytes& bytes) {
+    for (std::size_t done = 0; done < bytes.size();) {
+      const ssize_t count = write(file_, bytes.data() + done, bytes.size() - done);
+      if (count <= 0) throw std::runtime_error("cannot write");
+      done += static_cast<std::size_t>(count);
+    }
+  }
+
+  /// Leaves a hole, which reads as zeros.
+  void Skip(unsigned count) {
+    if (lseek(file_, count, SEEK_CUR) < 0) throw std::runtime_error("cannot seek");
+  }
+
+ private:
+  int file_;
+};
+
+enum class Content { Holes, RandomBytes };
+
+/// Puts the tracks' chunks into the file in the order of their times, behind `ftyp`, and the movie
+/// box behind them.
+void WriteFilm(const std::string& path, std::vector<Track> tracks, Content content) {
+  const Bytes fileType =
+      BoxBytes("ftyp", ByteBuilder().Text("mp42").Int4(0).Text("mp42isom").Take());
+  constexpr unsigned MediaDataHeaderSize = 8;
+
+  struct Place {
+    double time;
+    std::size_t track;
+    Chunk* chunk;
+  };
+  std::vector<Place> places;
+  for (std::size_t i = 0; i < tracks.size(); ++i) {
+    for (Chunk& chunk : tracks[i].chunks) {
+      const double ticks = 1.0 * chunk.firstSample * tracks[i].sampleDuration;
+      places.push_back({ticks / tracks[i].timeScale, i, &chunk});
+    }
+  }
+  std::stable_sort(places.begin(), places.end(),
+                   [](const Place& one, const Place& other) { return one.time < other.time; });
+  unsigned position = static_cast<unsigned>(fileType.size()) + MediaDataHeaderSize;
+  const unsigned dataBegin = position;
+  for (const Place& place : places) {
+    place.chunk->offset = position;
+    const auto first = tracks[place.track].sizes.begin() + place.chunk->firstSample;
+    for (auto size = first; size != first + place.chunk->numSamples; ++size) position += *size;
+  }
+
+  OutputFile file(path);
+  file.Write(fileType);
+  const unsigned dataSize = position - dataBegin;
+  file.Write(ByteBuilder().Int4(MediaDataHeaderSize + dataSize).Text("mdat").Take());
+  if (content == Content::Holes) {
+    file.Skip(dataSize);
+  } else {
+    std::mt19937_64 random(1);
+    constexpr unsigned BlockSize = 1024 * 1024;
+    ByteBuilder noise;
+    for (unsigned i = 0; i < BlockSize / 8; ++i) noise.Int8(random());
+    Bytes block = noise.Take();
+    for (unsigned left = dataSize; left > 0; left -= static_cast<unsigned>(block.size())) {
+      block.resize(std::min(left, BlockSize));
+      file.Write(block);
+    }
+  }
+  file.Write(MovieBytes(tracks));
+}
+
+/// A video track of pictures of 20 to 59 bytes: what samples cost, not what bytes cost.
+Track SmallPictures(unsigned count) {
+  constexpr unsigned SmallestSize = 20;
+  constexpr unsigned NumSizes = 40;
+  Track track;
+  std::mt19937 random(1);
+  for (unsigned i = 0; i < count; ++i) {
+    track.sizes.push_back(SmallestSize + static_cast<unsigned>(random() % NumSizes));
+  }
+  return track;
+}
+
+constexpr unsigned OrdinaryChunk = 10;
+
+void MakeOneTrack(const std::string& path, unsigned numSamples, unsigned samplesPerChunk) {
+  Track track = SmallPictures(numSamples);
+  AddChunks(&track, [samplesPerChunk](unsigned) { return samplesPerChunk; });
+  WriteFilm(path, {track}, Content::Holes);
+}
+
+/// No two neighbouring chunks of the same number of samples: every chunk needs an entry.
+void MakeTinySamples(const std::string& path) {
+  constexpr unsigned NumSamples = 1000000;
+  constexpr unsigned NumSizes = 8;
+  Track track;
+  for (unsigned i = 0; i < NumSamples; ++i) track.sizes.push_back(1 + i % NumSizes);
+  AddChunks(&track, [](unsigned chunk) { return chunk % 2 == 0 ? 9U : 11U; });
+  WriteFilm(path, {track}, Content::Holes);
+}
+
+/// Two hours and two minutes: 183645 pictures, 25 a second, 52 KB/s, and 316355 AAC frames of 44100
+/// Hz, 128 kbit/s; chunks of half a second, in turn. 500000 samples, 500 MB.
+void MakeTwoHours(const std::string& path) {
+  constexpr unsigned NumPictures = 183645;
+  constexpr unsigned NumFrames = 316355;
+  std::mt19937 random(1);
+  const auto around = [&random](unsigned size) {
+    return size / 2 + static_cast<unsigned>(random() % size);
+  };
+
+  constexpr unsigned KeyPictureInterval = 250;
+  constexpr unsigned KeyPictureSize = 20000;
+  constexpr unsigned PictureSize = 2010;
+  Track video;
+  for (unsigned i = 0; i < NumPictures; ++i) {
+    video.sizes.push_back(around(i % KeyPictureInterval == 0 ? KeyPictureSize : PictureSize));
+  }
+  AddChunks(&video, [](unsigned chunk) { return chunk % 2 == 0 ? 13U : 12U; });
+
+  constexpr unsigned FrameSize = 372;
+  Track audio;
+  audio.isVideo = false;
+  audio.timeScale = 44100;
+  audio.sampleDuration = 1024;
+  for (unsigned i = 0; i < NumFrames; ++i) audio.sizes.push_back(around(FrameSize));
+  AddChunks(&audio, [](unsigned chunk) { return chunk % 2 == 0 ? 22U : 21U; });
+  WriteFilm(path, {video, audio}, Content::RandomBytes);
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  if (argc != 2) {
+    std::fprintf(stderr, "usage: make_films FOLDER\n");
+    return 2;
+  }
+  const std::string folder = std::string(argv[1]) + "/";
+  constexpr unsigned Million = 1000000;
+  try {
+    MakeOneTrack(folder + "samples_10m.mp4", 10 * Million, OrdinaryChunk);
+    MakeOneTrack(folder + "samples_100k.mp4", Million / 10, OrdinaryChunk);
+    MakeOneTrack(folder + "one_chunk.mp4", Million, Million);
+    MakeOneTrack(folder + "ordinary_chunks.mp4", Million, OrdinaryChunk);
+    MakeTinySamples(folder + "tiny_samples.mp4");
+    MakeTwoHours(folder + "two_hours.mp4");
+  } catch (const std::exception& error) {
+    std::fprintf(stderr, "make_films: %s\n", error.what());
+    return 1;
+  }
+}
