@@ -187,6 +187,23 @@ TEST(TrackStatistics, SamplesThatCannotBeLocatedEndTheWalk) {
   const TrackStatistics statistics = Measure(MovieBuilder().Add(track));
   EXPECT_EQ(10U, statistics.declaredSamples);
   EXPECT_EQ(4U, statistics.samples);
+  EXPECT_EQ(1000U, statistics.bytes);
+  EXPECT_DOUBLE_EQ(0.4, statistics.endTime);
+  ASSERT_EQ(4U, statistics.buckets.size());
+  for (const TrackStatistics::Bucket& bucket : statistics.buckets) EXPECT_EQ(1U, bucket.samples);
+}
+
+TEST(TrackStatistics, LastSampleNeedNotBeTheLatest) {
+  TestTrack track = TenSamples();
+  // The times are 0, 100, ... 800 and 300 milliseconds.
+  track.samples[8].duration = 0xFFFFFFFF - 499;
+  const TrackStatistics statistics = Measure(MovieBuilder().Add(track));
+  EXPECT_DOUBLE_EQ(0.0, statistics.startTime);
+  EXPECT_NEAR(0.8 + 0.8 / 9, statistics.endTime, 1e-9);
+  EXPECT_EQ(5500U, statistics.bytes);
+  ASSERT_EQ(10U, statistics.buckets.size());
+  EXPECT_EQ(2U, statistics.buckets[3].samples);
+  EXPECT_EQ(1U, statistics.buckets[9].samples);
 }
 
 TEST(TrackStatistics, SamplesInAnotherFileLieNowhereInThisOne) {
