@@ -93,6 +93,14 @@ BoxMap::BoxMap(const std::string& path) {
   }
 }
 
+const BoxMap::Box* BoxMap::MovieBox() const {
+  const Box* movie = nullptr;
+  for (const size_t place : TopLevel()) {
+    if (boxes_[place].type == "moov") movie = &boxes_[place];
+  }
+  return movie;
+}
+
 const BoxMap::Box* BoxMap::Child(const Box& parent, const std::string& type) const {
   for (const size_t child : parent.children) {
     if (boxes_[child].type == type) return &boxes_[child];

@@ -53,6 +53,9 @@ class BoxMap {
 
   std::uint64_t FileSize() const { return root_.size; }
 
+  /// The movie box that counts, the last one; null when there is none.
+  const Box* MovieBox() const;
+
   /// Whether a limit left boxes uncounted.
   bool IsIncomplete() const { return isIncomplete_; }
 

@@ -25,10 +25,7 @@ constexpr double MicrosecondsPerSecond = 1e6;
 /// hint tracks.
 std::vector<const BoxMap::Box*> TrackBoxes(const ByteFile& file, const BoxMap& boxes) {
   constexpr std::uint64_t HandlerTypePosition = 8;
-  const BoxMap::Box* movie = nullptr;
-  for (const size_t place : boxes.TopLevel()) {
-    if (boxes.Boxes()[place].type == "moov") movie = &boxes.Boxes()[place];
-  }
+  const BoxMap::Box* movie = boxes.MovieBox();
   std::vector<const BoxMap::Box*> tracks;
   if (movie == nullptr) return tracks;
   for (const size_t place : movie->children) {

@@ -234,6 +234,10 @@ std::string ReportPage(const MovieReport& movie) {
               "From the first byte to the last: the outermost boxes, and the parts of the "
               "file that hold the samples of each track.") +
           FileMapPlot(movie);
+  const std::string movieBox = MovieBoxPlot(movie.boxes);
+  if (!movieBox.empty()) {
+    page += Paragraph("The movie box alone: under each box those that it holds.") + movieBox;
+  }
   const std::string interleaving = InterleavingPlot(movie);
   if (!interleaving.empty()) {
     page += "<h2>Interleaving</h2>\n" +

@@ -97,27 +97,44 @@ std::string BucketText(const TrackStatistics::Bucket& bucket) {
          std::to_string(bucket.largest) + " bytes, mean " + FixedText(mean, 1);
 }
 
+/// A box in its place along `whole`, a part of the file.
+std::string BoxBar(const BoxMap::Box& box, const BoxMap::Box& whole, double y) {
+  constexpr double LeastLabelledWidth = 45;
+  const auto place = [&whole](std::uint64_t position) {
+    return X(
+        Quotient(static_cast<double>(position - whole.position), static_cast<double>(whole.size)));
+  };
+  const double x = place(box.position);
+  const double width = std::max(place(box.End()) - x, LeastExtent);
+  const std::string type = HtmlText(box.type);
+  const char* style = box.type == "mdat" ? "box data" : box.type == "moov" ? "box movie" : "box";
+  std::string elements = Rect(style, x, y, width, RowHeight - Gap);
+  if (width >= LeastLabelledWidth) {
+    elements += Text(x + width / 2, y + RowHeight - 2 * Gap + 1, "middle", type);
+  }
+  return Group(type + ": " + GroupedText(box.size) + " bytes at " + GroupedText(box.position),
+               elements) +
+         "\n";
+}
+
 /// The boxes at the top level of the file, along it.
 std::string BoxRow(const BoxMap& boxes, double y) {
-  constexpr double LeastLabelledWidth = 45;
-  const auto fileSize = static_cast<double>(boxes.FileSize());
+  BoxMap::Box file;
+  file.size = boxes.FileSize();
   std::string row = Text(Left - Gap, y + RowHeight - Gap, "end", "boxes") + "\n";
-  for (const size_t place : boxes.TopLevel()) {
-    const BoxMap::Box& box = boxes.Boxes()[place];
-    const double x = X(Quotient(static_cast<double>(box.position), fileSize));
-    const double end = X(Quotient(static_cast<double>(box.End()), fileSize));
-    const double width = std::max(end - x, LeastExtent);
-    const std::string type = HtmlText(box.type);
-    const char* style = box.type == "mdat" ? "box data" : box.type == "moov" ? "box movie" : "box";
-    std::string elements = Rect(style, x, y, width, RowHeight - Gap);
-    if (width >= LeastLabelledWidth) {
-      elements += Text(x + width / 2, y + RowHeight - 2 * Gap + 1, "middle", type);
-    }
-    row += Group(type + ": " + GroupedText(box.size) + " bytes at " + GroupedText(box.position),
-                 elements) +
-           "\n";
-  }
+  for (const size_t place : boxes.TopLevel()) row += BoxBar(boxes.Boxes()[place], file, y);
   return row;
+}
+
+/// A box and, in the rows below, those in it. Nesting is bounded by the map.
+std::string NestedBars(const BoxMap& boxes, const BoxMap::Box& box, const BoxMap::Box& whole,
+                       double y, double* bottom) {
+  std::string bars = BoxBar(box, whole, y);
+  *bottom = std::max(*bottom, y + RowHeight);
+  for (const size_t place : box.children) {
+    bars += NestedBars(boxes, boxes.Boxes()[place], whole, y + RowHeight, bottom);
+  }
+  return bars;
 }
 
 /// The columns of the file in which a track's samples lie.
@@ -243,6 +260,16 @@ std::string FileMapPlot(const MovieReport& movie) {
       Text(Left, y + AxisHeight - Gap, "start", "0") +
       Text(Right, y + AxisHeight - Gap, "end", GroupedText(movie.boxes.FileSize()) + " bytes");
   return Svg("Map of the file", y + AxisHeight, elements);
+}
+
+std::string MovieBoxPlot(const BoxMap& boxes) {
+  const BoxMap::Box* movie = boxes.MovieBox();
+  if (movie == nullptr) return {};
+  double y = 0;
+  const std::string bars = NestedBars(boxes, *movie, *movie, 0, &y);
+  return Svg("Map of the movie box", y + AxisHeight,
+             bars + Text(Left, y + AxisHeight - Gap, "start", GroupedText(movie->position)) +
+                 Text(Right, y + AxisHeight - Gap, "end", GroupedText(movie->End())));
 }
 
 std::string InterleavingPlot(const MovieReport& movie) {

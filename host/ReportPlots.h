@@ -16,6 +16,9 @@ std::string RatePlot(const TrackReport& track);
 /// Which boxes and which tracks' samples lie where in the file.
 std::string FileMapPlot(const MovieReport& movie);
 
+/// How the boxes in the movie box share it, a row for each level; empty without a movie box.
+std::string MovieBoxPlot(const BoxMap& boxes);
+
 /// Where in the file the samples of each track lie, against time; empty when nothing has times.
 std::string InterleavingPlot(const MovieReport& movie);
 

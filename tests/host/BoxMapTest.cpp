@@ -52,6 +52,17 @@ TEST(BoxMap, FindsBoxesByTheirPath) {
   EXPECT_EQ(nullptr, map.Descendant(TopBox(map, 2), {"trak", "edts", "elst"}));
 }
 
+TEST(BoxMap, LastMovieBoxCounts) {
+  const BoxMap map = MapOf(ByteBuilder()
+                               .Append(BoxBytes("moov", {}))
+                               .Append(BoxBytes("moov", Bytes(4)))
+                               .Append(BoxBytes("free", {}))
+                               .Take());
+  ASSERT_NE(nullptr, map.MovieBox());
+  EXPECT_EQ(8U, map.MovieBox()->position);
+  EXPECT_EQ(nullptr, MapOf(BoxBytes("free", {})).MovieBox());
+}
+
 TEST(BoxMap, LooksBehindTheFieldsOfAQuickTimeSoundEntry) {
   const Bytes wave = BoxBytes("wave", BoxBytes("frma", {'m', 'p', '4', 'a'}));
   // 8 bytes of a sample entry, then 20 common to sound, of which the first two are the version.

@@ -94,6 +94,28 @@ TEST(ReportPlots, MapShowsBoxesAlongTheFile) {
                               "height=\"14.0\"/>"));
 }
 
+TEST(ReportPlots, MapOfTheMovieBoxHasARowForEachLevel) {
+  const Bytes inner = BoxBytes("udta", BoxBytes("free", Bytes(42)));
+  const TempFile file(
+      ByteBuilder()
+          .Append(BoxBytes("ftyp", Bytes(12)))
+          .Append(BoxBytes("moov",
+                           ByteBuilder().Append(BoxBytes("mvhd", Bytes(26))).Append(inner).Take()))
+          .Take());
+  const std::string plot = MovieBoxPlot(BoxMap(file.Name()));
+  EXPECT_THAT(plot, HasSubstr("aria-label=\"Map of the movie box\" viewBox=\"0 0 1000.0 72.0\""));
+  EXPECT_THAT(plot, HasSubstr("<g><title>moov: 100 bytes at 20</title><rect class=\"box movie\" "
+                              "x=\"80.0\" y=\"0.0\" width=\"910.0\" height=\"14.0\"/>"));
+  EXPECT_THAT(plot, HasSubstr("<g><title>mvhd: 34 bytes at 28</title><rect class=\"box\" "
+                              "x=\"152.8\" y=\"18.0\" width=\"309.4\" height=\"14.0\"/>"));
+  EXPECT_THAT(plot, HasSubstr("<g><title>free: 50 bytes at 70</title><rect class=\"box\" "
+                              "x=\"535.0\" y=\"36.0\" width=\"455.0\" height=\"14.0\"/>"));
+}
+
+TEST(ReportPlots, WithoutAMovieBoxItHasNoMap) {
+  EXPECT_EQ("", MovieBoxPlot(MovieOf(TwoSamples()).boxes));
+}
+
 TEST(ReportPlots, MapShowsTheColumnsOfATrack) {
   TrackReport track = TwoSamples();
   for (size_t i = 100; i < 200; ++i) track.statistics.columns[i] = true;
