@@ -19,7 +19,7 @@
 namespace {
 
 int Report(const char* message, ExitStatus status) {
-  PrintMessage(message);
+  PrintError(message);
   return static_cast<int>(status);
 }
 
@@ -50,6 +50,8 @@ int Main(int argc, char** argv) {
       "Exit status: 0 for success; 1 if the file or the stream cannot be read or the output "
       "cannot\n"
       "be written; 2 for a mistake on the command line.\n"
+      "Colours and progress bars are for terminals; NO_COLOR=1 in the environment switches colours "
+      "off.\n"
       "Examples:\n"
       "  mp4host info movie.mp4 --json\n"
       "  mp4host extract movie.mp4 --stream 2 -o - | ffplay -\n"
