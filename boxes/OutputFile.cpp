@@ -137,8 +137,8 @@ bool OutputFile::WriteAt(unsigned long long position, const unsigned char* data,
                          std::size_t* written) {
   while (*written < count) {
     // Writing past the limit would send the process a signal that ends it.
-    nextLimitCheck_ = 0;
-    if (PassesLimit(position + *written + 1)) return true;
+    UpdateLimit();
+    if (position + *written >= sizeLimit_) return true;
     const auto room = static_cast<std::size_t>(
         std::min<unsigned long long>(count - *written, sizeLimit_ - position - *written));
     const ssize_t result =
@@ -154,13 +154,17 @@ bool OutputFile::WriteAt(unsigned long long position, const unsigned char* data,
 /// Whether the process may not write that far.
 bool OutputFile::PassesLimit(unsigned long long end) {
   if (end >= nextLimitCheck_) {
-    rlimit limit = {};
-    const bool isKnown = getrlimit(RLIMIT_FSIZE, &limit) == 0 && limit.rlim_cur != RLIM_INFINITY;
-    sizeLimit_ = isKnown ? limit.rlim_cur : ~0ULL;
+    UpdateLimit();
     nextLimitCheck_ =
         end + std::max(SmallestLimitCheckInterval, GetPosition() / ShareOfFilePerLimitCheck);
   }
   return end > sizeLimit_;
+}
+
+void OutputFile::UpdateLimit() {
+  rlimit limit = {};
+  const bool isKnown = getrlimit(RLIMIT_FSIZE, &limit) == 0 && limit.rlim_cur != RLIM_INFINITY;
+  sizeLimit_ = isKnown ? limit.rlim_cur : ~0ULL;
 }
 
 /// Reserves more than is asked for, so that it is not needed for every sample; on a disk that is

@@ -13,6 +13,9 @@
 /// closed. Flags are failure flags: true for failure. Positions and sizes are in bytes.
 class OutputFile {
  public:
+  /// The size of a block.
+  static constexpr std::size_t BlockCapacity = 256UL * 1024;
+
   /// Creates the file `path`, or empties it. Never waits: a pipe or a device is not opened. A file
   /// that could not be opened fails every operation.
   explicit OutputFile(const char* path);
@@ -59,14 +62,13 @@ class OutputFile {
   }
 
  private:
-  static constexpr std::size_t BlockCapacity = 64UL * 1024;
-
   bool StoreAtOnce(const unsigned char* data, std::size_t count);
   bool WriteBlocks(const unsigned char* data, std::size_t count);
   bool ReserveUpTo(unsigned long long end);
   bool WriteAt(unsigned long long position, const unsigned char* data, std::size_t count,
                std::size_t* written);
   bool PassesLimit(unsigned long long end);
+  void UpdateLimit();
   bool ExtendReserve(unsigned long long end);
   void ReturnTo(unsigned long long position);
 

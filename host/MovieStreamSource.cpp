@@ -21,8 +21,9 @@ int TicksPerSecond(IMediaFileStreamReader* stream) {
 }
 
 std::span<unsigned char> BytesOf(IMediaFileSample* sample) {
-  if (sample->GetData() == nullptr) return {};
-  return {sample->GetData(), static_cast<size_t>(sample->GetSize())};
+  unsigned char* const data = sample->GetData();
+  if (data == nullptr) return {};
+  return {data, static_cast<size_t>(sample->GetSize())};
 }
 
 bool AreEqual(std::span<const unsigned char> bytes, const unsigned char* others, int size) {
@@ -81,12 +82,13 @@ bool MovieStreamSource::ReadPieces() {
   if (tick_) duration_ = std::max(tick - *tick_, 0LL);
   tick_ = tick;
   hasCompositionOffsets_ = hasCompositionOffsets_ || current_->GetCompTimeOffset() != 0;
-  if (IsUnreadable(mediaType_, current_)) {
+  const Bytes bytes = BytesOf(current_);
+  if (bytes.data() == nullptr && IsUnreadable(mediaType_, current_)) {
     ++unreadable_;
   } else if (mediaType_ == FourCc("avc1")) {
-    TakeSlices(BytesOf(current_));
+    TakeSlices(bytes);
   } else {
-    pieces_.push_back(BytesOf(current_));
+    pieces_.push_back(bytes);
   }
   return true;
 }

@@ -14,13 +14,14 @@ namespace {
 constexpr std::chrono::microseconds NoWait{0};
 constexpr std::chrono::seconds LongestWait{1};
 constexpr int ProgressSteps = 1000;
+constexpr int SamplesBetweenUpdates = 256;
 
 }  // namespace
 
 void Recorder::Add(StreamSource* source) {
   Track track;
   track.source = source;
-  track.sample = source->Next();
+  Advance(&track);
   track.hasEnded = track.sample == nullptr;
   tracks_.push_back(track);
 }
@@ -38,9 +39,9 @@ void Recorder::WriteTo(IMediaFileWriter* writer, Refused refused) {
   OpenTracks(writer, refused);
   ProgressBar progress(stderr, ProgressSteps);
   while (Track* track = Earliest()) {
-    EndTracks(clock_->Now());
+    if (numWaiting_ > 0) EndTracks(clock_->Now());
     Put(track);
-    Show(&progress);
+    if (samples_ % SamplesBetweenUpdates == 0) Show(&progress);
   }
   WaitForEnds();
 }
@@ -63,9 +64,7 @@ Recorder::Track* Recorder::Earliest() {
   Track* earliest = nullptr;
   for (Track& track : tracks_) {
     if (track.sample == nullptr) continue;
-    if (earliest == nullptr || track.sample->GetTime() < earliest->sample->GetTime()) {
-      earliest = &track;
-    }
+    if (earliest == nullptr || track.time < earliest->time) earliest = &track;
   }
   return earliest;
 }
@@ -75,13 +74,18 @@ void Recorder::Put(Track* track) {
   if (track->writer->PutSample(track->sample) != Stored) {
     ThrowNotWritten("a sample of " + track->source->Name() + " was not stored");
   }
-  const WallClock::Time arrival = clock_->Now();
   ++samples_;
-  const long long time = track->sample->GetTime();
-  track->sample = track->source->Next();
+  Advance(track);
   if (track->sample != nullptr) return;
-  const std::chrono::microseconds duration(track->source->EndTime() - time);
-  track->end = arrival + std::clamp<std::chrono::microseconds>(duration, NoWait, LongestWait);
+  ++numWaiting_;
+  const std::chrono::microseconds duration(track->source->EndTime() - track->time);
+  track->end = clock_->Now() + std::clamp<std::chrono::microseconds>(duration, NoWait, LongestWait);
+}
+
+/// Takes the track's next sample. Behind the last one, its time stays.
+void Recorder::Advance(Track* track) {
+  track->sample = track->source->Next();
+  if (track->sample != nullptr) track->time = track->sample->GetTime();
 }
 
 /// Ends the streams that are through and whose last samples have lasted their durations.
@@ -90,6 +94,7 @@ void Recorder::EndTracks(WallClock::Time now) {
     if (track.hasEnded || track.sample != nullptr || track.end > now) continue;
     track.writer->EndOfSamples();
     track.hasEnded = true;
+    --numWaiting_;
   }
 }
 

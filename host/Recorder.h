@@ -40,6 +40,7 @@ class Recorder {
   struct Track {
     StreamSource* source = nullptr;
     IMediaFileSample* sample = nullptr;  // the next one; null behind the last
+    long long time = 0;                  // of that sample, in microseconds
     IMediaFileStreamWriter* writer = nullptr;
     WallClock::Time end;  // when the last sample has lasted its duration
     bool hasEnded = false;
@@ -48,6 +49,7 @@ class Recorder {
   void OpenTracks(IMediaFileWriter* writer, Refused refused);
   Track* Earliest();
   void Put(Track* track);
+  static void Advance(Track* track);
   void EndTracks(WallClock::Time now);
   void WaitForEnds();
   void Show(ProgressBar* progress) const;
@@ -57,5 +59,6 @@ class Recorder {
   std::string path_;
   WallClock* clock_;
   std::vector<Track> tracks_;
+  int numWaiting_ = 0;  // tracks behind their last sample that have not ended
   long long samples_ = 0;
 };

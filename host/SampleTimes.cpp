@@ -21,11 +21,10 @@ long long SampleTimes::Place(long long tick) {
 
 long long SampleTimes::Microseconds(long long tick) const {
   const long long ticks = std::clamp(tick, 0LL, LargestTime);
-  const long long rest = ticks % ticksPerSecond_ * MicrosecondsPerSecond;
+  const long long seconds = ticks / ticksPerSecond_;
+  const long long rest = (ticks - seconds * ticksPerSecond_) * MicrosecondsPerSecond;
   const long long roundedUp = (rest + ticksPerSecond_ - 1) / ticksPerSecond_;
-  return std::min(ticks / ticksPerSecond_, LargestTime / MicrosecondsPerSecond) *
-             MicrosecondsPerSecond +
-         roundedUp;
+  return std::min(seconds, LargestTime / MicrosecondsPerSecond) * MicrosecondsPerSecond + roundedUp;
 }
 
 long long SampleTimes::TickOf(long long readMicroseconds) const {

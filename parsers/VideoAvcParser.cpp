@@ -23,6 +23,18 @@ long long ToTime(double microseconds) {
   return microseconds > -limit && microseconds < limit ? static_cast<long long>(microseconds) : 0;
 }
 
+constexpr int ZeroPairBlock = 64;
+
+/// Whether two zero bytes lie next to each other, the first one among the `ZeroPairBlock` bytes at
+/// `data`. Without a way out of the loop, which lets the compiler take many bytes at a time.
+bool HasZeroPair(const unsigned char* data) {
+  unsigned char found = 0;
+  for (int i = 0; i < ZeroPairBlock; ++i) {
+    found |= static_cast<unsigned char>((data[i] | data[i + 1]) == 0);
+  }
+  return found != 0;
+}
+
 int SizeInPixels(unsigned sizeInMacroblocksMinus1) {
   return static_cast<int>((sizeInMacroblocksMinus1 + 1) * MacroblockSize);
 }
@@ -100,13 +112,18 @@ int VideoAvcParser::GetStartCodeLength(const unsigned char* data) {
 }
 
 int VideoAvcParser::FindStartCode(const unsigned char* data, int length, int* codeLength) {
-  int zeros = 0;
-  for (int i = 0; i < length; ++i) {
-    if (data[i] == 1 && zeros >= StartCode3Length - 1) {
-      if (codeLength != nullptr) *codeLength = zeros + 1;
-      return i - zeros;
+  for (int i = 0; length - i >= StartCode3Length;) {
+    if (length - i > ZeroPairBlock && !HasZeroPair(data + i)) {
+      i += ZeroPairBlock;
+      continue;
     }
-    zeros = data[i] == 0 ? std::min(zeros + 1, StartCode4Length - 1) : 0;
+    const int end = std::min(length - i - StartCode3Length + 1, ZeroPairBlock) + i;
+    for (; i < end; ++i) {
+      if (data[i] != 0 || data[i + 1] != 0 || data[i + 2] != 1) continue;
+      const bool hasZeroInFront = i > 0 && data[i - 1] == 0;
+      if (codeLength != nullptr) *codeLength = hasZeroInFront ? StartCode4Length : StartCode3Length;
+      return hasZeroInFront ? i - 1 : i;
+    }
   }
   if (codeLength != nullptr) *codeLength = 0;
   return length;

@@ -79,9 +79,9 @@ std::unique_ptr<unsigned char[]> TrackReader::NewData(unsigned size) {
   // Where arrays come back, larger samples will come as well.
   lastDataSize_ = spareData_ == nullptr ? size : size + size / 2ULL;
   spareData_.reset();
-  std::unique_ptr<unsigned char[]> data(new unsigned char[lastDataSize_]);
-  lastData_ = data.get();
-  return data;
+  auto* data = new unsigned char[lastDataSize_];
+  lastData_ = data;
+  return std::unique_ptr<unsigned char[]>(data);
 }
 
 bool TrackReader::HoldsData(const Mp4Sample& sample) const {

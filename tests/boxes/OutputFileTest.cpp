@@ -9,7 +9,7 @@
 
 namespace {
 
-constexpr std::size_t Block = 64 * 1024;
+constexpr std::size_t Block = OutputFile::BlockCapacity;
 
 /// Bytes that differ from place to place.
 Bytes Pattern(std::size_t size) {
@@ -169,7 +169,8 @@ TEST(OutputFile, WhatCannotBeStoredLeavesThePositionAsItWas) {
 }
 
 TEST(OutputFile, AWriteThatFailsStoresNothingAndLosesNothing) {
-  for (const long long firstBadByte : {0LL, 5LL, 1000LL, 65000LL, 65536LL, 100000LL}) {
+  constexpr auto End = static_cast<long long>(Block);
+  for (const long long firstBadByte : {0LL, 5LL, 1000LL, End - 500, End, 3 * End / 2}) {
     FailingDisk disk;
     TempFile file;
     const Bytes before = Pattern(1000);

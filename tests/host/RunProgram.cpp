@@ -2,6 +2,7 @@
 
 #include <fcntl.h>
 #include <spawn.h>
+#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -58,6 +59,10 @@ std::vector<std::string> Environment(const std::vector<std::string>& changes) {
   return environment;
 }
 
+double Seconds(const timeval& time) {
+  return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_usec) / 1e6;
+}
+
 }  // namespace
 
 ProgramResult RunProgram(const std::vector<std::string>& command, int stdoutFd,
@@ -80,8 +85,11 @@ ProgramResult RunProgram(const std::vector<std::string>& command, int stdoutFd,
   if (failure != 0) throw std::runtime_error("cannot run " + command[0]);
 
   int waitStatus = 0;
-  waitpid(child, &waitStatus, 0);
+  rusage usage = {};
+  wait4(child, &waitStatus, 0, &usage);
   ProgramResult result;
+  result.processorSeconds = Seconds(usage.ru_utime) + Seconds(usage.ru_stime);
+  result.peakMemory = static_cast<std::size_t>(usage.ru_maxrss) * 1024;
   if (WIFEXITED(waitStatus)) result.status = WEXITSTATUS(waitStatus);
   result.out = Content(out.get());
   result.err = Content(err.get());

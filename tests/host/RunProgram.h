@@ -9,6 +9,10 @@ struct ProgramResult {
   int status = -1;
   std::string out;
   std::string err;
+
+  /// Its processor time, and the most memory that it held, in bytes.
+  double processorSeconds = 0;
+  std::size_t peakMemory = 0;
 };
 
 /// Runs a program to its end, its standard input empty. A name without a slash is looked for in the

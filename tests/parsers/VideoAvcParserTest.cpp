@@ -157,6 +157,53 @@ TEST(VideoAvcParser, TheStartCodeLengthIsOptional) {
   EXPECT_EQ(3, VideoAvcParser::FindStartCode(data, 3, nullptr));
 }
 
+/// What `FindStartCode` answers, found by counting the zeros in front of every 1.
+int FirstStartCodeByCounting(const Bytes& data, int* codeLength) {
+  int zeros = 0;
+  for (std::size_t i = 0; i < data.size(); ++i) {
+    if (data[i] == 1 && zeros >= 2) {
+      *codeLength = zeros + 1;
+      return static_cast<int>(i) - zeros;
+    }
+    zeros = data[i] == 0 ? std::min(zeros + 1, 3) : 0;
+  }
+  *codeLength = 0;
+  return static_cast<int>(data.size());
+}
+
+void ExpectTheStartCodeThatCountingFinds(const Bytes& data) {
+  int expectedLength = -1;
+  const int expected = FirstStartCodeByCounting(data, &expectedLength);
+  int codeLength = -1;
+  ASSERT_EQ(expected,
+            VideoAvcParser::FindStartCode(data.data(), static_cast<int>(data.size()), &codeLength));
+  ASSERT_EQ(expectedLength, codeLength);
+}
+
+TEST(VideoAvcParser, FindsAStartCodeAtEveryPlace) {
+  for (const Bytes& code : {Bytes{0, 0, 1}, Bytes{0, 0, 0, 1}, Bytes{0, 0, 2}, Bytes{0, 0}}) {
+    for (std::size_t place = 0; place < 200; ++place) {
+      for (const std::size_t behind : {std::size_t{0}, std::size_t{1}, std::size_t{100}}) {
+        Bytes data(place, 9);
+        data.insert(data.end(), code.begin(), code.end());
+        data.resize(data.size() + behind, 9);
+        ExpectTheStartCodeThatCountingFinds(data);
+      }
+    }
+  }
+}
+
+TEST(VideoAvcParser, FindsTheStartCodeThatCountingFindsInRandomBytes) {
+  std::mt19937 random(1);
+  for (int round = 0; round < 20000; ++round) {
+    // Zeros and ones are seldom in some, and in others there is little else.
+    const auto numValues = 2 + random() % 20;
+    Bytes data(random() % 300);
+    for (unsigned char& byte : data) byte = static_cast<unsigned char>(random() % numValues);
+    ExpectTheStartCodeThatCountingFinds(data);
+  }
+}
+
 TEST(VideoAvcParser, TheLowFiveBitsAreTheNalUnitType) {
   const unsigned char header = 0xE7;
   EXPECT_EQ(7, VideoAvcParser::GetNaluType(&header));

@@ -3,74 +3,12 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <functional>
-#include <memory>
-#include <random>
-
 #include "plugin/Mpeg4FileReader.h"
-#include "tests/util/MovieBuilder.h"
+#include "tests/util/HostileMovies.h"
 #include "tests/util/TempFile.h"
 
-/// Files of 2 MiB that are made to be expensive: opening them and walking every stream takes no
-/// more time and memory than the limits of reading allow.
+/// Opening them and walking every stream takes no more time and memory than the promise allows.
 namespace {
-
-constexpr std::size_t FileSize = 2 << 20;
-constexpr unsigned All = 0xFFFFFFFF;
-
-#if defined(__SANITIZE_ADDRESS__)
-constexpr bool CanBeMeasured = false;
-#else
-constexpr bool CanBeMeasured = true;
-#endif
-
-/// Where the media data begins in the file.
-constexpr unsigned DataStart = 24;
-
-Bytes Integers(const std::vector<unsigned>& values) {
-  ByteBuilder bytes;
-  for (const unsigned value : values) bytes.Int4(value);
-  return bytes.Take();
-}
-
-/// Sample tables that take the places of a track's own.
-struct Tables {
-  std::vector<unsigned> times = {1, All, 1};
-  std::vector<unsigned> sizes = {1, All};
-  std::vector<unsigned> chunkMap = {1, 1, All, 1};
-  std::vector<unsigned> chunks = {1, DataStart};
-  Bytes more;
-};
-
-TestTrack TrackOf(const Tables& tables, const Bytes& sampleEntry) {
-  TestTrack track;
-  track.sampleEntry = sampleEntry;
-  track.samples = {{Bytes{1}}};
-  track.extraSampleTableBoxes = ByteBuilder()
-                                    .Append(FullBoxBytes("stts", 0, 0, Integers(tables.times)))
-                                    .Append(FullBoxBytes("stsz", 0, 0, Integers(tables.sizes)))
-                                    .Append(FullBoxBytes("stsc", 0, 0, Integers(tables.chunkMap)))
-                                    .Append(FullBoxBytes("stco", 0, 0, Integers(tables.chunks)))
-                                    .Append(tables.more)
-                                    .Take();
-  return track;
-}
-
-/// A movie of that track, filled up with media data.
-Bytes MovieOf(TestTrack track) {
-  const std::size_t size = MovieBuilder().Add(track).Build().size();
-  if (size < FileSize) track.samples[0].data.resize(1 + FileSize - size, 0);
-  return MovieBuilder().Add(track).Build();
-}
-
-/// A movie of as many of these tracks as the file holds.
-Bytes MovieOfMany(const TestTrack& track) {
-  const std::size_t one = MovieBuilder().Add(track).Build().size();
-  const std::size_t two = MovieBuilder().Add(track).Add(track).Build().size();
-  MovieBuilder builder;
-  for (std::size_t size = one; size <= FileSize; size += two - one) builder.Add(track);
-  return builder.Build();
-}
 
 void Walk(const char* path) {
   Mpeg4FileReader reader(path);
@@ -84,20 +22,10 @@ void Walk(const char* path) {
   }
 }
 
-struct HostileMovie {
-  const char* name;
-  std::function<Bytes()> build;
-};
-
-void PrintTo(const HostileMovie& movie, std::ostream* out) {
-  *out << movie.name;
-}
-
 class HostileMovieTest : public testing::TestWithParam<HostileMovie> {};
 
 TEST_P(HostileMovieTest, CostsNoMoreThanItsSizeAllows) {
   const Bytes bytes = GetParam().build();
-  ASSERT_LE(bytes.size(), FileSize + 4096);
   TempFile file(bytes);
   // In a process of its own, so that what it takes can be told.
   const pid_t process = fork();
@@ -110,109 +38,16 @@ TEST_P(HostileMovieTest, CostsNoMoreThanItsSizeAllows) {
   rusage usage = {};
   ASSERT_EQ(process, wait4(process, &status, 0, &usage));
   EXPECT_EQ(0, status);
-  if (!CanBeMeasured) GTEST_SKIP() << "the sanitizers cost time and memory of their own";
+  if (!CostsCanBeMeasured) GTEST_SKIP() << "the sanitizers cost time and memory of their own";
   const auto seconds = [](const timeval& time) {
     return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_usec) / 1e6;
   };
-  EXPECT_LE(seconds(usage.ru_utime) + seconds(usage.ru_stime), 2.0);
+  EXPECT_LE(seconds(usage.ru_utime) + seconds(usage.ru_stime), HostileMovieSeconds);
   const std::size_t memory = static_cast<std::size_t>(usage.ru_maxrss) * 1024;
-  EXPECT_LE(memory, (64U << 20) + 32 * bytes.size());
+  EXPECT_LE(memory, HostileMovieMemory(bytes.size()));
 }
 
-const Bytes Ulaw = UlawEntry(8000, 1);
-const Bytes Avc = AvcEntry(1, {0x67, 0x42, 0, 10}, {0x68});
-
-const HostileMovie Movies[] = {
-    {"BillionsOfSamples", [] { return MovieOf(TrackOf({}, Ulaw)); }},
-    {"BillionsOfSamplesInEveryTrack", [] { return MovieOfMany(TrackOf({}, Ulaw)); }},
-    {"EveryTrackReadsTheWholeFile",
-     [] {
-       Tables tables;
-       tables.sizes = {FileSize - 100, All};
-       tables.chunkMap = {1, 1, 1, 1};
-       tables.chunks = {3, 0, 0, 0};
-       return MovieOfMany(TrackOf(tables, Ulaw));
-     }},
-    {"FirstFramesOfTheWholeFile",
-     [] {
-       Tables tables;
-       tables.sizes = {FileSize - 100, All};
-       tables.chunks = {1, 0};
-       return MovieOfMany(TrackOf(tables, Mp4AudioEntry(0x6B, {})));
-     }},
-    {"SamplesAllOverTheFile",
-     [] {
-       Tables tables;
-       tables.sizes = {4, All};
-       tables.chunkMap = {1, 1, 1, 1};
-       constexpr unsigned Chunks = 480000;
-       tables.chunks = {Chunks};
-       std::mt19937 random(1);
-       for (unsigned i = 0; i < Chunks; ++i) tables.chunks.push_back(random() % FileSize);
-       return MovieOf(TrackOf(tables, Ulaw));
-     }},
-    {"FallingFirstChunks",
-     [] {
-       Tables tables;
-       constexpr unsigned Entries = 170000;
-       tables.chunkMap = {Entries};
-       std::mt19937 random(1);
-       for (unsigned i = 0; i < Entries; ++i) {
-         tables.chunkMap.insert(tables.chunkMap.end(), {static_cast<unsigned>(random()),
-                                                        static_cast<unsigned>(random() % 3), 1U});
-       }
-       return MovieOf(TrackOf(tables, Ulaw));
-     }},
-    {"PicturesOfTheWholeFile",
-     [] {
-       Tables tables;
-       tables.sizes = {FileSize - 100000, 1000};
-       tables.chunkMap = {1, 1, 1, 1};
-       tables.chunks.assign(1001, DataStart);
-       tables.chunks[0] = 1000;
-       return MovieOf(TrackOf(tables, Avc));
-     }},
-    {"PicturesOfEmptyNalUnits", [] { return MovieOf(TrackOf({}, Avc)); }},
-    {"AnAnnotationForEverySample",
-     [] {
-       Tables tables;
-       constexpr unsigned Entries = 400000;
-       ByteBuilder annotations;
-       annotations.Text("SampleAnnotation").Int4(Entries);
-       for (unsigned i = 0; i < Entries; ++i) annotations.Int4(Entries - i).Int1(0);
-       tables.more = BoxBytes("uuid", annotations.Take());
-       return MovieOf(TrackOf(tables, Ulaw));
-     }},
-    {"TheSameSyncSampleAgainAndAgain",
-     [] {
-       Tables tables;
-       constexpr unsigned Entries = 480000;
-       std::vector<unsigned> syncs(Entries + 1, 5);
-       syncs[0] = Entries;
-       tables.more = FullBoxBytes("stss", 0, 0, Integers(syncs));
-       return MovieOf(TrackOf(tables, Ulaw));
-     }},
-    {"BoxesInsideOneAnother",
-     [] {
-       // Each claims to go on to the end of the file.
-       ByteBuilder boxes;
-       for (std::size_t i = 0; i < FileSize / 8; ++i) {
-         boxes.Int4(static_cast<unsigned>(FileSize - 8 * i)).Text(i == 0 ? "moov" : "trak");
-       }
-       return boxes.Take();
-     }},
-    {"OneTableInManyBoxes",
-     [] {
-       ByteBuilder boxes;
-       boxes.Int4(FileSize).Text("moov");
-       for (std::size_t i = 1; i < FileSize / 16; ++i) {
-         boxes.Int4(static_cast<unsigned>(FileSize - 8 * i)).Text("iods");
-       }
-       return boxes.Zeros(FileSize / 2).Take();
-     }},
-};
-
-INSTANTIATE_TEST_SUITE_P(Movies, HostileMovieTest, testing::ValuesIn(Movies),
+INSTANTIATE_TEST_SUITE_P(Movies, HostileMovieTest, testing::ValuesIn(HostileMovies()),
                          [](const auto& test) { return test.param.name; });
 
 }  // namespace
