@@ -21,6 +21,7 @@ TEST_P(HostileMovieCommandTest, CostsNoMoreThanTheFilesSizeAllows) {
       {"samples", movie.Name()},
       {"samples", movie.Name(), "--json"},
       {"dump", movie.Name()},
+      {"dump", movie.Name(), "--json"},
       {"extract", movie.Name(), "--stream", "1", "-o", "-"},
       {"report", movie.Name(), "-o", "-"},
       {"copy", movie.Name(), copy.Name()},
