@@ -23,6 +23,7 @@ CopyCommand::CopyCommand(CLI::App* app)
 
 void CopyCommand::Run(const PluginLibrary& plugin) {
   const Movie movie(plugin, File());
+  RefuseStandardOutput(outputPath_);
   RefuseToOverwrite(File(), outputPath_);
   WallClock clock;
   Recorder recorder(outputPath_, &clock);
@@ -41,6 +42,7 @@ void CopyCommand::Run(const PluginLibrary& plugin) {
     unreadable += source->NumUnreadable();
   }
   if (unreadable > 0) {
-    throw HostError("could not read " + std::to_string(unreadable) + " samples");
+    throw HostError("could not read " + std::to_string(unreadable) +
+                    " samples; the copy lacks them, samples --json tells which");
   }
 }

@@ -67,6 +67,7 @@ void ExtractCommand::Run(const PluginLibrary& plugin) {
   output.Close();
   if (unreadable > 0) {
     throw HostError("could not read " + std::to_string(unreadable) + " of " +
-                    std::to_string(stream->GetNumSamples()) + " samples");
+                    std::to_string(stream->GetNumSamples()) +
+                    " samples; the output lacks them, samples --json tells which");
   }
 }

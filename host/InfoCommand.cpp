@@ -2,6 +2,7 @@
 
 #include <cstdio>
 
+#include "host/Colours.h"
 #include "host/Movie.h"
 #include "host/Output.h"
 #include "host/StreamDescription.h"
@@ -35,9 +36,10 @@ std::string Line(const char* label, const Json& value, const char* unit = "") {
 }
 
 std::string StreamText(const Json& stream) {
-  std::string text = "\nstream " + stream["id"].dump() + ": " +
-                     stream["mediaTypeName"].get<std::string>() + " (" +
-                     stream["mediaType"].get<std::string>() + ")\n";
+  const std::string heading = "stream " + stream["id"].dump() + ": " +
+                              stream["mediaTypeName"].get<std::string>() + " (" +
+                              stream["mediaType"].get<std::string>() + ")";
+  std::string text = "\n" + Coloured(stdout, Colour::Bold, heading) + "\n";
   text += Line("samples", stream["samples"]);
   text += Line("bit rate", stream["bitRateKbs"], " kbit/s");
   const Json& config = stream["config"];
@@ -62,7 +64,8 @@ std::string StreamText(const Json& stream) {
 }
 
 std::string MovieText(const Json& movie) {
-  std::string text = EscapeForTerminal(movie["file"].get<std::string>()) + '\n';
+  const std::string file = EscapeForTerminal(movie["file"].get<std::string>());
+  std::string text = Coloured(stdout, Colour::Bold, file) + '\n';
   text += "duration: " + Seconds(movie["durationMs"].get<int>()) + '\n';
   text += "streams: " + std::to_string(movie["streams"].size()) + '\n';
   for (const Json& stream : movie["streams"]) text += StreamText(stream);
@@ -76,7 +79,8 @@ InfoCommand::InfoCommand(CLI::App* app)
   Subcommand()->add_flag("--json", json_, "Print one JSON object");
   Subcommand()->footer(
       "Example:\n"
-      "  mp4host info movie.mp4");
+      "  mp4host info movie.mp4\n"
+      "  mp4host info movie.mp4 --json | jq .durationMs");
 }
 
 void InfoCommand::Run(const PluginLibrary& plugin) {

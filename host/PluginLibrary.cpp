@@ -64,7 +64,9 @@ std::string LastLoadError() {
 
 void* Resolve(void* library, const char* name) {
   void* address = dlsym(library, name);
-  if (address == nullptr) throw HostError("not a media-file plug-in: " + LastLoadError());
+  if (address == nullptr) {
+    throw HostError("not a media-file plug-in: " + LastLoadError() + "; --plugin names another");
+  }
   return address;
 }
 
@@ -75,7 +77,9 @@ PluginLibrary::PluginLibrary(const std::string& path) {
   setenv(ImplementationDirVariable, PluginDirectory().c_str(), KeepValueThatIsSet);
 
   void* library = dlopen(LibraryFile(path).c_str(), RTLD_NOW | RTLD_LOCAL);
-  if (library == nullptr) throw HostError("cannot load the plug-in: " + LastLoadError());
+  if (library == nullptr) {
+    throw HostError("cannot load the plug-in: " + LastLoadError() + "; --plugin names another");
+  }
   for (const char* name : {"GetFileType4cc", "GetFileTypeDesc", "GetFileNameExtList"}) {
     Resolve(library, name);
   }

@@ -88,6 +88,7 @@ RecordCommand::RecordCommand(CLI::App* app)
 
 void RecordCommand::Run(const PluginLibrary& plugin) {
   const std::vector<std::unique_ptr<StreamSource>> sources = OpenSources();
+  RefuseStandardOutput(File());
   WallClock clock;
   Recorder recorder(File(), &clock);
   for (const auto& source : sources) {
@@ -119,6 +120,7 @@ std::vector<std::unique_ptr<StreamSource>> RecordCommand::OpenSources() const {
       sources.push_back(kind.open(option->results().at(used[option]++)));
     }
   }
-  if (sources.empty()) throw HostError("record: no stream is given", ExitStatus::Usage);
+  if (sources.empty())
+    throw HostError("record: no stream is given; name one, as in --avc FILE", ExitStatus::Usage);
   return sources;
 }

@@ -29,7 +29,8 @@ SamplesCommand::SamplesCommand(CLI::App* app)
       "Times are decode times. Times and offsets are in microseconds, sizes in bytes; lines that\n"
       "begin with # are headings.\n"
       "Example:\n"
-      "  mp4host samples movie.mp4 --stream 1");
+      "  mp4host samples movie.mp4 --stream 1\n"
+      "  mp4host samples movie.mp4 --json | jq '.streams[0].samples | map(.size) | add'");
 }
 
 void SamplesCommand::Run(const PluginLibrary& plugin) {

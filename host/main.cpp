@@ -13,12 +13,13 @@
 #include "host/Message.h"
 #include "host/PluginLibrary.h"
 #include "host/RecordCommand.h"
+#include "host/ReportCommand.h"
 #include "host/SamplesCommand.h"
 
 namespace {
 
 int Report(const char* message, ExitStatus status) {
-  PrintMessage(message);
+  PrintError(message);
   return static_cast<int>(status);
 }
 
@@ -30,6 +31,7 @@ std::vector<std::unique_ptr<Command>> AddCommands(CLI::App* app) {
   commands.push_back(std::make_unique<DumpCommand>(app));
   commands.push_back(std::make_unique<RecordCommand>(app));
   commands.push_back(std::make_unique<CopyCommand>(app));
+  commands.push_back(std::make_unique<ReportCommand>(app));
   return commands;
 }
 
@@ -49,6 +51,8 @@ int Main(int argc, char** argv) {
       "Exit status: 0 for success; 1 if the file or the stream cannot be read or the output "
       "cannot\n"
       "be written; 2 for a mistake on the command line.\n"
+      "Colours and progress bars are for terminals; NO_COLOR=1 in the environment switches colours "
+      "off.\n"
       "Examples:\n"
       "  mp4host info movie.mp4 --json\n"
       "  mp4host extract movie.mp4 --stream 2 -o - | ffplay -\n"

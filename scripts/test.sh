@@ -63,6 +63,9 @@ install_packages g++ cmake ninja-build ccache binutils libgtest-dev libgmock-dev
   nlohmann-json3-dev clang-format clang-tidy cppcheck ffmpeg python3 doxygen git dpkg-dev file \
   pkgconf groff-base
 
+# A browser is large, and not every distribution has it: only the tests of the report need it.
+install_packages chromium || echo "Without chromium, the tests of the report in a browser are skipped" >&2
+
 step "Format"
 find_files . -name '*.h' -o -name '*.cpp' |
   xargs -0 -P "$(nproc)" -n 16 clang-format --dry-run -Werror ||

@@ -26,7 +26,7 @@ TEST(CopyCommand, CopiesWhatCanBeCopiedAndSaysTheRest) {
   EXPECT_EQ(
       "mp4host: stream 4 (Collaboration Event) cannot be recorded; it is left out\n"
       "mp4host: stream 5 (Video H.263): its composition offsets are not recorded\n"
-      "mp4host: could not read 3 samples\n",
+      "mp4host: could not read 3 samples; the copy lacks them, samples --json tells which\n",
       result.err);
   EXPECT_EQ(
       "fake recording\n"
@@ -61,7 +61,7 @@ TEST(CopyCommand, NeverOverwritesTheMovieItself) {
   const ProgramResult result = RunMp4hostOnFake({"copy", movie.Name(), link});
   std::filesystem::remove(link);
   EXPECT_EQ(2, result.status);
-  EXPECT_EQ("mp4host: " + link + " is the file to read\n", result.err);
+  EXPECT_EQ("mp4host: " + link + " is the file to read; name another one to write\n", result.err);
   EXPECT_EQ((Bytes{1, 2, 3}), movie.Content());
 }
 

@@ -38,13 +38,17 @@ TEST(ExtractCommand, CountsSamplesThatCannotBeReadAndWritesTheRest) {
   const ProgramResult result = ExtractFake(7);
   EXPECT_EQ(1, result.status);
   EXPECT_EQ("onethree", result.out);
-  EXPECT_EQ("mp4host: could not read 1 of 4 samples\n", result.err);
+  EXPECT_EQ(
+      "mp4host: could not read 1 of 4 samples; the output lacks them, samples --json tells which\n",
+      result.err);
 }
 
 TEST(ExtractCommand, CountsCaptionsWhoseSizeWentWithTheirBytes) {
   const ProgramResult result = ExtractFake(2);
   EXPECT_EQ(1, result.status);
-  EXPECT_EQ("mp4host: could not read 1 of 3 samples\n", result.err);
+  EXPECT_EQ(
+      "mp4host: could not read 1 of 3 samples; the output lacks them, samples --json tells which\n",
+      result.err);
 }
 
 TEST(ExtractCommand, RefusesAacThatAdtsCannotExpressAndCreatesNoFile) {

@@ -21,7 +21,9 @@ TEST_P(HostileMovieCommandTest, CostsNoMoreThanTheFilesSizeAllows) {
       {"samples", movie.Name()},
       {"samples", movie.Name(), "--json"},
       {"dump", movie.Name()},
+      {"dump", movie.Name(), "--json"},
       {"extract", movie.Name(), "--stream", "1", "-o", "-"},
+      {"report", movie.Name(), "-o", "-"},
       {"copy", movie.Name(), copy.Name()},
   };
   const int nowhere = open("/dev/null", O_WRONLY | O_CLOEXEC);

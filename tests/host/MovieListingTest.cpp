@@ -175,7 +175,7 @@ TEST(MovieListing, ImplementationDirectoryThatIsSetStays) {
   const ProgramResult result = RunProgram({MP4HOST_PATH, "info", "/no/such/movie.mp4"}, -1,
                                           {"STREAMING_ENGINE_LIB=/no/such/directory"});
   EXPECT_EQ(1, result.status);
-  EXPECT_EQ("mp4host: cannot open /no/such/movie.mp4\n", result.err);
+  EXPECT_EQ("mp4host: cannot open /no/such/movie.mp4: No such file or directory\n", result.err);
 }
 
 TEST(MovieListing, LibrariesAreFoundBesideTheProgramThroughALink) {

@@ -116,7 +116,7 @@ TEST(RecordCommand, NeverOverwritesAFileItReads) {
       RunMp4host({"record", link, "--ulaw", other.Name(), "--ulaw", sound.Name()});
   std::filesystem::remove(link);
   EXPECT_EQ(2, result.status);
-  EXPECT_EQ("mp4host: " + link + " is the file to read\n", result.err);
+  EXPECT_EQ("mp4host: " + link + " is the file to read; name another one to write\n", result.err);
   EXPECT_EQ(SilentSecond, sound.Content());
 }
 

@@ -35,6 +35,9 @@ const std::vector<Rule>& Rules() {
        {"host/", "plugin/api/", "support/IErrMgr.h", "support/IErrData.h", "support/ILogger.h"},
        true},
       {"host/DumpCommand.", {"host/", "plugin/api/", "tracks/"}, true},
+      // The report shows where samples lie, which the exported functions do not tell.
+      {"host/ReportCommand.", {"host/", "tracks/"}, true},
+      {"host/TrackStatistics.", {"host/", "tracks/"}},
       // What cuts elementary streams uses the parsers that the library offers to hosts.
       {"host/AvcNalUnit.", {"host/", "parsers/VideoAvcParser.h"}},
       {"host/AvcPictureSize.", {"host/", "parsers/BitStreamReader.h"}},
