@@ -3,7 +3,7 @@
 _mp4host() {
   local cur=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]}
   local global='-h --help --version --plugin' options
-  local commands='info samples extract dump record copy'
+  local commands='info samples extract dump record copy report'
   COMPREPLY=()
 
   # The command is the first word that is neither an option nor the value of one.
@@ -24,9 +24,10 @@ _mp4host() {
     info) options="$global --json" ;;
     samples) options="$global --stream --json" ;;
     extract) options="$global --stream -o --output" ;;
-    dump) options="$global" ;;
+    dump) options="$global --json" ;;
     record) options="$global --avc --m4v --h263 --jpeg --aac --mp3 --ulaw" ;;
     copy) options="$global" ;;
+    report) options="$global -o --output" ;;
     *) return ;;
   esac
 

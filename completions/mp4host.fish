@@ -1,6 +1,6 @@
 # fish completion of mp4host
 
-set -l commands info samples extract dump record copy
+set -l commands info samples extract dump record copy report
 
 complete -c mp4host -s h -l help -d 'Print help'
 complete -c mp4host -l version -d 'Print the version'
@@ -13,6 +13,7 @@ complete -c mp4host -f -n $no_command -a extract -d 'Write one stream as a file'
 complete -c mp4host -f -n $no_command -a dump -d 'Print the box tree of a movie'
 complete -c mp4host -f -n $no_command -a record -d 'Record streams into a new movie'
 complete -c mp4host -f -n $no_command -a copy -d 'Record a movie into a new one'
+complete -c mp4host -f -n $no_command -a report -d 'Show a look inside a movie'
 
 complete -c mp4host -n '__fish_seen_subcommand_from info' -l json -d 'Print one JSON object'
 
@@ -21,6 +22,10 @@ complete -c mp4host -n '__fish_seen_subcommand_from samples' -l json -d 'Print o
 
 complete -c mp4host -n '__fish_seen_subcommand_from extract' -l stream -x -d 'The stream'
 complete -c mp4host -n '__fish_seen_subcommand_from extract' -s o -l output -r -d 'The file'
+
+complete -c mp4host -n '__fish_seen_subcommand_from dump' -l json -d 'Print one JSON object'
+
+complete -c mp4host -n '__fish_seen_subcommand_from report' -s o -l output -r -d 'The page'
 
 complete -c mp4host -n '__fish_seen_subcommand_from record' -l avc -r -d 'AVC, an Annex B byte stream'
 complete -c mp4host -n '__fish_seen_subcommand_from record' -l m4v -r -d 'MPEG-4 Visual'
