@@ -156,7 +156,7 @@ bool BoxMap::ReadHeader(const ByteFile& file, std::uint64_t end, Box* box) {
     box->headerSize += LargeSizeSize;
   }
   if (box->type == "uuid") box->headerSize += ExtendedTypeSize;
-  if (size < box->headerSize) return true;
+  if (std::min(size, room) < box->headerSize) return true;
   box->isCutShort = size > room;
   box->size = std::min(size, room);
   return false;

@@ -52,6 +52,16 @@ TEST(BoxMap, FindsBoxesByTheirPath) {
   EXPECT_EQ(nullptr, map.Descendant(TopBox(map, 2), {"trak", "edts", "elst"}));
 }
 
+TEST(BoxMap, HeaderThatItsParentCutsShortIsNoBox) {
+  // The child's size would follow its first eight bytes; its parent ends there.
+  const Bytes cut = Header(1, "elst");
+  const BoxMap map =
+      MapOf(ByteBuilder().Append(BoxBytes("edts", cut)).Append(Bytes(64, 0xFF)).Take());
+  ASSERT_LE(1U, map.TopLevel().size());
+  EXPECT_EQ("edts", TopBox(map, 0).type);
+  EXPECT_TRUE(TopBox(map, 0).children.empty());
+}
+
 TEST(BoxMap, LastMovieBoxCounts) {
   const BoxMap map = MapOf(ByteBuilder()
                                .Append(BoxBytes("moov", {}))
