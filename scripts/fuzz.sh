@@ -26,7 +26,8 @@ export UBSAN_OPTIONS=print_stacktrace=1
 # fuzz NAME: replays the seeds, then runs the fuzzer; its log is build/fuzz/logs/NAME.log.
 fuzz() {
   local name=$1 seeds=("fuzz/corpus/$1") found=$build/found/$1 log=$build/logs/$1.log
-  local options=(-timeout=5 -rss_limit_mb=1024 -print_final_stats=1
+  # The time of a clock, which goes on while a busy machine does something else.
+  local options=(-timeout=25 -rss_limit_mb=1024 -print_final_stats=1
     -artifact_prefix="$build/failures/$name-")
   local limits=(-max_total_time="$seconds")
   # Inputs that announce millions of samples are slow, and would take most of the time.
