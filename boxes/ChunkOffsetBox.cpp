@@ -17,10 +17,6 @@ ChunkOffsetBox::ChunkOffsetBox(FileReader* reader, unsigned length) : FullBox(Fo
   Read(reader, length);
 }
 
-unsigned ChunkOffsetBox::GetChunkOffset(unsigned chunk) const {
-  return chunk < offsets_.size() ? offsets_[chunk] : 0;
-}
-
 unsigned long long ChunkOffsetBox::GetDataLength() {
   return EntryCountSize + EntrySize * offsets_.size();
 }

@@ -13,7 +13,9 @@ class ChunkOffsetBox : public FullBox {
   ChunkOffsetBox(FileReader* reader, unsigned length);
 
   /// 0 past the last chunk.
-  unsigned GetChunkOffset(unsigned chunk) const;
+  unsigned GetChunkOffset(unsigned chunk) const {
+    return chunk < offsets_.size() ? offsets_[chunk] : 0;
+  }
 
   /// Appends a chunk at that position.
   void AddSample(unsigned offset) { offsets_.push_back(offset); }

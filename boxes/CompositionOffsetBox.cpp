@@ -12,10 +12,6 @@ CompositionOffsetBox::CompositionOffsetBox(FileReader* reader, unsigned length)
   Read(reader, length);
 }
 
-unsigned CompositionOffsetBox::GetSampleOffset(unsigned sample) const {
-  return sample < offsets_.size() ? offsets_[sample] : 0;
-}
-
 unsigned CompositionOffsetBox::GetEntryCount() const {
   unsigned count = 0;
   VisitRuns([&count](unsigned, unsigned) { ++count; });

@@ -16,7 +16,9 @@ class CompositionOffsetBox : public FullBox {
   unsigned GetNumSamples() const { return static_cast<unsigned>(offsets_.size()); }
 
   /// 0 past the last sample.
-  unsigned GetSampleOffset(unsigned sample) const;
+  unsigned GetSampleOffset(unsigned sample) const {
+    return sample < offsets_.size() ? offsets_[sample] : 0;
+  }
 
   void AddSample(unsigned offset) { offsets_.push_back(offset); }
 

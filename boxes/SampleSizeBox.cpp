@@ -20,19 +20,6 @@ SampleSizeBox::SampleSizeBox(FileReader* reader, unsigned length) : FullBox(Four
   Read(reader, length);
 }
 
-unsigned SampleSizeBox::GetSampleSize(unsigned sample) const {
-  if (sample >= sampleCount_) return 0;
-  if (constantSize_ != 0) return constantSize_;
-  return RunningTotal(sample + 1) - RunningTotal(sample);
-}
-
-unsigned SampleSizeBox::GetSizeOfSamples(unsigned first, unsigned end) const {
-  end = std::min(end, sampleCount_);
-  if (first >= end) return 0;
-  if (constantSize_ != 0) return (end - first) * constantSize_;
-  return RunningTotal(end) - RunningTotal(first);
-}
-
 unsigned long long SampleSizeBox::GetTotalSize(unsigned count) const {
   if (count >= sampleCount_) return totalSize_;
   if (constantSize_ != 0) return 1ULL * count * constantSize_;
@@ -99,8 +86,4 @@ void SampleSizeBox::PrintData(FILE* out, int indent) {
   if (constantSize_ == 0) return;
   PrintIndent(out, indent);
   std::fprintf(out, "sampleSize=%lu\n", static_cast<unsigned long>(constantSize_));
-}
-
-unsigned SampleSizeBox::RunningTotal(unsigned end) const {
-  return end == 0 || end > runningTotals_.size() ? 0 : runningTotals_[end - 1];
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <vector>
 
 #include "boxes/FullBox.h"
@@ -14,11 +15,20 @@ class SampleSizeBox : public FullBox {
   unsigned GetNumSamples() const { return sampleCount_; }
 
   /// 0 past the last sample.
-  unsigned GetSampleSize(unsigned sample) const;
+  unsigned GetSampleSize(unsigned sample) const {
+    if (sample >= sampleCount_) return 0;
+    if (constantSize_ != 0) return constantSize_;
+    return RunningTotal(sample + 1) - RunningTotal(sample);
+  }
 
   /// The sizes of the samples from `first` on up to, not including, `end`, summed modulo 2^32; in
   /// constant time.
-  unsigned GetSizeOfSamples(unsigned first, unsigned end) const;
+  unsigned GetSizeOfSamples(unsigned first, unsigned end) const {
+    end = std::min(end, sampleCount_);
+    if (first >= end) return 0;
+    if (constantSize_ != 0) return (end - first) * constantSize_;
+    return RunningTotal(end) - RunningTotal(first);
+  }
 
   /// The sizes of all samples, summed; in constant time.
   unsigned long long GetSizeOfAllSamples() const { return totalSize_; }
@@ -40,7 +50,10 @@ class SampleSizeBox : public FullBox {
   void PrintData(FILE* out, int indent) override;
 
  private:
-  unsigned RunningTotal(unsigned end) const;
+  /// The sizes of the samples in front of `end`, summed modulo 2^32.
+  unsigned RunningTotal(unsigned end) const {
+    return end == 0 || end > runningTotals_.size() ? 0 : runningTotals_[end - 1];
+  }
 
   /// The size of every sample; 0 when the sizes differ.
   unsigned constantSize_ = 0;

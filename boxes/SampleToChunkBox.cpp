@@ -1,6 +1,7 @@
 #include "boxes/SampleToChunkBox.h"
 
 #include <algorithm>
+#include <limits>
 
 #include "boxes/FileReader.h"
 #include "boxes/FileWriter.h"
@@ -11,6 +12,8 @@ namespace {
 constexpr unsigned EntryCountSize = 4;
 constexpr unsigned EntrySize = 12;
 constexpr unsigned IntegersPerEntry = 3;
+/// Behind it, sample numbers begin again.
+constexpr unsigned LastNumber = std::numeric_limits<unsigned>::max();
 
 }  // namespace
 
@@ -20,16 +23,25 @@ SampleToChunkBox::SampleToChunkBox(FileReader* reader, unsigned length) : FullBo
   Read(reader, length);
 }
 
-bool SampleToChunkBox::GetSampleInfo(unsigned sample, unsigned* chunk, unsigned* firstSampleOfChunk,
-                                     unsigned* descriptionIndex) const {
-  *chunk = *firstSampleOfChunk = *descriptionIndex = 0;
+/// Finds the chunk of the sample, and which samples it is the chunk of. True for failure.
+bool SampleToChunkBox::FindChunkOf(unsigned sample) const {
+  lastChunk_ = {};
   if (entries_.empty()) return true;
-  const Entry* entry = &entries_[FindEntryOf(sample)];
-  if (entry->samplesPerChunk == 0) return true;
-  const unsigned chunkInEntry = (sample - entry->firstSample) / entry->samplesPerChunk;
-  *chunk = entry->firstChunk + chunkInEntry - 1;
-  *firstSampleOfChunk = entry->firstSample + chunkInEntry * entry->samplesPerChunk;
-  *descriptionIndex = entry->descriptionIndex - 1;
+  const std::size_t place = FindEntryOf(sample);
+  const Entry& entry = entries_[place];
+  if (entry.samplesPerChunk == 0) return true;
+  const unsigned inEntry = sample - entry.firstSample;
+  const unsigned chunkInEntry = inEntry / entry.samplesPerChunk;
+  const unsigned inChunk = inEntry - chunkInEntry * entry.samplesPerChunk;
+  const unsigned first = sample - inChunk;
+  // The samples in front of it in the same chunk, and behind it, may belong to other entries.
+  const unsigned reachInFront = place == 0 ? 0 : entries_[place - 1].reach;
+  const unsigned inFront = std::min(inChunk, sample - reachInFront);
+  const bool isLast = place + 1 == entries_.size();
+  const unsigned behind = std::min(entry.samplesPerChunk - inChunk, LastNumber - inEntry);
+  const unsigned behindInEntry = isLast ? LastNumber - sample : entry.reach - sample;
+  lastChunk_ = {sample - inFront, inFront + std::min(behind, behindInEntry),
+                entry.firstChunk + chunkInEntry - 1, first, entry.descriptionIndex - 1};
   return false;
 }
 

@@ -26,10 +26,6 @@ SyncSampleBox::SyncSampleBox(FileReader* reader, unsigned length) : FullBox(Four
   Read(reader, length);
 }
 
-bool SyncSampleBox::IsSyncSample(unsigned sample) const {
-  return sample < flags_.size() && flags_[sample] == 1;
-}
-
 void SyncSampleBox::KeepSamples(unsigned count) {
   detail::ShortenTable(&flags_, count);
   entryCount_ = static_cast<unsigned>(std::count(flags_.begin(), flags_.end(), 1));

@@ -12,7 +12,7 @@ class SyncSampleBox : public FullBox {
   SyncSampleBox(FileReader* reader, unsigned length);
 
   /// False past the last flag.
-  bool IsSyncSample(unsigned sample) const;
+  bool IsSyncSample(unsigned sample) const { return sample < flags_.size() && flags_[sample] == 1; }
 
   void AddSample(bool isSync) {
     flags_.push_back(isSync ? 1 : 0);

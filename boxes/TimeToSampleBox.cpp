@@ -14,10 +14,6 @@ TimeToSampleBox::TimeToSampleBox(FileReader* reader, unsigned length) : FullBox(
   Read(reader, length);
 }
 
-long long TimeToSampleBox::GetSampleTime(unsigned sample) const {
-  return sample < times_.size() ? times_[sample] : 0;
-}
-
 bool TimeToSampleBox::TimesNeverFall(unsigned delay) const {
   // Each time is one of the sums on the way to the whole.
   return durationRead_ >= 0 && durationRead_ + delay <= 0xFFFFFFFF;

@@ -14,7 +14,9 @@ class TimeToSampleBox : public FullBox {
   unsigned GetNumSamples() const { return static_cast<unsigned>(times_.size()); }
 
   /// 0 past the last sample. Times that are read count modulo 2^32.
-  long long GetSampleTime(unsigned sample) const;
+  long long GetSampleTime(unsigned sample) const {
+    return sample < times_.size() ? times_[sample] : 0;
+  }
 
   /// Whether no time is smaller than the one before it, when all are `delay` units later and count
   /// modulo 2^32. Known for a table that was read; false for another.

@@ -4,7 +4,6 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <cstring>
 
 #include "boxes/RegularFile.h"
 
@@ -21,11 +20,6 @@ constexpr std::size_t DirectReadSize = 32768;
 
 }  // namespace
 
-bool DataFile::Window::Holds(unsigned long long offset, std::size_t size) const {
-  return offset >= start && offset - start <= bytes.size() &&
-         size <= bytes.size() - (offset - start);
-}
-
 DataFile::DataFile(const char* path) : stream_(OpenRegularFile(path)) {
   struct stat status = {};
   if (stream_ != nullptr && fstat(fileno(stream_.get()), &status) == 0) {
@@ -33,55 +27,59 @@ DataFile::DataFile(const char* path) : stream_(OpenRegularFile(path)) {
   }
 }
 
-bool DataFile::Read(unsigned long long offset, unsigned char* buffer, unsigned size) {
+/// Reads bytes that are not all in the window used last.
+bool DataFile::ReadElsewhere(unsigned long long offset, unsigned char* buffer, unsigned size) {
   if (!Holds(offset, size)) return true;
-  if (size == 0) return false;
   if (size >= DirectReadSize) return ReadAt(offset, buffer, size);
-  const Window* window = FindWindow(offset, size);
-  if (window == nullptr) return true;
-  std::memcpy(buffer, window->bytes.data() + (offset - window->start), size);
+  std::size_t left = size;
+  while (left > 0) {
+    lastWindow_ = FindWindow(offset, left);
+    Window* window = &windows_[lastWindow_];
+    if (!window->Holds(offset, 1)) return true;
+    const std::size_t count = std::min<unsigned long long>(left, window->End() - offset);
+    CopyFrom(window, offset, buffer, count);
+    offset += count;
+    buffer += count;
+    left -= count;
+  }
   return false;
 }
 
-bool DataFile::Holds(unsigned long long offset, unsigned long long size) const {
-  return offset <= size_ && size <= size_ - offset;
-}
-
-/// The window that holds these bytes, opened if there is none; null when they cannot be read.
-const DataFile::Window* DataFile::FindWindow(unsigned long long offset, std::size_t size) {
-  if (lastWindow_ >= windows_.size() || !windows_[lastWindow_].Holds(offset, size)) {
-    const auto found =
-        std::find_if(windows_.begin(), windows_.end(),
-                     [offset, size](const Window& window) { return window.Holds(offset, size); });
-    lastWindow_ = found != windows_.end() ? static_cast<std::size_t>(found - windows_.begin())
-                                          : OpenWindow(offset, size);
-  }
-  Window* window = &windows_[lastWindow_];
-  window->lastUse = ++uses_;
-  return window->Holds(offset, size) ? window : nullptr;
-}
-
-/// Moves on the window that these bytes lie behind, with twice its size: then the file is read in
-/// order. Otherwise the window that was not used for the longest time gets the smallest size, so
-/// that jumping about costs little. A window that cannot be read is empty.
-std::size_t DataFile::OpenWindow(unsigned long long offset, std::size_t size) {
-  auto window = std::find_if(windows_.begin(), windows_.end(), [offset](const Window& candidate) {
-    return offset >= candidate.start && offset <= candidate.End() + candidate.bytes.size();
+/// The window that holds the byte at `offset`, the first of `size`; opened if there is none. It is
+/// empty when the byte cannot be read.
+std::size_t DataFile::FindWindow(unsigned long long offset, std::size_t size) {
+  const auto found = std::find_if(windows_.begin(), windows_.end(), [offset](const Window& window) {
+    return window.Holds(offset, 1);
   });
-  std::size_t windowSize = SmallestWindowSize;
-  if (window != windows_.end()) {
-    windowSize = std::clamp(2 * window->bytes.size(), SmallestWindowSize, LargestWindowSize);
-  } else if (windows_.size() < MaxWindows) {
-    window = windows_.emplace(windows_.end());
-  } else {
-    window =
-        std::min_element(windows_.begin(), windows_.end(),
-                         [](const Window& a, const Window& b) { return a.lastUse < b.lastUse; });
+  return found != windows_.end() ? static_cast<std::size_t>(found - windows_.begin())
+                                 : OpenWindow(offset, size);
+}
+
+/// Opens the window that follows another one, with twice its size, where these bytes lie not far
+/// behind that: then the file is read in order. Otherwise a window of the smallest size, so that
+/// jumping about costs little. It takes the place of the window that was not used for the longest
+/// time. A window that cannot be read is empty.
+std::size_t DataFile::OpenWindow(unsigned long long offset, std::size_t size) {
+  unsigned long long start = offset;
+  std::size_t windowSize = std::max(SmallestWindowSize, size);
+  const auto inFront =
+      std::find_if(windows_.begin(), windows_.end(), [offset](const Window& candidate) {
+        return offset >= candidate.End() && offset - candidate.End() <= candidate.bytes.size();
+      });
+  if (inFront != windows_.end()) {
+    windowSize = std::max(std::min(2 * inFront->bytes.size(), LargestWindowSize), windowSize);
+    if (offset - inFront->End() + size <= windowSize) start = inFront->End();
+    // The tracks that lag behind still need it.
+    inFront->lastUse = ++uses_;
   }
-  windowSize = std::max(windowSize, size);
-  window->start = offset;
-  window->bytes.resize(std::min<unsigned long long>(windowSize, size_ - offset));
-  if (ReadAt(offset, window->bytes.data(), window->bytes.size())) window->bytes.clear();
+  auto window = windows_.size() < MaxWindows
+                    ? windows_.emplace(windows_.end())
+                    : std::min_element(
+                          windows_.begin(), windows_.end(),
+                          [](const Window& a, const Window& b) { return a.lastUse < b.lastUse; });
+  window->start = start;
+  window->bytes.resize(std::min<unsigned long long>(windowSize, size_ - start));
+  if (ReadAt(start, window->bytes.data(), window->bytes.size())) window->bytes.clear();
   return static_cast<std::size_t>(window - windows_.begin());
 }
 

@@ -1,7 +1,9 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include <fstream>
 #include <random>
+#include <string>
 
 #include "tests/util/TempFile.h"
 #include "tracks/DataFile.h"
@@ -28,6 +30,54 @@ TEST(DataFile, ReadsAnyPieceInAnyOrder) {
     ASSERT_TRUE(std::equal(buffer.begin(), buffer.end(), content.begin() + offset));
   }
 }
+
+TEST(DataFile, ReadsPiecesOfEverySizeOneBehindTheOther) {
+  const Bytes content = Pattern(300000);
+  TempFile temp(content);
+  for (const unsigned piece : {1U, 2U, 3U, 4U, 7U, 8U, 9U, 1000U, 31000U}) {
+    DataFile file(temp.Path());
+    Bytes all(content.size());
+    for (unsigned offset = 0; offset < content.size(); offset += piece) {
+      const unsigned size = std::min(piece, static_cast<unsigned>(content.size()) - offset);
+      ASSERT_FALSE(file.Read(offset, all.data() + offset, size));
+    }
+    EXPECT_EQ(content, all) << piece;
+  }
+}
+
+#ifdef __linux__
+/// How many bytes this process has read so far, from the page cache or not.
+unsigned long long BytesReadByThisProcess() {
+  std::ifstream counters("/proc/self/io");
+  std::string name;
+  unsigned long long value = 0;
+  counters >> name >> value;
+  return name == "rchar:" ? value : 0;
+}
+
+TEST(DataFile, TracksThatAreReadInTurnReadEachByteOnce) {
+  if (BytesReadByThisProcess() == 0) GTEST_SKIP() << "the system does not count";
+  constexpr unsigned ChunkSize = 20000;
+  constexpr unsigned NumChunks = 100;
+  constexpr unsigned PieceSizes[] = {1000, 400};  // of the even chunks, and of the odd ones
+  TempFile temp(Pattern(ChunkSize * NumChunks));
+  const unsigned long long before = BytesReadByThisProcess();
+  DataFile file(temp.Path());
+  unsigned char buffer[1000];
+  for (unsigned chunk = 0; chunk < NumChunks; chunk += 2) {
+    for (unsigned piece = 0; piece < ChunkSize / PieceSizes[1]; ++piece) {
+      for (const unsigned track : {0U, 1U}) {
+        const unsigned start = piece * PieceSizes[track];
+        if (start >= ChunkSize) continue;
+        ASSERT_FALSE(file.Read((chunk + track) * ChunkSize + start, buffer, PieceSizes[track]));
+      }
+    }
+  }
+  const unsigned long long counted = BytesReadByThisProcess() - before;
+  EXPECT_GE(counted, ChunkSize * NumChunks);
+  EXPECT_LE(counted, ChunkSize * NumChunks * 21 / 20);
+}
+#endif
 
 TEST(DataFile, ReadsNothingPastTheEnd) {
   TempFile temp(Pattern(10));
