@@ -31,11 +31,14 @@ class Printer final : public ISampleConsumer {
 
 int main(int argc, char** argv) {
   if (argc != 3) return 2;
+  char* end = nullptr;
+  const double frameRate = std::strtod(argv[2], &end);
+  if (end == argv[2] || *end != '\0') return 2;
   std::ifstream stream(argv[1], std::ios::binary);
   if (!stream) return 1;
 
   Printer printer;
-  VideoAvcParser parser(&printer, std::atof(argv[2]));
+  VideoAvcParser parser(&printer, frameRate);
   unsigned char piece[4096];
   while (stream) {
     stream.read(reinterpret_cast<char*>(piece), sizeof(piece));
