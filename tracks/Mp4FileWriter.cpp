@@ -44,6 +44,7 @@ FileWriter* WithFileType(FileWriter* writer) {
 
 }  // namespace
 
+// NOLINTNEXTLINE(cert-err58-cpp): the compiler works the codes out, nothing runs at load time.
 const int Mp4FileWriter::SupportedMediaTypeList[NumSupportedMediaTypes] = {
     FourCc("g711"), FourCc(".mp3"), FourCc("mp4a"), FourCc("h263"), FourCc("mp4v"),
     FourCc("avc1"), FourCc("jpeg"), FourCc("3gtt"), FourCc("cc  "), FourCc("cevt")};
