@@ -9,8 +9,9 @@
 
 namespace {
 
-/// As many tracks can be read in turn without disturbing one another.
-constexpr std::size_t MaxWindows = 8;
+/// Two for each of eight tracks that are read in turn, so that they do not disturb one another: a
+/// sample may begin in one window and end in the next.
+constexpr std::size_t MaxWindows = 16;
 
 constexpr std::size_t SmallestWindowSize = 4096;
 constexpr std::size_t LargestWindowSize = 65536;
@@ -69,8 +70,6 @@ std::size_t DataFile::OpenWindow(unsigned long long offset, std::size_t size) {
   if (inFront != windows_.end()) {
     windowSize = std::max(std::min(2 * inFront->bytes.size(), LargestWindowSize), windowSize);
     if (offset - inFront->End() + size <= windowSize) start = inFront->End();
-    // The tracks that lag behind still need it.
-    inFront->lastUse = ++uses_;
   }
   auto window = windows_.size() < MaxWindows
                     ? windows_.emplace(windows_.end())

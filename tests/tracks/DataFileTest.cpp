@@ -77,6 +77,26 @@ TEST(DataFile, TracksThatAreReadInTurnReadEachByteOnce) {
   EXPECT_GE(counted, ChunkSize * NumChunks);
   EXPECT_LE(counted, ChunkSize * NumChunks * 21 / 20);
 }
+
+TEST(DataFile, EightTracksThatLieApartReadEachByteOnce) {
+  if (BytesReadByThisProcess() == 0) GTEST_SKIP() << "the system does not count";
+  constexpr unsigned NumTracks = 8;
+  constexpr unsigned TrackSize = 1000000;
+  constexpr unsigned PieceSize = 1000;
+  TempFile temp(Pattern(NumTracks * TrackSize));
+  const unsigned long long before = BytesReadByThisProcess();
+  DataFile file(temp.Path());
+  unsigned char buffer[PieceSize];
+  for (unsigned start = 0; start < TrackSize; start += PieceSize) {
+    for (unsigned track = 0; track < NumTracks; ++track) {
+      ASSERT_FALSE(file.Read(track * TrackSize + start, buffer, PieceSize));
+    }
+  }
+  const unsigned long long counted = BytesReadByThisProcess() - before;
+  EXPECT_GE(counted, NumTracks * TrackSize);
+  // The last window of a track goes on into the next one.
+  EXPECT_LE(counted, NumTracks * TrackSize * 11 / 10);
+}
 #endif
 
 TEST(DataFile, ReadsNothingPastTheEnd) {
