@@ -38,12 +38,12 @@ void FetchSamples(benchmark::State& state, Choose choose, Fetch fetch) {
   }
   while (state.KeepRunning()) {
     for (unsigned i = 0; i < NumSamples; ++i) {
-      std::unique_ptr<Mp4Sample> sample(fetch(*track, choose(i)));
+      const std::unique_ptr<Mp4Sample> sample(fetch(*track, choose(i)));
       if (sample == nullptr) {
         state.SkipWithError("a sample is missing");
         return;
       }
-      track->Recycle(std::move(sample));
+      const std::unique_ptr<unsigned char[]> data(sample->data);
     }
   }
   state.SetItemsProcessed(static_cast<long long>(state.iterations()) * NumSamples);

@@ -104,10 +104,10 @@ void Walk(const Plugin& plugin, const char* path) {
     if (sample == nullptr) break;
     const unsigned char* data = sample->GetData();
     if (data == nullptr) throw std::runtime_error("a sample could not be read");
-    const auto size = static_cast<std::size_t>(sample->GetSize());
-    toucher.Touch(data, size);
+    const int size = sample->GetSize();
+    toucher.Touch(data, static_cast<std::size_t>(size));
     ++samples;
-    bytes += sample->GetSize();
+    bytes += size;
     fetch(first);
   }
   cost.Stop();

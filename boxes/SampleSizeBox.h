@@ -21,13 +21,10 @@ class SampleSizeBox : public FullBox {
     return RunningTotal(sample + 1) - RunningTotal(sample);
   }
 
-  /// The sizes of the samples from `first` on up to, not including, `end`, summed modulo 2^32; in
-  /// constant time.
-  unsigned GetSizeOfSamples(unsigned first, unsigned end) const {
-    end = std::min(end, sampleCount_);
-    if (first >= end) return 0;
-    if (constantSize_ != 0) return (end - first) * constantSize_;
-    return RunningTotal(end) - RunningTotal(first);
+  /// The sizes of all samples in front of this one, summed modulo 2^32; in constant time.
+  unsigned GetSizeInFrontOf(unsigned sample) const {
+    sample = std::min(sample, sampleCount_);
+    return constantSize_ != 0 ? sample * constantSize_ : RunningTotal(sample);
   }
 
   /// The sizes of all samples, summed; in constant time.

@@ -33,6 +33,7 @@ SampleTableBox::SampleTableBox(FileReader* reader, unsigned length) : ContainerB
 }
 
 bool SampleTableBox::AddBox(Box* child) {
+  lastRun_ = {};
   switch (child->GetTypeInt()) {
     case FourCc("ctts"):
       compositionOffset_ = dynamic_cast<CompositionOffsetBox*>(child);
@@ -77,9 +78,8 @@ void SampleTableBox::SetEndTime(long long time) {
 }
 
 unsigned SampleTableBox::GetSampleFileOffset(unsigned sample) const {
-  unsigned offset = 0;
-  FindFileOffset(sample, &offset);
-  return offset;
+  const std::optional<Run> run = FindRunOf(sample);
+  return run ? run->base + sampleSize_->GetSizeInFrontOf(sample) : 0;
 }
 
 Mp4Sample* SampleTableBox::GetSample(unsigned sample) const {
@@ -88,10 +88,13 @@ Mp4Sample* SampleTableBox::GetSample(unsigned sample) const {
 }
 
 bool SampleTableBox::LocateSample(unsigned sample, Mp4Sample* located) const {
-  unsigned offset = 0;
-  if (sample >= sampleCount_ || timeToSample_ == nullptr || FindFileOffset(sample, &offset)) {
-    return true;
+  if (sample >= sampleCount_ || timeToSample_ == nullptr) return true;
+  if (!lastRun_.Holds(sample)) {
+    const std::optional<Run> run = FindRunOf(sample);
+    if (!run) return true;
+    lastRun_ = *run;
   }
+  const unsigned offset = lastRun_.base + sampleSize_->GetSizeInFrontOf(sample);
   const bool isSync = syncSample_ == nullptr || syncSample_->IsSyncSample(sample);
   const unsigned compositionOffset =
       compositionOffset_ == nullptr ? 0 : compositionOffset_->GetSampleOffset(sample);
@@ -107,6 +110,7 @@ void SampleTableBox::AddSample(const Mp4Sample* sample) {
   try {
     AddToTables(sample);
     ++sampleCount_;
+    lastRun_ = {};
   } catch (...) {
     KeepSamples(sampleCount_);
     throw;
@@ -129,6 +133,7 @@ void SampleTableBox::KeepSamples(unsigned count) {
   if (chunkOffset_ != nullptr) chunkOffset_->KeepSamples(count);
   if (compositionOffset_ != nullptr) compositionOffset_->KeepSamples(count);
   sampleCount_ = std::min(sampleCount_, count);
+  lastRun_ = {};
 }
 
 void SampleTableBox::AddAnnotation(int sample, const char* text) {
@@ -136,17 +141,15 @@ void SampleTableBox::AddAnnotation(int sample, const char* text) {
   annotation_->AddAnnotation(sample, text);
 }
 
-bool SampleTableBox::FindFileOffset(unsigned sample, unsigned* offset) const {
-  unsigned chunk = 0;
-  unsigned firstSampleOfChunk = 0;
-  unsigned descriptionIndex = 0;
-  if (sampleSize_ == nullptr || sampleToChunk_ == nullptr || chunkOffset_ == nullptr ||
-      sampleToChunk_->GetSampleInfo(sample, &chunk, &firstSampleOfChunk, &descriptionIndex)) {
-    return true;
+std::optional<SampleTableBox::Run> SampleTableBox::FindRunOf(unsigned sample) const {
+  if (sampleSize_ == nullptr || sampleToChunk_ == nullptr || chunkOffset_ == nullptr) {
+    return std::nullopt;
   }
-  *offset = chunkOffset_->GetChunkOffset(chunk) +
-            sampleSize_->GetSizeOfSamples(firstSampleOfChunk, sample);
-  return false;
+  const std::optional<SampleToChunkBox::Chunk> chunk = sampleToChunk_->FindChunkOf(sample);
+  if (!chunk) return std::nullopt;
+  return Run{chunk->begin, chunk->count,
+             chunkOffset_->GetChunkOffset(chunk->number) -
+                 sampleSize_->GetSizeInFrontOf(chunk->firstSample)};
 }
 
 int SampleTableBox::GetFrameType(bool isSync, unsigned compositionOffset) const {

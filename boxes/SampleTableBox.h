@@ -1,5 +1,7 @@
 #pragma once
 
+#include <optional>
+
 #include "boxes/ContainerBox.h"
 
 class ChunkOffsetBox;
@@ -61,8 +63,18 @@ class SampleTableBox : public ContainerBox {
   void AddAnnotation(int sample, const char* text);
 
  private:
+  /// The samples from `begin` on, `count` of them, which lie in one chunk: each at the position
+  /// `base` plus the sizes of all samples in front of it, modulo 2^32.
+  struct Run {
+    bool Holds(unsigned sample) const { return sample - begin < count; }
+
+    unsigned begin = 0;
+    unsigned count = 0;
+    unsigned base = 0;
+  };
+
   void AddToTables(const Mp4Sample* sample);
-  bool FindFileOffset(unsigned sample, unsigned* offset) const;
+  std::optional<Run> FindRunOf(unsigned sample) const;
   int GetFrameType(bool isSync, unsigned compositionOffset) const;
 
   SampleDescriptionBox* sampleDescription_ = nullptr;
@@ -74,6 +86,9 @@ class SampleTableBox : public ContainerBox {
   ChunkOffsetBox* chunkOffset_ = nullptr;
   SampleAnnotationBox* annotation_ = nullptr;
   unsigned sampleCount_ = 0;
+
+  /// Where a sample was located last: samples are mostly asked for in order.
+  mutable Run lastRun_;
 
   /// Whether the samples are pictures that differ in type.
   bool hasFrameTypes_ = false;

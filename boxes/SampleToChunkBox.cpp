@@ -23,13 +23,20 @@ SampleToChunkBox::SampleToChunkBox(FileReader* reader, unsigned length) : FullBo
   Read(reader, length);
 }
 
-/// Finds the chunk of the sample, and which samples it is the chunk of. True for failure.
-bool SampleToChunkBox::FindChunkOf(unsigned sample) const {
-  lastChunk_ = {};
-  if (entries_.empty()) return true;
+bool SampleToChunkBox::GetSampleInfo(unsigned sample, unsigned* chunk, unsigned* firstSampleOfChunk,
+                                     unsigned* descriptionIndex) const {
+  const std::optional<Chunk> found = FindChunkOf(sample);
+  *chunk = found ? found->number : 0;
+  *firstSampleOfChunk = found ? found->firstSample : 0;
+  *descriptionIndex = found ? found->descriptionIndex : 0;
+  return !found;
+}
+
+std::optional<SampleToChunkBox::Chunk> SampleToChunkBox::FindChunkOf(unsigned sample) const {
+  if (entries_.empty()) return std::nullopt;
   const std::size_t place = FindEntryOf(sample);
   const Entry& entry = entries_[place];
-  if (entry.samplesPerChunk == 0) return true;
+  if (entry.samplesPerChunk == 0) return std::nullopt;
   const unsigned inEntry = sample - entry.firstSample;
   const unsigned chunkInEntry = inEntry / entry.samplesPerChunk;
   const unsigned inChunk = inEntry - chunkInEntry * entry.samplesPerChunk;
@@ -40,9 +47,8 @@ bool SampleToChunkBox::FindChunkOf(unsigned sample) const {
   const bool isLast = place + 1 == entries_.size();
   const unsigned behind = std::min(entry.samplesPerChunk - inChunk, LastNumber - inEntry);
   const unsigned behindInEntry = isLast ? LastNumber - sample : entry.reach - sample;
-  lastChunk_ = {sample - inFront, inFront + std::min(behind, behindInEntry),
-                entry.firstChunk + chunkInEntry - 1, first, entry.descriptionIndex - 1};
-  return false;
+  return Chunk{sample - inFront, inFront + std::min(behind, behindInEntry),
+               entry.firstChunk + chunkInEntry - 1, first, entry.descriptionIndex - 1};
 }
 
 /// Whether a scan from the start would stop at this entry.

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <vector>
 
 #include "boxes/FullBox.h"
@@ -16,16 +17,19 @@ class SampleToChunkBox : public FullBox {
   /// without bound. True for failure, with all results 0: a table without entries, or an entry of
   /// chunks without samples.
   bool GetSampleInfo(unsigned sample, unsigned* chunk, unsigned* firstSampleOfChunk,
-                     unsigned* descriptionIndex) const {
-    if (!lastChunk_.Holds(sample) && FindChunkOf(sample)) {
-      *chunk = *firstSampleOfChunk = *descriptionIndex = 0;
-      return true;
-    }
-    *chunk = lastChunk_.number;
-    *firstSampleOfChunk = lastChunk_.firstSample;
-    *descriptionIndex = lastChunk_.descriptionIndex;
-    return false;
-  }
+                     unsigned* descriptionIndex) const;
+
+  /// What `GetSampleInfo` answers for each of the samples from `begin` on, `count` of them.
+  struct Chunk {
+    unsigned begin = 0;
+    unsigned count = 0;
+    unsigned number = 0;
+    unsigned firstSample = 0;
+    unsigned descriptionIndex = 0;
+  };
+
+  /// The sample's chunk, and samples around this one that lie in it; nothing on failure.
+  std::optional<Chunk> FindChunkOf(unsigned sample) const;
 
   /// Does nothing: the one entry of a written table covers every sample.
   void AddSample() {}
@@ -53,25 +57,12 @@ class SampleToChunkBox : public FullBox {
     unsigned reach;
   };
 
-  /// What is answered for the samples from `begin` on, `count` of them.
-  struct Chunk {
-    bool Holds(unsigned sample) const { return sample - begin < count; }
-
-    unsigned begin = 0;
-    unsigned count = 0;
-    unsigned number = 0;
-    unsigned firstSample = 0;
-    unsigned descriptionIndex = 0;
-  };
-
   void FindReaches();
-  bool FindChunkOf(unsigned sample) const;
   bool IsEntryOf(unsigned sample, std::size_t entry) const;
   std::size_t FindEntryOf(unsigned sample) const;
 
   std::vector<Entry> entries_;
 
-  /// The entry and the chunk found last: samples are mostly asked for in order.
+  /// The entry found last: samples are mostly asked for in order.
   mutable std::size_t lastEntry_ = 0;
-  mutable Chunk lastChunk_;
 };

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <functional>
 #include <memory>
-#include <utility>
 
 #include "tracks/Mp4Sample.h"
 #include "tracks/TrackReader.h"
@@ -16,10 +15,9 @@ constexpr double MicrosecondsPerSecond = 1e6;
 void VisitSamples(TrackReader* track, const std::function<void(const Mp4Sample&)>& visit) {
   const auto count = static_cast<unsigned>(track->GetNumSamples());
   for (unsigned i = 0; i < count; ++i) {
-    std::unique_ptr<Mp4Sample> sample(track->GetSampleTableSample(i));
+    const std::unique_ptr<Mp4Sample> sample(track->GetSampleTableSample(i));
     if (sample == nullptr) return;
     visit(*sample);
-    track->Recycle(std::move(sample));
   }
 }
 

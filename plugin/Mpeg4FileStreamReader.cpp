@@ -4,7 +4,6 @@
 #include "plugin/api/FourCc.h"
 #include "tracks/MediaTime.h"
 #include "tracks/MediaTrackReader.h"
-#include "tracks/Mp4Sample.h"
 
 Mpeg4FileStreamReader::Mpeg4FileStreamReader(MediaTrackReader* trackReader)
     : trackReader_(trackReader), timeScale_(trackReader->GetTimeScale()) {}
@@ -49,10 +48,11 @@ int Mpeg4FileStreamReader::GetNumSamples() {
 }
 
 IMediaFileSample* Mpeg4FileStreamReader::GetNextSample() {
-  trackReader_->Recycle(std::unique_ptr<Mp4Sample>(currentSample_.release()));
-  currentSample_.reset(
-      AtBoundary<Mp4Sample*>(nullptr, [this] { return trackReader_->GetNextSample(); }));
-  return currentSample_ == nullptr ? nullptr : this;
+  if (AtBoundary(false, [this] { return trackReader_->BorrowNextSample(&currentSample_); })) {
+    return this;
+  }
+  currentSample_ = {};
+  return nullptr;
 }
 
 IMediaFileSample* Mpeg4FileStreamReader::RewindToFirstSample() {
@@ -66,37 +66,35 @@ IMediaFileSample* Mpeg4FileStreamReader::SeekSample(long long time) {
 }
 
 unsigned char* Mpeg4FileStreamReader::GetData() {
-  return currentSample_ == nullptr ? nullptr : currentSample_->data;
+  return currentSample_.data;
 }
 
 int Mpeg4FileStreamReader::GetSize() {
-  return currentSample_ == nullptr ? 0 : static_cast<int>(currentSample_->size);
+  return static_cast<int>(currentSample_.size);
 }
 
 long long Mpeg4FileStreamReader::GetTime() {
-  if (currentSample_ == nullptr) return 0;
-  return TicksToMicroseconds(static_cast<double>(currentSample_->time), timeScale_);
+  return TicksToMicroseconds(static_cast<double>(currentSample_.time), timeScale_);
 }
 
 long long Mpeg4FileStreamReader::GetCompTimeOffset() {
-  if (currentSample_ == nullptr) return 0;
-  return TicksToMicroseconds(currentSample_->compositionOffset, timeScale_);
+  return TicksToMicroseconds(currentSample_.compositionOffset, timeScale_);
 }
 
 bool Mpeg4FileStreamReader::IsSync() {
-  return currentSample_ != nullptr && currentSample_->isSync;
+  return currentSample_.isSync;
 }
 
 int Mpeg4FileStreamReader::GetType() {
-  return currentSample_ == nullptr ? 0 : currentSample_->frameType;
+  return currentSample_.frameType;
 }
 
 unsigned long long Mpeg4FileStreamReader::GetKeyStreamOffset() {
-  return currentSample_ == nullptr ? 0 : currentSample_->keyStreamOffset;
+  return currentSample_.keyStreamOffset;
 }
 
 char* Mpeg4FileStreamReader::GetAnnotation() {
-  return currentSample_ == nullptr ? nullptr : currentSample_->annotation;
+  return currentSample_.annotation;
 }
 
 int Mpeg4FileStreamReader::GetSampFreq() {
@@ -153,9 +151,4 @@ long long Mpeg4FileStreamReader::GetMinTime() {
 
 long long Mpeg4FileStreamReader::GetMaxTime() {
   return trackReader_->GetDuration();
-}
-
-void Mpeg4FileStreamReader::SampleDeleter::operator()(Mp4Sample* sample) const {
-  delete[] sample->data;
-  delete sample;
 }

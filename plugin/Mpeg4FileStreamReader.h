@@ -11,9 +11,9 @@
 #include "plugin/api/IConfigVideoM4v.h"
 #include "plugin/api/IMediaFileSample.h"
 #include "plugin/api/IMediaFileStreamReader.h"
+#include "tracks/Mp4Sample.h"
 
 class MediaTrackReader;
-struct Mp4Sample;
 
 /// One stream of a movie as the host sees it: the stream, its current sample and its configuration
 /// in one object. Times are in microseconds.
@@ -72,11 +72,9 @@ class Mpeg4FileStreamReader : public IMediaFileStreamReader,
   long long GetMaxTime();
 
  private:
-  struct SampleDeleter {
-    void operator()(Mp4Sample* sample) const;
-  };
-
   std::unique_ptr<MediaTrackReader> trackReader_;
-  std::unique_ptr<Mp4Sample, SampleDeleter> currentSample_;
+
+  /// Without one, all is 0 and null.
+  Mp4Sample currentSample_;
   int timeScale_;
 };

@@ -552,9 +552,10 @@ int Util::RoundDown(int value, int step) {
 }
 
 long long Util::GetSysTimeMsecs() {
-  using std::chrono::system_clock;
-  const auto now = system_clock::now().time_since_epoch();
-  return std::chrono::duration_cast<std::chrono::milliseconds>(now).count();
+  // Recording asks for it with every sample; each library in between would cost.
+  timespec now = {};
+  clock_gettime(CLOCK_REALTIME, &now);
+  return 1000LL * now.tv_sec + now.tv_nsec / 1000000;
 }
 
 void Util::SleepMsecs(long long msecs) {

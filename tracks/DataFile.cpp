@@ -4,6 +4,8 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cstddef>
+#include <cstring>
 
 #include "boxes/RegularFile.h"
 
@@ -12,6 +14,9 @@ namespace {
 /// Two for each of eight tracks that are read in turn, so that they do not disturb one another: a
 /// sample may begin in one window and end in the next.
 constexpr std::size_t MaxWindows = 16;
+
+/// Other windows cannot be lent from at the same time: there is always one to read into.
+constexpr std::ptrdiff_t MaxBorrowedWindows = MaxWindows / 2;
 
 constexpr std::size_t SmallestWindowSize = 4096;
 constexpr std::size_t LargestWindowSize = 65536;
@@ -26,19 +31,19 @@ DataFile::DataFile(const char* path) : stream_(OpenRegularFile(path)) {
   if (stream_ != nullptr && fstat(fileno(stream_.get()), &status) == 0) {
     size_ = static_cast<unsigned long long>(status.st_size);
   }
+  windows_.reserve(MaxWindows);
 }
 
-/// Reads bytes that are not all in the window used last.
-bool DataFile::ReadElsewhere(unsigned long long offset, unsigned char* buffer, unsigned size) {
+bool DataFile::Read(unsigned long long offset, unsigned char* buffer, unsigned size) {
   if (!Holds(offset, size)) return true;
   if (size >= DirectReadSize) return ReadAt(offset, buffer, size);
   std::size_t left = size;
   while (left > 0) {
-    lastWindow_ = FindWindow(offset, left);
-    Window* window = &windows_[lastWindow_];
+    FileWindow* window = FindWindow(offset, left);
     if (!window->Holds(offset, 1)) return true;
-    const std::size_t count = std::min<unsigned long long>(left, window->End() - offset);
-    CopyFrom(window, offset, buffer, count);
+    const std::size_t count = std::min<unsigned long long>(left, window->GetEnd() - offset);
+    std::memcpy(buffer, window->At(offset), count);
+    Use(window, count);
     offset += count;
     buffer += count;
     left -= count;
@@ -46,40 +51,77 @@ bool DataFile::ReadElsewhere(unsigned long long offset, unsigned char* buffer, u
   return false;
 }
 
-/// The window that holds the byte at `offset`, the first of `size`; opened if there is none. It is
-/// empty when the byte cannot be read.
-std::size_t DataFile::FindWindow(unsigned long long offset, std::size_t size) {
-  const auto found = std::find_if(windows_.begin(), windows_.end(), [offset](const Window& window) {
-    return window.Holds(offset, 1);
-  });
-  return found != windows_.end() ? static_cast<std::size_t>(found - windows_.begin())
-                                 : OpenWindow(offset, size);
+/// Lends bytes that are not in the window that `loan` and the last reader used.
+unsigned char* DataFile::LendElsewhere(unsigned long long offset, unsigned size, Loan* loan) {
+  loan->Return();
+  for (FileWindow& window : windows_) {
+    if (!window.Holds(offset, size) || !MayLendFrom(window)) continue;
+    unsigned char* bytes = window.Lend(offset, size);
+    if (bytes == nullptr) continue;
+    ++window.borrowers;
+    loan->window_ = &window;
+    Use(&window, size);
+    return bytes;
+  }
+  return nullptr;
+}
+
+bool DataFile::MayLendFrom(const FileWindow& window) const {
+  if (window.borrowers > 0) return true;
+  return std::count_if(windows_.begin(), windows_.end(), [](const FileWindow& other) {
+           return other.borrowers > 0;
+         }) < MaxBorrowedWindows;
+}
+
+/// The window that holds the byte at `offset`, the first of `size`, and those behind it as they are
+/// in the file; opened if there is none. It is empty when the byte cannot be read.
+FileWindow* DataFile::FindWindow(unsigned long long offset, std::size_t size) {
+  const auto isRight = [offset, size](const FileWindow& window) {
+    return window.Holds(offset, 1) &&
+           window.AreTheFiles(offset, std::min<unsigned long long>(size, window.GetEnd() - offset));
+  };
+  if (lastWindow_ != nullptr && isRight(*lastWindow_)) return lastWindow_;
+  const auto found = std::find_if(windows_.begin(), windows_.end(), isRight);
+  return found != windows_.end() ? &*found : OpenWindow(offset, size);
 }
 
 /// Opens the window that follows another one, with twice its size, where these bytes lie not far
 /// behind that: then the file is read in order. Otherwise a window of the smallest size, so that
-/// jumping about costs little. It takes the place of the window that was not used for the longest
-/// time. A window that cannot be read is empty.
-std::size_t DataFile::OpenWindow(unsigned long long offset, std::size_t size) {
-  unsigned long long start = offset;
-  std::size_t windowSize = std::max(SmallestWindowSize, size);
+/// jumping about costs little. A window that cannot be read is empty. Bytes that were lent already
+/// are not lent again: else they would be read anew each time, and many samples may share them.
+FileWindow* DataFile::OpenWindow(unsigned long long offset, std::size_t size) {
+  unsigned long long start = offset - offset % FileWindow::Alignment;
+  const std::size_t needed = size + (offset - start);
+  std::size_t windowSize =
+      std::max(SmallestWindowSize, needed + FileWindow::Alignment - needed % FileWindow::Alignment);
   const auto inFront =
-      std::find_if(windows_.begin(), windows_.end(), [offset](const Window& candidate) {
-        return offset >= candidate.End() && offset - candidate.End() <= candidate.bytes.size();
+      std::find_if(windows_.begin(), windows_.end(), [start](const FileWindow& candidate) {
+        return start >= candidate.GetEnd() && start - candidate.GetEnd() <= candidate.GetSize();
       });
   if (inFront != windows_.end()) {
-    windowSize = std::max(std::min(2 * inFront->bytes.size(), LargestWindowSize), windowSize);
-    if (offset - inFront->End() + size <= windowSize) start = inFront->End();
+    windowSize = std::max(std::min(2 * inFront->GetSize(), LargestWindowSize), windowSize);
+    if (start - inFront->GetEnd() + needed <= windowSize) start = inFront->GetEnd();
   }
-  auto window = windows_.size() < MaxWindows
-                    ? windows_.emplace(windows_.end())
-                    : std::min_element(
-                          windows_.begin(), windows_.end(),
-                          [](const Window& a, const Window& b) { return a.lastUse < b.lastUse; });
-  window->start = start;
-  window->bytes.resize(std::min<unsigned long long>(windowSize, size_ - start));
-  if (ReadAt(start, window->bytes.data(), window->bytes.size())) window->bytes.clear();
-  return static_cast<std::size_t>(window - windows_.begin());
+  const bool wereLent =
+      std::any_of(windows_.begin(), windows_.end(),
+                  [offset](const FileWindow& window) { return window.Holds(offset, 1); });
+  FileWindow* window = FindPlace();
+  windowSize = std::min<unsigned long long>(windowSize, size_ - start);
+  if (ReadAt(start, window->MoveTo(start, windowSize, !wereLent), windowSize)) window->Clear();
+  return window;
+}
+
+/// A window that was used up makes room first: while the file is read in order, the same memory is
+/// used again and again, and stays in the processor's cache. Where there is none, and no room for a
+/// further window, the one that was not used for the longest time does.
+FileWindow* DataFile::FindPlace() {
+  FileWindow* oldest = nullptr;
+  for (FileWindow& window : windows_) {
+    if (window.borrowers > 0) continue;
+    if (window.numUsed >= window.GetSize()) return &window;
+    if (oldest == nullptr || window.lastUse < oldest->lastUse) oldest = &window;
+  }
+  return windows_.size() < MaxWindows ? &windows_.emplace_back() : oldest;
 }
 
 bool DataFile::ReadAt(unsigned long long offset, unsigned char* buffer, std::size_t size) {

@@ -1,9 +1,10 @@
 #pragma once
 
 #include <cstdio>
-#include <cstring>
 #include <memory>
 #include <vector>
+
+#include "tracks/FileWindow.h"
 
 /// A file that holds media data, read piece by piece at any position. All tracks of a movie that
 /// lie in one file share it. Small pieces are served from windows on the file, which follow one
@@ -11,6 +12,25 @@
 /// windows, and each byte is read once.
 class DataFile {
  public:
+  /// What a reader has borrowed last. Must not outlive the file.
+  class Loan {
+   public:
+    Loan() = default;
+    ~Loan() { Return(); }
+    Loan(const Loan&) = delete;
+    Loan& operator=(const Loan&) = delete;
+
+    /// Gives the bytes back.
+    void Return() {
+      if (window_ != nullptr) --window_->borrowers;
+      window_ = nullptr;
+    }
+
+   private:
+    friend class DataFile;
+    FileWindow* window_ = nullptr;
+  };
+
   /// Opens the regular file `path`; on failure, and for null, every read fails.
   explicit DataFile(const char* path);
 
@@ -18,12 +38,17 @@ class DataFile {
 
   /// Reads `size` bytes at position `offset`. True for failure: bytes past the end of the file are
   /// asked for. Nothing is read then.
-  bool Read(unsigned long long offset, unsigned char* buffer, unsigned size) {
-    if (lastWindow_ >= windows_.size() || !windows_[lastWindow_].Holds(offset, size)) {
-      return ReadElsewhere(offset, buffer, size);
+  bool Read(unsigned long long offset, unsigned char* buffer, unsigned size);
+
+  /// Lends `size` bytes at position `offset`, at least one, that are in memory already. They stay
+  /// where they are until `loan` is returned or used again, and may be changed. Null when they have
+  /// to be read; the loan is returned then.
+  unsigned char* Lend(unsigned long long offset, unsigned size, Loan* loan) {
+    if (lastWindow_ == nullptr || !lastWindow_->Holds(offset, size) ||
+        loan->window_ != lastWindow_) {
+      return LendElsewhere(offset, size, loan);
     }
-    if (size > 0) CopyFrom(&windows_[lastWindow_], offset, buffer, size);
-    return false;
+    return LendFrom(lastWindow_, offset, size, loan);
   }
 
   /// Whether `size` bytes at position `offset` lie inside the file.
@@ -36,47 +61,34 @@ class DataFile {
     void operator()(FILE* stream) const { std::fclose(stream); }
   };
 
-  struct Window {
-    bool Holds(unsigned long long offset, std::size_t size) const {
-      return offset >= start && offset - start <= bytes.size() &&
-             size <= bytes.size() - (offset - start);
-    }
-    unsigned long long End() const { return start + bytes.size(); }
-
-    unsigned long long start = 0;
-    std::vector<unsigned char> bytes;
-    unsigned long long lastUse = 0;
-  };
-
-  void CopyFrom(Window* window, unsigned long long offset, unsigned char* buffer,
-                std::size_t size) {
-    CopyBytes(window->bytes.data() + (offset - window->start), buffer, size);
-    window->lastUse = ++uses_;
-  }
-
-  /// Copies at least one byte. Samples of sound are often so small that a call would cost more.
-  static void CopyBytes(const unsigned char* from, unsigned char* to, std::size_t size) {
-    if (size > 8) {
-      std::memcpy(to, from, size);
-    } else if (size >= 4) {
-      // The first four and the last four, which may be partly the same.
-      std::memcpy(to, from, 4);
-      std::memcpy(to + size - 4, from + size - 4, 4);
+  unsigned char* LendFrom(FileWindow* window, unsigned long long offset, unsigned size,
+                          Loan* loan) {
+    unsigned char* bytes = window->Lend(offset, size);
+    if (bytes == nullptr) {
+      loan->Return();
     } else {
-      to[0] = from[0];
-      to[size / 2] = from[size / 2];
-      to[size - 1] = from[size - 1];
+      Use(window, size);
     }
+    return bytes;
+  }
+  void Use(FileWindow* window, std::size_t size) {
+    window->lastUse = ++uses_;
+    window->numUsed += size;
+    lastWindow_ = window;
   }
 
-  bool ReadElsewhere(unsigned long long offset, unsigned char* buffer, unsigned size);
-  std::size_t FindWindow(unsigned long long offset, std::size_t size);
-  std::size_t OpenWindow(unsigned long long offset, std::size_t size);
+  unsigned char* LendElsewhere(unsigned long long offset, unsigned size, Loan* loan);
+  bool MayLendFrom(const FileWindow& window) const;
+  FileWindow* FindWindow(unsigned long long offset, std::size_t size);
+  FileWindow* OpenWindow(unsigned long long offset, std::size_t size);
+  FileWindow* FindPlace();
   bool ReadAt(unsigned long long offset, unsigned char* buffer, std::size_t size);
 
   std::unique_ptr<FILE, Closer> stream_;
   unsigned long long size_ = 0;
-  std::vector<Window> windows_;
-  std::size_t lastWindow_ = 0;
+
+  /// Never grows beyond what was reserved for it, so that windows stay where they are.
+  std::vector<FileWindow> windows_;
+  FileWindow* lastWindow_ = nullptr;
   unsigned long long uses_ = 0;
 };

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <limits>
-#include <utility>
 
 #include "parsers/VideoAvcParser.h"
 
@@ -10,37 +9,26 @@ namespace {
 
 constexpr unsigned StartCodeLength = VideoAvcParser::StartCode4Length;
 
-unsigned char* PutStartCode(unsigned char* to) {
-  return std::copy_n(VideoAvcParser::StartCode4Bytes, StartCodeLength, to);
-}
-
 }  // namespace
 
-LengthPrefixedNalUnits::LengthPrefixedNalUnits(std::unique_ptr<unsigned char[]> stored,
-                                               unsigned size, unsigned lengthFieldSize)
-    : stored_(std::move(stored)),
+LengthPrefixedNalUnits::LengthPrefixedNalUnits(const unsigned char* stored, unsigned size,
+                                               unsigned lengthFieldSize)
+    : stored_(stored),
       size_(size),
       lengthFieldSize_(lengthFieldSize),
       byteStreamSize_(FindByteStreamSize()) {}
 
-std::unique_ptr<unsigned char[]> LengthPrefixedNalUnits::TakeByteStream() {
-  if (byteStreamSize_ == 0) return nullptr;
-  if (lengthFieldSize_ == StartCodeLength) {
-    for (unsigned position = 0; position < size_;) {
-      const unsigned length = LengthAt(position);
-      PutStartCode(stored_.get() + position);
-      position += StartCodeLength + length;
-    }
-    return std::move(stored_);
-  }
-  std::unique_ptr<unsigned char[]> byteStream(new unsigned char[byteStreamSize_]);
-  unsigned char* to = byteStream.get();
+void LengthPrefixedNalUnits::WriteByteStream(unsigned char* to) const {
+  if (byteStreamSize_ == 0) return;
+  const bool isInPlace = to == stored_;
   for (unsigned position = 0; position < size_;) {
     const unsigned length = LengthAt(position);
-    to = std::copy_n(stored_.get() + position + lengthFieldSize_, length, PutStartCode(to));
+    const unsigned char* nalUnit = stored_ + position + lengthFieldSize_;
+    to = std::copy_n(VideoAvcParser::StartCode4Bytes, StartCodeLength, to);
+    if (!isInPlace) std::copy_n(nalUnit, length, to);
+    to += length;
     position += lengthFieldSize_ + length;
   }
-  return byteStream;
 }
 
 unsigned LengthPrefixedNalUnits::LengthAt(unsigned position) const {

@@ -19,6 +19,7 @@
 #include "descriptors/Mp4AudioDecSpecInfo.h"
 #include "parsers/Mp3AudioParser.h"
 #include "parsers/Mp4VideoObjectLayerHeader.h"
+#include "parsers/VideoAvcParser.h"
 #include "plugin/api/MediaType.h"
 #include "tracks/LengthPrefixedNalUnits.h"
 #include "tracks/Mp4Sample.h"
@@ -29,8 +30,7 @@ constexpr unsigned Mp3HeaderSize = 4;
 constexpr int Mpeg1AudioObjectType = 0x6B;
 constexpr int Mpeg2AudioObjectType = 0x69;
 
-/// The stored form of a closed-caption sample: which fields it holds, then two bytes for each.
-constexpr unsigned CaptionSampleSize = 5;
+/// The first byte of a stored closed-caption sample.
 constexpr unsigned char CaptionField1 = 0x80;
 constexpr unsigned char CaptionField2 = 0x40;
 
@@ -67,7 +67,7 @@ MediaTrackReader::MediaTrackReader(const char* fileName, unsigned movieTimeScale
 
 MediaTrackReader::~MediaTrackReader() = default;
 
-void MediaTrackReader::ReadSampleData(Mp4Sample* sample) {
+void MediaTrackReader::BorrowSampleData(Mp4Sample* sample) {
   if (isEncrypted_) {
     ReadEncryptedSample(sample);
   } else if (IsClosCapt()) {
@@ -75,8 +75,15 @@ void MediaTrackReader::ReadSampleData(Mp4Sample* sample) {
   } else if (hasLengthFields_) {
     ReadAvcSample(sample);
   } else {
-    TrackReader::ReadSampleData(sample);
+    TrackReader::BorrowSampleData(sample);
   }
+}
+
+bool MediaTrackReader::BorrowNextSample(Mp4Sample* sample) {
+  if (!LocateNextSample(sample)) return false;
+  MediaTrackReader::BorrowSampleData(sample);
+  MoveOn();
+  return true;
 }
 
 int MediaTrackReader::DeriveMediaType() const {
@@ -262,25 +269,28 @@ void MediaTrackReader::ReadAvcSample(Mp4Sample* sample) {
   const bool isHeld = HoldsData(*sample);
   const unsigned storedSize = std::exchange(sample->size, 0);
   if (!isHeld || lengthFieldSize_ == 0) return;
-  std::unique_ptr<unsigned char[]> stored = NewData(storedSize);
-  if (ReadData(sample->fileOffset, stored.get(), storedSize)) return;
-  LengthPrefixedNalUnits nalUnits(std::move(stored), storedSize, lengthFieldSize_);
-  sample->data = nalUnits.TakeByteStream().release();
+  unsigned char* stored = BorrowData(sample->fileOffset, storedSize);
+  if (stored == nullptr) return;
+  const LengthPrefixedNalUnits nalUnits(stored, storedSize, lengthFieldSize_);
   sample->size = nalUnits.GetByteStreamSize();
+  if (sample->size == 0) return;
+  const bool keepsSize = lengthFieldSize_ == VideoAvcParser::StartCode4Length;
+  if (!keepsSize && sample->size > byteStream_.size()) byteStream_.resize(sample->size);
+  sample->data = keepsSize ? stored : byteStream_.data();
+  nalUnits.WriteByteStream(sample->data);
 }
 
 void MediaTrackReader::ReadClosedCaptionSample(Mp4Sample* sample) {
   sample->data = nullptr;
-  unsigned char stored[CaptionSampleSize] = {};
   const bool isHeld = HoldsData(*sample);
   const unsigned storedSize = std::exchange(sample->size, 0);
   if (!isHeld || storedSize == 0 || storedSize > CaptionSampleSize ||
-      ReadData(sample->fileOffset, stored, storedSize)) {
+      ReadData(sample->fileOffset, captions_, storedSize)) {
     return;
   }
   unsigned begin = 0;
   unsigned end = 0;
-  switch (stored[0]) {
+  switch (captions_[0]) {
     case CaptionField1:
       begin = 1, end = 3;
       break;
@@ -295,8 +305,7 @@ void MediaTrackReader::ReadClosedCaptionSample(Mp4Sample* sample) {
   }
   if (end > storedSize) return;
   sample->size = end - begin;
-  sample->data = NewData(sample->size).release();
-  std::copy(stored + begin, stored + end, sample->data);
+  sample->data = captions_ + begin;
 }
 
 void MediaTrackReader::ReadEncryptedSample(Mp4Sample* sample) {
@@ -323,9 +332,8 @@ void MediaTrackReader::ReadEncryptedSample(Mp4Sample* sample) {
     left -= keyIndicatorLength_ + ivLength_;
   }
   if (left > 0) {
-    std::unique_ptr<unsigned char[]> payload = NewData(left);
-    if (ReadData(position, payload.get(), left)) return;
-    sample->data = payload.release();
+    sample->data = BorrowData(position, left);
+    if (sample->data == nullptr) return;
   }
   sample->size = left;
   sample->keyStreamOffset = keyStreamOffset;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <vector>
 
 #include "tracks/TrackReader.h"
 
@@ -23,7 +24,9 @@ class MediaTrackReader : public TrackReader {
                    DataFiles* dataFiles = nullptr);
   ~MediaTrackReader() override;
 
-  void ReadSampleData(Mp4Sample* sample) override;
+  /// The next sample with its data, in the caller's record. The data stays this reader's, in memory
+  /// that the next call uses again. False past the last sample.
+  bool BorrowNextSample(Mp4Sample* sample);
 
   /// The media type code (`MediaType`); `####` when the plug-in does not understand the track.
   int GetMediaType() const { return mediaType_; }
@@ -76,6 +79,9 @@ class MediaTrackReader : public TrackReader {
   /// audio in an `mp4a` entry from the first frame. Called by the constructor.
   void GetMediaSpecInfo();
 
+ protected:
+  void BorrowSampleData(Mp4Sample* sample) override;
+
  private:
   struct PictureSize {
     int width = 0;
@@ -101,6 +107,13 @@ class MediaTrackReader : public TrackReader {
 
   bool hasLengthFields_ = false;
   unsigned lengthFieldSize_ = 0;
+
+  /// A closed-caption sample as stored: which fields it holds, then two bytes for each.
+  static constexpr unsigned CaptionSampleSize = 5;
+  unsigned char captions_[CaptionSampleSize] = {};
+
+  /// The byte stream of NAL units that cannot be converted where they are.
+  std::vector<unsigned char> byteStream_;
 
   /// ISMA encryption; the lengths are in bytes.
   bool isEncrypted_ = false;

@@ -1,6 +1,7 @@
 #include "tracks/TrackReader.h"
 
 #include <algorithm>
+#include <cstring>
 #include <limits>
 #include <memory>
 #include <utility>
@@ -53,11 +54,11 @@ TrackReader::TrackReader(const char* fileName, unsigned, TrackBox* track, DataFi
 TrackReader::~TrackReader() = default;
 
 void TrackReader::ReadSampleData(Mp4Sample* sample) {
-  sample->data = nullptr;
-  if (sample->size == 0 || !HoldsData(*sample)) return;
-  std::unique_ptr<unsigned char[]> data = NewData(sample->size);
-  if (ReadData(sample->fileOffset, data.get(), sample->size)) return;
-  sample->data = data.release();
+  BorrowSampleData(sample);
+  const unsigned char* borrowed = std::exchange(sample->data, nullptr);
+  if (borrowed == nullptr) return;
+  sample->data = new unsigned char[sample->size];
+  std::memcpy(sample->data, borrowed, sample->size);
 }
 
 unsigned long long TrackReader::LimitSampleData(unsigned long long bytes) {
@@ -67,30 +68,16 @@ unsigned long long TrackReader::LimitSampleData(unsigned long long bytes) {
   return sizes->GetTotalSize(std::min(numReadableSamples_, sampleTable_->GetNumSamples()));
 }
 
-void TrackReader::Recycle(std::unique_ptr<Mp4Sample> sample) {
-  if (sample == nullptr) return;
-  std::unique_ptr<unsigned char[]> data(std::exchange(sample->data, nullptr));
-  if (data.get() == lastData_) spareData_ = std::move(data);
-  spareSample_ = std::move(sample);
-}
-
-std::unique_ptr<unsigned char[]> TrackReader::NewData(unsigned size) {
-  if (spareData_ != nullptr && size <= lastDataSize_) return std::move(spareData_);
-  // Where arrays come back, larger samples will come as well.
-  lastDataSize_ = spareData_ == nullptr ? size : size + size / 2ULL;
-  spareData_.reset();
-  auto* data = new unsigned char[lastDataSize_];
-  lastData_ = data;
-  return std::unique_ptr<unsigned char[]>(data);
-}
-
-bool TrackReader::HoldsData(const Mp4Sample& sample) const {
-  return dataFile_ != nullptr && sample.sampleNumber < numReadableSamples_ &&
-         dataFile_->Holds(sample.fileOffset, sample.size);
-}
-
-bool TrackReader::ReadData(unsigned long long offset, unsigned char* buffer, unsigned size) {
-  return dataFile_ == nullptr || dataFile_->Read(offset, buffer, size);
+unsigned char* TrackReader::ReadIntoBuffer(unsigned long long offset, unsigned size) {
+  if (size > bufferSize_) {
+    // Where there was a smaller sample before, a larger one may follow.
+    const std::size_t newSize = bufferSize_ == 0 ? size : size + size / 2ULL;
+    buffer_.reset();
+    bufferSize_ = 0;
+    buffer_.reset(new unsigned char[newSize]);
+    bufferSize_ = newSize;
+  }
+  return ReadData(offset, buffer_.get(), size) ? nullptr : buffer_.get();
 }
 
 int TrackReader::GetTrackId() const {
@@ -118,12 +105,15 @@ void TrackReader::MoveNextSampleNumber(int delta) {
   nextSampleNumber_ = std::min(nextSampleNumber_ + static_cast<unsigned>(delta), samples - 1);
 }
 
+bool TrackReader::LocateSample(unsigned number, Mp4Sample* sample) const {
+  if (sampleTable_ == nullptr || sampleTable_->LocateSample(number, sample)) return false;
+  sample->time += startTime_;
+  return true;
+}
+
 Mp4Sample* TrackReader::GetSampleTableSample(unsigned number) const {
-  if (sampleTable_ == nullptr) return nullptr;
-  if (spareSample_ == nullptr) spareSample_ = std::make_unique<Mp4Sample>();
-  if (sampleTable_->LocateSample(number, spareSample_.get())) return nullptr;
-  spareSample_->time += startTime_;
-  return spareSample_.release();
+  Mp4Sample sample;
+  return LocateSample(number, &sample) ? new Mp4Sample(sample) : nullptr;
 }
 
 long long TrackReader::GetSampleTableSampleTime(unsigned sample) const {

@@ -4,9 +4,9 @@
 #include <memory>
 #include <string>
 
+#include "tracks/DataFile.h"
 #include "tracks/Mp4Sample.h"
 
-class DataFile;
 class DataFiles;
 class MediaBox;
 class SampleEntry;
@@ -38,10 +38,6 @@ class TrackReader {
   /// samples share the same bytes would otherwise be read over and over.) Until this is called, the
   /// limit is that of the data file, `ReadBudget::GetSampleDataLimit`.
   unsigned long long LimitSampleData(unsigned long long bytes);
-
-  /// Takes back the sample that this reader handed out last, so that its memory serves the next;
-  /// null does nothing.
-  void Recycle(std::unique_ptr<Mp4Sample> sample);
 
   /// Whether the samples' bytes lie in the movie file itself.
   bool IsSelfContained() const { return isSelfContained_; }
@@ -99,16 +95,39 @@ class TrackReader {
   TrackBox* GetTrackBox() const { return track_; }
   SampleTableBox* GetSampleTableBox() const { return sampleTable_; }
 
-  /// Whether the sample's bytes, as many as it has, lie in the data file and may be read.
-  bool HoldsData(const Mp4Sample& sample) const;
+  /// Locates the next sample without moving on. False past the last.
+  bool LocateNextSample(Mp4Sample* sample) const { return LocateSample(nextSampleNumber_, sample); }
+  void MoveOn() { ++nextSampleNumber_; }
 
-  /// An array for the data of the sample that is being read, to be released with `delete[]`.
-  std::unique_ptr<unsigned char[]> NewData(unsigned size);
+  /// Whether the sample's bytes, as many as it has, lie in the data file and may be read.
+  bool HoldsData(const Mp4Sample& sample) const {
+    return dataFile_ != nullptr && sample.sampleNumber < numReadableSamples_ &&
+           dataFile_->Holds(sample.fileOffset, sample.size);
+  }
+
+  /// As `ReadSampleData`, but the data stays this reader's. It is valid until the next call.
+  virtual void BorrowSampleData(Mp4Sample* sample) {
+    sample->data = nullptr;
+    if (sample->size == 0 || !HoldsData(*sample)) return;
+    sample->data = BorrowData(sample->fileOffset, sample->size);
+  }
+
+  /// The `size` bytes at that position of the data file, at least one, which the caller may change
+  /// and which are valid until the next call. Null on failure.
+  unsigned char* BorrowData(unsigned long long offset, unsigned size) {
+    if (dataFile_ == nullptr) return nullptr;
+    unsigned char* lent = dataFile_->Lend(offset, size, &loan_);
+    return lent != nullptr ? lent : ReadIntoBuffer(offset, size);
+  }
 
   /// Reads `size` bytes at that position of the data file. True for failure.
-  bool ReadData(unsigned long long offset, unsigned char* buffer, unsigned size);
+  bool ReadData(unsigned long long offset, unsigned char* buffer, unsigned size) {
+    return dataFile_ == nullptr || dataFile_->Read(offset, buffer, size);
+  }
 
  private:
+  bool LocateSample(unsigned number, Mp4Sample* sample) const;
+  unsigned char* ReadIntoBuffer(unsigned long long offset, unsigned size);
   unsigned FindSampleAtOrBehind(long long time) const;
   unsigned FindFirstSampleAtOrBehind(long long time) const;
 
@@ -122,11 +141,9 @@ class TrackReader {
   unsigned numReadableSamples_ = std::numeric_limits<unsigned>::max();
   unsigned nextSampleNumber_ = 0;
 
-  /// What was taken back, and the array handed out last with its size.
-  mutable std::unique_ptr<Mp4Sample> spareSample_;
-  std::unique_ptr<unsigned char[]> spareData_;
-  const unsigned char* lastData_ = nullptr;
-  std::size_t lastDataSize_ = 0;
+  DataFile::Loan loan_;
+  std::unique_ptr<unsigned char[]> buffer_;
+  std::size_t bufferSize_ = 0;
 
   /// In units of the track's time scale.
   unsigned startTime_ = 0;

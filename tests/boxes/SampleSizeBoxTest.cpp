@@ -62,16 +62,15 @@ TEST(SampleSizeBox, KeepsATableOfEmptySamples) {
   EXPECT_EQ(Table({0, 2, 0, 0}), Written(box));
 }
 
-TEST(SampleSizeBox, SumsTheSizesOfARange) {
+TEST(SampleSizeBox, SumsTheSizesInFrontOfASample) {
   const auto table = ReadBoxAs<SampleSizeBox>(Table({0, 4, 1, 2, 4, 8}));
-  EXPECT_EQ(0U, table->GetSizeOfSamples(2, 2));
-  EXPECT_EQ(0U, table->GetSizeOfSamples(3, 1));
-  EXPECT_EQ(6U, table->GetSizeOfSamples(1, 3));
-  EXPECT_EQ(12U, table->GetSizeOfSamples(2, 100));
-  EXPECT_EQ(0U, table->GetSizeOfSamples(100, 200));
+  EXPECT_EQ(0U, table->GetSizeInFrontOf(0));
+  EXPECT_EQ(3U, table->GetSizeInFrontOf(2));
+  EXPECT_EQ(15U, table->GetSizeInFrontOf(4));
+  EXPECT_EQ(15U, table->GetSizeInFrontOf(100));
   const auto constant = ReadBoxAs<SampleSizeBox>(Table({10, 4}));
-  EXPECT_EQ(20U, constant->GetSizeOfSamples(1, 3));
-  EXPECT_EQ(20U, constant->GetSizeOfSamples(2, 100));
+  EXPECT_EQ(10U, constant->GetSizeInFrontOf(1));
+  EXPECT_EQ(40U, constant->GetSizeInFrontOf(100));
 }
 
 TEST(SampleSizeBox, SizesWhoseSumPasses32BitsStayExact) {

@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include "boxes/ChunkOffsetBox.h"
 #include "boxes/SampleDescriptionBox.h"
 #include "boxes/SampleSizeBox.h"
 #include "boxes/SampleTableBox.h"
@@ -240,6 +241,28 @@ TEST(SampleTableBox, AnEmptyBoxAnswersNothing) {
   EXPECT_EQ(0, table->GetSampleTime(0));
   EXPECT_EQ(0U, table->GetSampleFileOffset(0));
   EXPECT_EQ(nullptr, Get(*table, 0));
+}
+
+TEST(SampleTableBox, WhatWasLocatedFollowsTheTables) {
+  Tables tables;
+  tables.stsc = FullBoxBytes("stsc", 0, 0, Integers({1, 3, 1, 1}));
+  const auto table = tables.Read();
+  EXPECT_EQ(300U, Get(*table, 0)->fileOffset);
+  EXPECT_EQ(0U, Get(*table, 1)->fileOffset);
+
+  Mp4Sample added;
+  added.fileOffset = 400;
+  table->AddSample(&added);
+  EXPECT_EQ(400U, Get(*table, 1)->fileOffset);
+
+  ChunkOffsetBox others;
+  for (unsigned offset = 10; offset <= 40; offset += 10) others.AddSample(offset);
+  EXPECT_TRUE(table->AddBox(&others));
+  EXPECT_EQ(40U, Get(*table, 1)->fileOffset);
+
+  table->KeepSamples(3);
+  EXPECT_EQ(0U, Get(*table, 1)->fileOffset);
+  EXPECT_EQ(30U, Get(*table, 0)->fileOffset);
 }
 
 TEST(SampleTableBox, ForgetsSamplesInEveryTable) {

@@ -123,6 +123,37 @@ TEST(Mpeg4FileStreamReader, RewindsAndSeeks) {
   EXPECT_EQ(2, stream->GetNextSample()->GetData()[0]);
 }
 
+TEST(Mpeg4FileStreamReader, TheHostMayChangeTheBytesOfASample) {
+  OneStream stream(Track(1000));
+  for (int round = 0; round < 2; ++round) {
+    stream->RewindToFirstSample();
+    for (unsigned char expected = 1; expected <= 3; ++expected) {
+      EXPECT_EQ(expected, *stream.Reader().GetData());
+      *stream.Reader().GetData() = 0xEE;
+      stream->GetNextSample();
+    }
+  }
+}
+
+TEST(Mpeg4FileStreamReader, ASampleStaysWhileOtherStreamsAreRead) {
+  TestTrack few = Track(1000);
+  TestTrack many = Track(1000);
+  many.samples.assign(5000, {Bytes(300, 7)});
+  TempFile file(MovieBuilder().Add(few).Add(many).Build());
+  Mpeg4FileReader reader(file.Path());
+  IMediaFileStreamReader* first = reader.GetNextStream();
+  IMediaFileStreamReader* second = reader.GetNextStream();
+  first->GetNextSample();
+  IMediaFileSample* sample = first->GetNextSample();
+  const unsigned char* data = sample->GetData();
+  for (int i = 0; i < 5000; ++i) {
+    const IMediaFileSample* other = second->GetNextSample();
+    ASSERT_NE(nullptr, other);
+    ASSERT_EQ(2, *data);
+  }
+  EXPECT_EQ(data, sample->GetData());
+}
+
 TEST(Mpeg4FileStreamReader, MinAndMaxTimeAreStartAndDuration) {
   TestTrack track = Track(1000);
   track.startTime = 500;

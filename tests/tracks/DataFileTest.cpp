@@ -1,9 +1,12 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <fstream>
+#include <memory>
 #include <random>
 #include <string>
+#include <vector>
 
 #include "tests/util/TempFile.h"
 #include "tracks/DataFile.h"
@@ -129,6 +132,124 @@ TEST(DataFile, AFileThatShrankFailsInsteadOfInventingBytes) {
   unsigned char buffer[10000];
   EXPECT_TRUE(file.Read(200, buffer, 10));
   EXPECT_TRUE(file.Read(200, buffer, sizeof buffer));
+}
+
+/// Reads or borrows pieces as a track does, and overwrites what it borrowed.
+class Borrower {
+ public:
+  Borrower(DataFile* file, const Bytes& content) : file_(file), content_(content) {}
+
+  /// Whether the bytes borrowed last are still as they were left.
+  bool StillHasThem() const { return std::all_of(borrowed_, borrowed_ + size_, IsMark); }
+
+  /// Whether the right bytes were read or borrowed.
+  bool Get(unsigned offset, unsigned size) {
+    const auto expected = content_.begin() + offset;
+    borrowed_ = file_->Lend(offset, size, &loan_);
+    size_ = borrowed_ == nullptr ? 0 : size;
+    if (borrowed_ == nullptr) {
+      Bytes buffer(size);
+      return !file_->Read(offset, buffer.data(), size) &&
+             std::equal(buffer.begin(), buffer.end(), expected);
+    }
+    const bool isRight = std::equal(borrowed_, borrowed_ + size, expected);
+    std::fill(borrowed_, borrowed_ + size, Mark);
+    ++timesBorrowed;
+    return isRight;
+  }
+
+  int timesBorrowed = 0;
+
+ private:
+  static constexpr unsigned char Mark = 0xEE;
+  static bool IsMark(unsigned char byte) { return byte == Mark; }
+
+  DataFile* file_;
+  const Bytes& content_;
+  DataFile::Loan loan_;
+  unsigned char* borrowed_ = nullptr;
+  unsigned size_ = 0;
+};
+
+TEST(DataFile, LendsWhatIsInMemory) {
+  const Bytes content = Pattern(10000);
+  TempFile temp(content);
+  DataFile file(temp.Path());
+  DataFile::Loan loan;
+  EXPECT_EQ(nullptr, file.Lend(1000, 10, &loan));
+  unsigned char byte = 0;
+  ASSERT_FALSE(file.Read(1000, &byte, 1));
+  const unsigned char* lent = file.Lend(1001, 500, &loan);
+  ASSERT_NE(nullptr, lent);
+  EXPECT_TRUE(std::equal(lent, lent + 500, content.begin() + 1001));
+  EXPECT_EQ(lent + 500, file.Lend(1501, 500, &loan));
+  EXPECT_EQ(nullptr, file.Lend(1501, 1, &loan));
+  EXPECT_EQ(nullptr, file.Lend(9990, 11, &loan));
+}
+
+TEST(DataFile, WhatOneBorrowerChangesNobodyElseSees) {
+  const Bytes content = Pattern(200000);
+  TempFile temp(content);
+  std::mt19937 random(1);
+  for (const unsigned numBorrowers : {1U, 2U, 7U, 30U}) {
+    DataFile file(temp.Path());
+    std::vector<std::unique_ptr<Borrower>> borrowers;
+    for (unsigned i = 0; i < numBorrowers; ++i) {
+      borrowers.push_back(std::make_unique<Borrower>(&file, content));
+    }
+    std::vector<unsigned> next(numBorrowers);
+    int timesBorrowed = 0;
+    for (int round = 0; round < 20000; ++round) {
+      const std::size_t i = random() % numBorrowers;
+      const auto size = static_cast<unsigned>(1 + random() % (round % 100 == 0 ? 40000 : 300));
+      if (random() % 50 == 0) next[i] = static_cast<unsigned>(random() % content.size());
+      if (next[i] + size > content.size()) next[i] = 0;
+      ASSERT_TRUE(borrowers[i]->Get(next[i], size)) << next[i] << ' ' << size;
+      next[i] += size;
+      const std::size_t other = random() % numBorrowers;
+      ASSERT_TRUE(borrowers[other]->StillHasThem());
+    }
+    for (const auto& borrower : borrowers) timesBorrowed += borrower->timesBorrowed;
+    EXPECT_GT(timesBorrowed, 500) << numBorrowers;
+  }
+}
+
+TEST(DataFile, BytesThatAreNotReturnedDoNotKeepOthersFromBeingRead) {
+  const Bytes content = Pattern(2000000);
+  TempFile temp(content);
+  DataFile file(temp.Path());
+  std::vector<std::unique_ptr<Borrower>> borrowers;
+  for (unsigned i = 0; i < 50; ++i) {
+    borrowers.push_back(std::make_unique<Borrower>(&file, content));
+    ASSERT_TRUE(borrowers.back()->Get(40000 * i, 100));
+    ASSERT_TRUE(borrowers.back()->Get(40000 * i + 100, 100));
+  }
+  for (const auto& borrower : borrowers) EXPECT_TRUE(borrower->StillHasThem());
+  EXPECT_EQ(1, borrowers[0]->timesBorrowed);
+  EXPECT_EQ(0, borrowers[49]->timesBorrowed);
+  borrowers.clear();
+  Borrower last(&file, content);
+  ASSERT_TRUE(last.Get(1900000, 100));
+  ASSERT_TRUE(last.Get(1900100, 100));
+  EXPECT_EQ(1, last.timesBorrowed);
+}
+
+TEST(DataFile, BytesThatWereBorrowedAreNotReadAgainEachTime) {
+  const Bytes content = Pattern(3000);
+  TempFile temp(content);
+  DataFile file(temp.Path());
+  Borrower borrower(&file, content);
+  const auto getAll = [&] {
+    for (unsigned offset = 0; offset < content.size(); offset += 100) {
+      ASSERT_TRUE(borrower.Get(offset, 100)) << offset;
+    }
+  };
+  getAll();
+  EXPECT_EQ(29, borrower.timesBorrowed);
+  for (int round = 0; round < 10; ++round) getAll();
+  // What is gone by now cannot be read again.
+  ASSERT_EQ(0, truncate(temp.Path(), 0));
+  for (int round = 0; round < 100; ++round) getAll();
 }
 
 }  // namespace

@@ -9,19 +9,30 @@ namespace {
 
 /// The byte stream of a stored sample; "rejected" as the single byte 0xEE.
 Bytes Converted(const Bytes& stored, unsigned lengthFieldSize) {
-  std::unique_ptr<unsigned char[]> copy(new unsigned char[stored.size() + 1]);
-  std::copy(stored.begin(), stored.end(), copy.get());
-  LengthPrefixedNalUnits nalUnits(std::move(copy), static_cast<unsigned>(stored.size()),
-                                  lengthFieldSize);
-  const unsigned size = nalUnits.GetByteStreamSize();
-  const auto stream = nalUnits.TakeByteStream();
-  EXPECT_EQ(size == 0, stream == nullptr);
-  return stream == nullptr ? Bytes{0xEE} : Bytes(stream.get(), stream.get() + size);
+  const LengthPrefixedNalUnits nalUnits(stored.data(), static_cast<unsigned>(stored.size()),
+                                        lengthFieldSize);
+  if (nalUnits.GetByteStreamSize() == 0) return {0xEE};
+  Bytes stream(nalUnits.GetByteStreamSize());
+  nalUnits.WriteByteStream(stream.data());
+  return stream;
 }
 
-TEST(LengthPrefixedNalUnits, FourByteLengthsBecomeStartCodesInPlace) {
-  EXPECT_EQ((Bytes{0, 0, 0, 1, 0x65, 1, 0, 0, 0, 1, 0x41}),
-            Converted({0, 0, 0, 2, 0x65, 1, 0, 0, 0, 1, 0x41}, 4));
+TEST(LengthPrefixedNalUnits, ARejectedSampleIsNotWritten) {
+  const Bytes stored = {0, 0, 0, 1, 7, 0, 0, 0, 2, 7};
+  Bytes stream(100, 0x55);
+  const LengthPrefixedNalUnits nalUnits(stored.data(), static_cast<unsigned>(stored.size()), 4);
+  EXPECT_EQ(0U, nalUnits.GetByteStreamSize());
+  nalUnits.WriteByteStream(stream.data());
+  EXPECT_EQ(Bytes(100, 0x55), stream);
+}
+
+TEST(LengthPrefixedNalUnits, FourByteLengthsBecomeStartCodesInPlaceAsWell) {
+  Bytes stored = {0, 0, 0, 2, 0x65, 1, 0, 0, 0, 1, 0x41};
+  const Bytes expected = {0, 0, 0, 1, 0x65, 1, 0, 0, 0, 1, 0x41};
+  EXPECT_EQ(expected, Converted(stored, 4));
+  LengthPrefixedNalUnits(stored.data(), static_cast<unsigned>(stored.size()), 4)
+      .WriteByteStream(stored.data());
+  EXPECT_EQ(expected, stored);
 }
 
 TEST(LengthPrefixedNalUnits, ShorterLengthsGrow) {

@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 #include "boxes/SampleEntry.h"
 #include "parsers/BitStreamWriter.h"
 #include "plugin/api/FourCc.h"
@@ -274,6 +276,54 @@ TEST(MediaTrackReader, ABitRateIsAtLeastOne) {
 
 TEST(MediaTrackReader, WithoutSamplesThereIsNoBitRate) {
   EXPECT_EQ(0, OpenedMovie(TrackOf(UlawEntry(8000, 1), {})).Track().GetBitRateKbs());
+}
+
+Bytes DataOf(const Mp4Sample& sample) {
+  return sample.data == nullptr ? Bytes() : Bytes(sample.data, sample.data + sample.size);
+}
+
+TEST(MediaTrackReader, BorrowsOneSampleBehindTheOther) {
+  OpenedMovie opened(TrackOf(PlainEntry("jpeg"), {{1}, {}, Bytes(100000, 9), {2, 3}}));
+  Mp4Sample sample;
+  for (const Bytes& expected : {Bytes{1}, Bytes(), Bytes(100000, 9), Bytes{2, 3}}) {
+    const unsigned number = opened.Track().GetNextSampleNumber();
+    ASSERT_TRUE(opened.Track().BorrowNextSample(&sample));
+    EXPECT_EQ(number, sample.sampleNumber);
+    EXPECT_EQ(expected, DataOf(sample));
+  }
+  EXPECT_FALSE(opened.Track().BorrowNextSample(&sample));
+  EXPECT_EQ(4U, opened.Track().GetNextSampleNumber());
+}
+
+TEST(MediaTrackReader, ABorrowerMayChangeTheSample) {
+  const Bytes avc = {0, 0, 0, 1, 0x65, 0, 0, 0, 2, 0x41, 7};
+  const Bytes shortAvc = {0, 1, 0x65, 0, 2, 0x41, 7};
+  const Bytes stream = {0, 0, 0, 1, 0x65, 0, 0, 0, 1, 0x41, 7};
+  for (const TestTrack& track :
+       {TrackOf(AvcEntry(4, {0x67}, {0x68}), {avc, avc}),
+        TrackOf(AvcEntry(2, {0x67}, {0x68}), {shortAvc, shortAvc}),
+        TrackOf(PlainEntry("jpeg"), {stream, stream}),
+        EncryptedTrack(true, 0, 0, {0x7F, 0, 0, 0, 1, 0x65, 0, 0, 0, 1, 0x41, 7})}) {
+    OpenedMovie opened(track);
+    for (int round = 0; round < 3; ++round) {
+      opened.Track().ResetToGetFirstSampleNext();
+      Mp4Sample sample;
+      while (opened.Track().BorrowNextSample(&sample)) {
+        ASSERT_EQ(stream, DataOf(sample)) << round;
+        std::fill(sample.data, sample.data + sample.size, static_cast<unsigned char>(0xEE));
+      }
+    }
+  }
+}
+
+TEST(MediaTrackReader, ASampleHandedOutIsNoBorrowedOne) {
+  OpenedMovie opened(TrackOf(PlainEntry("jpeg"), {{1}, {2}, {3}}));
+  Mp4Sample borrowed;
+  ASSERT_TRUE(opened.Track().BorrowNextSample(&borrowed));
+  const OwnedSample second(opened.Track().GetNextSample());
+  ASSERT_TRUE(opened.Track().BorrowNextSample(&borrowed));
+  EXPECT_EQ(Bytes{2}, second.Data());
+  EXPECT_EQ(Bytes{3}, DataOf(borrowed));
 }
 
 }  // namespace

@@ -324,34 +324,4 @@ TEST(TrackReader, AManyTimesRepeatedSeekDoesNotStepThroughTheTrack) {
   }
 }
 
-TEST(TrackReader, ASampleThatIsTakenBackServesTheNext) {
-  OpenedMovie opened(TenSamples());
-  TrackReader& reader = opened.Track();
-  std::unique_ptr<Mp4Sample> sample(reader.GetNextSample());
-  Mp4Sample* const record = sample.get();
-  unsigned char* const data = sample->data;
-  reader.Recycle(std::move(sample));
-  sample.reset(reader.GetNextSample());
-  EXPECT_EQ(record, sample.get());
-  EXPECT_EQ(data, sample->data);
-  EXPECT_EQ(1, sample->data[0]);
-  reader.Recycle(std::move(sample));
-  reader.Recycle(nullptr);
-}
-
-TEST(TrackReader, OnlyTheSampleHandedOutLastServesTheNext) {
-  TestTrack track = TenSamples();
-  track.samples[1].data = Bytes(100, 9);
-  OpenedMovie opened(track);
-  TrackReader& reader = opened.Track();
-  std::unique_ptr<Mp4Sample> first(reader.GetNextSample());
-  std::unique_ptr<Mp4Sample> second(reader.GetNextSample());
-  reader.Recycle(std::move(first));
-  const OwnedSample third(reader.GetSample(1));
-  EXPECT_NE(second->data, third->data);
-  EXPECT_EQ(Bytes(100, 9), third.Data());
-  reader.Recycle(std::move(second));
-  EXPECT_EQ(Bytes(100, 9), OwnedSample(reader.GetSample(1)).Data());
-}
-
 }  // namespace

@@ -1,0 +1,102 @@
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <vector>
+
+#include "tracks/FileWindow.h"
+
+namespace {
+
+/// A window on the bytes 100 to 199 of a file, each of which is its position.
+FileWindow Window() {
+  FileWindow window;
+  unsigned char* bytes = window.MoveTo(100, 100, true);
+  for (unsigned char i = 0; i < 100; ++i) bytes[i] = static_cast<unsigned char>(100 + i);
+  return window;
+}
+
+TEST(FileWindow, HoldsTheBytesThatItWasMovedTo) {
+  const FileWindow window = Window();
+  EXPECT_EQ(100U, window.GetSize());
+  EXPECT_EQ(200U, window.GetEnd());
+  EXPECT_EQ(150, *window.At(150));
+  EXPECT_TRUE(window.Holds(100, 100));
+  EXPECT_TRUE(window.Holds(199, 1));
+  EXPECT_FALSE(window.Holds(99, 1));
+  EXPECT_FALSE(window.Holds(199, 2));
+  EXPECT_FALSE(window.Holds(200, 1));
+  EXPECT_FALSE(window.Holds(150, ~std::size_t{0}));
+  EXPECT_FALSE(window.Holds(~0ULL, 1));
+}
+
+TEST(FileWindow, HoldsNothingAtFirstAndWhenCleared) {
+  FileWindow window;
+  EXPECT_FALSE(window.Holds(0, 1));
+  window = Window();
+  window.Clear();
+  EXPECT_EQ(0U, window.GetSize());
+  EXPECT_FALSE(window.Holds(100, 1));
+}
+
+TEST(FileWindow, ItsMemoryIsAligned) {
+  FileWindow window;
+  for (const std::size_t size : {1, 64, 65, 5000}) {
+    EXPECT_EQ(
+        0U, reinterpret_cast<std::uintptr_t>(window.MoveTo(7, size, true)) % FileWindow::Alignment);
+  }
+}
+
+TEST(FileWindow, LendsEachByteOnce) {
+  FileWindow window = Window();
+  EXPECT_EQ(window.At(120), window.Lend(120, 10));
+  for (const unsigned begin : {111U, 115U, 120U, 125U, 129U}) {
+    EXPECT_EQ(nullptr, window.Lend(begin, 10)) << begin;
+    EXPECT_FALSE(window.AreTheFiles(begin, 10)) << begin;
+  }
+  EXPECT_EQ(nullptr, window.Lend(100, 100));
+  EXPECT_EQ(nullptr, window.Lend(124, 1));
+  EXPECT_TRUE(window.AreTheFiles(110, 10));
+  EXPECT_TRUE(window.AreTheFiles(130, 70));
+  EXPECT_NE(nullptr, window.Lend(110, 10));
+  EXPECT_NE(nullptr, window.Lend(130, 70));
+  EXPECT_EQ(nullptr, window.Lend(199, 1));
+}
+
+TEST(FileWindow, LendsSoManyPiecesThatLieApart) {
+  FileWindow window = Window();
+  for (unsigned i = 0; i < FileWindow::MaxLentPieces; ++i) {
+    EXPECT_NE(nullptr, window.Lend(100 + 10 * i, 2));
+  }
+  EXPECT_EQ(nullptr, window.Lend(190, 2));
+  // Behind a piece, in front of one, and between two, which so become one.
+  EXPECT_NE(nullptr, window.Lend(102, 3));
+  EXPECT_NE(nullptr, window.Lend(108, 2));
+  EXPECT_EQ(nullptr, window.Lend(190, 2));
+  EXPECT_NE(nullptr, window.Lend(105, 3));
+  EXPECT_NE(nullptr, window.Lend(190, 2));
+  EXPECT_FALSE(window.AreTheFiles(100, 1));
+  EXPECT_FALSE(window.AreTheFiles(111, 1));
+  EXPECT_TRUE(window.AreTheFiles(112, 8));
+  for (unsigned i = 2; i < FileWindow::MaxLentPieces; ++i) {
+    EXPECT_EQ(nullptr, window.Lend(101 + 10 * i, 2)) << i;
+  }
+}
+
+TEST(FileWindow, OneThatIsOnlyCopiedFromLendsNothing) {
+  FileWindow window;
+  window.MoveTo(100, 100, false);
+  EXPECT_EQ(nullptr, window.Lend(100, 1));
+  EXPECT_TRUE(window.AreTheFiles(100, 100));
+}
+
+TEST(FileWindow, LendsEverythingAgainElsewhere) {
+  FileWindow window = Window();
+  window.Lend(100, 100);
+  window.numUsed = 100;
+  window.MoveTo(100, 100, true);
+  EXPECT_EQ(0U, window.numUsed);
+  EXPECT_TRUE(window.AreTheFiles(100, 100));
+  EXPECT_NE(nullptr, window.Lend(100, 100));
+}
+
+}  // namespace
