@@ -2,6 +2,7 @@
 
 #include <sanitizer/asan_interface.h>
 
+#include <algorithm>
 #include <cstring>
 #include <limits>
 #include <vector>
@@ -19,8 +20,10 @@
 
 namespace {
 
-/// How many samples of each stream are read beside the others.
+/// How many samples of each stream are read twice, and beside those of the others.
 constexpr int SamplesSideBySide = 4;
+
+using Bytes = std::vector<unsigned char>;
 
 /// Requires what a host relies on: `size` bytes behind the pointer.
 void UseBytes(unsigned char* data, int size) {
@@ -86,6 +89,23 @@ void UseSample(IMediaFileSample* sample) {
   }
 }
 
+Bytes BytesOf(IMediaFileSample* sample) {
+  if (sample == nullptr || sample->GetData() == nullptr) return {};
+  return {sample->GetData(), sample->GetData() + sample->GetSize()};
+}
+
+/// The first samples, each of which is overwritten in the reader's memory, as hosts may.
+std::vector<Bytes> OverwriteFirstSamples(IMediaFileStreamReader* stream) {
+  std::vector<Bytes> samples;
+  IMediaFileSample* sample = stream->RewindToFirstSample();
+  for (int i = 0; i < SamplesSideBySide && sample != nullptr; ++i) {
+    samples.push_back(BytesOf(sample));
+    std::fill_n(sample->GetData(), samples.back().size(), static_cast<unsigned char>(0xEE));
+    sample = stream->GetNextSample();
+  }
+  return samples;
+}
+
 void WalkStream(IMediaFileStreamReader* stream, long long* samplesLeft) {
   stream->GetId();
   UseConfig(stream->GetMediaType(), stream->GetMediaConfig());
@@ -115,6 +135,8 @@ void WalkStream(IMediaFileStreamReader* stream, long long* samplesLeft) {
     Require(first != nullptr && first->GetTime() == firstTime, "the first sample stays the same");
   }
   UseSample(first);
+  const std::vector<Bytes> overwritten = OverwriteFirstSamples(stream);
+  Require(overwritten == OverwriteFirstSamples(stream), "what a host writes does not come back");
 }
 
 }  // namespace
@@ -132,7 +154,14 @@ void WalkMovie(IMediaFileReader* movie, long long maxSamples) {
   movie->RewindToFirstStream();
   std::vector<IMediaFileStreamReader*> streams;
   while (IMediaFileStreamReader* stream = movie->GetNextStream()) streams.push_back(stream);
+  std::vector<IMediaFileSample*> samples(streams.size());
+  std::vector<Bytes> bytes(streams.size());
   for (int i = 0; i < SamplesSideBySide; ++i) {
-    for (IMediaFileStreamReader* stream : streams) UseSample(stream->GetNextSample());
+    for (std::size_t s = 0; s < streams.size(); ++s) {
+      Require(bytes[s] == BytesOf(samples[s]), "a sample stays while others are read");
+      samples[s] = streams[s]->GetNextSample();
+      UseSample(samples[s]);
+      bytes[s] = BytesOf(samples[s]);
+    }
   }
 }

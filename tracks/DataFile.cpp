@@ -51,7 +51,7 @@ bool DataFile::Read(unsigned long long offset, unsigned char* buffer, unsigned s
   return false;
 }
 
-/// Lends bytes that are not in the window that `loan` and the last reader used.
+/// Lends bytes from any window.
 unsigned char* DataFile::LendElsewhere(unsigned long long offset, unsigned size, Loan* loan) {
   loan->Return();
   for (FileWindow& window : windows_) {

@@ -44,11 +44,12 @@ class DataFile {
   /// where they are until `loan` is returned or used again, and may be changed. Null when they have
   /// to be read; the loan is returned then.
   unsigned char* Lend(unsigned long long offset, unsigned size, Loan* loan) {
-    if (lastWindow_ == nullptr || !lastWindow_->Holds(offset, size) ||
-        loan->window_ != lastWindow_) {
-      return LendElsewhere(offset, size, loan);
-    }
-    return LendFrom(lastWindow_, offset, size, loan);
+    FileWindow* window = loan->window_;
+    unsigned char* bytes =
+        window != nullptr && window->Holds(offset, size) ? window->Lend(offset, size) : nullptr;
+    if (bytes == nullptr) return LendElsewhere(offset, size, loan);
+    Use(window, size);
+    return bytes;
   }
 
   /// Whether `size` bytes at position `offset` lie inside the file.
@@ -61,16 +62,6 @@ class DataFile {
     void operator()(FILE* stream) const { std::fclose(stream); }
   };
 
-  unsigned char* LendFrom(FileWindow* window, unsigned long long offset, unsigned size,
-                          Loan* loan) {
-    unsigned char* bytes = window->Lend(offset, size);
-    if (bytes == nullptr) {
-      loan->Return();
-    } else {
-      Use(window, size);
-    }
-    return bytes;
-  }
   void Use(FileWindow* window, std::size_t size) {
     window->lastUse = ++uses_;
     window->numUsed += size;

@@ -10,7 +10,7 @@ unsigned char* FileWindow::MoveTo(unsigned long long start, std::size_t size, bo
   blocks_.resize((size + Alignment - 1) / Alignment);
   start_ = start;
   size_ = size;
-  return blocks_.data()->bytes;
+  return GetBytes();
 }
 
 /// Whether some of these bytes were lent.

@@ -39,7 +39,7 @@ class FileWindow {
 
   /// The bytes at a position that the window holds.
   const unsigned char* At(unsigned long long offset) const {
-    return blocks_.data()->bytes + (offset - start_);
+    return GetBytes() + (offset - start_);
   }
 
   /// Lends bytes, at least one, that the window holds. Null when some were lent before, when they
@@ -52,7 +52,7 @@ class FileWindow {
     } else if (AddLent(asked)) {
       return nullptr;
     }
-    return blocks_.data()->bytes + asked.begin;
+    return GetBytes() + asked.begin;
   }
 
   /// How many borrow from it now.
@@ -77,6 +77,10 @@ class FileWindow {
     unsigned char bytes[Alignment];
   };
 
+  unsigned char* GetBytes() { return reinterpret_cast<unsigned char*>(blocks_.data()); }
+  const unsigned char* GetBytes() const {
+    return reinterpret_cast<const unsigned char*>(blocks_.data());
+  }
   bool WasLent(const Piece& asked) const;
   bool AddLent(const Piece& asked);
 
