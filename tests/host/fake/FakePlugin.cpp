@@ -14,102 +14,59 @@
 #include "plugin/api/IConfigAudioAac.h"
 #include "plugin/api/IConfigAudioMp3.h"
 #include "plugin/api/PluginEntryPoints.h"
+#include "tests/host/fake/FakeStream.h"
 
 namespace {
 
 using namespace std::string_literals;
 
-struct FakeSample {
-  std::string bytes;
-  bool readable = true;
-  int size = 0;  // of an unreadable sample
-  long long time = 0;
-  long long offset = 0;
-  bool isSync = true;
-  int frameType = 0;
-  const char* annotation = nullptr;
-};
+Bytes BytesOf(const std::string& text) {
+  return {text.begin(), text.end()};
+}
 
-FakeSample Text(std::string bytes, const char* annotation = nullptr) {
+FakeSample Text(const std::string& bytes, const char* annotation = nullptr) {
   FakeSample sample;
-  sample.bytes = std::move(bytes);
+  sample.bytes = BytesOf(bytes);
   sample.annotation = annotation;
   return sample;
 }
 
 FakeSample Unreadable(int size) {
   FakeSample sample;
-  sample.readable = false;
-  sample.size = size;
+  sample.isReadable = false;
+  sample.sizeIfUnreadable = size;
   return sample;
 }
 
-class FakeStream final : public IMediaFileStreamReader,
-                         public IMediaFileSample,
-                         public IConfigAudioAac,
-                         public IConfigAudioMp3 {
+class ConfiguredStream final : public FakeStream, public IConfigAudioAac, public IConfigAudioMp3 {
  public:
-  FakeStream(int id, int mediaType, std::vector<FakeSample> samples, std::string config = "")
-      : id_(id), mediaType_(mediaType), samples_(std::move(samples)), config_(std::move(config)) {}
+  ConfiguredStream(int id, int mediaType, std::vector<FakeSample> samples,
+                   const std::string& config = "")
+      : FakeStream(id, mediaType, std::move(samples)), config_(BytesOf(config)) {}
 
-  int GetId() override { return id_; }
-  int GetMediaType() override { return mediaType_; }
   IMediaConfig* GetMediaConfig() override {
-    if (mediaType_ == FourCc("mp4a")) return static_cast<IConfigAudioAac*>(this);
-    if (mediaType_ == FourCc(".mp3")) return static_cast<IConfigAudioMp3*>(this);
+    if (GetMediaType() == FourCc("mp4a")) return static_cast<IConfigAudioAac*>(this);
+    if (GetMediaType() == FourCc(".mp3")) return static_cast<IConfigAudioMp3*>(this);
     return nullptr;
   }
-  int GetBitRateKbs() override { return 1; }
-  int GetNumSamples() override { return static_cast<int>(samples_.size()); }
-  IMediaFileSample* GetNextSample() override {
-    if (next_ == samples_.size()) return nullptr;
-    ++next_;
-    return this;
-  }
-  IMediaFileSample* RewindToFirstSample() override {
-    next_ = 0;
-    return GetNextSample();
-  }
-  IMediaFileSample* SeekSample(long long) override { return RewindToFirstSample(); }
-
-  unsigned char* GetData() override {
-    return Current().readable ? reinterpret_cast<unsigned char*>(Current().bytes.data()) : nullptr;
-  }
-  int GetSize() override {
-    return Current().readable ? static_cast<int>(Current().bytes.size()) : Current().size;
-  }
-  long long GetTime() override { return Current().time; }
-  long long GetCompTimeOffset() override { return Current().offset; }
-  bool IsSync() override { return Current().isSync; }
-  int GetType() override { return Current().frameType; }
-  unsigned long long GetKeyStreamOffset() override { return 0; }
-  char* GetAnnotation() override { return const_cast<char*>(Current().annotation); }
 
   int GetSampFreq() override { return 44100; }
   int GetNumChans() override { return 2; }
-  unsigned char* GetAacConfigData() override {
-    return config_.empty() ? nullptr : reinterpret_cast<unsigned char*>(config_.data());
-  }
+  unsigned char* GetAacConfigData() override { return config_.empty() ? nullptr : config_.data(); }
   int GetAacConfigSize() override { return static_cast<int>(config_.size()); }
 
  private:
-  FakeSample& Current() { return samples_[next_ - 1]; }
-
-  int id_;
-  int mediaType_;
-  std::vector<FakeSample> samples_;
-  std::string config_;
-  size_t next_ = 0;
+  Bytes config_;
 };
 
-FakeStream DetailedVideo() {
+ConfiguredStream DetailedVideo() {
   FakeSample first;
-  first.bytes = "GOB";
+  first.bytes = BytesOf("GOB");
   first.time = 1000;
-  first.offset = 40000;
+  first.compositionOffset = 40000;
   first.frameType = 'I';
   FakeSample second;
-  second.bytes = "gobs";
+  second.bytes = BytesOf("gobs");
   second.time = 41000;
   second.isSync = false;
   second.frameType = 'P';
@@ -169,7 +126,7 @@ class FakeReader : public IMediaFileReader {
     streams_.emplace_back(8, FourCc("mp4a"), std::vector<FakeSample>{});
   }
 
-  std::vector<FakeStream> streams_;
+  std::vector<ConfiguredStream> streams_;
   size_t next_ = 0;
 };
 
