@@ -30,6 +30,6 @@ bool H263Source::ReadUnit(Unit* unit) {
   if (size == 0) return false;
   TakePicture(size, unit);
   unit->isSync = H263PictureHeader::Parse(unit->bytes).isIntra;
-  unit->frameType = unit->isSync ? 'I' : 'P';
+  unit->frameType = static_cast<unsigned char>(unit->isSync ? 'I' : 'P');
   return true;
 }

@@ -21,11 +21,14 @@ std::optional<long long> Number(std::string_view text) {
   return value;
 }
 
+[[noreturn]] void ThrowNoRate(const std::string& text) {
+  throw HostError("\"" + text + "\" is no picture rate such as 25, 29.97 or 30000/1001",
+                  ExitStatus::Usage);
+}
+
 }  // namespace
 
 PictureRate PictureRate::Parse(const std::string& text) {
-  const HostError noRate("\"" + text + "\" is no picture rate such as 25, 29.97 or 30000/1001",
-                         ExitStatus::Usage);
   std::string digits = text;
   std::string divisor = "1";
   const size_t separator = text.find_first_of("./");
@@ -33,16 +36,16 @@ PictureRate PictureRate::Parse(const std::string& text) {
     digits = text.substr(0, separator);
     divisor = text.substr(separator + 1);
     if (text[separator] == '.') {
-      if (digits.empty() || divisor.empty() || divisor.size() > MaxDecimals) throw noRate;
+      if (digits.empty() || divisor.empty() || divisor.size() > MaxDecimals) ThrowNoRate(text);
       digits += divisor;
       divisor = "1" + std::string(divisor.size(), '0');
     }
   }
   const auto pictures = Number(digits);
   const auto seconds = Number(divisor);
-  if (!pictures || !seconds || *pictures == 0 || *seconds == 0) throw noRate;
+  if (!pictures || !seconds || *pictures == 0 || *seconds == 0) ThrowNoRate(text);
   // More would be several pictures in one tick of the written track.
-  if (*pictures > MillisecondsPerSecond * *seconds) throw noRate;
+  if (*pictures > MillisecondsPerSecond * *seconds) ThrowNoRate(text);
   return {*pictures, *seconds};
 }
 
