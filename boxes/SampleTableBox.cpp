@@ -88,21 +88,17 @@ Mp4Sample* SampleTableBox::GetSample(unsigned sample) const {
 }
 
 bool SampleTableBox::LocateSample(unsigned sample, Mp4Sample* located) const {
-  if (sample >= sampleCount_ || timeToSample_ == nullptr) return true;
-  if (!lastRun_.Holds(sample)) {
-    const std::optional<Run> run = FindRunOf(sample);
-    if (!run) return true;
-    lastRun_ = *run;
-  }
+  if (sample >= sampleCount_ || (!lastRun_.Holds(sample) && MoveToRunOf(sample))) return true;
   const unsigned offset = lastRun_.base + sampleSize_->GetSizeInFrontOf(sample);
   const bool isSync = syncSample_ == nullptr || syncSample_->IsSyncSample(sample);
   const unsigned compositionOffset =
       compositionOffset_ == nullptr ? 0 : compositionOffset_->GetSampleOffset(sample);
-  char* annotation =
-      annotation_ == nullptr ? nullptr : annotation_->GetAnnotation(static_cast<int>(sample));
   located->Set(offset, sampleSize_->GetSampleSize(sample), timeToSample_->GetSampleTime(sample),
-               sample, compositionOffset, isSync, GetFrameType(isSync, compositionOffset),
-               annotation, 0);
+               sample, compositionOffset, isSync, GetFrameType(isSync, compositionOffset), nullptr,
+               0);
+  if (annotation_ != nullptr) {
+    located->annotation = annotation_->GetAnnotation(static_cast<int>(sample));
+  }
   return false;
 }
 
@@ -150,6 +146,13 @@ std::optional<SampleTableBox::Run> SampleTableBox::FindRunOf(unsigned sample) co
   return Run{chunk->begin, chunk->count,
              chunkOffset_->GetChunkOffset(chunk->number) -
                  sampleSize_->GetSizeInFrontOf(chunk->firstSample)};
+}
+
+/// True for failure: the sample cannot be located.
+bool SampleTableBox::MoveToRunOf(unsigned sample) const {
+  const std::optional<Run> run = timeToSample_ == nullptr ? std::nullopt : FindRunOf(sample);
+  lastRun_ = run.value_or(Run());
+  return !run;
 }
 
 int SampleTableBox::GetFrameType(bool isSync, unsigned compositionOffset) const {

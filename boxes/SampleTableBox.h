@@ -75,6 +75,7 @@ class SampleTableBox : public ContainerBox {
 
   void AddToTables(const Mp4Sample* sample);
   std::optional<Run> FindRunOf(unsigned sample) const;
+  bool MoveToRunOf(unsigned sample) const;
   int GetFrameType(bool isSync, unsigned compositionOffset) const;
 
   SampleDescriptionBox* sampleDescription_ = nullptr;

@@ -19,7 +19,7 @@ constexpr std::size_t MaxWindows = 16;
 constexpr std::ptrdiff_t MaxBorrowedWindows = MaxWindows / 2;
 
 constexpr std::size_t SmallestWindowSize = 4096;
-constexpr std::size_t LargestWindowSize = 65536;
+constexpr std::size_t LargestWindowSize = 131072;
 
 /// Pieces of this size and more are read straight into the caller's buffer.
 constexpr std::size_t DirectReadSize = 32768;

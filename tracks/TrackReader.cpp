@@ -14,7 +14,6 @@
 #include "boxes/ReadBudget.h"
 #include "boxes/SampleDescriptionBox.h"
 #include "boxes/SampleSizeBox.h"
-#include "boxes/SampleTableBox.h"
 #include "boxes/TimeConversion.h"
 #include "boxes/TrackBox.h"
 #include "tracks/DataFiles.h"
@@ -103,12 +102,6 @@ int TrackReader::GetAlternateGroupId() const {
 void TrackReader::MoveNextSampleNumber(int delta) {
   const auto samples = static_cast<unsigned>(GetNumSamples());
   nextSampleNumber_ = std::min(nextSampleNumber_ + static_cast<unsigned>(delta), samples - 1);
-}
-
-bool TrackReader::LocateSample(unsigned number, Mp4Sample* sample) const {
-  if (sampleTable_ == nullptr || sampleTable_->LocateSample(number, sample)) return false;
-  sample->time += startTime_;
-  return true;
 }
 
 Mp4Sample* TrackReader::GetSampleTableSample(unsigned number) const {

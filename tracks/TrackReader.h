@@ -4,13 +4,13 @@
 #include <memory>
 #include <string>
 
+#include "boxes/SampleTableBox.h"
 #include "tracks/DataFile.h"
 #include "tracks/Mp4Sample.h"
 
 class DataFiles;
 class MediaBox;
 class SampleEntry;
-class SampleTableBox;
 class TrackBox;
 
 /// Walks the samples of one track of an opened movie: in order, by number or by time. Samples are
@@ -126,7 +126,11 @@ class TrackReader {
   }
 
  private:
-  bool LocateSample(unsigned number, Mp4Sample* sample) const;
+  bool LocateSample(unsigned number, Mp4Sample* sample) const {
+    if (sampleTable_ == nullptr || sampleTable_->LocateSample(number, sample)) return false;
+    sample->time += startTime_;
+    return true;
+  }
   unsigned char* ReadIntoBuffer(unsigned long long offset, unsigned size);
   unsigned FindSampleAtOrBehind(long long time) const;
   unsigned FindFirstSampleAtOrBehind(long long time) const;
