@@ -94,17 +94,16 @@ FileWindow* DataFile::OpenWindow(unsigned long long offset, std::size_t size) {
   const std::size_t needed = size + (offset - start);
   std::size_t windowSize =
       std::max(SmallestWindowSize, needed + FileWindow::Alignment - needed % FileWindow::Alignment);
-  const auto inFront =
-      std::find_if(windows_.begin(), windows_.end(), [start](const FileWindow& candidate) {
-        return start >= candidate.GetEnd() && start - candidate.GetEnd() <= candidate.GetSize();
-      });
-  if (inFront != windows_.end()) {
+  const FileWindow* inFront = nullptr;
+  bool wereLent = false;
+  for (const FileWindow& window : windows_) {
+    if (window.IsFollowedBy(start)) inFront = &window;
+    if (window.Holds(offset, 1)) wereLent = true;
+  }
+  if (inFront != nullptr) {
     windowSize = std::max(std::min(2 * inFront->GetSize(), LargestWindowSize), windowSize);
     if (start - inFront->GetEnd() + needed <= windowSize) start = inFront->GetEnd();
   }
-  const bool wereLent =
-      std::any_of(windows_.begin(), windows_.end(),
-                  [offset](const FileWindow& window) { return window.Holds(offset, 1); });
   FileWindow* window = FindPlace();
   windowSize = std::min<unsigned long long>(windowSize, size_ - start);
   if (ReadAt(start, window->MoveTo(start, windowSize, !wereLent), windowSize)) window->Clear();

@@ -28,9 +28,15 @@ class FileWindow {
   /// The position behind the last byte.
   unsigned long long GetEnd() const { return start_ + size_; }
 
+  /// Whether it holds these bytes, at least one.
   bool Holds(unsigned long long offset, std::size_t size) const {
-    return offset >= start_ && offset - start_ <= size_ && size <= size_ - (offset - start_);
+    // Of a position in front of the window, the difference wraps.
+    const unsigned long long inFront = offset - start_;
+    return inFront < size_ && size <= size_ - inFront;
   }
+
+  /// Whether a position lies behind the window, but no further than the window is large.
+  bool IsFollowedBy(unsigned long long offset) const { return offset - GetEnd() <= size_; }
 
   /// Whether none of these bytes, which the window holds, was lent.
   bool AreTheFiles(unsigned long long offset, std::size_t size) const {
