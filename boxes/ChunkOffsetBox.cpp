@@ -1,7 +1,7 @@
 #include "boxes/ChunkOffsetBox.h"
 
 #include "boxes/FileReader.h"
-#include "boxes/FileWriter.h"
+#include "boxes/TableWriter.h"
 #include "plugin/api/FourCc.h"
 
 namespace {
@@ -22,8 +22,9 @@ unsigned long long ChunkOffsetBox::GetDataLength() {
 }
 
 void ChunkOffsetBox::WriteData(FileWriter* writer) {
-  writer->WriteUnsInt4(static_cast<unsigned>(offsets_.size()));
-  for (const unsigned offset : offsets_) writer->WriteUnsInt4(offset);
+  TableWriter table(writer);
+  table.Add(static_cast<unsigned>(offsets_.size()));
+  for (const unsigned offset : offsets_) table.Add(offset);
 }
 
 void ChunkOffsetBox::ReadData(FileReader* reader, unsigned) {

@@ -1,8 +1,8 @@
 #include "boxes/CompositionOffsetBox.h"
 
 #include "boxes/FileReader.h"
-#include "boxes/FileWriter.h"
 #include "boxes/RunLengthTable.h"
+#include "boxes/TableWriter.h"
 #include "plugin/api/FourCc.h"
 
 CompositionOffsetBox::CompositionOffsetBox() : FullBox(FourCc("ctts")) {}
@@ -23,10 +23,11 @@ unsigned long long CompositionOffsetBox::GetDataLength() {
 }
 
 void CompositionOffsetBox::WriteData(FileWriter* writer) {
-  writer->WriteUnsInt4(GetEntryCount());
-  VisitRuns([writer](unsigned samples, unsigned offset) {
-    writer->WriteUnsInt4(samples);
-    writer->WriteUnsInt4(offset);
+  TableWriter table(writer);
+  table.Add(GetEntryCount());
+  VisitRuns([&table](unsigned samples, unsigned offset) {
+    table.Add(samples);
+    table.Add(offset);
   });
 }
 

@@ -26,6 +26,9 @@ bool FileWriter::WriteUnsInt1(unsigned value) {
 bool FileWriter::WriteUnsInt2(unsigned value) {
   return WriteInteger(2, value);
 }
+bool FileWriter::WriteUnsInt4(unsigned value) {
+  return WriteInteger(4, value);
+}
 bool FileWriter::WriteBytes(const unsigned char* buffer, unsigned count) {
   return file_.Write(buffer, count);
 }

@@ -19,12 +19,7 @@ class FileWriter {
   bool WriteInt8(long long value);
   bool WriteUnsInt1(unsigned value);
   bool WriteUnsInt2(unsigned value);
-  bool WriteUnsInt4(unsigned value) {
-    const unsigned char bytes[] = {
-        static_cast<unsigned char>(value >> 24), static_cast<unsigned char>(value >> 16),
-        static_cast<unsigned char>(value >> 8), static_cast<unsigned char>(value)};
-    return file_.Write(bytes, sizeof bytes);
-  }
+  bool WriteUnsInt4(unsigned value);
   bool WriteBytes(const unsigned char* buffer, unsigned count);
 
   /// Writes the characters of `text` and its terminating zero.

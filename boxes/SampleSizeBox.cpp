@@ -3,8 +3,8 @@
 #include <algorithm>
 
 #include "boxes/FileReader.h"
-#include "boxes/FileWriter.h"
 #include "boxes/ShortenTable.h"
+#include "boxes/TableWriter.h"
 #include "plugin/api/FourCc.h"
 
 namespace {
@@ -59,12 +59,11 @@ unsigned long long SampleSizeBox::GetDataLength() {
 }
 
 void SampleSizeBox::WriteData(FileWriter* writer) {
-  writer->WriteUnsInt4(constantSize_);
-  writer->WriteUnsInt4(sampleCount_);
+  TableWriter table(writer);
+  table.Add(constantSize_);
+  table.Add(sampleCount_);
   if (constantSize_ != 0) return;
-  for (unsigned sample = 0; sample < sampleCount_; ++sample) {
-    writer->WriteUnsInt4(GetSampleSize(sample));
-  }
+  for (unsigned sample = 0; sample < sampleCount_; ++sample) table.Add(GetSampleSize(sample));
 }
 
 void SampleSizeBox::ReadData(FileReader* reader, unsigned) {

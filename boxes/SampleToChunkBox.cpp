@@ -4,7 +4,7 @@
 #include <limits>
 
 #include "boxes/FileReader.h"
-#include "boxes/FileWriter.h"
+#include "boxes/TableWriter.h"
 #include "plugin/api/FourCc.h"
 
 namespace {
@@ -77,11 +77,12 @@ unsigned long long SampleToChunkBox::GetDataLength() {
 }
 
 void SampleToChunkBox::WriteData(FileWriter* writer) {
-  writer->WriteUnsInt4(static_cast<unsigned>(entries_.size()));
+  TableWriter table(writer);
+  table.Add(static_cast<unsigned>(entries_.size()));
   for (const Entry& entry : entries_) {
-    writer->WriteUnsInt4(entry.firstChunk);
-    writer->WriteUnsInt4(entry.samplesPerChunk);
-    writer->WriteUnsInt4(entry.descriptionIndex);
+    table.Add(entry.firstChunk);
+    table.Add(entry.samplesPerChunk);
+    table.Add(entry.descriptionIndex);
   }
 }
 

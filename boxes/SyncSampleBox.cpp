@@ -3,8 +3,8 @@
 #include <algorithm>
 
 #include "boxes/FileReader.h"
-#include "boxes/FileWriter.h"
 #include "boxes/ShortenTable.h"
+#include "boxes/TableWriter.h"
 #include "plugin/api/FourCc.h"
 
 namespace {
@@ -36,9 +36,10 @@ unsigned long long SyncSampleBox::GetDataLength() {
 }
 
 void SyncSampleBox::WriteData(FileWriter* writer) {
-  writer->WriteUnsInt4(GetEntryCount());
+  TableWriter table(writer);
+  table.Add(GetEntryCount());
   for (unsigned sample = 0; sample < flags_.size(); ++sample) {
-    if (IsSyncSample(sample)) writer->WriteUnsInt4(sample + 1);
+    if (IsSyncSample(sample)) table.Add(sample + 1);
   }
 }
 

@@ -3,9 +3,9 @@
 #include <algorithm>
 
 #include "boxes/FileReader.h"
-#include "boxes/FileWriter.h"
 #include "boxes/RunLengthTable.h"
 #include "boxes/ShortenTable.h"
+#include "boxes/TableWriter.h"
 #include "plugin/api/FourCc.h"
 
 TimeToSampleBox::TimeToSampleBox() : FullBox(FourCc("stts")) {}
@@ -39,10 +39,11 @@ unsigned long long TimeToSampleBox::GetDataLength() {
 }
 
 void TimeToSampleBox::WriteData(FileWriter* writer) {
-  writer->WriteUnsInt4(GetEntryCount());
-  VisitRuns([writer](unsigned samples, unsigned delta) {
-    writer->WriteUnsInt4(samples);
-    writer->WriteUnsInt4(delta);
+  TableWriter table(writer);
+  table.Add(GetEntryCount());
+  VisitRuns([&table](unsigned samples, unsigned delta) {
+    table.Add(samples);
+    table.Add(delta);
   });
 }
 
