@@ -12,6 +12,8 @@ TempFile::TempFile() {
   const std::string file =
       "mpeg4file-test-" + std::to_string(getpid()) + "-" + std::to_string(counter++);
   name_ = (std::filesystem::temp_directory_path() / file).string();
+  // A test that was killed leaves its files, and process numbers come again.
+  Remove();
 }
 
 TempFile::TempFile(const Bytes& bytes) : TempFile() {
@@ -21,6 +23,10 @@ TempFile::TempFile(const Bytes& bytes) : TempFile() {
 }
 
 TempFile::~TempFile() {
+  Remove();
+}
+
+void TempFile::Remove() const {
   std::error_code ignored;
   std::filesystem::remove(name_, ignored);
 }

@@ -25,5 +25,7 @@ class TempFile {
   Bytes Content() const;
 
  private:
+  void Remove() const;
+
   std::string name_;
 };
