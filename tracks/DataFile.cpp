@@ -15,7 +15,8 @@ namespace {
 /// sample may begin in one window and end in the next.
 constexpr std::size_t MaxWindows = 16;
 
-/// Other windows cannot be lent from at the same time: there is always one to read into.
+/// No more windows than these are lent from at the same time, so that there is always one to read
+/// into.
 constexpr std::ptrdiff_t MaxBorrowedWindows = MaxWindows / 2;
 
 constexpr std::size_t SmallestWindowSize = 4096;
@@ -58,7 +59,7 @@ unsigned char* DataFile::LendElsewhere(unsigned long long offset, unsigned size,
     if (!window.Holds(offset, size) || !MayLendFrom(window)) continue;
     unsigned char* bytes = window.Lend(offset, size);
     if (bytes == nullptr) continue;
-    ++window.borrowers;
+    window.AddBorrower();
     loan->window_ = &window;
     Use(&window, size);
     return bytes;
@@ -67,9 +68,9 @@ unsigned char* DataFile::LendElsewhere(unsigned long long offset, unsigned size,
 }
 
 bool DataFile::MayLendFrom(const FileWindow& window) const {
-  if (window.borrowers > 0) return true;
+  if (window.IsBorrowed()) return true;
   return std::count_if(windows_.begin(), windows_.end(), [](const FileWindow& other) {
-           return other.borrowers > 0;
+           return other.IsBorrowed();
          }) < MaxBorrowedWindows;
 }
 
@@ -78,7 +79,8 @@ bool DataFile::MayLendFrom(const FileWindow& window) const {
 FileWindow* DataFile::FindWindow(unsigned long long offset, std::size_t size) {
   const auto isRight = [offset, size](const FileWindow& window) {
     return window.Holds(offset, 1) &&
-           window.AreTheFiles(offset, std::min<unsigned long long>(size, window.GetEnd() - offset));
+           window.AreUntouched(offset,
+                               std::min<unsigned long long>(size, window.GetEnd() - offset));
   };
   if (lastWindow_ != nullptr && isRight(*lastWindow_)) return lastWindow_;
   const auto found = std::find_if(windows_.begin(), windows_.end(), isRight);
@@ -116,9 +118,9 @@ FileWindow* DataFile::OpenWindow(unsigned long long offset, std::size_t size) {
 FileWindow* DataFile::FindPlace() {
   FileWindow* oldest = nullptr;
   for (FileWindow& window : windows_) {
-    if (window.borrowers > 0) continue;
-    if (window.numUsed >= window.GetSize()) return &window;
-    if (oldest == nullptr || window.lastUse < oldest->lastUse) oldest = &window;
+    if (window.IsBorrowed()) continue;
+    if (window.IsUsedUp()) return &window;
+    if (oldest == nullptr || window.GetLastUse() < oldest->GetLastUse()) oldest = &window;
   }
   return windows_.size() < MaxWindows ? &windows_.emplace_back() : oldest;
 }

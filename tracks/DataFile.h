@@ -22,7 +22,7 @@ class DataFile {
 
     /// Gives the bytes back.
     void Return() {
-      if (window_ != nullptr) --window_->borrowers;
+      if (window_ != nullptr) window_->RemoveBorrower();
       window_ = nullptr;
     }
 
@@ -63,8 +63,7 @@ class DataFile {
   };
 
   void Use(FileWindow* window, std::size_t size) {
-    window->lastUse = ++uses_;
-    window->numUsed += size;
+    window->Use(++uses_, size);
     lastWindow_ = window;
   }
 

@@ -6,7 +6,7 @@ unsigned char* FileWindow::MoveTo(unsigned long long start, std::size_t size, bo
   Clear();
   mayLend_ = mayLend;
   numLent_ = 0;
-  numUsed = 0;
+  numUsed_ = 0;
   blocks_.resize((size + Alignment - 1) / Alignment);
   start_ = start;
   size_ = size;

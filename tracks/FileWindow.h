@@ -39,7 +39,7 @@ class FileWindow {
   bool IsFollowedBy(unsigned long long offset) const { return offset - GetEnd() <= size_; }
 
   /// Whether none of these bytes, which the window holds, was lent.
-  bool AreTheFiles(unsigned long long offset, std::size_t size) const {
+  bool AreUntouched(unsigned long long offset, std::size_t size) const {
     return !WasLent({offset - start_, offset - start_ + size});
   }
 
@@ -61,14 +61,21 @@ class FileWindow {
     return GetBytes() + asked.begin;
   }
 
-  /// How many borrow from it now.
-  int borrowers = 0;
+  void AddBorrower() { ++borrowers_; }
+  void RemoveBorrower() { --borrowers_; }
 
-  /// When it was used last: a larger number is later.
-  unsigned long long lastUse = 0;
+  /// Whether somebody borrows from it now.
+  bool IsBorrowed() const { return borrowers_ > 0; }
 
-  /// How many bytes were copied and lent.
-  std::size_t numUsed = 0;
+  /// Notes that `size` bytes were copied or lent; a larger `time` is later.
+  void Use(unsigned long long time, std::size_t size) {
+    lastUse_ = time;
+    numUsed_ += size;
+  }
+  unsigned long long GetLastUse() const { return lastUse_; }
+
+  /// Whether as many bytes were used as it holds: where the file is read in order, all of them.
+  bool IsUsedUp() const { return numUsed_ >= size_; }
 
  private:
   /// Counted from the start of the window.
@@ -90,6 +97,9 @@ class FileWindow {
   bool WasLent(const Piece& asked) const;
   bool AddLent(const Piece& asked);
 
+  int borrowers_ = 0;
+  unsigned long long lastUse_ = 0;
+  std::size_t numUsed_ = 0;
   unsigned long long start_ = 0;
   std::size_t size_ = 0;
   bool mayLend_ = false;

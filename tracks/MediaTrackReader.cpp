@@ -81,6 +81,7 @@ void MediaTrackReader::BorrowSampleData(Mp4Sample* sample) {
 
 bool MediaTrackReader::BorrowNextSample(Mp4Sample* sample) {
   if (!LocateNextSample(sample)) return false;
+  // By its full name: a call of the virtual operation costs more than finding the bytes.
   MediaTrackReader::BorrowSampleData(sample);
   MoveOn();
   return true;

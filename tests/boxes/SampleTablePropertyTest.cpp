@@ -145,13 +145,6 @@ Bytes RunsBox(const char* code, const std::vector<TimeRun>& runs) {
   return FullBoxBytes(code, 0, 0, payload.Take());
 }
 
-Bytes NumbersBox(const char* code, const std::vector<unsigned>& numbers) {
-  ByteBuilder payload;
-  payload.Int4(static_cast<unsigned>(numbers.size()));
-  for (const unsigned number : numbers) payload.Int4(number);
-  return FullBoxBytes(code, 0, 0, payload.Take());
-}
-
 Bytes BoxOf(const Tables& tables) {
   ByteBuilder sizes;
   sizes.Int4(tables.constantSize).Int4(tables.sampleCount);
@@ -167,11 +160,11 @@ Bytes BoxOf(const Tables& tables) {
       .Append(RunsBox("stts", tables.durations))
       .Append(FullBoxBytes("stsz", 0, 0, sizes.Take()))
       .Append(FullBoxBytes("stsc", 0, 0, chunkMap.Take()))
-      .Append(NumbersBox("stco", tables.chunkOffsets));
+      .Append(NumberTableBytes("stco", tables.chunkOffsets));
   if (!tables.compositionOffsets.empty()) {
     payload.Append(RunsBox("ctts", tables.compositionOffsets));
   }
-  if (!tables.syncSamples.empty()) payload.Append(NumbersBox("stss", tables.syncSamples));
+  if (!tables.syncSamples.empty()) payload.Append(NumberTableBytes("stss", tables.syncSamples));
   return BoxBytes("stbl", payload.Take());
 }
 

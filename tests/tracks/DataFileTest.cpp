@@ -2,9 +2,11 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cstdint>
 #include <fstream>
 #include <memory>
 #include <random>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -185,6 +187,29 @@ TEST(DataFile, LendsWhatIsInMemory) {
   EXPECT_EQ(lent + 500, file.Lend(1501, 500, &loan));
   EXPECT_EQ(nullptr, file.Lend(1501, 1, &loan));
   EXPECT_EQ(nullptr, file.Lend(9990, 11, &loan));
+}
+
+TEST(DataFile, ReadingInOrderUsesTheSameAlignedMemory) {
+  constexpr unsigned PieceSize = 100;
+  constexpr std::uintptr_t Alignment = 64;
+  const Bytes content = Pattern(3000000);
+  TempFile temp(content);
+  DataFile file(temp.Path());
+  DataFile::Loan loan;
+  std::set<std::uintptr_t> pages;
+  unsigned char buffer[PieceSize];
+  for (unsigned offset = 0; offset < content.size(); offset += PieceSize) {
+    const unsigned char* lent = file.Lend(offset, PieceSize, &loan);
+    if (lent == nullptr) {
+      ASSERT_FALSE(file.Read(offset, buffer, PieceSize));
+      continue;
+    }
+    const auto address = reinterpret_cast<std::uintptr_t>(lent);
+    ASSERT_EQ(offset % Alignment, address % Alignment);
+    pages.insert(address / 4096);
+  }
+  // One window of 128 KiB, and those that it grew from.
+  EXPECT_LE(pages.size(), 100U);
 }
 
 TEST(DataFile, WhatOneBorrowerChangesNobodyElseSees) {

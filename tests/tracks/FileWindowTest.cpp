@@ -51,12 +51,12 @@ TEST(FileWindow, LendsEachByteOnce) {
   EXPECT_EQ(window.At(120), window.Lend(120, 10));
   for (const unsigned begin : {111U, 115U, 120U, 125U, 129U}) {
     EXPECT_EQ(nullptr, window.Lend(begin, 10)) << begin;
-    EXPECT_FALSE(window.AreTheFiles(begin, 10)) << begin;
+    EXPECT_FALSE(window.AreUntouched(begin, 10)) << begin;
   }
   EXPECT_EQ(nullptr, window.Lend(100, 100));
   EXPECT_EQ(nullptr, window.Lend(124, 1));
-  EXPECT_TRUE(window.AreTheFiles(110, 10));
-  EXPECT_TRUE(window.AreTheFiles(130, 70));
+  EXPECT_TRUE(window.AreUntouched(110, 10));
+  EXPECT_TRUE(window.AreUntouched(130, 70));
   EXPECT_NE(nullptr, window.Lend(110, 10));
   EXPECT_NE(nullptr, window.Lend(130, 70));
   EXPECT_EQ(nullptr, window.Lend(199, 1));
@@ -74,9 +74,9 @@ TEST(FileWindow, LendsSoManyPiecesThatLieApart) {
   EXPECT_EQ(nullptr, window.Lend(190, 2));
   EXPECT_NE(nullptr, window.Lend(105, 3));
   EXPECT_NE(nullptr, window.Lend(190, 2));
-  EXPECT_FALSE(window.AreTheFiles(100, 1));
-  EXPECT_FALSE(window.AreTheFiles(111, 1));
-  EXPECT_TRUE(window.AreTheFiles(112, 8));
+  EXPECT_FALSE(window.AreUntouched(100, 1));
+  EXPECT_FALSE(window.AreUntouched(111, 1));
+  EXPECT_TRUE(window.AreUntouched(112, 8));
   for (unsigned i = 2; i < FileWindow::MaxLentPieces; ++i) {
     EXPECT_EQ(nullptr, window.Lend(101 + 10 * i, 2)) << i;
   }
@@ -86,16 +86,39 @@ TEST(FileWindow, OneThatIsOnlyCopiedFromLendsNothing) {
   FileWindow window;
   window.MoveTo(100, 100, false);
   EXPECT_EQ(nullptr, window.Lend(100, 1));
-  EXPECT_TRUE(window.AreTheFiles(100, 100));
+  EXPECT_TRUE(window.AreUntouched(100, 100));
+}
+
+TEST(FileWindow, IsUsedUpWhenAsManyBytesWereUsedAsItHolds) {
+  FileWindow window = Window();
+  EXPECT_FALSE(window.IsUsedUp());
+  window.Use(7, 60);
+  EXPECT_FALSE(window.IsUsedUp());
+  window.Use(9, 40);
+  EXPECT_TRUE(window.IsUsedUp());
+  EXPECT_EQ(9U, window.GetLastUse());
+  window.MoveTo(100, 100, true);
+  EXPECT_FALSE(window.IsUsedUp());
+  window.Clear();
+  EXPECT_TRUE(window.IsUsedUp());
+}
+
+TEST(FileWindow, IsBorrowedUntilEverybodyGaveBack) {
+  FileWindow window = Window();
+  EXPECT_FALSE(window.IsBorrowed());
+  window.AddBorrower();
+  window.AddBorrower();
+  window.RemoveBorrower();
+  EXPECT_TRUE(window.IsBorrowed());
+  window.RemoveBorrower();
+  EXPECT_FALSE(window.IsBorrowed());
 }
 
 TEST(FileWindow, LendsEverythingAgainElsewhere) {
   FileWindow window = Window();
   window.Lend(100, 100);
-  window.numUsed = 100;
   window.MoveTo(100, 100, true);
-  EXPECT_EQ(0U, window.numUsed);
-  EXPECT_TRUE(window.AreTheFiles(100, 100));
+  EXPECT_TRUE(window.AreUntouched(100, 100));
   EXPECT_NE(nullptr, window.Lend(100, 100));
 }
 

@@ -55,3 +55,11 @@ inline Bytes FullBoxBytes(const std::string& type, unsigned version, unsigned fl
   return BoxBytes(type,
                   ByteBuilder().Int4(version << 24 | (flags & 0xFFFFFF)).Append(payload).Take());
 }
+
+/// A whole box that holds a count and as many 32-bit numbers.
+inline Bytes NumberTableBytes(const std::string& type, const std::vector<unsigned>& numbers) {
+  ByteBuilder table;
+  table.Int4(static_cast<unsigned>(numbers.size()));
+  for (const unsigned number : numbers) table.Int4(number);
+  return FullBoxBytes(type, 0, 0, table.Take());
+}

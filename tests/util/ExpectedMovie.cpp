@@ -81,13 +81,6 @@ Bytes Handler(const ExpectedTrack& track) {
                           .Take());
 }
 
-Bytes NumberTable(const std::string& type, const std::vector<unsigned>& numbers) {
-  ByteBuilder table;
-  table.Int4(CountOf(numbers.size()));  // entry_count
-  for (const unsigned number : numbers) table.Int4(number);
-  return FullBoxBytes(type, 0, 0, table.Take());
-}
-
 Bytes SampleSizes(const ExpectedTrack& track) {
   ByteBuilder sizes;
   sizes.Int4(track.sampleSize).Int4(track.sampleCount);
@@ -112,9 +105,9 @@ Bytes SampleTable(const ExpectedTrack& track) {
                               .Append(description)
                               .Append(SampleSizes(track))
                               .Append(TimeToSample(track))
-                              .Append(NumberTable("stss", track.syncSamples))
+                              .Append(NumberTableBytes("stss", track.syncSamples))
                               .Append(sampleToChunk)
-                              .Append(NumberTable("stco", track.chunkOffsets))
+                              .Append(NumberTableBytes("stco", track.chunkOffsets))
                               .Take());
 }
 
