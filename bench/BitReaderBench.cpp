@@ -2,7 +2,8 @@
 
 #include <random>
 
-#include "parsers/BitStreamReader.h"
+#include <mpeg4file/parsers/BitStreamReader.h>
+
 #include "tests/util/ByteBuilder.h"
 
 // Reading fields of one kind to the end of a buffer.

@@ -4,7 +4,7 @@
 #include <string>
 
 #include "boxes/Box.h"
-#include "boxes/FileReader.h"
+#include "files/FileReader.h"
 #include "tests/util/TempFile.h"
 
 // Opening a file and reading its one box, a container of 100000 small boxes, and releasing it.

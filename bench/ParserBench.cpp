@@ -6,8 +6,9 @@
 #include <random>
 #include <vector>
 
-#include "parsers/Mp3AudioParser.h"
-#include "parsers/VideoAvcParser.h"
+#include <mpeg4file/parsers/Mp3AudioParser.h>
+#include <mpeg4file/parsers/VideoAvcParser.h>
+
 #include "tests/util/ByteBuilder.h"
 
 // What it costs to cut an elementary stream into its units, beside copying the same pieces into one

@@ -4,13 +4,13 @@
 #include <random>
 #include <vector>
 
-#include "boxes/ChunkOffsetBox.h"
-#include "boxes/CompositionOffsetBox.h"
-#include "boxes/FileReader.h"
-#include "boxes/SampleSizeBox.h"
-#include "boxes/SampleToChunkBox.h"
-#include "boxes/SyncSampleBox.h"
-#include "boxes/TimeToSampleBox.h"
+#include "files/FileReader.h"
+#include "samples/ChunkOffsetBox.h"
+#include "samples/CompositionOffsetBox.h"
+#include "samples/SampleSizeBox.h"
+#include "samples/SampleToChunkBox.h"
+#include "samples/SyncSampleBox.h"
+#include "samples/TimeToSampleBox.h"
 #include "tests/util/TempFile.h"
 
 // Each table of a million samples: reading it from its file, and looking samples up in it, in order

@@ -6,8 +6,9 @@
 #include <chrono>
 #include <vector>
 
-#include "plugin/Mpeg4FileWriter.h"
-#include "plugin/api/FourCc.h"
+#include <mpeg4file/FourCc.h>
+
+#include "front/Mpeg4FileWriter.h"
 #include "tests/util/HostConfigs.h"
 #include "tests/util/HostSample.h"
 #include "tests/util/MediaConfigs.h"

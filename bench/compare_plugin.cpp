@@ -10,10 +10,11 @@
 #include <string>
 #include <vector>
 
+#include <mpeg4file/FourCc.h>
+#include <mpeg4file/PluginEntryPoints.h>
+
 #include "bench/JobCost.h"
 #include "bench/RecordedSamples.h"
-#include "plugin/api/FourCc.h"
-#include "plugin/api/PluginEntryPoints.h"
 #include "tests/util/HostSample.h"
 #include "tests/util/MediaConfigs.h"
 

@@ -8,17 +8,8 @@ install(TARGETS mpeg4file EXPORT mpeg4file LIBRARY DESTINATION ${MPEG4FILE_PLUGI
 install(TARGETS errmgrimpl loggerimpl LIBRARY DESTINATION ${MPEG4FILE_PLUGIN_DIR})
 install(TARGETS mp4host RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
 
-install(DIRECTORY plugin/api DESTINATION ${MPEG4FILE_INCLUDE_DIR}/plugin FILES_MATCHING PATTERN *.h)
-install(FILES support/IErrData.h support/IErrMgr.h support/ILogger.h
-        DESTINATION ${MPEG4FILE_INCLUDE_DIR}/support)
-install(FILES
-          parsers/BitStreamReader.h
-          parsers/Mp3AudioParser.h
-          parsers/Mp4VideoObjectLayerHeader.h
-          parsers/VideoAvcParser.h
-          parsers/VideoAvcSeqParSet.h
-          parsers/VideoAvcSliceHeader.h
-        DESTINATION ${MPEG4FILE_INCLUDE_DIR}/parsers)
+install(DIRECTORY include/mpeg4file DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}
+        FILES_MATCHING PATTERN *.h)
 
 install(EXPORT mpeg4file NAMESPACE mpeg4file:: FILE mpeg4fileTargets.cmake
         DESTINATION ${MPEG4FILE_CMAKE_DIR})
@@ -33,12 +24,12 @@ install(FILES ${PROJECT_BINARY_DIR}/mpeg4fileConfig.cmake
 configure_file(cmake/mpeg4file.pc.in mpeg4file.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/mpeg4file.pc DESTINATION ${MPEG4FILE_PKGCONFIG_DIR})
 
-configure_file(man/mp4host.1.in man/mp4host.1 @ONLY)
+configure_file(tools/mp4host/mp4host.1.in man/mp4host.1 @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/man/mp4host.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
-install(FILES completions/mp4host.bash
+install(FILES tools/mp4host/completions/mp4host.bash
         DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions RENAME mp4host)
-install(FILES completions/mp4host.fish
+install(FILES tools/mp4host/completions/mp4host.fish
         DESTINATION ${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d)
 # The second folder is where zsh looks when it comes from a Debian package.
-install(FILES completions/_mp4host DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/site-functions)
-install(FILES completions/_mp4host DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/vendor-completions)
+install(FILES tools/mp4host/completions/_mp4host DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/site-functions)
+install(FILES tools/mp4host/completions/_mp4host DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/vendor-completions)

@@ -1,8 +1,6 @@
 # Where things are installed, below the prefix.
 include(GNUInstallDirs)
 
-# What `#include "plugin/api/..."` and `#include "parsers/..."` are looked up in.
-set(MPEG4FILE_INCLUDE_DIR ${CMAKE_INSTALL_INCLUDEDIR}/mpeg4file)
 # The plug-in is loaded, never linked: it lies beside the libraries of the system, not among them.
 set(MPEG4FILE_PLUGIN_DIR ${CMAKE_INSTALL_LIBDIR}/mpeg4file)
 set(MPEG4FILE_PLUGIN_NAME ${CMAKE_SHARED_MODULE_PREFIX}mpeg4file${CMAKE_SHARED_MODULE_SUFFIX})

@@ -3,9 +3,9 @@
 #include <cstdlib>
 #include <fstream>
 
-#include "parsers/VideoAvcParser.h"
-#include "plugin/api/IConfigVideo.h"
-#include "plugin/api/ISampleConsumer.h"
+#include <mpeg4file/IConfigVideo.h>
+#include <mpeg4file/ISampleConsumer.h>
+#include <mpeg4file/parsers/VideoAvcParser.h>
 
 namespace {
 

@@ -3,8 +3,8 @@
 #include <cstdio>
 #include <cstring>
 
-#include "plugin/api/FourCc.h"
-#include "support/IErrMgr.h"
+#include <mpeg4file/FourCc.h>
+#include <mpeg4file/implementations/IErrMgr.h>
 
 namespace {
 

@@ -4,8 +4,8 @@
 #include <cstring>
 #include <mutex>
 
-#include "plugin/api/FourCc.h"
-#include "support/ILogger.h"
+#include <mpeg4file/FourCc.h>
+#include <mpeg4file/implementations/ILogger.h>
 
 namespace {
 

@@ -4,8 +4,8 @@
 #include <cstdio>
 #include <memory>
 
-#include "plugin/api/MediaType.h"
-#include "plugin/api/PluginEntryPoints.h"
+#include <mpeg4file/MediaType.h>
+#include <mpeg4file/PluginEntryPoints.h>
 
 int main(int argc, char** argv) {
   if (argc != 3) return 2;

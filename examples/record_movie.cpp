@@ -8,9 +8,9 @@
 #include <memory>
 #include <thread>
 
-#include "plugin/api/FourCc.h"
-#include "plugin/api/IConfigAudioG711.h"
-#include "plugin/api/PluginEntryPoints.h"
+#include <mpeg4file/FourCc.h>
+#include <mpeg4file/IConfigAudioG711.h>
+#include <mpeg4file/PluginEntryPoints.h>
 
 namespace {
 

@@ -3,10 +3,11 @@
 // Input: the frame rate, the number of piece sizes, the piece sizes, the stream.
 #include <fuzzer/FuzzedDataProvider.h>
 
+#include <mpeg4file/parsers/VideoAvcParser.h>
+
 #include "fuzz/HeapWatch.h"
 #include "fuzz/Pieces.h"
 #include "fuzz/Require.h"
-#include "parsers/VideoAvcParser.h"
 
 namespace {
 

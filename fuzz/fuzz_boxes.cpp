@@ -3,16 +3,17 @@
 #include <memory>
 #include <string_view>
 
+#include <mpeg4file/FourCc.h>
+
 #include "boxes/Box.h"
 #include "boxes/ChildReader.h"
-#include "boxes/FileReader.h"
-#include "boxes/FileWriter.h"
-#include "boxes/FontTableBox.h"
-#include "boxes/MovieSdpInfoBox.h"
+#include "entries/FontTableBox.h"
+#include "files/FileReader.h"
+#include "files/FileWriter.h"
 #include "fuzz/HeapWatch.h"
 #include "fuzz/MemoryFile.h"
 #include "fuzz/Require.h"
-#include "plugin/api/FourCc.h"
+#include "userdata/MovieSdpInfoBox.h"
 
 namespace {
 

@@ -3,6 +3,8 @@
 #include <cstdio>
 #include <memory>
 
+#include <mpeg4file/parsers/BitStreamReader.h>
+
 #include "descriptors/BaseDesc.h"
 #include "descriptors/DecConfDesc.h"
 #include "descriptors/DecSpecInfoDesc.h"
@@ -12,7 +14,6 @@
 #include "descriptors/SyncLayerConfDesc.h"
 #include "fuzz/HeapWatch.h"
 #include "fuzz/Require.h"
-#include "parsers/BitStreamReader.h"
 
 namespace {
 

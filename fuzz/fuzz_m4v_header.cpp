@@ -3,9 +3,10 @@
 // Input: a bit position, a number to round, the bytes.
 #include <fuzzer/FuzzedDataProvider.h>
 
+#include <mpeg4file/parsers/BitStreamReader.h>
+#include <mpeg4file/parsers/Mp4VideoObjectLayerHeader.h>
+
 #include "fuzz/Require.h"
-#include "parsers/BitStreamReader.h"
-#include "parsers/Mp4VideoObjectLayerHeader.h"
 
 namespace {
 

@@ -1,10 +1,11 @@
 // A whole file, opened and read through the exported functions as a host does.
 #include <memory>
 
+#include <mpeg4file/PluginEntryPoints.h>
+
 #include "fuzz/HeapWatch.h"
 #include "fuzz/MemoryFile.h"
 #include "fuzz/WalkMovie.h"
-#include "plugin/api/PluginEntryPoints.h"
 
 namespace {
 

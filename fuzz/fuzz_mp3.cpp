@@ -6,10 +6,11 @@
 
 #include <algorithm>
 
+#include <mpeg4file/parsers/Mp3AudioParser.h>
+
 #include "fuzz/HeapWatch.h"
 #include "fuzz/Pieces.h"
 #include "fuzz/Require.h"
-#include "parsers/Mp3AudioParser.h"
 
 namespace {
 

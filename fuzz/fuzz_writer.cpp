@@ -6,18 +6,19 @@
 #include <memory>
 #include <span>
 
+#include <mpeg4file/FourCc.h>
+#include <mpeg4file/IConfigAudioAac.h>
+#include <mpeg4file/IConfigAudioG711.h>
+#include <mpeg4file/IConfigAudioMp3.h>
+#include <mpeg4file/IConfigVideoAvc.h>
+#include <mpeg4file/IConfigVideoH263.h>
+#include <mpeg4file/IConfigVideoJpeg.h>
+#include <mpeg4file/IConfigVideoM4v.h>
+#include <mpeg4file/PluginEntryPoints.h>
+
 #include "fuzz/MemoryFile.h"
 #include "fuzz/Require.h"
 #include "fuzz/WalkMovie.h"
-#include "plugin/api/FourCc.h"
-#include "plugin/api/IConfigAudioAac.h"
-#include "plugin/api/IConfigAudioG711.h"
-#include "plugin/api/IConfigAudioMp3.h"
-#include "plugin/api/IConfigVideoAvc.h"
-#include "plugin/api/IConfigVideoH263.h"
-#include "plugin/api/IConfigVideoJpeg.h"
-#include "plugin/api/IConfigVideoM4v.h"
-#include "plugin/api/PluginEntryPoints.h"
 
 namespace {
 

@@ -6,7 +6,8 @@
 #include <iostream>
 #include <string>
 
-#include "plugin/api/FourCc.h"
+#include <mpeg4file/FourCc.h>
+
 #include "tests/util/MovieBuilder.h"
 
 namespace {

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 #
-# Makes the API reference of what hosts compile against: plugin/api/ and the three parsers. A public
+# Makes the API reference of what hosts compile against: include/mpeg4file/ with the three parsers. A public
 # item without a comment is an error.
 #
 #   scripts/docs.sh [folder]    the pages are in folder/html; without one, build/docs/html

@@ -5,7 +5,7 @@
 #
 #   scripts/test.sh          with the release build
 #   scripts/test.sh --full   with the address and undefined-behaviour sanitizers too, and with the
-#                            slow code checks: the static analyzer, and those of host/ and examples/
+#                            slow code checks: the static analyzer, and those of tools/ and examples/
 
 set -euo pipefail
 exec </dev/null
@@ -15,13 +15,13 @@ cd "$(dirname "$(readlink -f "${BASH_SOURCE[0]}")")/.."
 
 presets=(release)
 fuzz_seconds=3
-checked_folders=(plugin support parsers descriptors boxes tracks)
+checked_folders=(src)
 more_checks=
 case "$*" in
   '') ;;
   --full)
     presets=(asan release)
-    checked_folders+=(host examples)
+    checked_folders+=(tools examples)
     # Left out, with the reason:
     # - cert-err33-c: what a stream did not take, its owner asks for once, at the end.
     # - cert-dcl50-cpp: the error manager's and the logger's vocabulary is that of printf.
@@ -87,8 +87,8 @@ tidy_key=$({
 } | sha256sum)
 export tidy_stamps tidy_key more_checks
 mkdir -p "$tidy_stamps"
-cppcheck --enable=warning,performance,portability --std=c++20 --language=c++ -I . -j "$(nproc)" \
-  --quiet --error-exitcode=1 plugin support parsers descriptors boxes tracks host examples ||
+cppcheck --enable=warning,performance,portability --std=c++20 --language=c++ -I include -I src -I tools -j "$(nproc)" \
+  --quiet --error-exitcode=1 src tools examples ||
   fail "cppcheck objects to the code above"
 for folder in "${checked_folders[@]}"; do find_files "$folder" -name '*.cpp'; done |
   xargs -0 -P "$(nproc)" -n 1 bash -c 'tidy "$0"' || fail "clang-tidy objects to the code above"

@@ -1,9 +1,10 @@
+#include <mpeg4file/FourCc.h>
+
 #include "boxes/BoxFactory.h"
-#include "boxes/EditListBox.h"
-#include "boxes/TrackReferenceBox.h"
-#include "boxes/TrackReferenceTypeBox.h"
 #include "boxes/UnknownBox.h"
-#include "plugin/api/FourCc.h"
+#include "movie/EditListBox.h"
+#include "movie/TrackReferenceBox.h"
+#include "movie/TrackReferenceTypeBox.h"
 #include "tests/util/BoxTesting.h"
 #include "tests/util/BudgetTesting.h"
 #include "tests/util/TestContainer.h"

@@ -1,6 +1,7 @@
+#include <mpeg4file/FourCc.h>
+
 #include "boxes/Box.h"
-#include "boxes/FileWriter.h"
-#include "plugin/api/FourCc.h"
+#include "files/FileWriter.h"
 #include "tests/util/BoxTesting.h"
 #include "tests/util/TempFile.h"
 

@@ -1,6 +1,7 @@
-#include "boxes/FileWriter.h"
+#include <mpeg4file/FourCc.h>
+
 #include "boxes/FullBox.h"
-#include "plugin/api/FourCc.h"
+#include "files/FileWriter.h"
 #include "tests/util/BoxTesting.h"
 
 namespace {

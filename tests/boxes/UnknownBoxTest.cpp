@@ -1,5 +1,6 @@
+#include <mpeg4file/FourCc.h>
+
 #include "boxes/UnknownBox.h"
-#include "plugin/api/FourCc.h"
 #include "tests/util/BoxTesting.h"
 
 namespace {

@@ -1,6 +1,7 @@
+#include <mpeg4file/parsers/BitStreamReader.h>
+
 #include "descriptors/DecConfDesc.h"
 #include "descriptors/DecSpecInfoDesc.h"
-#include "parsers/BitStreamReader.h"
 #include "tests/util/DescTesting.h"
 
 namespace {

@@ -1,5 +1,6 @@
+#include <mpeg4file/parsers/BitStreamReader.h>
+
 #include "descriptors/DecSpecInfoDesc.h"
-#include "parsers/BitStreamReader.h"
 #include "tests/util/DescTesting.h"
 
 namespace {

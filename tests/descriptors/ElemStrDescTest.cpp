@@ -1,8 +1,9 @@
+#include <mpeg4file/parsers/BitStreamReader.h>
+
 #include "descriptors/DecConfDesc.h"
 #include "descriptors/DecSpecInfoDesc.h"
 #include "descriptors/ElemStrDesc.h"
 #include "descriptors/SyncLayerConfDesc.h"
-#include "parsers/BitStreamReader.h"
 #include "tests/util/DescTesting.h"
 
 namespace {

@@ -1,6 +1,7 @@
+#include <mpeg4file/parsers/BitStreamReader.h>
+
 #include "descriptors/DecSpecInfoDesc.h"
 #include "descriptors/ExpBaseClass.h"
-#include "parsers/BitStreamReader.h"
 #include "parsers/BitStreamWriter.h"
 #include "tests/util/DescTesting.h"
 

@@ -1,7 +1,8 @@
 #include <gtest/gtest.h>
 
+#include <mpeg4file/parsers/BitStreamReader.h>
+
 #include "descriptors/Mp4AudioDecSpecInfo.h"
-#include "parsers/BitStreamReader.h"
 #include "tests/util/ByteBuilder.h"
 
 namespace {

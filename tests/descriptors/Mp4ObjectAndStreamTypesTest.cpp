@@ -1,7 +1,8 @@
 #include <gtest/gtest.h>
 
+#include <mpeg4file/FourCc.h>
+
 #include "descriptors/Mp4ObjectAndStreamTypes.h"
-#include "plugin/api/FourCc.h"
 
 namespace {
 

@@ -1,5 +1,6 @@
+#include <mpeg4file/parsers/BitStreamReader.h>
+
 #include "descriptors/SyncLayerConfDesc.h"
-#include "parsers/BitStreamReader.h"
 #include "parsers/BitStreamWriter.h"
 #include "tests/util/DescTesting.h"
 

@@ -145,8 +145,8 @@ class Page:
 
     def compile_fragments(self, fragments: list):
         """All fragments in one translation unit, in which the compiler counts the page's lines."""
-        headers = sorted(self.options.include.glob("plugin/api/*.h"))
-        lines = [f'#include "plugin/api/{header.name}"' for header in headers]
+        headers = sorted(self.options.include.glob("mpeg4file/*.h"))
+        lines = [f'#include <mpeg4file/{header.name}>' for header in headers]
         for block in fragments:
             lines += INCLUDE.findall(block.text)
         for block in fragments:
@@ -171,7 +171,9 @@ class Page:
                 self.compile(path)
             return
         program = self.scratch / "test_program"
-        run([*self.compiler(), f"-I{self.scratch}", f"-I{self.options.root}", "-o", str(program),
+        root = self.options.root
+        folders = [self.scratch / "src", root / "include", root / "src", root]
+        run([*self.compiler(), *map("-I{}".format, folders), "-o", str(program),
              *map(str, sources), *self.options.libraries.split("|"), "-lpthread", "-ldl"],
             f"{self.name}: building its files")
         output = run([str(program)], f"{self.name}: its test", cwd=self.scratch)

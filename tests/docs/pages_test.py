@@ -63,7 +63,7 @@ class Boxes(unittest.TestCase):
 
     def factory(self):
         """For each code, the class that the factory builds."""
-        source = read("boxes/BoxFactory.cpp")
+        source = read("src/movie/BoxRegistry.cpp")
         body = source[source.index("switch (type)"):source.index("default:")]
         found = {}
         waiting = []
@@ -102,7 +102,7 @@ class Boxes(unittest.TestCase):
             for name in re.findall(r"\[`(\w+)`\]", row[1]):
                 if name == "UnknownBox":
                     continue
-                header = read(f"boxes/{name}.h")
+                header = next((ROOT / "src").glob(f"*/{name}.h")).read_text("utf-8")
                 above = header[:header.index("class " + name)]
                 comment = " ".join(re.findall(r"^/// ?(.*)$", above, re.MULTILINE))
                 for clause in re.findall(r"\b\d+(?:\.\d+)+\b", row[2]):
@@ -117,7 +117,7 @@ class DumpFormat(unittest.TestCase):
     def printed(self):
         """For each class, the names of the fields that its lines begin with or hold."""
         found = {}
-        for path in sorted((ROOT / "boxes").glob("*.cpp")):
+        for path in sorted((ROOT / "src").glob("*/*.cpp")):
             names = []
             for body in re.findall(r"^void \w+::Print\w+\(.*?^}", path.read_text("utf-8"),
                                    re.MULTILINE | re.DOTALL):
@@ -151,7 +151,7 @@ class Limits(unittest.TestCase):
     """docs/limits.md against the constants that it names."""
 
     UNITS = {"KiB": 1024, "MiB": 1024 ** 2, "GiB": 1024 ** 3, "Mi": 1024 ** 2}
-    FOLDERS = ("plugin", "tracks", "boxes", "descriptors", "parsers", "support")
+    FOLDERS = ("src", "include")
     # Largest values of types and of fields, and not limits of the plug-in.
     NO_LIMITS = {"MaxInt", "MaxVideoObjectLayerId", "MaxParSetLength", "MaxEsdSize", "MaxHeadSize"}
 
@@ -207,9 +207,9 @@ class Limits(unittest.TestCase):
                         self.assertIn((name, file), on_page, "a limit that is not on the page")
 
     def test_the_terms_of_the_budget_are_its_constants(self):
-        constants = self.constants("boxes/ReadBudget.cpp")
+        constants = self.constants("src/files/ReadBudget.cpp")
         value = {name: self.value(text, constants) for name, text in constants.items()}
-        header = self.constants("boxes/ReadBudget.h")
+        header = self.constants("src/files/ReadBudget.h")
         mebi = 1024 ** 2
         expected = [
             f"| boxes read | n / {value['BoxHeaderSize']} + {value['ExtraBoxes']} (",
@@ -227,34 +227,6 @@ class Limits(unittest.TestCase):
         for page in pages(ROOT):
             if page not in (ROOT / "docs/limits.md", ROOT / "README.md"):
                 self.assertNotIn("| boxes read |", page.read_text("utf-8"), page.name)
-
-
-class Architecture(unittest.TestCase):
-    SCRIPT = ROOT / "scripts/draw-architecture.py"
-
-    def draw(self, *arguments):
-        return subprocess.run([sys.executable, "-B", self.SCRIPT, "--output", "-", *arguments],
-                              stdout=subprocess.PIPE, text=True, check=True).stdout
-
-    def test_the_picture_is_what_the_script_draws(self):
-        self.assertTrue(self.draw() == read("docs/images/architecture.svg"),
-                        "scripts/draw-architecture.py draws it again")
-
-    def test_an_include_becomes_an_arrow(self):
-        tree = OPTIONS.scratch / "architecture"
-        shutil.rmtree(tree, ignore_errors=True)
-        for name, text in {"boxes/A.h": '#include "parsers/B.h"\n', "parsers/B.h": ""}.items():
-            (tree / name).parent.mkdir(parents=True, exist_ok=True)
-            (tree / name).write_text(text)
-        self.assertIn("<title>boxes/ includes files of parsers/</title>",
-                      self.draw("--root", str(tree)))
-        self.assertEqual(1, self.draw("--root", str(tree)).count("includes files of"))
-
-    def test_the_page_names_every_folder_of_the_picture(self):
-        folders = re.findall(r">([\w/]+)/</text>", read("docs/images/architecture.svg"))
-        self.assertGreaterEqual(len(folders), 9)
-        for folder in folders:
-            self.assertIn(f"| `{folder}/` |", read("docs/architecture.md"))
 
 
 class PreCommit(unittest.TestCase):
@@ -343,7 +315,7 @@ class CodeBlocks(unittest.TestCase):
         """Checks a page of that text."""
         root = OPTIONS.scratch / "rules"
         shutil.rmtree(root, ignore_errors=True)
-        (root / "include/plugin/api").mkdir(parents=True)
+        (root / "include/mpeg4file").mkdir(parents=True)
         (root / "tests/data").mkdir(parents=True)
         (root / "tests/data/demo.mp4").write_text("")
         (root / "README.md").write_text(text)

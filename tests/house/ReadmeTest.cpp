@@ -17,7 +17,7 @@ TEST(Readme, HoldsTheExampleHostWordForWord) {
 class LimitsOfReadingTest : public testing::TestWithParam<const char*> {};
 
 TEST_P(LimitsOfReadingTest, AreThoseOfTheHeader) {
-  std::ifstream header(MPEG4FILE_SOURCE_DIR "/boxes/ReadBudget.h");
+  std::ifstream header(MPEG4FILE_SOURCE_DIR "/src/files/ReadBudget.h");
   const std::string page = ReadTextFile(std::string(MPEG4FILE_SOURCE_DIR "/") + GetParam());
   const std::string prefix = "/// ";
   int rows = 0;

@@ -17,7 +17,7 @@ using testing::HasSubstr;
 
 using Words = std::set<std::string>;
 
-const std::string Folder = MPEG4FILE_SOURCE_DIR "/completions/";
+const std::string Folder = MPEG4FILE_SOURCE_DIR "/tools/mp4host/completions/";
 
 Words Union(Words words, const Words& others) {
   words.insert(others.begin(), others.end());

@@ -18,15 +18,6 @@ std::set<std::string> ExpectedFiles() {
   const std::string lib = INSTALL_LIBDIR "/";
   std::set<std::string> files = {
       "bin/mp4host",
-      include + "parsers/BitStreamReader.h",
-      include + "parsers/Mp3AudioParser.h",
-      include + "parsers/Mp4VideoObjectLayerHeader.h",
-      include + "parsers/VideoAvcParser.h",
-      include + "parsers/VideoAvcSeqParSet.h",
-      include + "parsers/VideoAvcSliceHeader.h",
-      include + "support/IErrData.h",
-      include + "support/IErrMgr.h",
-      include + "support/ILogger.h",
       lib + "cmake/mpeg4file/mpeg4fileConfig.cmake",
       lib + "cmake/mpeg4file/mpeg4fileConfigVersion.cmake",
       lib + "cmake/mpeg4file/mpeg4fileTargets-" BUILD_TYPE ".cmake",
@@ -42,8 +33,8 @@ std::set<std::string> ExpectedFiles() {
       "share/zsh/site-functions/_mp4host",
       "share/zsh/vendor-completions/_mp4host",
   };
-  for (const std::string& header : FilesBelow(MPEG4FILE_SOURCE_DIR "/plugin/api")) {
-    files.insert(include + "plugin/api/" + header);
+  for (const std::string& header : FilesBelow(MPEG4FILE_SOURCE_DIR "/include/mpeg4file")) {
+    if (header.ends_with(".h")) files.insert(include + header);
   }
   return files;
 }

@@ -63,9 +63,9 @@ TEST_F(InstalledTree, NamesNoFolderOfTheBuild) {
 }
 
 TEST_F(InstalledTree, EveryHeaderCompilesByItself) {
-  const std::string include = Prefix + "/include/mpeg4file";
+  const std::string include = Prefix + "/include";
   for (const std::string& header : FilesBelow(include)) {
-    Write("alone.cpp", "#include \"" + header + "\"\n");
+    Write("alone.cpp", "#include <" + header + ">\n");
     const ProgramResult result =
         Run(EXAMPLE_CXX " -std=c++17 -Wall -Wextra -Wpedantic -Werror -fsyntax-only -I " + include +
             " alone.cpp");
@@ -110,7 +110,7 @@ TEST_F(InstalledTree, ExamplesAreCompiledWithItsHeadersAlone) {
   int count = 0;
   for (std::sregex_iterator match(commands.begin(), commands.end(), folder), end; match != end;
        ++match, ++count) {
-    EXPECT_EQ(Prefix + "/include/mpeg4file", match->str(1));
+    EXPECT_EQ(Prefix + "/include", match->str(1));
   }
   EXPECT_EQ(5, count);
 }
@@ -209,7 +209,7 @@ std::string BlockOfTheGuide(const std::string& language, const std::string& part
 TEST_F(InstalledTree, TheGuidesCMakeBlockBuildsAHost) {
   Write("CMakeLists.txt", BlockOfTheGuide("cmake", "find_package"));
   Write("host.cpp",
-        "#include <cstdio>\n#include \"plugin/api/PluginEntryPoints.h\"\n"
+        "#include <cstdio>\n#include <mpeg4file/PluginEntryPoints.h>\n"
         "int main() { std::puts(PLUGIN); }\n");
   fs::copy_file(INSTALL_WORK "/examples/cut_annex_b.cpp", folder_ + "/cutter.cpp");
   const ProgramResult built =

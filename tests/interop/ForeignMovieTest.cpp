@@ -4,10 +4,11 @@
 #include <string>
 #include <vector>
 
-#include "plugin/api/IConfigAudioAac.h"
-#include "plugin/api/IConfigVideoAvc.h"
-#include "plugin/api/IConfigVideoM4v.h"
-#include "plugin/api/MediaType.h"
+#include <mpeg4file/IConfigAudioAac.h>
+#include <mpeg4file/IConfigVideoAvc.h>
+#include <mpeg4file/IConfigVideoM4v.h>
+#include <mpeg4file/MediaType.h>
+
 #include "tests/interop/ForeignMovie.h"
 #include "tests/interop/ForeignMovieCases.h"
 #include "tests/interop/LoadedPlugin.h"

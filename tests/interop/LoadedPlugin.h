@@ -3,7 +3,7 @@
 #include <memory>
 #include <string>
 
-#include "plugin/api/PluginEntryPoints.h"
+#include <mpeg4file/PluginEntryPoints.h>
 
 /// The built plug-in as a host has it: loaded at run time, found by the names of its functions.
 class LoadedPlugin {

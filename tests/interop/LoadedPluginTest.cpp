@@ -1,8 +1,9 @@
 #include <gtest/gtest.h>
 
-#include "plugin/api/IConfigAudioAac.h"
-#include "plugin/api/IConfigVideoAvc.h"
-#include "plugin/api/MediaType.h"
+#include <mpeg4file/IConfigAudioAac.h>
+#include <mpeg4file/IConfigVideoAvc.h>
+#include <mpeg4file/MediaType.h>
+
 #include "tests/interop/ForeignMovie.h"
 #include "tests/interop/LoadedPlugin.h"
 

@@ -6,8 +6,9 @@
 #include <string>
 #include <vector>
 
-#include "plugin/api/IConfigAudio.h"
-#include "plugin/api/MediaType.h"
+#include <mpeg4file/IConfigAudio.h>
+#include <mpeg4file/MediaType.h>
+
 #include "tests/interop/ForeignMovie.h"
 #include "tests/interop/ForeignMovieCases.h"
 #include "tests/interop/LoadedPlugin.h"

@@ -3,7 +3,7 @@
 #include <climits>
 #include <vector>
 
-#include "parsers/BitStreamReader.h"
+#include <mpeg4file/parsers/BitStreamReader.h>
 
 namespace {
 

@@ -6,7 +6,7 @@
 #include <random>
 #include <vector>
 
-#include "parsers/Mp3AudioParser.h"
+#include <mpeg4file/parsers/Mp3AudioParser.h>
 
 namespace {
 

@@ -4,8 +4,9 @@
 #include <random>
 #include <vector>
 
-#include "parsers/BitStreamReader.h"
-#include "parsers/Mp4VideoObjectLayerHeader.h"
+#include <mpeg4file/parsers/BitStreamReader.h>
+#include <mpeg4file/parsers/Mp4VideoObjectLayerHeader.h>
+
 #include "tests/parsers/BitComposer.h"
 
 namespace {

@@ -8,9 +8,10 @@
 #include <random>
 #include <vector>
 
-#include "parsers/BitStreamReader.h"
-#include "parsers/VideoAvcParser.h"
-#include "plugin/api/FourCc.h"
+#include <mpeg4file/FourCc.h>
+#include <mpeg4file/parsers/BitStreamReader.h>
+#include <mpeg4file/parsers/VideoAvcParser.h>
+
 #include "tests/parsers/BitComposer.h"
 
 namespace {

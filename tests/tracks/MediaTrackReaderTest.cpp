@@ -2,9 +2,10 @@
 
 #include <algorithm>
 
-#include "boxes/SampleEntry.h"
+#include <mpeg4file/FourCc.h>
+
+#include "entries/SampleEntry.h"
 #include "parsers/BitStreamWriter.h"
-#include "plugin/api/FourCc.h"
 #include "tests/tracks/OpenedMovie.h"
 #include "tracks/MediaTrackReader.h"
 

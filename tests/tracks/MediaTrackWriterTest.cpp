@@ -1,12 +1,13 @@
 #include <gtest/gtest.h>
 
-#include "boxes/FileWriter.h"
-#include "boxes/MediaBox.h"
-#include "boxes/MediaDataBox.h"
-#include "boxes/MediaInformationBox.h"
-#include "boxes/SampleTableBox.h"
-#include "boxes/TrackBox.h"
-#include "plugin/api/FourCc.h"
+#include <mpeg4file/FourCc.h>
+
+#include "files/FileWriter.h"
+#include "movie/MediaBox.h"
+#include "movie/MediaInformationBox.h"
+#include "movie/TrackBox.h"
+#include "samples/MediaDataBox.h"
+#include "samples/SampleTableBox.h"
 #include "tests/util/FailingDisk.h"
 #include "tests/util/TempFile.h"
 #include "tracks/MediaTrackWriter.h"

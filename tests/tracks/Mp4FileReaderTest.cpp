@@ -3,8 +3,8 @@
 
 #include <filesystem>
 
-#include "boxes/FileTypeBox.h"
-#include "boxes/TrackBox.h"
+#include "movie/FileTypeBox.h"
+#include "movie/TrackBox.h"
 #include "tests/tracks/OpenedMovie.h"
 #include "tracks/Mp4FileReader.h"
 

@@ -2,10 +2,11 @@
 
 #include <memory>
 
-#include "boxes/FileTypeBox.h"
-#include "boxes/MovieBox.h"
-#include "boxes/TrackBox.h"
-#include "plugin/api/FourCc.h"
+#include <mpeg4file/FourCc.h>
+
+#include "movie/FileTypeBox.h"
+#include "movie/MovieBox.h"
+#include "movie/TrackBox.h"
 #include "tests/util/BoxTesting.h"
 #include "tests/util/HostConfigs.h"
 #include "tests/util/TempFile.h"

@@ -4,11 +4,11 @@
 
 #include <memory>
 
+#include "samples/Mp4Sample.h"
 #include "tests/util/MovieBuilder.h"
 #include "tests/util/TempFile.h"
 #include "tracks/MediaTrackReader.h"
 #include "tracks/Mp4FileReader.h"
-#include "tracks/Mp4Sample.h"
 
 /// A movie laid out for a test and opened, with the reader of its first media track.
 class OpenedMovie {

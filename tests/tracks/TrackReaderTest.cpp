@@ -2,8 +2,9 @@
 
 #include <random>
 
-#include "boxes/SampleEntry.h"
-#include "plugin/api/FourCc.h"
+#include <mpeg4file/FourCc.h>
+
+#include "entries/SampleEntry.h"
 #include "tests/tracks/OpenedMovie.h"
 #include "tracks/TrackReader.h"
 

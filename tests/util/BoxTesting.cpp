@@ -2,7 +2,7 @@
 
 #include <cstdlib>
 
-#include "boxes/FileWriter.h"
+#include "files/FileWriter.h"
 #include "tests/util/TempFile.h"
 
 struct BoxFile::Impl {

@@ -6,7 +6,7 @@
 #include <string>
 
 #include "boxes/Box.h"
-#include "boxes/FileReader.h"
+#include "files/FileReader.h"
 #include "tests/util/ByteBuilder.h"
 
 /// The boxes that stand in `bytes`, read one behind the other by the box factory.

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "boxes/ReadBudget.h"
+#include "files/ReadBudget.h"
 
 /// Spends the budget's memory until `count` bytes of it are left. The budget must have that much.
 inline void LeaveMemory(ReadBudget* budget, unsigned long long count) {

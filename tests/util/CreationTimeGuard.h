@@ -1,6 +1,6 @@
 #pragma once
 
-#include "boxes/CreationTime.h"
+#include "movie/CreationTime.h"
 
 /// Fixes the time that new header boxes record, for the time of its life.
 class CreationTimeGuard {

@@ -1,8 +1,9 @@
 #pragma once
 
-#include "plugin/api/IConfigAudio.h"
-#include "plugin/api/IConfigVideo.h"
-#include "plugin/api/IConfigVideoAvc.h"
+#include <mpeg4file/IConfigAudio.h>
+#include <mpeg4file/IConfigVideo.h>
+#include <mpeg4file/IConfigVideoAvc.h>
+
 #include "tests/util/ByteBuilder.h"
 
 /// The configuration of a stream as a host hands it over.

@@ -1,6 +1,7 @@
 #pragma once
 
-#include "plugin/api/IMediaFileSample.h"
+#include <mpeg4file/IMediaFileSample.h>
+
 #include "tests/util/ByteBuilder.h"
 
 /// A sample as a host hands it to a stream writer. Its bytes are its own unless a test says

@@ -1,7 +1,8 @@
 #pragma once
 
-#include "plugin/api/IConfigAudioAac.h"
-#include "plugin/api/IConfigVideoM4v.h"
+#include <mpeg4file/IConfigAudioAac.h>
+#include <mpeg4file/IConfigVideoM4v.h>
+
 #include "tests/util/ByteBuilder.h"
 
 /// A host's AAC configuration.

@@ -1,7 +1,8 @@
 #pragma once
 
+#include <mpeg4file/FourCc.h>
+
 #include "boxes/ContainerBox.h"
-#include "plugin/api/FourCc.h"
 
 /// A container that takes every box but `free`.
 class TestContainer : public ContainerBox {

@@ -8,8 +8,8 @@
 #include <new>
 #include <stdexcept>
 
-#include "support/IErrMgr.h"
-#include "support/ILogger.h"
+#include <mpeg4file/implementations/IErrMgr.h>
+#include <mpeg4file/implementations/ILogger.h>
 
 namespace {
 

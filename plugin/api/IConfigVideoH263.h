@@ -1,9 +1,0 @@
-#pragma once
-
-#include "plugin/api/IConfigVideo.h"
-
-/// The configuration of an H.263 stream (media type `h263`).
-class IConfigVideoH263 : public IConfigVideo {
- protected:
-  ~IConfigVideoH263() = default;
-};

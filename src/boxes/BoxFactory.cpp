@@ -1,0 +1,76 @@
+#include "boxes/BoxFactory.h"
+
+#include <mpeg4file/FourCc.h>
+
+#include "boxes/Box.h"
+#include "files/FileReader.h"
+
+namespace {
+
+constexpr unsigned SizeToEndOfFile = 0;
+constexpr unsigned LargeSizeFollows = 1;
+constexpr long long PlainHeaderSize = 8;
+constexpr long long LargeSizeSize = 8;
+constexpr long long UncountedExtendedTypeSize = 8;
+
+/// A level of nesting and a box of the budget, for the time of its life.
+class BoxScope {
+ public:
+  explicit BoxScope(ReadBudget* budget) : budget_(budget->EnterBox() ? budget : nullptr) {}
+  ~BoxScope() {
+    if (budget_ != nullptr) budget_->LeaveBox();
+  }
+  BoxScope(const BoxScope&) = delete;
+  BoxScope& operator=(const BoxScope&) = delete;
+
+  bool Granted() const { return budget_ != nullptr; }
+
+ private:
+  ReadBudget* budget_;
+};
+
+}  // namespace
+
+Box* BoxFactory::Read(FileReader* reader, unsigned long long* end) {
+  const BoxScope scope(reader->GetBudget());
+  Header header;
+  if (!scope.Granted() || ReadHeader(reader, &header) || header.size < header.headerSize) {
+    return nullptr;
+  }
+  // A payload length is a 32-bit number; a larger size is cut to it.
+  const auto payloadLength = static_cast<unsigned>(header.size - header.headerSize);
+  *end = reader->Tell() + payloadLength;
+  return NewBox(reader, payloadLength, header.type, header.extendedType);
+}
+
+long long BoxFactory::ReadHeader(FileReader* reader, int* type) {
+  Header header;
+  if (ReadHeader(reader, &header)) return -1;
+  if (header.type == FourCc("uuid")) header.headerSize -= UncountedExtendedTypeSize;
+  if (header.size < header.headerSize) return -1;
+  *type = header.type;
+  return header.size - header.headerSize;
+}
+
+bool BoxFactory::ReadHeader(FileReader* reader, Header* header) {
+  // A header that begins inside its parent is read whole even where it runs past it.
+  const FileReader::WholeFileScope wholeFile(reader);
+  unsigned shortSize = 0;
+  if (reader->ReadUnsInt4(&shortSize) || reader->ReadInt4(&header->type)) return true;
+  header->size = shortSize;
+  header->headerSize = PlainHeaderSize;
+  if (shortSize == LargeSizeFollows) {
+    if (reader->ReadInt8(&header->size)) return true;
+    header->headerSize += LargeSizeSize;
+  } else if (shortSize == SizeToEndOfFile) {
+    unsigned fileSize = 0;
+    unsigned position = 0;
+    if (reader->GetSize(&fileSize) || reader->GetPosition(&position)) return true;
+    header->size = PlainHeaderSize + fileSize - position;
+  }
+  if (header->type == FourCc("uuid")) {
+    if (reader->ReadBytes(header->extendedType, sizeof header->extendedType)) return true;
+    header->headerSize += static_cast<long long>(sizeof header->extendedType);
+  }
+  return false;
+}

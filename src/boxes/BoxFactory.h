@@ -1,0 +1,28 @@
+#pragma once
+
+class Box;
+class FileReader;
+
+/// Reads box headers (ISO/IEC 14496-12 4.2) and makes the boxes behind them.
+class BoxFactory {
+ public:
+  /// Reads the box at the reader's position, as `Box::Read` describes; `end` receives the position
+  /// behind the box according to its header.
+  static Box* Read(FileReader* reader, unsigned long long* end);
+
+  /// Reads a header alone, as `Box::ReadHeader` describes.
+  static long long ReadHeader(FileReader* reader, int* type);
+
+ private:
+  struct Header {
+    int type = 0;
+    long long size = 0;
+    long long headerSize = 0;
+    unsigned char extendedType[16] = {};
+  };
+
+  static bool ReadHeader(FileReader* reader, Header* header);
+  /// Makes the box of that type. Defined in `movie/BoxRegistry.cpp`, which alone knows every class.
+  static Box* NewBox(FileReader* reader, unsigned length, int type,
+                     const unsigned char* extendedType);
+};

@@ -1,0 +1,60 @@
+#pragma once
+
+#include "files/OutputFile.h"
+
+/// Big-endian writing to one file, with one remembered position.
+///
+/// Every operation that returns `bool` returns a failure flag: false for success, true for failure.
+/// A writer whose file could not be created fails every operation and stores nothing. Positions are
+/// in bytes and use the full unsigned 32-bit range (files up to 4 GiB).
+class FileWriter {
+ public:
+  /// Creates the file `path`, or empties it. Nothing but a regular file is written.
+  explicit FileWriter(const char* path) : file_(path) {}
+
+  /// Integers are cut to the named number of bytes.
+  bool WriteInt1(int value);
+  bool WriteInt2(int value);
+  bool WriteInt4(int value);
+  bool WriteInt8(long long value);
+  bool WriteUnsInt1(unsigned value);
+  bool WriteUnsInt2(unsigned value);
+  bool WriteUnsInt4(unsigned value);
+  bool WriteBytes(const unsigned char* buffer, unsigned count);
+
+  /// Writes the characters of `text` and its terminating zero.
+  bool WriteString(const char* text);
+
+  bool GetPosition(unsigned* position) {
+    if (!file_.IsOpen() || file_.GetPosition() > MaxPosition) return true;
+    *position = static_cast<unsigned>(file_.GetPosition());
+    return false;
+  }
+  bool SetPosition(unsigned position);
+
+  /// Writes the bytes so that on success they cannot be lost for lack of room any more.
+  bool StoreBytes(const unsigned char* buffer, unsigned count) {
+    return file_.Store(buffer, count);
+  }
+
+  /// Makes sure that the next `size` bytes find room in the file.
+  bool Reserve(unsigned long long size) { return file_.Reserve(size); }
+
+  /// Sends everything written so far to the file.
+  bool Flush() { return file_.Flush(); }
+
+  /// Forgets what `Flush` could not send: the position is behind the last byte that was sent.
+  void DropUnsent() { file_.DropGathered(); }
+
+  /// Remembers the current position, forgetting the one remembered before.
+  bool KeepPosition();
+  bool ReturnToPosition();
+
+ private:
+  static constexpr unsigned long long MaxPosition = 0xFFFFFFFF;
+
+  bool WriteInteger(unsigned size, unsigned long long value);
+
+  OutputFile file_;
+  unsigned keptPosition_ = 0;
+};

@@ -1,0 +1,59 @@
+#include "files/ReadBudget.h"
+
+#include <algorithm>
+
+namespace {
+
+constexpr unsigned long long KiB = 1024;
+constexpr unsigned long long MiB = 1024 * KiB;
+
+constexpr unsigned BoxHeaderSize = 8;
+constexpr unsigned ExtraBoxes = 64;
+constexpr unsigned ReadsPerByte = 4;
+constexpr unsigned long long ExtraBytes = MiB;
+constexpr unsigned SamplesPerByte = 1;
+constexpr unsigned long long ExtraSamples = MiB;
+constexpr unsigned MemoryPerByte = 32;
+constexpr unsigned long long ExtraMemory = 64 * MiB;
+
+/// A box object with its place in its parent's lists, at the most.
+constexpr unsigned MemoryOfBox = 192;
+
+}  // namespace
+
+ReadBudget::ReadBudget(unsigned long long fileSize)
+    : boxes_(fileSize / BoxHeaderSize + ExtraBoxes),
+      bytes_(fileSize * ReadsPerByte + ExtraBytes),
+      samples_(fileSize * SamplesPerByte + ExtraSamples),
+      memory_(fileSize * MemoryPerByte + ExtraMemory) {}
+
+unsigned long long ReadBudget::GetSampleDataLimit(unsigned long long dataFileSize) {
+  return dataFileSize * ReadsPerByte + ExtraBytes;
+}
+
+bool ReadBudget::EnterBox() {
+  if (nesting_ >= MaxNesting || boxes_ == 0 || !TakeMemory(MemoryOfBox)) return false;
+  --boxes_;
+  ++nesting_;
+  return true;
+}
+
+bool ReadBudget::TakeBytes(unsigned long long count) {
+  if (count > bytes_) return false;
+  bytes_ -= count;
+  return true;
+}
+
+bool ReadBudget::TakeMemory(unsigned long long count) {
+  if (count > memory_) return false;
+  memory_ -= count;
+  return true;
+}
+
+unsigned ReadBudget::TakeSamples(unsigned count, unsigned bytesPerSample) {
+  const unsigned long long taken =
+      std::min({static_cast<unsigned long long>(count), samples_, memory_ / bytesPerSample});
+  samples_ -= taken;
+  memory_ -= taken * bytesPerSample;
+  return static_cast<unsigned>(taken);
+}

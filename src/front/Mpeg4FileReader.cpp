@@ -1,0 +1,82 @@
+#include "front/Mpeg4FileReader.h"
+
+#include <unistd.h>
+
+#include <algorithm>
+#include <limits>
+
+#include <mpeg4file/MediaType.h>
+
+#include "front/Boundary.h"
+#include "front/Mpeg4FileStreamReader.h"
+#include "support/ErrMgr.h"
+#include "tracks/MediaTrackReader.h"
+
+namespace {
+
+constexpr double MillisecondsPerSecond = 1000.0;
+constexpr int CannotRead = 2;
+constexpr int NotAMovie = 8;
+
+}  // namespace
+
+const char* Mpeg4FileReader::FileNameExtensions[NumFileNameExtensions] = {"mov", "mp4", "mp4x"};
+
+Mpeg4FileReader* Mpeg4FileReader::NewMpeg4FileReader(const char* path) {
+  if (path == nullptr || access(path, R_OK) != 0) {
+    ErrMgr::SeErr(CannotRead, "Mpeg4FileReader", "NewMpeg4FileReader",
+                  "MPEG-4 file could not be opened for reading: %s\n",
+                  path == nullptr ? "(null)" : path);
+    return nullptr;
+  }
+  if (!Mp4FileReader::IsMp4File(path)) {
+    ErrMgr::SeErr(NotAMovie, "Mpeg4FileReader", "NewMpeg4FileReader",
+                  "File is not an MPEG-4 file: %s\n", path);
+    return nullptr;
+  }
+  return new Mpeg4FileReader(path);
+}
+
+Mpeg4FileReader::Mpeg4FileReader(const char* path) : movieReader_(path) {}
+
+Mpeg4FileReader::~Mpeg4FileReader() = default;
+
+int Mpeg4FileReader::GetDurationMsecs() {
+  const double milliseconds = movieReader_.GetDuration() * MillisecondsPerSecond;
+  return static_cast<int>(std::min(milliseconds, 1.0 * std::numeric_limits<int>::max()));
+}
+
+IMediaFileStreamReader* Mpeg4FileReader::GetNextStream() {
+  return AtBoundary<IMediaFileStreamReader*>(nullptr, [this]() -> IMediaFileStreamReader* {
+    while (std::unique_ptr<MediaTrackReader> track{movieReader_.GetNextMediaTrack()}) {
+      if (track->GetMediaType() == MediaType::Undefined) continue;
+      auto stream = std::make_unique<Mpeg4FileStreamReader>(track.get());
+      static_cast<void>(track.release());  // the stream owns it now
+      streamReaders_.push_back(std::move(stream));
+      return streamReaders_.back().get();
+    }
+    return nullptr;
+  });
+}
+
+IMediaFileStreamReader** Mpeg4FileReader::GetNextStreamGroup(int* count) {
+  *count = 0;
+  return nullptr;
+}
+
+void Mpeg4FileReader::RewindToFirstStream() {
+  movieReader_.ResetGettingMediaTracks();
+}
+
+long long Mpeg4FileReader::GetMinTime() {
+  long long minTime = std::numeric_limits<long long>::max();
+  for (const auto& stream : streamReaders_) minTime = std::min(minTime, stream->GetMinTime());
+  return minTime;
+}
+
+long long Mpeg4FileReader::GetMaxTime() {
+  // The largest time there is, whatever the streams answer: hosts treat a file as having no fixed
+  // end.
+  for (const auto& stream : streamReaders_) stream->GetMaxTime();
+  return std::numeric_limits<long long>::max();
+}

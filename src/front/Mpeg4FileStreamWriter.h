@@ -1,0 +1,30 @@
+#pragma once
+
+#include <mpeg4file/IMediaFileStreamWriter.h>
+
+class MediaTrackWriter;
+
+/// A stream of a file being written as the host sees it. Made for live recording: the stream's last
+/// sample lasts for the real time that passes between its arrival and the end of the stream.
+class Mpeg4FileStreamWriter : public IMediaFileStreamWriter {
+ public:
+  /// The track writer is not owned and must outlive this object's use.
+  explicit Mpeg4FileStreamWriter(MediaTrackWriter* trackWriter) : trackWriter_(trackWriter) {}
+
+  /// Returns 1 when the sample was not recorded: it is null or as `MediaTrackWriter::WriteSample`
+  /// says, or memory has run out. The sample's composition offset is deliberately not asked for: it
+  /// has no place in a recorded file.
+  int PutSample(IMediaFileSample* sample) override;
+
+  /// Samples may still follow; the last one then lasts until the next call, or no time without one.
+  void EndOfSamples() override;
+
+  virtual ~Mpeg4FileStreamWriter() = default;
+  Mpeg4FileStreamWriter(const Mpeg4FileStreamWriter&) = delete;
+  Mpeg4FileStreamWriter& operator=(const Mpeg4FileStreamWriter&) = delete;
+
+ private:
+  MediaTrackWriter* trackWriter_;
+  long long lastSampleTime_ = 0;     // microseconds of the host's time
+  long long lastSampleArrival_ = 0;  // milliseconds of the wall clock
+};

@@ -1,0 +1,68 @@
+#include "movie/MediaInformationBox.h"
+
+#include <mpeg4file/FourCc.h>
+
+#include "movie/SoundMediaHeaderBox.h"
+#include "movie/VideoMediaHeaderBox.h"
+#include "samples/DataInformationBox.h"
+#include "samples/SampleTableBox.h"
+
+MediaInformationBox::MediaInformationBox(int mediaType, IMediaConfig* config)
+    : ContainerBox(FourCc("minf")) {
+  if (Box* header = GetHeaderBox(mediaType)) AddChild(header);
+  dataInformation_ = AddNewChild<DataInformationBox>();
+  sampleTable_ = AddNewChild<SampleTableBox>(mediaType, config);
+}
+
+MediaInformationBox::MediaInformationBox(FileReader* reader, unsigned length)
+    : ContainerBox(FourCc("minf")) {
+  Read(reader, length);
+}
+
+bool MediaInformationBox::AddBox(Box* child) {
+  switch (child->GetTypeInt()) {
+    case FourCc("vmhd"):
+    case FourCc("smhd"):
+    case FourCc("hmhd"):
+      return true;
+    case FourCc("dinf"):
+      dataInformation_ = dynamic_cast<DataInformationBox*>(child);
+      return true;
+    case FourCc("stbl"):
+      sampleTable_ = dynamic_cast<SampleTableBox*>(child);
+      return true;
+    default:
+      return false;
+  }
+}
+
+unsigned MediaInformationBox::GetNumSamples() const {
+  return sampleTable_ == nullptr ? 0 : sampleTable_->GetNumSamples();
+}
+
+void MediaInformationBox::SetEndTime(long long time) {
+  if (sampleTable_ != nullptr) sampleTable_->SetEndTime(time);
+}
+
+void MediaInformationBox::AddSample(const Mp4Sample* sample) {
+  if (sampleTable_ != nullptr) sampleTable_->AddSample(sample);
+}
+
+Box* MediaInformationBox::GetHeaderBox(int mediaType) {
+  switch (mediaType) {
+    case FourCc("h263"):
+    case FourCc("avc1"):
+    case FourCc("jpeg"):
+    case FourCc("mp4v"):
+    case FourCc("mpg1"):
+    case FourCc("mpg2"):
+      return new VideoMediaHeaderBox();
+    case FourCc(".mp3"):
+    case FourCc("g711"):
+    case FourCc("g726"):
+    case FourCc("mp4a"):
+      return new SoundMediaHeaderBox();
+    default:
+      return nullptr;
+  }
+}

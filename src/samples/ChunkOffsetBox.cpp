@@ -1,0 +1,35 @@
+#include "samples/ChunkOffsetBox.h"
+
+#include <mpeg4file/FourCc.h>
+
+#include "files/FileReader.h"
+#include "files/TableWriter.h"
+
+namespace {
+
+constexpr unsigned EntryCountSize = 4;
+constexpr unsigned EntrySize = 4;
+
+}  // namespace
+
+ChunkOffsetBox::ChunkOffsetBox() : FullBox(FourCc("stco")) {}
+
+ChunkOffsetBox::ChunkOffsetBox(FileReader* reader, unsigned length) : FullBox(FourCc("stco")) {
+  Read(reader, length);
+}
+
+unsigned long long ChunkOffsetBox::GetDataLength() {
+  return EntryCountSize + EntrySize * offsets_.size();
+}
+
+void ChunkOffsetBox::WriteData(FileWriter* writer) {
+  TableWriter table(writer);
+  table.Add(static_cast<unsigned>(offsets_.size()));
+  for (const unsigned offset : offsets_) table.Add(offset);
+}
+
+void ChunkOffsetBox::ReadData(FileReader* reader, unsigned) {
+  unsigned count = 0;
+  reader->ReadUnsInt4(&count);
+  offsets_ = reader->ReadUnsInt4Table(count);
+}

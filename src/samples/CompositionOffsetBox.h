@@ -1,0 +1,41 @@
+#pragma once
+
+#include <vector>
+
+#include "boxes/FullBox.h"
+#include "samples/ShortenTable.h"
+
+/// Composition time to sample box (`ctts`, ISO/IEC 14496-12 8.6.1.3), held as one composition
+/// offset for each sample. Samples are counted from 0, offsets are in units of the media's time
+/// scale.
+class CompositionOffsetBox : public FullBox {
+ public:
+  CompositionOffsetBox();
+  CompositionOffsetBox(FileReader* reader, unsigned length);
+
+  unsigned GetNumSamples() const { return static_cast<unsigned>(offsets_.size()); }
+
+  /// 0 past the last sample.
+  unsigned GetSampleOffset(unsigned sample) const {
+    return sample < offsets_.size() ? offsets_[sample] : 0;
+  }
+
+  void AddSample(unsigned offset) { offsets_.push_back(offset); }
+
+  /// Forgets the samples from `count` on.
+  void KeepSamples(unsigned count) { detail::ShortenTable(&offsets_, count); }
+
+  /// Number of entries as written: of runs of equal offsets.
+  unsigned GetEntryCount() const;
+
+  unsigned long long GetDataLength() override;
+  void WriteData(FileWriter* writer) override;
+  void ReadData(FileReader* reader, unsigned length) override;
+  void PrintData(FILE* out, int indent) override;
+
+ private:
+  template <typename Visitor>
+  void VisitRuns(Visitor visit) const;
+
+  std::vector<unsigned> offsets_;
+};

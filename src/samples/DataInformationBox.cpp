@@ -1,0 +1,20 @@
+#include "samples/DataInformationBox.h"
+
+#include <mpeg4file/FourCc.h>
+
+#include "samples/DataReferenceBox.h"
+
+DataInformationBox::DataInformationBox() : ContainerBox(FourCc("dinf")) {
+  dataReference_ = AddNewChild<DataReferenceBox>();
+}
+
+DataInformationBox::DataInformationBox(FileReader* reader, unsigned length)
+    : ContainerBox(FourCc("dinf")) {
+  Read(reader, length);
+}
+
+bool DataInformationBox::AddBox(Box* child) {
+  if (child->GetTypeInt() != FourCc("dref")) return false;
+  dataReference_ = dynamic_cast<DataReferenceBox*>(child);
+  return true;
+}

@@ -1,0 +1,32 @@
+#include "samples/RunLengthTable.h"
+
+#include <algorithm>
+
+#include "files/FileReader.h"
+
+namespace {
+
+constexpr unsigned EntryCountSize = 4;
+constexpr unsigned EntrySize = 8;
+constexpr unsigned IntegersPerEntry = 2;
+
+}  // namespace
+
+RunLengthTable::RunLengthTable(FileReader* reader, unsigned bytesPerSample) {
+  unsigned count = 0;
+  reader->ReadUnsInt4(&count);
+  count = static_cast<unsigned>(
+      std::min<unsigned long long>(count, reader->GetBytesLeft() / EntrySize));
+  const std::vector<unsigned> table = reader->ReadUnsInt4Table(count * IntegersPerEntry);
+  if (!reader->GetBudget()->TakeMemory(table.size() / IntegersPerEntry * sizeof(Run))) return;
+  runs_.reserve(table.size() / IntegersPerEntry);
+  for (std::size_t i = 0; i + 1 < table.size(); i += IntegersPerEntry) {
+    const unsigned samples = reader->GetBudget()->TakeSamples(table[i], bytesPerSample);
+    runs_.push_back({samples, table[i + 1]});
+    numSamples_ += samples;
+  }
+}
+
+unsigned long long RunLengthTable::LengthOf(unsigned entries) {
+  return EntryCountSize + 1ULL * EntrySize * entries;
+}

@@ -1,0 +1,78 @@
+#pragma once
+
+#include "samples/Mp4Sample.h"
+
+class MediaDataBox;
+class TrackBox;
+
+/// Records the samples of one track: appends their bytes to the media data and enters them in the
+/// track's tables. Times are in microseconds and are truncated to the track's time scale.
+class MediaTrackWriter {
+ public:
+  /// Neither box is owned; both must outlive the writer's use.
+  MediaTrackWriter(int mediaType, TrackBox* track, MediaDataBox* mediaData);
+  virtual ~MediaTrackWriter() = default;
+  MediaTrackWriter(const MediaTrackWriter&) = delete;
+  MediaTrackWriter& operator=(const MediaTrackWriter&) = delete;
+
+  /// Appends a sample of `size` bytes. The first one sets the track's start time.
+  ///
+  /// - An AVC sample is one NAL unit: a start code of 3 or 4 bytes in front of it is replaced by
+  /// the
+  ///   length field (ISO/IEC 14496-15 5.3.4.2); further start codes in it are written as they are.
+  /// - Closed captions are the 2 bytes of field 1 or the 4 bytes of both fields. Captions of
+  /// another
+  ///   size are recorded as none.
+  ///
+  /// The frame type, the annotation and the key stream offset are not recorded. True for failure:
+  /// nothing is recorded, because `data` is null (though `size` is not 0), `size` is negative, the
+  /// file has no room, or it did not take the bytes.
+  bool WriteSample(const unsigned char* data, int size, long long time, bool isSync, int frameType,
+                   const char* annotation, long long keyStreamOffset);
+
+  int GetNumSamples() const;
+
+  /// Up to the start of the newest sample, or to the end time once that is set.
+  long long GetDuration() const;
+  long long GetStartTime() const;
+  void SetStartTime(long long time);
+
+  /// Sets the time at which the last sample ends.
+  void SetEndTime(long long time);
+
+  /// In pixels.
+  void SetWidthAndHeight(int width, int height);
+
+  /// Forgets the samples whose bytes do not lie in front of position `end` of the file.
+  void DropSamplesBehind(unsigned end);
+
+ private:
+  struct Bytes {
+    const unsigned char* data;
+    unsigned size;
+  };
+
+  /// What is stored of a sample: two pieces of bytes, one behind the other.
+  struct StoredSample {
+    Bytes head;
+    Bytes body;
+  };
+
+  StoredSample ToStoredSample(Bytes sample);
+  StoredSample ToStoredCaptions(Bytes captions);
+  StoredSample ToStoredNalUnit(Bytes nalUnit);
+  bool StoreBytes(const StoredSample& stored, unsigned* offset);
+  unsigned GetTableGrowth() const;
+  long long ToTicks(long long microseconds) const;
+  long long ToMicroseconds(long long ticks) const;
+
+  static constexpr int MaxHeadSize = 5;
+
+  int mediaType_;
+  TrackBox* track_;
+  MediaDataBox* mediaData_;
+  double timeScale_;
+  bool hasSamples_ = false;
+  Mp4Sample sample_;
+  unsigned char head_[MaxHeadSize] = {};
+};

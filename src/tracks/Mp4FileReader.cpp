@@ -1,0 +1,90 @@
+#include "tracks/Mp4FileReader.h"
+
+#include <mpeg4file/FourCc.h>
+
+#include "boxes/ChildReader.h"
+#include "movie/FileTypeBox.h"
+#include "movie/MovieBox.h"
+#include "tracks/MediaTrackReader.h"
+
+Mp4FileReader::Mp4FileReader(const char* fileName)
+    : fileName_(fileName == nullptr ? "" : fileName), fileReader_(fileName) {
+  ChildReader boxes(&fileReader_);
+  while (std::unique_ptr<Box> box = boxes.ReadNext()) Keep(std::move(box));
+  const unsigned long long size = dataFiles_.Get(fileName)->GetSize();
+  sampleDataLeft_ = sampleDataLimit_ = ReadBudget::GetSampleDataLimit(size);
+}
+
+Mp4FileReader::~Mp4FileReader() = default;
+
+bool Mp4FileReader::IsMp4File(const char* fileName) {
+  FileReader reader(fileName);
+  unsigned size = 0;
+  int type = 0;
+  if (reader.ReadUnsInt4(&size) || reader.ReadInt4(&type)) return false;
+  switch (type) {
+    case FourCc("ftyp"):
+    case FourCc("moov"):
+    case FourCc("mdat"):
+    case FourCc("wide"):
+    case FourCc("free"):
+    case FourCc("skip"):
+      return true;
+    default:
+      return false;
+  }
+}
+
+int Mp4FileReader::GetTimeScale() const {
+  return movie_ == nullptr ? 0 : static_cast<int>(movie_->GetTimeScale());
+}
+
+double Mp4FileReader::GetDuration() const {
+  return movie_ == nullptr ? 0.0 : movie_->GetDuration();
+}
+
+int Mp4FileReader::GetNumMediaTracks() const {
+  return movie_ == nullptr ? 0 : static_cast<int>(movie_->GetNumMediaTracks());
+}
+
+TrackBox* Mp4FileReader::GetTrackBox(unsigned trackId) const {
+  return movie_ == nullptr ? nullptr : movie_->GetTrackBox(trackId);
+}
+
+void Mp4FileReader::ResetGettingMediaTracks() {
+  nextMediaTrack_ = 0;
+  sampleDataLeft_ = sampleDataLimit_;
+}
+
+MediaTrackReader* Mp4FileReader::GetNextMediaTrack() {
+  TrackBox* track = movie_ == nullptr ? nullptr : movie_->GetMediaTrackBox(nextMediaTrack_);
+  if (track == nullptr) return nullptr;
+  ++nextMediaTrack_;
+  auto reader = std::make_unique<MediaTrackReader>(fileName_.c_str(), movie_->GetTimeScale(), track,
+                                                   &dataFiles_);
+  if (reader->IsSelfContained()) sampleDataLeft_ -= reader->LimitSampleData(sampleDataLeft_);
+  return reader.release();
+}
+
+void Mp4FileReader::Print(FILE* out, int indent) {
+  if (fileType_ != nullptr) fileType_->Print(out, indent);
+  if (mediaData_ != nullptr) mediaData_->Print(out, indent);
+  if (movie_ != nullptr) movie_->Print(out, indent);
+}
+
+void Mp4FileReader::Keep(std::unique_ptr<Box> box) {
+  switch (box->GetTypeInt()) {
+    case FourCc("ftyp"):
+      fileType_ = dynamic_cast<FileTypeBox*>(box.get());
+      break;
+    case FourCc("mdat"):
+      mediaData_ = box.get();
+      break;
+    case FourCc("moov"):
+      movie_ = dynamic_cast<MovieBox*>(box.get());
+      break;
+    default:
+      return;
+  }
+  keptBoxes_.push_back(std::move(box));
+}

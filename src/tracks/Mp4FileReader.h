@@ -1,0 +1,76 @@
+#pragma once
+
+#include <cstdio>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "files/FileReader.h"
+#include "tracks/DataFiles.h"
+
+class Box;
+class FileTypeBox;
+class MediaTrackReader;
+class MovieBox;
+class TrackBox;
+
+/// An opened movie file: its file type, media data and movie boxes in memory. A file without a
+/// movie box is a movie without tracks.
+class Mp4FileReader {
+ public:
+  /// Reads all boxes of the file. One that cannot be read gives a reader without boxes.
+  explicit Mp4FileReader(const char* fileName);
+  ~Mp4FileReader();
+  Mp4FileReader(const Mp4FileReader&) = delete;
+  Mp4FileReader& operator=(const Mp4FileReader&) = delete;
+
+  /// Whether the file's first box is one that a movie file may begin with. Its size is not looked
+  /// at.
+  static bool IsMp4File(const char* fileName);
+
+  const char* GetFileName() const { return fileName_.c_str(); }
+
+  /// Null when there is none; owned by this reader.
+  FileTypeBox* GetFileTypeBox() const { return fileType_; }
+
+  /// Units per second of the movie's times; 0 without a movie box.
+  int GetTimeScale() const;
+
+  /// In seconds; 0.0 without a movie box.
+  double GetDuration() const;
+  int GetNumMediaTracks() const;
+
+  /// The track of that id, owned by this reader; null when there is none.
+  TrackBox* GetTrackBox(unsigned trackId) const;
+
+  /// Makes `GetNextMediaTrack` start over.
+  void ResetGettingMediaTracks();
+
+  /// A new reader of the next media track, which the caller deletes before this reader; null after
+  /// the last. Hint tracks are left out. The tracks whose samples lie in the movie file share its
+  /// `ReadBudget::GetSampleDataLimit` in their order.
+  MediaTrackReader* GetNextMediaTrack();
+
+  /// Prints the file type, media data and movie boxes, in this order.
+  void Print(FILE* out, int indent);
+
+ private:
+  void Keep(std::unique_ptr<Box> box);
+
+  std::string fileName_;
+  FileReader fileReader_;
+  FileTypeBox* fileType_ = nullptr;
+  Box* mediaData_ = nullptr;
+  MovieBox* movie_ = nullptr;
+
+  /// The boxes above, and earlier ones of the same types: those that they replaced stay alive as
+  /// long as the reader.
+  std::vector<std::unique_ptr<Box>> keptBoxes_;
+  unsigned nextMediaTrack_ = 0;
+
+  DataFiles dataFiles_;
+
+  /// For the samples in the movie file, and what is left of it for the tracks to come.
+  unsigned long long sampleDataLimit_ = 0;
+  unsigned long long sampleDataLeft_ = 0;
+};

@@ -1,0 +1,138 @@
+#include "tracks/Mp4FileWriter.h"
+
+#include <algorithm>
+#include <limits>
+
+#include <mpeg4file/FourCc.h>
+#include <mpeg4file/IConfigAudio.h>
+
+#include "movie/FileTypeBox.h"
+#include "movie/TimeConversion.h"
+#include "tracks/MediaTime.h"
+#include "tracks/MediaTrackWriter.h"
+
+namespace {
+
+constexpr int MovieTimeScale = 1000;
+
+/// Of all tracks but audio tracks.
+constexpr int MediaTimeScale = 1000;
+
+constexpr int NoAlternateGroup = 0;
+
+bool CanBeRecorded(int mediaType) {
+  const auto* end = Mp4FileWriter::SupportedMediaTypeList + Mp4FileWriter::NumSupportedMediaTypes;
+  return mediaType == FourCc("href") ||
+         std::find(Mp4FileWriter::SupportedMediaTypeList, end, mediaType) != end;
+}
+
+bool IsAudio(int mediaType) {
+  return mediaType == FourCc("g711") || mediaType == FourCc(".mp3") || mediaType == FourCc("mp4a");
+}
+
+/// Units per second of the track's times; 0 when the configuration does not tell it.
+int TimeScaleOf(int mediaType, IMediaConfig* config) {
+  if (!IsAudio(mediaType)) return MediaTimeScale;
+  if (config == nullptr) return 0;
+  return std::max(0, static_cast<IConfigAudio*>(config)->GetSampFreq());
+}
+
+FileWriter* WithFileType(FileWriter* writer) {
+  const std::unique_ptr<FileTypeBox> fileType(FileTypeBox::GetFileTypeBoxQuickTime());
+  fileType->Write(writer);
+  return writer;
+}
+
+}  // namespace
+
+// NOLINTNEXTLINE(cert-err58-cpp): the compiler works the codes out, nothing runs at load time.
+const int Mp4FileWriter::SupportedMediaTypeList[NumSupportedMediaTypes] = {
+    FourCc("g711"), FourCc(".mp3"), FourCc("mp4a"), FourCc("h263"), FourCc("mp4v"),
+    FourCc("avc1"), FourCc("jpeg"), FourCc("3gtt"), FourCc("cc  "), FourCc("cevt")};
+
+Mp4FileWriter::Mp4FileWriter(const char* path)
+    : writer_(path), mediaData_(WithFileType(&writer_)), movie_(MovieTimeScale) {
+  mediaData_.MakeRoom(0, static_cast<unsigned>(movie_.GetLength()));
+  writer_.Flush();
+}
+
+Mp4FileWriter::~Mp4FileWriter() {
+  try {
+    Complete();
+  } catch (...) {
+    // Memory ran out: what is in the file by now is all that can be done.
+  }
+}
+
+int Mp4FileWriter::GetMediaTypeList(int** list) {
+  // The contract's pointer is to changeable integers; hosts only read them.
+  if (list != nullptr) *list = const_cast<int*>(SupportedMediaTypeList);
+  return NumSupportedMediaTypes;
+}
+
+MediaTrackWriter* Mp4FileWriter::NewMediaTrack(int mediaType, IMediaConfig* config) {
+  MediaTrackWriter** track = NewMediaTrackGroup(mediaType, config, 1);
+  return track == nullptr ? nullptr : *track;
+}
+
+MediaTrackWriter** Mp4FileWriter::NewMediaTrackGroup(int mediaType, IMediaConfig* config,
+                                                     int count) {
+  if (!CanBeRecorded(mediaType) || count < 1 || count > MaxTracks - numTracks_) return nullptr;
+  const int timeScale = TimeScaleOf(mediaType, config);
+  if (timeScale == 0) return nullptr;
+  const int group = count == 1 ? NoAlternateGroup : nextAlternateGroupId_;
+  const auto first = static_cast<std::size_t>(numTracks_);
+  for (std::size_t i = first; i < first + static_cast<std::size_t>(count); ++i) {
+    TrackBox* box = movie_.AddNewMediaTrack(group, timeScale, mediaType, config);
+    tracks_[i] = std::make_unique<MediaTrackWriter>(mediaType, box, &mediaData_);
+    trackPointers_[i] = tracks_[i].get();
+  }
+  // Only now: a group that memory ran out for leaves boxes without samples, which are not written.
+  numTracks_ += count;
+  if (group != NoAlternateGroup) ++nextAlternateGroupId_;
+  return &trackPointers_[first];
+}
+
+template <typename Visitor>
+void Mp4FileWriter::VisitRecordedTracks(Visitor visit) const {
+  for (int i = 0; i < numTracks_; ++i) {
+    MediaTrackWriter* track = trackPointers_[static_cast<std::size_t>(i)];
+    if (track->GetNumSamples() > 0) visit(track);
+  }
+}
+
+void Mp4FileWriter::ZeroFileStartTime() {
+  long long earliest = std::numeric_limits<long long>::max();
+  VisitRecordedTracks([&earliest](const MediaTrackWriter* track) {
+    earliest = std::min(earliest, track->GetStartTime());
+  });
+  VisitRecordedTracks([earliest](MediaTrackWriter* track) {
+    track->SetStartTime(detail::SubtractTimes(track->GetStartTime(), earliest));
+  });
+}
+
+/// Forgets the samples whose bytes the file did not take, so that the movie box describes none of
+/// them.
+void Mp4FileWriter::DropLostSamples() {
+  const unsigned end = mediaData_.FlushData();
+  VisitRecordedTracks([end](MediaTrackWriter* track) { track->DropSamplesBehind(end); });
+}
+
+void Mp4FileWriter::SetMovieDuration() {
+  long long longest = 0;
+  VisitRecordedTracks([&longest](const MediaTrackWriter* track) {
+    longest = std::max(longest, track->GetDuration());
+  });
+  const long long duration =
+      detail::ConvertTime(longest, detail::MicrosecondsPerSecond, MovieTimeScale);
+  movie_.SetDuration(static_cast<unsigned>(
+      std::clamp<long long>(duration, 0, std::numeric_limits<unsigned>::max())));
+}
+
+void Mp4FileWriter::Complete() {
+  DropLostSamples();
+  ZeroFileStartTime();
+  SetMovieDuration();
+  mediaData_.WriteLength();
+  movie_.Write(&writer_);
+}

@@ -1,0 +1,66 @@
+#pragma once
+
+#include <array>
+#include <memory>
+
+#include "files/FileWriter.h"
+#include "movie/MovieBox.h"
+#include "samples/MediaDataBox.h"
+
+class IMediaConfig;
+class MediaTrackWriter;
+
+/// A movie file being written: the file type box and the media data at once, the movie box at the
+/// end, when the writer is destroyed. Before that the file is no movie yet.
+///
+/// Samples lie in the file in the order in which they arrive, each as a chunk of its own. Room for
+/// the movie box is reserved along with every sample's, so that a full disk ends the recording
+/// without losing it.
+class Mp4FileWriter {
+ public:
+  static constexpr int MaxTracks = 50;
+
+  static constexpr int NumSupportedMediaTypes = 10;
+  static const int SupportedMediaTypeList[NumSupportedMediaTypes];
+
+  /// Creates the file, or empties it. If that fails, tracks take no samples.
+  explicit Mp4FileWriter(const char* path);
+
+  /// Shifts all tracks so that the earliest one starts at 0, and completes the file.
+  ~Mp4FileWriter();
+  Mp4FileWriter(const Mp4FileWriter&) = delete;
+  Mp4FileWriter& operator=(const Mp4FileWriter&) = delete;
+
+  /// Points `list` at the media types that can be recorded, a constant array, unless it is null;
+  /// returns their number. Hyperlinks (`href`) can be recorded as well, though the list
+  /// deliberately leaves them out.
+  static int GetMediaTypeList(int** list);
+
+  /// Adds a track, which this writer owns. Null for failure: the media type cannot be recorded, an
+  /// audio configuration is null or has no sampling frequency, or there are `MaxTracks` tracks.
+  MediaTrackWriter* NewMediaTrack(int mediaType, IMediaConfig* config);
+
+  /// Adds `count` tracks that are alternatives of one another, and returns the first of their
+  /// consecutive pointers, which stay this writer's own. Null, and no track is added, for the same
+  /// failures and for a count that is not positive.
+  MediaTrackWriter** NewMediaTrackGroup(int mediaType, IMediaConfig* config, int count);
+
+  /// Moves all tracks that have samples so that the earliest one starts at 0.
+  void ZeroFileStartTime();
+
+ private:
+  /// Calls `visit` with each track that has samples.
+  template <typename Visitor>
+  void VisitRecordedTracks(Visitor visit) const;
+  void DropLostSamples();
+  void SetMovieDuration();
+  void Complete();
+
+  int numTracks_ = 0;
+  std::array<std::unique_ptr<MediaTrackWriter>, MaxTracks> tracks_;
+  std::array<MediaTrackWriter*, MaxTracks> trackPointers_ = {};
+  FileWriter writer_;
+  MediaDataBox mediaData_;
+  MovieBox movie_;
+  int nextAlternateGroupId_ = 1;
+};

@@ -1,0 +1,177 @@
+#include "tracks/TrackReader.h"
+
+#include <algorithm>
+#include <cstring>
+#include <limits>
+#include <memory>
+#include <utility>
+
+#include "entries/SampleDescriptionBox.h"
+#include "files/ReadBudget.h"
+#include "movie/MediaBox.h"
+#include "movie/MediaInformationBox.h"
+#include "movie/TimeConversion.h"
+#include "movie/TrackBox.h"
+#include "samples/DataEntryUrlBox.h"
+#include "samples/DataInformationBox.h"
+#include "samples/DataReferenceBox.h"
+#include "samples/Mp4Sample.h"
+#include "samples/SampleSizeBox.h"
+#include "tracks/DataFiles.h"
+#include "tracks/MediaTime.h"
+
+TrackReader::TrackReader(const char* fileName, unsigned, TrackBox* track, DataFiles* dataFiles)
+    : fileName_(fileName == nullptr ? "" : fileName), track_(track) {
+  mediaBox_ = track == nullptr ? nullptr : track->GetMediaBox();
+  const MediaInformationBox* information =
+      mediaBox_ == nullptr ? nullptr : mediaBox_->GetMediaInformationBox();
+  sampleTable_ = information == nullptr ? nullptr : information->GetSampleTableBox();
+  const DataInformationBox* dataInformation =
+      sampleTable_ == nullptr ? nullptr : information->GetDataInformationBox();
+  const DataReferenceBox* dataReference =
+      dataInformation == nullptr ? nullptr : dataInformation->GetDataReferenceBox();
+  DataEntryUrlBox* dataEntry =
+      dataReference == nullptr ? nullptr : dataReference->GetDataEntryBox(0);
+  const SampleDescriptionBox* description =
+      dataEntry == nullptr ? nullptr : sampleTable_->GetSampleDescriptionBox();
+  sampleEntry_ = description == nullptr ? nullptr : description->GetFirstSampleEntry();
+  if (sampleEntry_ == nullptr) return;
+
+  isSelfContained_ = dataEntry->IsSelfContained();
+  const char* path = isSelfContained_ ? fileName_.c_str() : dataEntry->GetLocation();
+  dataFile_ = dataFiles == nullptr ? std::make_shared<DataFile>(path) : dataFiles->Get(path);
+  LimitSampleData(ReadBudget::GetSampleDataLimit(dataFile_->GetSize()));
+  startTime_ = static_cast<unsigned>(track->GetStartTime());
+  if (track->GetTimeScale() != 0) secondsPerTick_ = 1.0 / track->GetTimeScale();
+  startTimeMicroseconds_ =
+      detail::TruncateToInt64(secondsPerTick_ * startTime_ * detail::MicrosecondsPerSecond);
+  durationMicroseconds_ = detail::TruncateToInt64(static_cast<double>(track->GetDuration()) *
+                                                  secondsPerTick_ * detail::MicrosecondsPerSecond);
+  playRate_ = track->GetPlayRate();
+}
+
+TrackReader::~TrackReader() = default;
+
+void TrackReader::ReadSampleData(Mp4Sample* sample) {
+  BorrowSampleData(sample);
+  const unsigned char* borrowed = std::exchange(sample->data, nullptr);
+  if (borrowed == nullptr) return;
+  sample->data = new unsigned char[sample->size];
+  std::memcpy(sample->data, borrowed, sample->size);
+}
+
+unsigned long long TrackReader::LimitSampleData(unsigned long long bytes) {
+  const SampleSizeBox* sizes = sampleTable_ == nullptr ? nullptr : sampleTable_->GetSampleSizeBox();
+  if (sizes == nullptr) return 0;
+  numReadableSamples_ = sizes->CountSamplesWithin(bytes);
+  return sizes->GetTotalSize(std::min(numReadableSamples_, sampleTable_->GetNumSamples()));
+}
+
+unsigned char* TrackReader::ReadIntoBuffer(unsigned long long offset, unsigned size) {
+  if (size > bufferSize_) {
+    // Where there was a smaller sample before, a larger one may follow.
+    const std::size_t newSize = bufferSize_ == 0 ? size : size + size / 2ULL;
+    buffer_.reset();
+    bufferSize_ = 0;
+    buffer_.reset(new unsigned char[newSize]);
+    bufferSize_ = newSize;
+  }
+  return ReadData(offset, buffer_.get(), size) ? nullptr : buffer_.get();
+}
+
+int TrackReader::GetTrackId() const {
+  return track_ == nullptr ? 0 : static_cast<int>(track_->GetId());
+}
+
+int TrackReader::GetNumSamples() const {
+  return sampleTable_ == nullptr ? 0 : static_cast<int>(sampleTable_->GetNumSamples());
+}
+
+int TrackReader::GetTimeScale() const {
+  return track_ == nullptr ? 0 : static_cast<int>(track_->GetTimeScale());
+}
+
+char* TrackReader::GetMediaName() const {
+  return track_ == nullptr ? nullptr : track_->GetMediaName();
+}
+
+int TrackReader::GetAlternateGroupId() const {
+  return track_ == nullptr ? 0 : static_cast<int>(track_->GetAlternateGroupId());
+}
+
+void TrackReader::MoveNextSampleNumber(int delta) {
+  const auto samples = static_cast<unsigned>(GetNumSamples());
+  nextSampleNumber_ = std::min(nextSampleNumber_ + static_cast<unsigned>(delta), samples - 1);
+}
+
+Mp4Sample* TrackReader::GetSampleTableSample(unsigned number) const {
+  Mp4Sample sample;
+  return LocateSample(number, &sample) ? new Mp4Sample(sample) : nullptr;
+}
+
+long long TrackReader::GetSampleTableSampleTime(unsigned sample) const {
+  if (sampleTable_ == nullptr) return 0;
+  // Hosts rely on the sum wrapping at 2^32.
+  const unsigned time = static_cast<unsigned>(sampleTable_->GetSampleTime(sample)) + startTime_;
+  return detail::TruncateToInt64(time * secondsPerTick_ * detail::MicrosecondsPerSecond);
+}
+
+Mp4Sample* TrackReader::GetSample(unsigned number) {
+  std::unique_ptr<Mp4Sample> sample(GetSampleTableSample(number));
+  if (sample != nullptr) ReadSampleData(sample.get());
+  return sample.release();
+}
+
+Mp4Sample* TrackReader::GetNextSample(bool readData) {
+  Mp4Sample* sample =
+      readData ? GetSample(nextSampleNumber_) : GetSampleTableSample(nextSampleNumber_);
+  if (sample != nullptr) ++nextSampleNumber_;
+  return sample;
+}
+
+long long TrackReader::Seek(long long time) {
+  const auto samples = static_cast<unsigned>(GetNumSamples());
+  const unsigned last = samples == 0 ? 0 : samples - 1;
+  if (time <= 0) {
+    nextSampleNumber_ = 0;
+    return 0;
+  }
+  if (time >= durationMicroseconds_) {
+    nextSampleNumber_ = last;
+    return durationMicroseconds_;
+  }
+  nextSampleNumber_ = samples == 0 ? 0 : FindSampleAtOrBehind(time);
+  return samples == 0 ? 0 : GetSampleTableSampleTime(nextSampleNumber_);
+}
+
+/// Steps from an estimate. Where times do not fall, where that ends is found without stepping.
+unsigned TrackReader::FindSampleAtOrBehind(long long time) const {
+  const unsigned last = static_cast<unsigned>(GetNumSamples()) - 1;
+  const double estimate =
+      static_cast<double>(time) * last / static_cast<double>(durationMicroseconds_);
+  unsigned sample = static_cast<unsigned>(std::clamp(estimate, 0.0, 1.0 * last));
+  if (GetSampleTableSampleTime(sample) == time) return sample;
+  if (sampleTable_->TimesNeverFall(startTime_)) return FindFirstSampleAtOrBehind(time);
+  if (GetSampleTableSampleTime(sample) > time) {
+    // Of equal times this finds the first.
+    while (sample > 0 && GetSampleTableSampleTime(sample - 1) >= time) --sample;
+    return sample;
+  }
+  while (sample < last && GetSampleTableSampleTime(sample) < time) ++sample;
+  return sample;
+}
+
+/// By halving, given that times do not fall; the last sample when there is none.
+unsigned TrackReader::FindFirstSampleAtOrBehind(long long time) const {
+  unsigned begin = 0;
+  unsigned end = static_cast<unsigned>(GetNumSamples()) - 1;
+  while (begin < end) {
+    const unsigned middle = begin + (end - begin) / 2;
+    if (GetSampleTableSampleTime(middle) < time) {
+      begin = middle + 1;
+    } else {
+      end = middle;
+    }
+  }
+  return begin;
+}

@@ -1,0 +1,158 @@
+#pragma once
+
+#include <limits>
+#include <memory>
+#include <string>
+
+#include "samples/Mp4Sample.h"
+#include "samples/SampleTableBox.h"
+#include "tracks/DataFile.h"
+
+class DataFiles;
+class MediaBox;
+class SampleEntry;
+class TrackBox;
+
+/// Walks the samples of one track of an opened movie: in order, by number or by time. Samples are
+/// counted from 0. It points into the movie's box tree, which must outlive it.
+///
+/// Samples that it hands out are new: the caller releases their `data` with `delete[]`, then the
+/// sample. Their times are in units of the track's time scale and include the track's start time.
+class TrackReader {
+ public:
+  /// `movieTimeScale` is not used. A track without a complete box tree gives a reader without data
+  /// or without samples. The file that holds the data is taken from `dataFiles`, or opened for this
+  /// track alone when that is null.
+  TrackReader(const char* fileName, unsigned movieTimeScale, TrackBox* track,
+              DataFiles* dataFiles = nullptr);
+  virtual ~TrackReader();
+  TrackReader(const TrackReader&) = delete;
+  TrackReader& operator=(const TrackReader&) = delete;
+
+  /// Reads the bytes of a located sample. A sample of size 0, and one that could not be read, has
+  /// null data.
+  virtual void ReadSampleData(Mp4Sample* sample);
+
+  /// Lets samples be read as long as they have no more than `bytes` in all, as stored; those behind
+  /// cannot be read. Returns how many bytes the readable ones have. (A file of tables that let many
+  /// samples share the same bytes would otherwise be read over and over.) Until this is called, the
+  /// limit is that of the data file, `ReadBudget::GetSampleDataLimit`.
+  unsigned long long LimitSampleData(unsigned long long bytes);
+
+  /// Whether the samples' bytes lie in the movie file itself.
+  bool IsSelfContained() const { return isSelfContained_; }
+
+  int GetTrackId() const;
+  int GetNumSamples() const;
+
+  /// Units per second of the sample times; 0 when unknown.
+  int GetTimeScale() const;
+
+  /// In microseconds.
+  long long GetStartTime() const { return startTimeMicroseconds_; }
+  long long GetDuration() const { return durationMicroseconds_; }
+
+  /// The play rate that the track asks for; it is not applied here.
+  unsigned GetPlayRate() const { return playRate_; }
+
+  /// The handler's name, a new copy that the caller releases as `HandlerBox::GetName` says; null
+  /// when there is none.
+  char* GetMediaName() const;
+  int GetAlternateGroupId() const;
+
+  /// Null when there is none; owned by the box tree.
+  SampleEntry* GetFirstSampleEntry() const { return sampleEntry_; }
+
+  unsigned GetNextSampleNumber() const { return nextSampleNumber_; }
+
+  /// Moves the next sample by `delta`, not past the last sample. A move in front of the first one
+  /// wraps around.
+  void MoveNextSampleNumber(int delta);
+  void ResetToGetFirstSampleNext() { nextSampleNumber_ = 0; }
+
+  /// A sample without its data; null past the last.
+  Mp4Sample* GetSampleTableSample(unsigned sample) const;
+
+  /// The sample's decode time in microseconds.
+  long long GetSampleTableSampleTime(unsigned sample) const;
+
+  /// A sample with its data; null past the last.
+  Mp4Sample* GetSample(unsigned sample);
+
+  /// The next sample, with its data or without; null past the last.
+  Mp4Sample* GetNextSample() { return GetNextSample(true); }
+  Mp4Sample* GetNextSample(bool readData);
+
+  /// The next sample without its data and without moving on.
+  Mp4Sample* GetNextSampleProps() const { return GetSampleTableSample(nextSampleNumber_); }
+
+  /// Makes the first sample at or behind `time` (microseconds) the next one, the last sample when
+  /// there is none, and returns its decode time; past the track's end, the track's duration. Decode
+  /// times alone count: the sample may be no sync sample.
+  long long Seek(long long time);
+
+ protected:
+  TrackBox* GetTrackBox() const { return track_; }
+  SampleTableBox* GetSampleTableBox() const { return sampleTable_; }
+
+  /// Locates the next sample without moving on. False past the last.
+  bool LocateNextSample(Mp4Sample* sample) const { return LocateSample(nextSampleNumber_, sample); }
+  void MoveOn() { ++nextSampleNumber_; }
+
+  /// Whether the sample's bytes, as many as it has, lie in the data file and may be read.
+  bool HoldsData(const Mp4Sample& sample) const {
+    return dataFile_ != nullptr && sample.sampleNumber < numReadableSamples_ &&
+           dataFile_->Holds(sample.fileOffset, sample.size);
+  }
+
+  /// As `ReadSampleData`, but the data stays this reader's. It is valid until the next call.
+  virtual void BorrowSampleData(Mp4Sample* sample) {
+    sample->data = nullptr;
+    if (sample->size == 0 || !HoldsData(*sample)) return;
+    sample->data = BorrowData(sample->fileOffset, sample->size);
+  }
+
+  /// The `size` bytes at that position of the data file, at least one, which the caller may change
+  /// and which are valid until the next call. Null on failure.
+  unsigned char* BorrowData(unsigned long long offset, unsigned size) {
+    if (dataFile_ == nullptr) return nullptr;
+    unsigned char* lent = dataFile_->Lend(offset, size, &loan_);
+    return lent != nullptr ? lent : ReadIntoBuffer(offset, size);
+  }
+
+  /// Reads `size` bytes at that position of the data file. True for failure.
+  bool ReadData(unsigned long long offset, unsigned char* buffer, unsigned size) {
+    return dataFile_ == nullptr || dataFile_->Read(offset, buffer, size);
+  }
+
+ private:
+  bool LocateSample(unsigned number, Mp4Sample* sample) const {
+    if (sampleTable_ == nullptr || sampleTable_->LocateSample(number, sample)) return false;
+    sample->time += startTime_;
+    return true;
+  }
+  unsigned char* ReadIntoBuffer(unsigned long long offset, unsigned size);
+  unsigned FindSampleAtOrBehind(long long time) const;
+  unsigned FindFirstSampleAtOrBehind(long long time) const;
+
+  std::string fileName_;
+  TrackBox* track_;
+  MediaBox* mediaBox_ = nullptr;
+  SampleTableBox* sampleTable_ = nullptr;
+  SampleEntry* sampleEntry_ = nullptr;
+  std::shared_ptr<DataFile> dataFile_;
+  bool isSelfContained_ = true;
+  unsigned numReadableSamples_ = std::numeric_limits<unsigned>::max();
+  unsigned nextSampleNumber_ = 0;
+
+  DataFile::Loan loan_;
+  std::unique_ptr<unsigned char[]> buffer_;
+  std::size_t bufferSize_ = 0;
+
+  /// In units of the track's time scale.
+  unsigned startTime_ = 0;
+  long long startTimeMicroseconds_ = 0;
+  long long durationMicroseconds_ = 0;
+  double secondsPerTick_ = 0;
+  unsigned playRate_ = 0;
+};

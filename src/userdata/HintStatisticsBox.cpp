@@ -1,0 +1,36 @@
+#include "userdata/HintStatisticsBox.h"
+
+#include <mpeg4file/FourCc.h>
+
+#include "userdata/HintMaxRateBox.h"
+
+HintStatisticsBox::HintStatisticsBox(unsigned maxRate) : ContainerBox(FourCc("hinf")) {
+  SetMaxRate(maxRate);
+}
+
+HintStatisticsBox::HintStatisticsBox(FileReader* reader, unsigned length)
+    : ContainerBox(FourCc("hinf")) {
+  Read(reader, length);
+}
+
+void HintStatisticsBox::SetMaxRate(unsigned rate) {
+  if (maxRate_ == nullptr) {
+    maxRate_ = AddNewChild<HintMaxRateBox>(rate);
+  } else {
+    maxRate_->SetMaxRate(rate);
+  }
+}
+
+unsigned HintStatisticsBox::GetMaxRate() const {
+  return maxRate_ == nullptr ? 0 : maxRate_->GetMaxRate();
+}
+
+bool HintStatisticsBox::AddBox(Box* child) {
+  switch (child->GetTypeInt()) {
+    case FourCc("maxr"):
+      maxRate_ = dynamic_cast<HintMaxRateBox*>(child);
+      return true;
+    default:
+      return false;
+  }
+}

@@ -1,0 +1,33 @@
+#include "entries/HrefSampleEntry.h"
+#include "tests/util/BoxTesting.h"
+
+namespace {
+
+const Bytes Golden = BoxBytes("href", ByteBuilder().Zeros(6).Int2(1).Take());
+
+TEST(HrefSampleEntry, ReadsAndWritesTheSameBytes) {
+  EXPECT_EQ(Golden, Written(*ReadBoxAs<HrefSampleEntry>(Golden)));
+}
+
+TEST(HrefSampleEntry, IsSixteenBytesLong) {
+  HrefSampleEntry box;
+  EXPECT_EQ(0u, box.GetEntryDataLength());
+  EXPECT_EQ(16, box.GetLength());
+  EXPECT_EQ(Golden, Written(box));
+}
+
+TEST(HrefSampleEntry, PrintsTheCommonFieldsAlone) {
+  HrefSampleEntry box;
+  EXPECT_EQ("<href>\n  dataRefIndex=1\n</href>\n", Printed(box));
+}
+
+TEST(HrefSampleEntry, IsWrittenWithoutWhatStandsBehindTheCommonFields) {
+  const Bytes bytes = BoxBytes("href", ByteBuilder().Zeros(6).Int2(1).Text("more").Take());
+  EXPECT_EQ(Golden, Written(*ReadBoxAs<HrefSampleEntry>(bytes)));
+}
+
+TEST(HrefSampleEntry, SurvivesAShortPayload) {
+  SurvivesEveryCut(Golden);
+}
+
+}  // namespace

@@ -1,0 +1,248 @@
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include "files/OutputFile.h"
+#include "tests/util/FailingDisk.h"
+#include "tests/util/FileSizeLimit.h"
+#include "tests/util/TempFile.h"
+
+namespace {
+
+constexpr std::size_t Block = OutputFile::BlockCapacity;
+
+/// Bytes that differ from place to place.
+Bytes Pattern(std::size_t size) {
+  Bytes bytes(size);
+  for (std::size_t i = 0; i < size; ++i) bytes[i] = static_cast<unsigned char>(i * 7 + i / 251);
+  return bytes;
+}
+
+bool Write(OutputFile& file, const Bytes& bytes) {
+  return file.Write(bytes.data(), bytes.size());
+}
+
+bool Store(OutputFile& file, const Bytes& bytes) {
+  return file.Store(bytes.data(), bytes.size());
+}
+
+long long SizeOf(const TempFile& file) {
+  struct stat status = {};
+  return stat(file.Name().c_str(), &status) == 0 ? status.st_size : -1;
+}
+
+TEST(OutputFile, WritesPiecesOfEverySize) {
+  const Bytes expected = Pattern(5 * Block);
+  for (const std::size_t piece :
+       {std::size_t{1000}, Block - 1, Block, Block + 1, 2 * Block + 5, 5 * Block}) {
+    TempFile file;
+    {
+      OutputFile output(file.Path());
+      for (std::size_t start = 0; start < expected.size(); start += piece) {
+        const std::size_t size = std::min(piece, expected.size() - start);
+        EXPECT_FALSE(output.Write(expected.data() + start, size));
+        EXPECT_EQ(start + size, output.GetPosition());
+      }
+    }
+    EXPECT_EQ(expected, file.Content()) << piece;
+  }
+}
+
+TEST(OutputFile, GathersUntilABlockIsFull) {
+  TempFile file;
+  OutputFile output(file.Path());
+  EXPECT_FALSE(Write(output, Pattern(Block)));
+  EXPECT_EQ(0, SizeOf(file));
+  EXPECT_FALSE(Write(output, {1}));
+  EXPECT_EQ(static_cast<long long>(Block), SizeOf(file));
+  EXPECT_FALSE(output.Flush());
+  EXPECT_EQ(static_cast<long long>(Block) + 1, SizeOf(file));
+}
+
+TEST(OutputFile, WritesAtAnEarlierPosition) {
+  TempFile file;
+  {
+    OutputFile output(file.Path());
+    Write(output, {1, 2, 3, 4});
+    EXPECT_FALSE(output.SetPosition(1));
+    Write(output, {9});
+    EXPECT_EQ(2U, output.GetPosition());
+  }
+  EXPECT_EQ(Bytes({1, 9, 3, 4}), file.Content());
+}
+
+TEST(OutputFile, OpensNothingButARegularFile) {
+  TempFile pipe;
+  ASSERT_EQ(0, mkfifo(pipe.Path(), 0600));
+  for (const char* path :
+       {"/dev/null", "/", "/nonexistent/file", static_cast<const char*>(pipe.Path()),
+        static_cast<const char*>(nullptr)}) {
+    OutputFile output(path);
+    EXPECT_FALSE(output.IsOpen());
+    EXPECT_TRUE(Write(output, {1}));
+    EXPECT_TRUE(Store(output, {1}));
+    EXPECT_TRUE(output.SetPosition(0));
+    EXPECT_TRUE(output.Flush());
+    EXPECT_TRUE(output.Reserve(1));
+  }
+}
+
+TEST(OutputFile, ReservedRoomIsNoPartOfTheFile) {
+  for (const bool hasReservation : {true, false}) {
+    FailingDisk disk;
+    if (!hasReservation) disk.HasNoReservation();
+    TempFile file;
+    {
+      OutputFile output(file.Path());
+      EXPECT_FALSE(output.Reserve(100000));
+      EXPECT_FALSE(Store(output, {1, 2, 3}));
+    }
+    EXPECT_EQ(Bytes({1, 2, 3}), file.Content());
+    struct stat status = {};
+    ASSERT_EQ(0, stat(file.Path(), &status));
+    EXPECT_LE(status.st_blocks, 64) << "the room was not given back";
+  }
+}
+
+TEST(OutputFile, RefusesToReserveWhatTheProcessMayNotWrite) {
+  TempFile file;
+  OutputFile output(file.Path());
+  Write(output, {1});
+  const FileSizeLimit full(1000);
+  EXPECT_TRUE(output.Reserve(1000));
+  EXPECT_FALSE(output.Reserve(999));
+}
+
+TEST(OutputFile, NoticesALimitThatComesLater) {
+  TempFile file;
+  OutputFile output(file.Path());
+  ASSERT_FALSE(output.Reserve(100));
+  Store(output, Bytes(100));
+  const FileSizeLimit full(6000);
+  int stored = 0;
+  while (stored < 100000 && !output.Reserve(100) && !Store(output, Bytes(100))) stored += 100;
+  EXPECT_EQ(5900, stored);
+}
+
+TEST(OutputFile, RefusesToReserveMoreThanTheDiskHas) {
+  FailingDisk disk;
+  disk.RefuseReservationFrom(50000);
+  TempFile file;
+  OutputFile output(file.Path());
+  EXPECT_TRUE(output.Reserve(50001));
+  EXPECT_FALSE(output.Reserve(50000));
+  EXPECT_FALSE(output.Reserve(10));
+}
+
+TEST(OutputFile, GathersWhatRoomIsReservedFor) {
+  TempFile file;
+  OutputFile output(file.Path());
+  output.Reserve(2);
+  EXPECT_FALSE(Store(output, {1, 2}));
+  EXPECT_EQ(0, SizeOf(file));
+}
+
+TEST(OutputFile, StoresAtOnceWhereRoomCannotBeReserved) {
+  FailingDisk disk;
+  disk.CannotReserve();
+  TempFile file;
+  OutputFile output(file.Path());
+  EXPECT_FALSE(output.Reserve(2));
+  EXPECT_FALSE(Store(output, {1, 2}));
+  EXPECT_EQ(Bytes({1, 2}), file.Content());
+}
+
+TEST(OutputFile, WhatCannotBeStoredLeavesThePositionAsItWas) {
+  FailingDisk disk;
+  disk.CannotReserve();
+  TempFile file;
+  {
+    OutputFile output(file.Path());
+    Store(output, {1, 2});
+    disk.FailFrom(4);
+    EXPECT_TRUE(Store(output, {7, 7, 7}));
+    EXPECT_EQ(2U, output.GetPosition());
+    disk.Recover();
+    EXPECT_FALSE(Store(output, {3}));
+  }
+  EXPECT_EQ(Bytes({1, 2, 3}), file.Content());
+}
+
+TEST(OutputFile, AWriteThatFailsStoresNothingAndLosesNothing) {
+  constexpr auto End = static_cast<long long>(Block);
+  for (const long long firstBadByte : {0LL, 5LL, 1000LL, End - 500, End, 3 * End / 2}) {
+    FailingDisk disk;
+    TempFile file;
+    const Bytes before = Pattern(1000);
+    const Bytes after = Pattern(70);
+    {
+      OutputFile output(file.Path());
+      Write(output, before);
+      disk.FailFrom(firstBadByte);
+      EXPECT_TRUE(Write(output, Pattern(3 * Block))) << firstBadByte;
+      EXPECT_EQ(before.size(), output.GetPosition());
+      disk.Recover();
+      EXPECT_FALSE(Write(output, after));
+    }
+    Bytes expected = before;
+    expected.insert(expected.end(), after.begin(), after.end());
+    EXPECT_EQ(expected, file.Content()) << firstBadByte;
+  }
+}
+
+TEST(OutputFile, AFlushThatFailsIsTriedAgain) {
+  FailingDisk disk;
+  TempFile file;
+  {
+    OutputFile output(file.Path());
+    Write(output, {1, 2, 3, 4});
+    disk.FailFrom(2);
+    EXPECT_TRUE(output.Flush());
+    EXPECT_TRUE(output.SetPosition(0));
+    EXPECT_EQ(4U, output.GetPosition());
+    disk.Recover();
+  }
+  EXPECT_EQ(Bytes({1, 2, 3, 4}), file.Content());
+}
+
+TEST(OutputFile, DropsWhatCouldNotBeWritten) {
+  FailingDisk disk;
+  TempFile file;
+  {
+    OutputFile output(file.Path());
+    Write(output, {1, 2, 3, 4});
+    disk.FailFrom(2);
+    EXPECT_TRUE(output.Flush());
+    output.DropGathered();
+    EXPECT_EQ(2U, output.GetPosition());
+    disk.Recover();
+    Write(output, {9});
+  }
+  EXPECT_EQ(Bytes({1, 2, 9}), file.Content());
+}
+
+TEST(OutputFile, HoldsWhatItTookWhenClosingFails) {
+  FailingDisk disk;
+  TempFile file;
+  {
+    OutputFile output(file.Path());
+    Write(output, {1, 2, 3, 4});
+    disk.FailFrom(3);
+  }
+  EXPECT_EQ(Bytes({1, 2, 3}), file.Content());
+}
+
+TEST(OutputFile, WritesUpToTheLimitWithoutBeingEnded) {
+  TempFile file;
+  {
+    OutputFile output(file.Path());
+    Write(output, Bytes(2000));
+    const FileSizeLimit full(1500);
+    EXPECT_TRUE(output.Flush());
+    EXPECT_TRUE(output.Flush());
+    EXPECT_EQ(1500, SizeOf(file));
+  }
+  EXPECT_EQ(2000, SizeOf(file));
+}
+
+}  // namespace

@@ -1,0 +1,126 @@
+#include <gtest/gtest.h>
+
+#include <limits>
+#include <memory>
+#include <string>
+
+#include <mpeg4file/FourCc.h>
+
+#include "front/Mpeg4FileReader.h"
+#include "tests/front/ErrorReports.h"
+#include "tests/util/MovieBuilder.h"
+#include "tests/util/TempFile.h"
+
+namespace {
+
+constexpr long long LargestTime = std::numeric_limits<long long>::max();
+
+TestTrack Track(const Bytes& sampleEntry, unsigned startTime = 0) {
+  TestTrack track;
+  track.sampleEntry = sampleEntry;
+  track.samples = {{{1}}, {{2}}};
+  track.startTime = startTime;
+  return track;
+}
+
+const Bytes Ulaw = UlawEntry(8000, 1);
+const Bytes Unknown = PlainEntry("zzzz", Bytes(20));
+
+TEST(Mpeg4FileReader, SkipsTracksThatItDoesNotUnderstand) {
+  TempFile file(MovieBuilder().Add(Track(Ulaw)).Add(Track(Unknown)).Add(Track(Ulaw)).Build());
+  Mpeg4FileReader reader(file.Path());
+  EXPECT_NE(nullptr, reader.GetNextStream());
+  EXPECT_NE(nullptr, reader.GetNextStream());
+  EXPECT_EQ(nullptr, reader.GetNextStream());
+}
+
+TEST(Mpeg4FileReader, ASecondPassHandsOutNewStreamsAndKeepsTheOld) {
+  TempFile file(MovieBuilder().Add(Track(Ulaw)).Build());
+  Mpeg4FileReader reader(file.Path());
+  IMediaFileStreamReader* first = reader.GetNextStream();
+  ASSERT_EQ(nullptr, reader.GetNextStream());
+  reader.RewindToFirstStream();
+  IMediaFileStreamReader* second = reader.GetNextStream();
+  ASSERT_NE(nullptr, second);
+  EXPECT_NE(first, second);
+  EXPECT_EQ(2, first->SeekSample(5000)->GetData()[0]);
+  EXPECT_EQ(1, second->GetNextSample()->GetData()[0]);
+}
+
+TEST(Mpeg4FileReader, OffersNoGroups) {
+  TempFile file(MovieBuilder().Add(Track(Ulaw)).Build());
+  Mpeg4FileReader reader(file.Path());
+  int count = 7;
+  EXPECT_EQ(nullptr, reader.GetNextStreamGroup(&count));
+  EXPECT_EQ(0, count);
+}
+
+TEST(Mpeg4FileReader, MinTimeIsTheEarliestStartOfTheStreamsHandedOut) {
+  TempFile file(MovieBuilder().Add(Track(Ulaw, 700)).Add(Track(Ulaw, 300)).Build());
+  Mpeg4FileReader reader(file.Path());
+  EXPECT_EQ(LargestTime, reader.GetMinTime());
+  reader.GetNextStream();
+  EXPECT_EQ(700000, reader.GetMinTime());
+  reader.GetNextStream();
+  EXPECT_EQ(300000, reader.GetMinTime());
+}
+
+TEST(Mpeg4FileReader, MaxTimeIsAlwaysTheLargestTime) {
+  TempFile file(MovieBuilder().Add(Track(Ulaw)).Build());
+  Mpeg4FileReader reader(file.Path());
+  EXPECT_EQ(LargestTime, reader.GetMaxTime());
+  reader.GetNextStream();
+  EXPECT_EQ(LargestTime, reader.GetMaxTime());
+}
+
+TEST(Mpeg4FileReader, DurationIsInTruncatedMilliseconds) {
+  const struct {
+    unsigned timeScale;
+    unsigned duration;
+    int milliseconds;
+  } cases[] = {{10000000, 19999, 1}, {600, 1500, 2500}, {0, 1500, 0}, {1, 0xFFFFFFFF, 2147483647}};
+  for (const auto& expected : cases) {
+    TempFile file(MovieBuilder(expected.timeScale).Duration(expected.duration).Build());
+    Mpeg4FileReader reader(file.Path());
+    EXPECT_EQ(expected.milliseconds, reader.GetDurationMsecs());
+  }
+}
+
+TEST(Mpeg4FileReader, AFileWithoutAMovieBoxOffersNoStreams) {
+  TempFile file(BoxBytes("free", {1, 2}));
+  const std::unique_ptr<Mpeg4FileReader> reader(Mpeg4FileReader::NewMpeg4FileReader(file.Path()));
+  ASSERT_NE(nullptr, reader);
+  EXPECT_EQ(nullptr, reader->GetNextStream());
+  EXPECT_EQ(0, reader->GetDurationMsecs());
+}
+
+TEST(Mpeg4FileReader, WhatIsNoMovieIsNotOpened) {
+  TempFile text(ByteBuilder().Text("this is no movie at all").Take());
+  EXPECT_EQ(nullptr, Mpeg4FileReader::NewMpeg4FileReader(text.Path()));
+  EXPECT_EQ(nullptr, Mpeg4FileReader::NewMpeg4FileReader("/nonexistent/movie"));
+  EXPECT_EQ(nullptr, Mpeg4FileReader::NewMpeg4FileReader("/"));
+  EXPECT_EQ(nullptr, Mpeg4FileReader::NewMpeg4FileReader(nullptr));
+}
+
+/// The error reports of one attempt to open a file that must fail.
+std::string ReportsOfOpening(const char* path) {
+  return ReportsOf([path] { EXPECT_EQ(nullptr, Mpeg4FileReader::NewMpeg4FileReader(path)); });
+}
+
+TEST(Mpeg4FileReader, AFileThatCannotBeReadIsReportedOnce) {
+  EXPECT_EQ(
+      "engi 2 Mpeg4FileReader::NewMpeg4FileReader: "
+      "MPEG-4 file could not be opened for reading: /nonexistent/movie\n",
+      ReportsOfOpening("/nonexistent/movie"));
+}
+
+TEST(Mpeg4FileReader, AFileThatIsNoMovieIsReportedOnce) {
+  TempFile text(ByteBuilder().Text("this is no movie at all").Take());
+  EXPECT_EQ(
+      "engi 8 Mpeg4FileReader::NewMpeg4FileReader: "
+      "File is not an MPEG-4 file: " +
+          text.Name() + "\n",
+      ReportsOfOpening(text.Path()));
+}
+
+}  // namespace

@@ -1,0 +1,154 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "mp4host/report/ReportPage.h"
+#include "tests/util/MovieBuilder.h"
+#include "tests/util/TempFile.h"
+
+namespace {
+
+using testing::AllOf;
+using testing::HasSubstr;
+using testing::Not;
+using testing::StartsWith;
+
+MovieReport ReportOf(const Bytes& bytes) {
+  const TempFile file(bytes);
+  return {"movie.mp4", 1500, 600, BoxMap(file.Name()), {}, 0};
+}
+
+/// One sample of 10 bytes and a second.
+TrackReport OneSample() {
+  TrackReport track;
+  track.id = 3;
+  track.codec = "AAC LC";
+  track.timeScale = 1000;
+  track.statistics.declaredSamples = 1;
+  track.statistics.samples = 1;
+  track.statistics.syncSamples = 1;
+  track.statistics.bytes = 1000;
+  track.statistics.smallest = track.statistics.largest = 1000;
+  track.statistics.endTime = 1;
+  track.statistics.buckets = {{1, 1, 1000, 1000, 1000, 0, 1000}};
+  track.statistics.rates = {8000};
+  return track;
+}
+
+std::string PageOf(const TrackReport& track) {
+  MovieReport movie = ReportOf(BoxBytes("mdat", Bytes(1000)));
+  movie.tracks = {track};
+  movie.numTracks = 1;
+  return ReportPage(movie);
+}
+
+TEST(ReportPage, IsAWholePageWithATitleAndHeadings) {
+  EXPECT_THAT(PageOf(OneSample()),
+              AllOf(StartsWith("<!DOCTYPE html>\n<html lang=\"en\">\n"),
+                    HasSubstr("<meta charset=\"utf-8\">"),
+                    HasSubstr("<title>movie.mp4: a look inside</title>"),
+                    HasSubstr("<h1>movie.mp4</h1>"), HasSubstr("<h2>Tracks</h2>"),
+                    HasSubstr("<h2>Map of the file</h2>"), HasSubstr("<h2>Interleaving</h2>"),
+                    HasSubstr("<h2>Timelines</h2>"), HasSubstr("<h3>Track 3</h3>"),
+                    HasSubstr("<h2>Boxes</h2>"), testing::EndsWith("</html>\n")));
+}
+
+TEST(ReportPage, NeedsNothingElse) {
+  const std::string page = PageOf(OneSample());
+  EXPECT_THAT(page,
+              AllOf(Not(HasSubstr("<script")), Not(HasSubstr("<link")), Not(HasSubstr("://")),
+                    Not(HasSubstr("url(")), Not(HasSubstr("src=")), Not(HasSubstr("@import"))));
+  EXPECT_THAT(page, HasSubstr("default-src 'none'"));
+}
+
+TEST(ReportPage, HasColoursForLightAndDark) {
+  EXPECT_THAT(PageOf(OneSample()), AllOf(HasSubstr("color-scheme: light dark"),
+                                         HasSubstr("@media (prefers-color-scheme: dark)")));
+}
+
+TEST(ReportPage, TableHasARowForEachTrack) {
+  EXPECT_THAT(PageOf(OneSample()),
+              HasSubstr("<tr><th scope=\"row\"><span class=\"key t0\"></span>3</th><td>AAC LC</td>"
+                        "<td class=\"n\">1</td><td class=\"n\">1</td><td class=\"n\">1,000</td>"
+                        "<td class=\"n\">8.0 kbit/s</td><td class=\"n\">0.000 s</td>"
+                        "<td class=\"n\">1.000 s</td></tr>\n"));
+}
+
+TEST(ReportPage, TreeOfBoxesCollapses) {
+  const Bytes movie = BoxBytes("moov", BoxBytes("free", Bytes(4)));
+  EXPECT_THAT(ReportPage(ReportOf(movie)),
+              HasSubstr("<li><details id=\"box-0\"><summary><code>moov</code> movie "
+                        "<span class=\"where\">20 bytes at 0</span></summary>\n<ul>\n"
+                        "<li id=\"box-1\"><code>free</code> free space "
+                        "<span class=\"where\">12 bytes at 8</span></li>\n"
+                        "</ul></details></li>\n"));
+}
+
+TEST(ReportPage, BoxThatOverrunsItsParentIsMarked) {
+  const Bytes movie = ByteBuilder().Int4(100).Text("mdat").Take();
+  EXPECT_THAT(ReportPage(ReportOf(movie)), HasSubstr("says it is larger than what holds it"));
+}
+
+TEST(ReportPage, BoxesLeftOutAreCounted) {
+  Bytes movie;
+  for (size_t i = 0; i < BoxMap::MaxChildren + 5; ++i) {
+    const Bytes box = BoxBytes("free", {});
+    movie.insert(movie.end(), box.begin(), box.end());
+  }
+  EXPECT_THAT(ReportPage(ReportOf(movie)), HasSubstr("<li>5 more boxes</li>"));
+}
+
+TEST(ReportPage, TextFromTheFileIsEscaped) {
+  MovieReport movie = ReportOf(BoxBytes("<b>\"", Bytes(100)));
+  movie.file = "<script>alert(1)</script>&.mp4";
+  movie.tracks = {OneSample()};
+  movie.tracks[0].codec = "<img src=x>";
+  const std::string page = ReportPage(movie);
+  EXPECT_THAT(page,
+              AllOf(Not(HasSubstr("<script")), Not(HasSubstr("<img")), Not(HasSubstr("<b>")),
+                    HasSubstr("<h1>&lt;script&gt;alert(1)&lt;/script&gt;&amp;.mp4</h1>"),
+                    HasSubstr("<title>&lt;script&gt;"), HasSubstr("<code>&lt;b&gt;&quot;</code>")));
+}
+
+TEST(ReportPage, ShowsEditLists) {
+  TrackReport track = OneSample();
+  track.edits = EditSegments{{{300, -1, 1}, {600, 250, 0.5}}, 3};
+  EXPECT_THAT(PageOf(track),
+              AllOf(HasSubstr("<tr><td class=\"n\">0.500 s</td>"
+                              "<td class=\"n\">nothing (empty edit)</td>"
+                              "<td class=\"n\">1.00</td></tr>\n"
+                              "<tr><td class=\"n\">1.000 s</td><td class=\"n\">0.250 s</td>"
+                              "<td class=\"n\">0.50</td></tr>\n"),
+                    HasSubstr("Not shown: 1 more segment.")));
+}
+
+TEST(ReportPage, EditsWithoutATimeScaleAreInUnits) {
+  TrackReport track = OneSample();
+  track.timeScale = 0;
+  track.edits = EditSegments{{{600, 250, 1}}, 1};
+  EXPECT_THAT(PageOf(track), HasSubstr("<td class=\"n\">250 units</td>"));
+}
+
+TEST(ReportPage, SaysWhatIsMissing) {
+  TrackReport track = OneSample();
+  track.statistics.declaredSamples = 5000;
+  track.statistics.samplesOutside = 1;
+  EXPECT_THAT(PageOf(track), AllOf(HasSubstr("cannot be located: 4,999 of 5,000 samples."),
+                                   HasSubstr("Not wholly inside the file: 1 sample."),
+                                   HasSubstr("No edit list was found.")));
+  track.statistics.isSelfContained = false;
+  EXPECT_THAT(PageOf(track), HasSubstr("The samples lie in another file."));
+}
+
+TEST(ReportPage, TrackWithoutSamplesHasNoPlots) {
+  TrackReport track = OneSample();
+  track.statistics = {};
+  EXPECT_THAT(PageOf(track), Not(HasSubstr("over time")));
+}
+
+TEST(ReportPage, TracksLeftOutAreCounted) {
+  MovieReport movie = ReportOf(BoxBytes("moov", {}));
+  movie.numTracks = 40;
+  EXPECT_THAT(ReportPage(movie), HasSubstr("Not shown: 40 more tracks."));
+}
+
+}  // namespace

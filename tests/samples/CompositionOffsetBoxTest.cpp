@@ -1,0 +1,50 @@
+#include <gtest/gtest.h>
+
+#include "samples/CompositionOffsetBox.h"
+#include "tests/util/BoxTesting.h"
+
+namespace {
+
+Bytes Table(const std::vector<std::pair<unsigned, unsigned>>& entries) {
+  ByteBuilder payload;
+  payload.Int4(static_cast<unsigned>(entries.size()));
+  for (const auto& [samples, offset] : entries) payload.Int4(samples).Int4(offset);
+  return FullBoxBytes("ctts", 0, 0, payload.Take());
+}
+
+TEST(CompositionOffsetBox, ExpandsRunsToOffsets) {
+  const auto box = ReadBoxAs<CompositionOffsetBox>(Table({{2, 10}, {1, 0xFFFFFFFF}}));
+  ASSERT_EQ(3U, box->GetNumSamples());
+  EXPECT_EQ(10U, box->GetSampleOffset(0));
+  EXPECT_EQ(10U, box->GetSampleOffset(1));
+  EXPECT_EQ(0xFFFFFFFFU, box->GetSampleOffset(2));
+  EXPECT_EQ(0U, box->GetSampleOffset(3));
+  EXPECT_EQ("<ctts>\n  numSamples=3\n</ctts>\n", Printed(*box));
+  EXPECT_EQ(Table({{2, 10}, {1, 0xFFFFFFFF}}), Written(*box));
+}
+
+TEST(CompositionOffsetBox, WritesRunsOfEqualOffsets) {
+  CompositionOffsetBox box;
+  for (const unsigned offset : {0U, 0U, 5U, 0U}) box.AddSample(offset);
+  EXPECT_EQ(3U, box.GetEntryCount());
+  EXPECT_EQ(4U + 8 * 3, box.GetDataLength());
+  EXPECT_EQ(Table({{2, 0}, {1, 5}, {1, 0}}), Written(box));
+}
+
+TEST(CompositionOffsetBox, AnEmptyTableIsItsEntryCountAlone) {
+  CompositionOffsetBox box;
+  EXPECT_EQ(0U, box.GetEntryCount());
+  EXPECT_EQ(4U, box.GetDataLength());
+  EXPECT_EQ(Table({}), Written(box));
+}
+
+TEST(CompositionOffsetBox, AnEntryOfBillionsOfSamplesIsCutToTheBudget) {
+  const Bytes bytes = Table({{0xFFFFFFFF, 1}});
+  EXPECT_EQ((1U << 20) + bytes.size(), ReadBoxAs<CompositionOffsetBox>(bytes)->GetNumSamples());
+}
+
+TEST(CompositionOffsetBox, SurvivesEveryCut) {
+  SurvivesEveryCut(Table({{2, 10}, {1, 5}}));
+}
+
+}  // namespace

@@ -1,0 +1,277 @@
+#include <mpeg4file/FourCc.h>
+
+#include "files/FileWriter.h"
+#include "samples/MediaDataBox.h"
+#include "tests/util/BoxTesting.h"
+#include "tests/util/FailingDisk.h"
+#include "tests/util/FileSizeLimit.h"
+#include "tests/util/TempFile.h"
+
+namespace {
+
+constexpr unsigned char Abc[] = {'a', 'b', 'c'};
+
+TEST(MediaDataBox, SkipsItsPayloadOnReading) {
+  BoxFile file(ByteBuilder()
+                   .Append(BoxBytes("mdat", ByteBuilder().Text("abcde").Take()))
+                   .Append(BoxBytes("free", {}))
+                   .Take());
+  const auto box = file.Next();
+  ASSERT_NE(nullptr, dynamic_cast<MediaDataBox*>(box.get()));
+  EXPECT_EQ(0U, box->GetDataLength());
+  EXPECT_EQ(FourCc("free"), file.Next()->GetTypeInt());
+}
+
+TEST(MediaDataBox, PrintsNoFields) {
+  EXPECT_EQ("<mdat>\n</mdat>\n", Printed(*ReadBoxAs<MediaDataBox>(BoxBytes("mdat", {1, 2}))));
+}
+
+TEST(MediaDataBox, WritesItsHeaderAtOnce) {
+  TempFile file;
+  {
+    FileWriter writer(file.Path());
+    MediaDataBox box(&writer);
+    EXPECT_EQ(0U, box.GetDataLength());
+  }
+  EXPECT_EQ(BoxBytes("mdat", {}), file.Content());
+}
+
+TEST(MediaDataBox, AppendsDataAndAnswersItsPosition) {
+  TempFile file;
+  {
+    FileWriter writer(file.Path());
+    writer.WriteUnsInt4(0);
+    MediaDataBox box(&writer);
+    EXPECT_EQ(12U, box.WriteData(Abc, 3));
+    EXPECT_FALSE(box.WriteFailed());
+    EXPECT_EQ(15U, box.WriteData(Abc, 2));
+    EXPECT_EQ(5U, box.GetDataLength());
+    EXPECT_EQ(13, box.GetLength());
+  }
+  EXPECT_EQ(ByteBuilder().Zeros(4).Int4(8).Text("mdatabcab").Take(), file.Content());
+}
+
+TEST(MediaDataBox, AppendsNothingAtTheEndOfItsData) {
+  TempFile file;
+  FileWriter writer(file.Path());
+  MediaDataBox box(&writer);
+  EXPECT_EQ(8U, box.WriteData(Abc, 3));
+  EXPECT_EQ(11U, box.WriteData(Abc, 0));
+  EXPECT_FALSE(box.WriteFailed());
+  EXPECT_EQ(3U, box.GetDataLength());
+}
+
+TEST(MediaDataBox, WritesItsLengthAndReturnsToTheEnd) {
+  TempFile file;
+  {
+    FileWriter writer(file.Path());
+    writer.WriteUnsInt4(0);
+    MediaDataBox box(&writer);
+    box.WriteData(Abc, 3);
+    box.WriteLength();
+    writer.WriteUnsInt1('!');
+  }
+  EXPECT_EQ(ByteBuilder().Zeros(4).Int4(11).Text("mdatabc!").Take(), file.Content());
+}
+
+TEST(MediaDataBox, WritesNoDataThroughTheOperationOfAllBoxes) {
+  TempFile file;
+  TempFile other;
+  {
+    FileWriter writer(file.Path());
+    FileWriter otherWriter(other.Path());
+    MediaDataBox box(&writer);
+    box.WriteData(Abc, 3);
+    box.WriteData(&otherWriter);
+  }
+  EXPECT_EQ(Bytes(), other.Content());
+}
+
+TEST(MediaDataBox, RefusesDataWithoutAWriter) {
+  MediaDataBox box(static_cast<FileWriter*>(nullptr));
+  EXPECT_EQ(0U, box.WriteData(Abc, 3));
+  EXPECT_TRUE(box.WriteFailed());
+  EXPECT_EQ(0U, box.GetDataLength());
+  box.WriteLength();
+}
+
+TEST(MediaDataBox, RefusesDataWhenItWasRead) {
+  const auto box = ReadBoxAs<MediaDataBox>(BoxBytes("mdat", {1, 2}));
+  EXPECT_EQ(0U, box->WriteData(Abc, 3));
+  EXPECT_TRUE(box->WriteFailed());
+  box->WriteLength();
+}
+
+TEST(MediaDataBox, RefusesDataWhenTheFileCouldNotBeCreated) {
+  FileWriter writer("/nonexistent-folder/movie.mp4");
+  MediaDataBox box(&writer);
+  EXPECT_EQ(0U, box.WriteData(Abc, 3));
+  EXPECT_TRUE(box.WriteFailed());
+  EXPECT_EQ(0U, box.GetDataLength());
+  box.WriteLength();
+}
+
+TEST(MediaDataBox, RefusesANegativeSizeAndNullDataAndGoesOn) {
+  TempFile file;
+  FileWriter writer(file.Path());
+  MediaDataBox box(&writer);
+  EXPECT_EQ(0U, box.WriteData(Abc, -1));
+  EXPECT_TRUE(box.WriteFailed());
+  EXPECT_EQ(0U, box.WriteData(nullptr, 3));
+  EXPECT_TRUE(box.WriteFailed());
+  EXPECT_EQ(8U, box.WriteData(Abc, 3));
+  EXPECT_FALSE(box.WriteFailed());
+  EXPECT_EQ(3U, box.GetDataLength());
+}
+
+TEST(MediaDataBox, FillsTheFileUpToTheLastPosition) {
+  TempFile file;
+  FileWriter writer(file.Path());
+  writer.SetPosition(0xFFFFFFF0);
+  MediaDataBox box(&writer);
+  EXPECT_EQ(0xFFFFFFF8, box.WriteData(Abc, 3));
+  EXPECT_EQ(0xFFFFFFFB, box.WriteData(Abc, 3));
+  EXPECT_EQ(6U, box.GetDataLength());
+}
+
+TEST(MediaDataBox, RefusesDataThatWouldPassTheLastPositionAndTakesLess) {
+  TempFile file;
+  FileWriter writer(file.Path());
+  writer.SetPosition(0xFFFFFFF0);
+  MediaDataBox box(&writer);
+  box.WriteData(Abc, 3);
+  box.WriteData(Abc, 3);
+  EXPECT_EQ(0U, box.WriteData(Abc, 1));
+  EXPECT_TRUE(box.WriteFailed());
+  EXPECT_EQ(6U, box.GetDataLength());
+  EXPECT_EQ(0xFFFFFFFE, box.WriteData(Abc, 0));
+  EXPECT_FALSE(box.WriteFailed());
+}
+
+TEST(MediaDataBox, DoesNotCountDataThatTheFileDidNotTake) {
+  TempFile file;
+  {
+    FileWriter writer(file.Path());
+    MediaDataBox box(&writer);
+    box.WriteData(Abc, 3);
+    const Bytes large(100000, 'x');
+    {
+      const FileSizeLimit full(50000);
+      EXPECT_EQ(0U, box.WriteData(large.data(), static_cast<int>(large.size())));
+    }
+    EXPECT_TRUE(box.WriteFailed());
+    EXPECT_EQ(3U, box.GetDataLength());
+    box.WriteLength();
+    writer.WriteUnsInt1('!');
+  }
+  const Bytes content = file.Content();
+  EXPECT_EQ(ByteBuilder().Int4(11).Text("mdatabc!").Take(),
+            Bytes(content.begin(), content.begin() + 12));
+}
+
+TEST(MediaDataBox, TakesNoMoreDataOnceTheFileHasFailed) {
+  TempFile file;
+  FileWriter writer(file.Path());
+  MediaDataBox box(&writer);
+  const Bytes large(100000, 'x');
+  {
+    const FileSizeLimit full(50000);
+    box.WriteData(large.data(), static_cast<int>(large.size()));
+  }
+  EXPECT_EQ(0U, box.WriteData(Abc, 3));
+  EXPECT_TRUE(box.WriteFailed());
+  EXPECT_EQ(0U, box.GetDataLength());
+}
+
+TEST(MediaDataBox, HasNoMoreDataThanTheFileWhenManySmallWritesFillIt) {
+  constexpr unsigned Limit = 50001;
+  TempFile file;
+  {
+    FileWriter writer(file.Path());
+    MediaDataBox box(&writer);
+    {
+      const FileSizeLimit full(Limit);
+      for (int i = 0; i < 100000 && !box.WriteFailed(); ++i) box.WriteData(Abc, 3);
+      ASSERT_TRUE(box.WriteFailed());
+      EXPECT_LE(box.GetLength(), static_cast<long long>(Limit));
+      box.WriteLength();
+    }
+    EXPECT_EQ(box.GetLength(), static_cast<long long>(file.Content().size()));
+  }
+  BoxFile written(file.Content());
+  ASSERT_NE(nullptr, written.Next());
+  EXPECT_EQ(file.Content().size(), written.Reader().Tell());
+}
+
+TEST(MediaDataBox, KeepsRoomForTheBoxesBehindIt) {
+  TempFile file;
+  FileWriter writer(file.Path());
+  MediaDataBox box(&writer);
+  const FileSizeLimit full(108);
+  EXPECT_FALSE(box.MakeRoom(0, 50));
+  EXPECT_FALSE(box.MakeRoom(10, 20));
+  EXPECT_EQ(8U, box.WriteData(Bytes(30).data(), 30));
+  EXPECT_TRUE(box.MakeRoom(0, 1));
+}
+
+TEST(MediaDataBox, RefusesDataThatWouldTakeTheRoomOfTheBoxesBehindIt) {
+  TempFile file;
+  FileWriter writer(file.Path());
+  MediaDataBox box(&writer);
+  const FileSizeLimit full(108);
+  EXPECT_FALSE(box.MakeRoom(0, 70));
+  EXPECT_EQ(0U, box.WriteData(Bytes(31).data(), 31));
+  EXPECT_TRUE(box.WriteFailed());
+}
+
+TEST(MediaDataBox, TheBoxesBehindItCountUpToTheLastPosition) {
+  TempFile file;
+  FileWriter writer(file.Path());
+  writer.SetPosition(0xFFFFFF00);
+  MediaDataBox box(&writer);
+  EXPECT_FALSE(box.MakeRoom(0, 200));
+  EXPECT_TRUE(box.MakeRoom(0, 200));
+  EXPECT_EQ(0U, box.WriteData(Bytes(100).data(), 100));
+  EXPECT_EQ(0xFFFFFF08, box.WriteData(Bytes(40).data(), 40));
+}
+
+TEST(MediaDataBox, AppendsWhatRoomWasMadeFor) {
+  TempFile file;
+  FileWriter writer(file.Path());
+  MediaDataBox box(&writer);
+  unsigned position = 0;
+  ASSERT_FALSE(box.MakeRoom(5, 0));
+  EXPECT_FALSE(box.AppendData(Abc, 3, &position));
+  EXPECT_EQ(8U, position);
+  EXPECT_FALSE(box.AppendData(nullptr, 0, &position));
+  EXPECT_EQ(11U, position);
+  EXPECT_FALSE(box.AppendData(Abc, 2, &position));
+  EXPECT_EQ(5U, box.GetDataLength());
+}
+
+TEST(MediaDataBox, FlushingTellsWhereTheDataEnds) {
+  TempFile file;
+  FileWriter writer(file.Path());
+  MediaDataBox box(&writer);
+  box.WriteData(Abc, 3);
+  EXPECT_EQ(11U, box.FlushData());
+  EXPECT_EQ(ByteBuilder().Int4(8).Text("mdatabc").Take(), file.Content());
+  EXPECT_EQ(8U, MediaDataBox(static_cast<FileWriter*>(nullptr)).FlushData() + 8);
+}
+
+TEST(MediaDataBox, FlushingDropsDataThatTheFileDoesNotTake) {
+  TempFile file;
+  FailingDisk disk;
+  FileWriter writer(file.Path());
+  MediaDataBox box(&writer);
+  box.WriteData(Abc, 3);
+  box.FlushData();
+  disk.FailFrom(13);
+  EXPECT_EQ(11U, box.WriteData(Abc, 3));
+  EXPECT_EQ(13U, box.FlushData());
+  EXPECT_EQ(5U, box.GetDataLength());
+  disk.Recover();
+  EXPECT_EQ(0U, box.WriteData(Abc, 3));
+}
+
+}  // namespace

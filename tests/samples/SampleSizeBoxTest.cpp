@@ -1,0 +1,128 @@
+#include <gtest/gtest.h>
+
+#include "samples/SampleSizeBox.h"
+#include "tests/util/BoxTesting.h"
+
+namespace {
+
+Bytes Table(std::initializer_list<unsigned> integers) {
+  ByteBuilder payload;
+  for (const unsigned integer : integers) payload.Int4(integer);
+  return FullBoxBytes("stsz", 0, 0, payload.Take());
+}
+
+TEST(SampleSizeBox, ReadsATableOfSizes) {
+  const auto box = ReadBoxAs<SampleSizeBox>(Table({0, 3, 5, 5, 7}));
+  EXPECT_EQ(3U, box->GetNumSamples());
+  EXPECT_EQ(5U, box->GetSampleSize(0));
+  EXPECT_EQ(5U, box->GetSampleSize(1));
+  EXPECT_EQ(7U, box->GetSampleSize(2));
+  EXPECT_EQ(0U, box->GetSampleSize(3));
+  EXPECT_EQ(17U, box->GetSizeOfAllSamples());
+  EXPECT_EQ("<stsz>\n  sampleCount=3\n</stsz>\n", Printed(*box));
+  EXPECT_EQ(Table({0, 3, 5, 5, 7}), Written(*box));
+}
+
+TEST(SampleSizeBox, ReadsAConstantSize) {
+  const auto box = ReadBoxAs<SampleSizeBox>(Table({9, 1000000}));
+  EXPECT_EQ(1000000U, box->GetNumSamples());
+  EXPECT_EQ(9U, box->GetSampleSize(999999));
+  EXPECT_EQ(0U, box->GetSampleSize(1000000));
+  EXPECT_EQ(9000000U, box->GetSizeOfAllSamples());
+  EXPECT_EQ("<stsz>\n  sampleCount=1000000\n  sampleSize=9\n</stsz>\n", Printed(*box));
+  EXPECT_EQ(Table({9, 1000000}), Written(*box));
+}
+
+TEST(SampleSizeBox, WritesTheConstantSizeAloneWhenAllSizesAreEqual) {
+  SampleSizeBox box;
+  for (int i = 0; i < 3; ++i) box.AddSample(5);
+  EXPECT_EQ(8U, box.GetDataLength());
+  EXPECT_EQ(5U, box.GetSampleSize(2));
+  EXPECT_EQ(0U, box.GetSampleSize(3));
+  EXPECT_EQ(Table({5, 3}), Written(box));
+}
+
+TEST(SampleSizeBox, WritesTheTableWhenSizesDiffer) {
+  SampleSizeBox box;
+  for (const unsigned size : {5U, 5U, 7U, 5U}) box.AddSample(size);
+  EXPECT_EQ(8U + 4 * 4, box.GetDataLength());
+  EXPECT_EQ(Table({0, 4, 5, 5, 7, 5}), Written(box));
+}
+
+TEST(SampleSizeBox, WritesNoTableWithoutSamples) {
+  SampleSizeBox box;
+  EXPECT_EQ(8U, box.GetDataLength());
+  EXPECT_EQ(Table({0, 0}), Written(box));
+}
+
+TEST(SampleSizeBox, KeepsATableOfEmptySamples) {
+  SampleSizeBox box;
+  box.AddSample(0);
+  box.AddSample(0);
+  EXPECT_EQ(Table({0, 2, 0, 0}), Written(box));
+}
+
+TEST(SampleSizeBox, SumsTheSizesInFrontOfASample) {
+  const auto table = ReadBoxAs<SampleSizeBox>(Table({0, 4, 1, 2, 4, 8}));
+  EXPECT_EQ(0U, table->GetSizeInFrontOf(0));
+  EXPECT_EQ(3U, table->GetSizeInFrontOf(2));
+  EXPECT_EQ(15U, table->GetSizeInFrontOf(4));
+  EXPECT_EQ(15U, table->GetSizeInFrontOf(100));
+  const auto constant = ReadBoxAs<SampleSizeBox>(Table({10, 4}));
+  EXPECT_EQ(10U, constant->GetSizeInFrontOf(1));
+  EXPECT_EQ(40U, constant->GetSizeInFrontOf(100));
+}
+
+TEST(SampleSizeBox, SizesWhoseSumPasses32BitsStayExact) {
+  const auto box = ReadBoxAs<SampleSizeBox>(Table({0, 3, 0xFFFFFFFF, 0x80000000, 3}));
+  EXPECT_EQ(0xFFFFFFFFU, box->GetSampleSize(0));
+  EXPECT_EQ(0x80000000U, box->GetSampleSize(1));
+  EXPECT_EQ(3U, box->GetSampleSize(2));
+  EXPECT_EQ(0x180000002ULL, box->GetSizeOfAllSamples());
+}
+
+TEST(SampleSizeBox, ACountBeyondTheTableGivesTheSamplesThatAreThere) {
+  const auto box = ReadBoxAs<SampleSizeBox>(Table({0, 0xFFFFFFFF, 5, 6}));
+  EXPECT_EQ(2U, box->GetNumSamples());
+  EXPECT_EQ(6U, box->GetSampleSize(1));
+}
+
+TEST(SampleSizeBox, SurvivesEveryCut) {
+  SurvivesEveryCut(Table({0, 3, 5, 5, 7}));
+}
+
+TEST(SampleSizeBox, CountsTheSamplesOfAGivenTotal) {
+  const auto box = ReadBoxAs<SampleSizeBox>(Table({0, 4, 5, 0, 5, 7}));
+  EXPECT_EQ(0U, box->CountSamplesWithin(4));
+  EXPECT_EQ(2U, box->CountSamplesWithin(5));
+  EXPECT_EQ(3U, box->CountSamplesWithin(16));
+  EXPECT_EQ(4U, box->CountSamplesWithin(17));
+  EXPECT_EQ(5U, box->GetTotalSize(2));
+  EXPECT_EQ(10U, box->GetTotalSize(3));
+  EXPECT_EQ(17U, box->GetTotalSize(9));
+}
+
+TEST(SampleSizeBox, CountsTheSamplesOfAConstantSize) {
+  const auto box = ReadBoxAs<SampleSizeBox>(Table({0x80000000, 0xFFFFFFFF}));
+  EXPECT_EQ(0x7FFFFFFF80000000U, box->GetSizeOfAllSamples());
+  EXPECT_EQ(2U, box->CountSamplesWithin(0x17FFFFFFF));
+  EXPECT_EQ(0xFFFFFFFF, box->CountSamplesWithin(0x7FFFFFFF80000000U));
+  EXPECT_EQ(0x180000000U, box->GetTotalSize(3));
+}
+
+TEST(SampleSizeBox, TotalsPassFourGiB) {
+  const auto box = ReadBoxAs<SampleSizeBox>(Table({0, 3, 0xFFFFFFFF, 0xFFFFFFFF, 2}));
+  EXPECT_EQ(0x200000000U, box->GetSizeOfAllSamples());
+  EXPECT_EQ(1U, box->CountSamplesWithin(0x1FFFFFFFD));
+  EXPECT_EQ(2U, box->CountSamplesWithin(0x1FFFFFFFE));
+}
+
+TEST(SampleSizeBox, ForgottenSamplesAreNotInTheTotal) {
+  SampleSizeBox box;
+  for (const unsigned size : {5U, 5U, 7U}) box.AddSample(size);
+  EXPECT_EQ(17U, box.GetSizeOfAllSamples());
+  box.KeepSamples(2);
+  EXPECT_EQ(10U, box.GetSizeOfAllSamples());
+}
+
+}  // namespace

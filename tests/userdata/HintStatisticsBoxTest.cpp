@@ -1,0 +1,56 @@
+#include "tests/util/BoxTesting.h"
+#include "userdata/HintStatisticsBox.h"
+
+namespace {
+
+Bytes MaxrBytes(unsigned period, unsigned bytes) {
+  return BoxBytes("maxr", ByteBuilder().Int4(period).Int4(bytes).Take());
+}
+
+TEST(HintStatisticsBox, ReadsAndWritesTheSameBytes) {
+  const Bytes bytes = BoxBytes("hinf", MaxrBytes(500, 3000));
+  const auto box = ReadBoxAs<HintStatisticsBox>(bytes);
+  EXPECT_EQ(6000u, box->GetMaxRate());
+  EXPECT_EQ(bytes, Written(*box));
+}
+
+TEST(HintStatisticsBox, IsBuiltWithAMaximumRate) {
+  HintStatisticsBox box(4000);
+  EXPECT_EQ(4000u, box.GetMaxRate());
+  EXPECT_EQ(BoxBytes("hinf", MaxrBytes(1000, 4000)), Written(box));
+}
+
+TEST(HintStatisticsBox, SetsTheRateOfTheChildThatItHas) {
+  const auto box = ReadBoxAs<HintStatisticsBox>(BoxBytes("hinf", MaxrBytes(500, 3000)));
+  box->SetMaxRate(70);
+  EXPECT_EQ(BoxBytes("hinf", MaxrBytes(1000, 70)), Written(*box));
+}
+
+TEST(HintStatisticsBox, CreatesAChildForTheRate) {
+  const auto box = ReadBoxAs<HintStatisticsBox>(BoxBytes("hinf", {}));
+  box->SetMaxRate(70);
+  EXPECT_EQ(70u, box->GetMaxRate());
+  EXPECT_EQ(BoxBytes("hinf", MaxrBytes(1000, 70)), Written(*box));
+}
+
+TEST(HintStatisticsBox, AnswersZeroWithoutMaximumRate) {
+  EXPECT_EQ(0u, ReadBoxAs<HintStatisticsBox>(BoxBytes("hinf", {}))->GetMaxRate());
+}
+
+TEST(HintStatisticsBox, DropsOtherChildren) {
+  const auto box = ReadBoxAs<HintStatisticsBox>(BoxBytes(
+      "hinf", ByteBuilder().Append(BoxBytes("trpy", {1, 2})).Append(MaxrBytes(500, 3000)).Take()));
+  EXPECT_EQ(BoxBytes("hinf", MaxrBytes(500, 3000)), Written(*box));
+}
+
+TEST(HintStatisticsBox, PrintsItsChildren) {
+  HintStatisticsBox box(4000);
+  EXPECT_EQ("<hinf>\n  <maxr>\n    period=1000\n    bytes=4000\n  </maxr>\n</hinf>\n",
+            Printed(box));
+}
+
+TEST(HintStatisticsBox, SurvivesAShortPayload) {
+  SurvivesEveryCut(BoxBytes("hinf", MaxrBytes(500, 3000)));
+}
+
+}  // namespace

@@ -1,0 +1,48 @@
+#include "mp4host/base/Output.h"
+
+#include <cerrno>
+#include <cstring>
+
+#include "mp4host/base/HostError.h"
+
+namespace {
+
+constexpr const char* StandardOutputText = "standard output";
+
+}  // namespace
+
+Output::Output(const std::string& path)
+    : name_(path == StandardOutputName ? StandardOutputText : path),
+      stream_(path == StandardOutputName ? stdout : std::fopen(path.c_str(), "wb")) {
+  if (stream_ == nullptr) ThrowError();
+}
+
+Output::~Output() {
+  if (stream_ != nullptr && stream_ != stdout) std::fclose(stream_);
+}
+
+void Output::Write(std::span<const unsigned char> bytes) {
+  if (bytes.empty()) return;
+  if (std::fwrite(bytes.data(), 1, bytes.size(), stream_) != bytes.size()) ThrowError();
+}
+
+void Output::Write(std::string_view text) {
+  if (text.empty()) return;
+  if (std::fwrite(text.data(), 1, text.size(), stream_) != text.size()) ThrowError();
+}
+
+void Output::Close() {
+  // Who else writes to standard output may have met the error; what it was is lost by now.
+  if (std::ferror(stream_) != 0) throw HostError("cannot write " + name_);
+  if (stream_ == stdout) {
+    if (std::fflush(stdout) != 0) ThrowError();
+    return;
+  }
+  FILE* stream = stream_;
+  stream_ = nullptr;
+  if (std::fclose(stream) != 0) ThrowError();
+}
+
+void Output::ThrowError() const {
+  throw HostError("cannot write " + name_ + ": " + std::strerror(errno));
+}

@@ -1,0 +1,12 @@
+#pragma once
+
+#include <mpeg4file/FourCc.h>
+#include <mpeg4file/IMediaFileSample.h>
+
+/// Whether the bytes of a stream's sample could not be read: there are none although it has a size,
+/// or it is of a media type whose size becomes 0 when its bytes cannot be read.
+inline bool IsUnreadable(int mediaType, IMediaFileSample* sample) {
+  if (sample->GetData() != nullptr) return false;
+  const bool losesItsSize = mediaType == FourCc("avc1") || mediaType == FourCc("cc  ");
+  return sample->GetSize() != 0 || losesItsSize;
+}

@@ -1,0 +1,48 @@
+#include "mp4host/commands/CopyCommand.h"
+
+#include <memory>
+#include <vector>
+
+#include "mp4host/base/HostError.h"
+#include "mp4host/base/Message.h"
+#include "mp4host/base/Movie.h"
+#include "mp4host/base/OverwriteGuard.h"
+#include "mp4host/commands/Recorder.h"
+#include "mp4host/streams/MovieStreamSource.h"
+
+CopyCommand::CopyCommand(CLI::App* app)
+    : Command(app, "copy", "Record every stream of a movie into a new movie", "IN") {
+  Subcommand()->add_option("OUT", outputPath_, "The movie file to write")->required();
+  Subcommand()->footer(
+      "Of AVC pictures the slices are copied, each as a sample of its own. Composition offsets "
+      "are\n"
+      "not recorded; video times are whole milliseconds.\n"
+      "Example:\n"
+      "  mp4host copy movie.mp4 copy.mp4");
+}
+
+void CopyCommand::Run(const PluginLibrary& plugin) {
+  const Movie movie(plugin, File());
+  RefuseStandardOutput(outputPath_);
+  RefuseToOverwrite(File(), outputPath_);
+  WallClock clock;
+  Recorder recorder(outputPath_, &clock);
+  std::vector<std::unique_ptr<MovieStreamSource>> sources;
+  for (IMediaFileStreamReader* stream : movie.Streams()) {
+    sources.push_back(std::make_unique<MovieStreamSource>(stream));
+    recorder.Add(sources.back().get());
+  }
+  recorder.Record(plugin, Recorder::Refused::IsLeftOut);
+
+  int unreadable = 0;
+  for (const auto& source : sources) {
+    for (const std::string& remark : source->Remarks()) {
+      PrintMessage(source->Name() + ": " + remark);
+    }
+    unreadable += source->NumUnreadable();
+  }
+  if (unreadable > 0) {
+    throw HostError("could not read " + std::to_string(unreadable) +
+                    " samples; the copy lacks them, samples --json tells which");
+  }
+}

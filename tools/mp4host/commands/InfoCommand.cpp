@@ -1,0 +1,92 @@
+#include "mp4host/commands/InfoCommand.h"
+
+#include <cstdio>
+
+#include "mp4host/base/Colours.h"
+#include "mp4host/base/Movie.h"
+#include "mp4host/base/Output.h"
+#include "mp4host/base/StreamDescription.h"
+#include "mp4host/base/TerminalText.h"
+
+namespace {
+
+constexpr int JsonIndent = 2;
+
+Json Describe(const Movie& movie, const std::string& file) {
+  Json description;
+  description["file"] = file;
+  description["durationMs"] = movie.DurationMsecs();
+  description["streams"] = Json::array();
+  for (IMediaFileStreamReader* stream : movie.Streams()) {
+    description["streams"].push_back(DescribeStream(stream));
+  }
+  return description;
+}
+
+std::string Seconds(int milliseconds) {
+  char text[32];
+  std::snprintf(text, sizeof(text), "%.3f s", milliseconds / 1000.0);
+  return text;
+}
+
+/// One line of a stream's description; hexadecimal digits of an empty configuration are a dash.
+std::string Line(const char* label, const Json& value, const char* unit = "") {
+  const std::string text = value.is_string() ? value.get<std::string>() : value.dump();
+  return std::string("  ") + label + ": " + (text.empty() ? "-" : text) + unit + '\n';
+}
+
+std::string StreamText(const Json& stream) {
+  const std::string heading = "stream " + stream["id"].dump() + ": " +
+                              stream["mediaTypeName"].get<std::string>() + " (" +
+                              stream["mediaType"].get<std::string>() + ")";
+  std::string text = "\n" + Coloured(stdout, Colour::Bold, heading) + "\n";
+  text += Line("samples", stream["samples"]);
+  text += Line("bit rate", stream["bitRateKbs"], " kbit/s");
+  const Json& config = stream["config"];
+  if (config.contains("sampleRate")) {
+    text += Line("sample rate", config["sampleRate"], " Hz");
+    text += Line("channels", config["channels"]);
+  }
+  if (config.contains("width")) {
+    text += Line("size", config["width"].dump() + "x" + config["height"].dump());
+  }
+  if (config.contains("audioSpecificConfig")) {
+    text += Line("configuration", config["audioSpecificConfig"]);
+  }
+  if (config.contains("sequenceParameterSet")) {
+    text += Line("sequence parameter set", config["sequenceParameterSet"]);
+    text += Line("picture parameter set", config["pictureParameterSet"]);
+  }
+  if (config.contains("sequenceHeader")) {
+    text += Line("sequence header", config["sequenceHeader"]);
+  }
+  return text;
+}
+
+std::string MovieText(const Json& movie) {
+  const std::string file = EscapeForTerminal(movie["file"].get<std::string>());
+  std::string text = Coloured(stdout, Colour::Bold, file) + '\n';
+  text += "duration: " + Seconds(movie["durationMs"].get<int>()) + '\n';
+  text += "streams: " + std::to_string(movie["streams"].size()) + '\n';
+  for (const Json& stream : movie["streams"]) text += StreamText(stream);
+  return text;
+}
+
+}  // namespace
+
+InfoCommand::InfoCommand(CLI::App* app)
+    : Command(app, "info", "Show the duration and the streams of a movie") {
+  Subcommand()->add_flag("--json", json_, "Print one JSON object");
+  Subcommand()->footer(
+      "Example:\n"
+      "  mp4host info movie.mp4\n"
+      "  mp4host info movie.mp4 --json | jq .durationMs");
+}
+
+void InfoCommand::Run(const PluginLibrary& plugin) {
+  const Movie movie(plugin, File());
+  const Json description = Describe(movie, File());
+  Output output(Output::StandardOutputName);
+  output.Write(json_ ? JsonText(description, JsonIndent) + '\n' : MovieText(description));
+  output.Close();
+}

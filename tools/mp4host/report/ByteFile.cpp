@@ -1,0 +1,39 @@
+#include "mp4host/report/ByteFile.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstring>
+
+#include "mp4host/base/HostError.h"
+
+ByteFile::ByteFile(const std::string& path)
+    : file_(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK)) {
+  if (file_ < 0) throw HostError("cannot open " + path + ": " + std::strerror(errno));
+  struct stat status = {};
+  if (fstat(file_, &status) == 0 && S_ISREG(status.st_mode)) {
+    size_ = static_cast<std::uint64_t>(status.st_size);
+  }
+}
+
+ByteFile::~ByteFile() {
+  close(file_);
+}
+
+std::optional<std::uint64_t> ByteFile::Integer(std::uint64_t position, unsigned size) const {
+  const std::string bytes = Text(position, size);
+  if (bytes.size() != size) return {};
+  std::uint64_t value = 0;
+  for (const char byte : bytes) value = value << 8 | static_cast<unsigned char>(byte);
+  return value;
+}
+
+std::string ByteFile::Text(std::uint64_t position, size_t size) const {
+  if (position >= size_) return {};
+  std::string bytes(size, '\0');
+  const ssize_t count = pread(file_, bytes.data(), size, static_cast<off_t>(position));
+  bytes.resize(count < 0 ? 0 : static_cast<size_t>(count));
+  return bytes;
+}

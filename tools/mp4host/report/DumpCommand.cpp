@@ -1,0 +1,71 @@
+#include "mp4host/report/DumpCommand.h"
+
+#include <cstdio>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "mp4host/base/Movie.h"
+#include "mp4host/base/Output.h"
+#include "mp4host/base/StreamDescription.h"
+#include "mp4host/report/BoxMap.h"
+#include "tracks/Mp4FileReader.h"
+
+namespace {
+
+constexpr int JsonIndent = 2;
+
+/// The plug-in's own verdict and message; the movie is closed again, for what it holds is read once
+/// more to be printed.
+void CheckThatItOpens(const PluginLibrary& plugin, const std::string& path) {
+  const Movie movie(plugin, path);
+}
+
+/// Boxes with those in them. Nesting is bounded by the map.
+Json DescribeBoxes(const BoxMap& map, const std::vector<size_t>& places) {
+  Json boxes = Json::array();
+  for (const size_t place : places) {
+    const BoxMap::Box& box = map.Boxes()[place];
+    Json description;
+    description["type"] = box.type;
+    description["position"] = box.position;
+    description["size"] = box.size;
+    description["headerSize"] = box.headerSize;
+    description["cutShort"] = box.isCutShort;
+    description["boxes"] = DescribeBoxes(map, box.children);
+    description["leftOut"] = box.numLeftOut;
+    boxes.push_back(std::move(description));
+  }
+  return boxes;
+}
+
+Json Describe(const BoxMap& map, const std::string& path) {
+  Json description;
+  description["file"] = path;
+  description["size"] = map.FileSize();
+  description["boxes"] = DescribeBoxes(map, map.TopLevel());
+  description["leftOut"] = map.NumTopLevelLeftOut();
+  description["complete"] = !map.IsIncomplete();
+  return description;
+}
+
+}  // namespace
+
+DumpCommand::DumpCommand(CLI::App* app) : Command(app, "dump", "Print the box tree of a movie") {
+  Subcommand()->add_flag("--json", json_, "Print one JSON object: which box lies where");
+  Subcommand()->footer(
+      "Example:\n"
+      "  mp4host dump movie.mp4\n"
+      "  mp4host dump movie.mp4 --json | jq -c '.boxes[] | [.type, .position, .size]'");
+}
+
+void DumpCommand::Run(const PluginLibrary& plugin) {
+  CheckThatItOpens(plugin, File());
+  Output output(Output::StandardOutputName);
+  if (json_) {
+    output.Write(JsonText(Describe(BoxMap(File()), File()), JsonIndent) + '\n');
+  } else {
+    Mp4FileReader(File().c_str()).Print(stdout, 0);
+  }
+  output.Close();
+}

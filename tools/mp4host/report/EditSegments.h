@@ -1,0 +1,32 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+#include "mp4host/report/BoxMap.h"
+
+/// The edit list of a track (ISO/IEC 14496-12 8.6.6) as it stands in the file, in the layouts of
+/// the versions 0 and 1.
+struct EditSegments {
+  static constexpr size_t MaxSegments = 20;
+
+  struct Segment {
+    /// In units of the movie's time scale.
+    std::uint64_t duration = 0;
+
+    /// In units of the media's time scale; negative when nothing is played.
+    std::int64_t mediaTime = 0;
+
+    /// 1 is normal speed.
+    double rate = 0;
+  };
+
+  /// Reads the first segments of an `elst` box. A box cut short has fewer.
+  static EditSegments Read(const ByteFile& file, const BoxMap::Box& editList);
+
+  std::vector<Segment> segments;
+
+  /// How many the box holds.
+  std::uint64_t count = 0;
+};

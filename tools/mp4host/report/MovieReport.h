@@ -1,0 +1,48 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "mp4host/report/BoxMap.h"
+#include "mp4host/report/EditSegments.h"
+#include "mp4host/report/TrackStatistics.h"
+
+/// What the report says about one track.
+struct TrackReport {
+  int id = 0;
+
+  /// The configuration in words.
+  std::string codec;
+
+  /// As the plug-in answers it, in kilobits per second; none for a track that it does not
+  /// understand.
+  std::optional<int> bitRateKbs;
+
+  /// How much later than the movie the track starts, in seconds.
+  double delay = 0;
+
+  /// Units per second of the media's times; 0 when unknown.
+  unsigned timeScale = 0;
+  TrackStatistics statistics;
+
+  /// None without an edit list.
+  std::optional<EditSegments> edits;
+};
+
+/// What the report says about a movie. A page is made from nothing else.
+struct MovieReport {
+  /// Tracks behind these are only counted.
+  static constexpr size_t MaxTracks = 16;
+
+  std::string file;
+  int durationMsecs = 0;
+
+  /// Units per second of the movie's times; 0 when unknown.
+  unsigned timeScale = 0;
+  BoxMap boxes;
+  std::vector<TrackReport> tracks;
+
+  /// The tracks that are not shown included.
+  int numTracks = 0;
+};

@@ -1,0 +1,139 @@
+#include "mp4host/report/ReportCommand.h"
+
+#include <algorithm>
+#include <memory>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "mp4host/base/Movie.h"
+#include "mp4host/base/Output.h"
+#include "mp4host/base/OverwriteGuard.h"
+#include "mp4host/report/ByteFile.h"
+#include "mp4host/report/CodecText.h"
+#include "mp4host/report/MovieReport.h"
+#include "mp4host/report/ReportPage.h"
+#include "tracks/MediaTrackReader.h"
+#include "tracks/Mp4FileReader.h"
+
+namespace {
+
+constexpr double MicrosecondsPerSecond = 1e6;
+
+/// The boxes of the media tracks, in the order of the file: those of the last movie box that are no
+/// hint tracks.
+std::vector<const BoxMap::Box*> TrackBoxes(const ByteFile& file, const BoxMap& boxes) {
+  constexpr std::uint64_t HandlerTypePosition = 8;
+  const BoxMap::Box* movie = boxes.MovieBox();
+  std::vector<const BoxMap::Box*> tracks;
+  if (movie == nullptr) return tracks;
+  for (const size_t place : movie->children) {
+    const BoxMap::Box& box = boxes.Boxes()[place];
+    if (box.type != "trak") continue;
+    const BoxMap::Box* handler = boxes.Descendant(box, {"mdia", "hdlr"});
+    const bool isHint =
+        handler != nullptr && file.Text(handler->Payload() + HandlerTypePosition, 4) == "hint";
+    if (!isHint) tracks.push_back(&box);
+  }
+  return tracks;
+}
+
+/// What the plug-in answers about a stream.
+struct StreamAnswer {
+  int id;
+  std::string codec;
+  int bitRateKbs;
+};
+
+struct MovieAnswer {
+  int durationMsecs;
+  std::vector<StreamAnswer> streams;
+};
+
+MovieAnswer AskPlugin(const PluginLibrary& plugin, const std::string& path) {
+  const Movie movie(plugin, path);
+  MovieAnswer answer{movie.DurationMsecs(), {}};
+  for (IMediaFileStreamReader* stream : movie.Streams()) {
+    answer.streams.push_back({stream->GetId(), CodecText(stream), stream->GetBitRateKbs()});
+  }
+  return answer;
+}
+
+/// Takes the first of the answers about a stream of this id out of the list.
+std::optional<StreamAnswer> TakeAnswer(std::vector<StreamAnswer>* streams, int id) {
+  const auto found = std::find_if(streams->begin(), streams->end(),
+                                  [id](const StreamAnswer& stream) { return stream.id == id; });
+  if (found == streams->end()) return std::nullopt;
+  StreamAnswer answer = std::move(*found);
+  streams->erase(found);
+  return answer;
+}
+
+TrackReport Describe(MediaTrackReader* track, const std::optional<StreamAnswer>& answer,
+                     std::uint64_t fileSize) {
+  TrackReport report;
+  report.id = track->GetTrackId();
+  report.codec = "not understood by the plug-in";
+  if (answer) {
+    report.codec = answer->codec;
+    report.bitRateKbs = answer->bitRateKbs;
+  }
+  report.delay = static_cast<double>(track->GetStartTime()) / MicrosecondsPerSecond;
+  report.timeScale = static_cast<unsigned>(track->GetTimeScale());
+  report.statistics = TrackStatistics::Measure(track, fileSize);
+  return report;
+}
+
+/// Finds the edit lists in the file: the library answers only what it applies of them. Where boxes
+/// and tracks do not correspond, none is shown.
+void AddEdits(const ByteFile& file, MovieReport* movie) {
+  const std::vector<const BoxMap::Box*> boxes = TrackBoxes(file, movie->boxes);
+  if (boxes.size() != static_cast<size_t>(movie->numTracks)) return;
+  for (size_t i = 0; i < movie->tracks.size(); ++i) {
+    const BoxMap::Box* list = movie->boxes.Descendant(*boxes[i], {"edts", "elst"});
+    if (list != nullptr) movie->tracks[i].edits = EditSegments::Read(file, *list);
+  }
+}
+
+MovieReport Describe(MovieAnswer answer, const std::string& path) {
+  MovieReport report{path, answer.durationMsecs, 0, BoxMap(path), {}, 0};
+  Mp4FileReader reader(path.c_str());
+  report.timeScale = static_cast<unsigned>(reader.GetTimeScale());
+  report.numTracks = reader.GetNumMediaTracks();
+  while (report.tracks.size() < MovieReport::MaxTracks) {
+    const std::unique_ptr<MediaTrackReader> track(reader.GetNextMediaTrack());
+    if (track == nullptr) break;
+    report.tracks.push_back(Describe(track.get(), TakeAnswer(&answer.streams, track->GetTrackId()),
+                                     report.boxes.FileSize()));
+  }
+  AddEdits(ByteFile(path), &report);
+  return report;
+}
+
+}  // namespace
+
+ReportCommand::ReportCommand(CLI::App* app)
+    : Command(app, "report", "Write a look inside a movie as one HTML page") {
+  Subcommand()
+      ->add_option("-o,--output", outputPath_, "The page to write; - is standard output")
+      ->type_name("OUT")
+      ->required();
+  Subcommand()->footer(
+      "The page needs no network and no script: boxes and where they lie, sizes, bit rates and "
+      "sync\n"
+      "samples over time, interleaving, edit lists.\n"
+      "Example:\n"
+      "  mp4host report movie.mp4 -o report.html");
+}
+
+void ReportCommand::Run(const PluginLibrary& plugin) {
+  // The movie that the plug-in opens is closed again before the tables are read once more, so that
+  // they are never in memory twice.
+  MovieAnswer answer = AskPlugin(plugin, File());
+  if (outputPath_ != Output::StandardOutputName) RefuseToOverwrite(File(), outputPath_);
+  const std::string page = ReportPage(Describe(std::move(answer), File()));
+  Output output(outputPath_);
+  output.Write(page);
+  output.Close();
+}

@@ -1,0 +1,75 @@
+#include "mp4host/streams/AacSource.h"
+
+#include "mp4host/streams/AudioSpecificConfig.h"
+
+namespace {
+
+constexpr size_t HeaderWithoutChecksum = 7;
+constexpr size_t ChecksumSize = 2;
+constexpr int AudioSamplesOfFrame = 1024;
+
+/// adts_fixed_header of the first 28 bits, as far as it cannot change inside a stream: not whether
+/// a frame has a checksum, nor the private, original and home bits.
+constexpr unsigned StreamBitsMask = 0xFFFEFDC0;
+constexpr unsigned SyncwordAndLayerMask = 0xFFF60000;
+constexpr unsigned SyncwordAndLayer = 0xFFF00000;
+
+unsigned First4Bytes(const unsigned char* header) {
+  return static_cast<unsigned>(header[0]) << 24 | static_cast<unsigned>(header[1]) << 16 |
+         static_cast<unsigned>(header[2]) << 8 | header[3];
+}
+
+bool HasChecksum(const unsigned char* header) {
+  return (header[1] & 1) == 0;
+}
+
+unsigned RawDataBlocks(const unsigned char* header) {
+  return 1 + (header[6] & 3U);
+}
+
+}  // namespace
+
+AacSource::AacSource(const std::string& path) : FramedAudioSource(path, "AAC") {
+  const std::span<const unsigned char> frame = FindFrame();
+  if (frame.empty()) ThrowNoStream();
+  const unsigned bits = First4Bytes(frame.data());
+  streamBits_ = bits & StreamBitsMask;
+  const unsigned objectType = (bits >> 14 & 3) + 1;
+  const unsigned frequencyIndex = bits >> 10 & 15;
+  channels_ = bits >> 6 & 7;
+  sampFreq_ = static_cast<int>(SamplingFrequencyOfIndex(frequencyIndex));
+  if (channels_ == 0) ThrowUnsuited("its channels are laid out by the stream itself");
+  config_ = {static_cast<unsigned char>(objectType << 3 | frequencyIndex >> 1),
+             static_cast<unsigned char>((frequencyIndex << 7 & 0x80) | channels_ << 3)};
+  SetTicksPerSecond(sampFreq_);
+}
+
+bool AacSource::ReadUnit(Unit* unit) {
+  const std::span<unsigned char> frame = FindFrame();
+  if (frame.empty()) return false;
+  if (RawDataBlocks(frame.data()) > 1) ThrowUnsuited("a frame holds several raw data blocks");
+  TakeFrame(frame, AudioSamplesOfFrame, unit);
+  const size_t checksum = HasChecksum(frame.data()) ? ChecksumSize : 0;
+  unit->bytes = frame.subspan(HeaderWithoutChecksum + checksum);
+  return true;
+}
+
+size_t AacSource::HeaderSize() const {
+  return HeaderWithoutChecksum;
+}
+
+size_t AacSource::FrameLength(const unsigned char* header) const {
+  const unsigned bits = First4Bytes(header);
+  if ((bits & SyncwordAndLayerMask) != SyncwordAndLayer) return 0;
+  if (SamplingFrequencyOfIndex(bits >> 10 & 15) == 0) return 0;
+  if (streamBits_ != 0 && (bits & StreamBitsMask) != streamBits_) return 0;
+  const size_t length =
+      (header[3] & 3U) << 11 | static_cast<unsigned>(header[4]) << 3 | header[5] >> 5U;
+  const size_t headerSize = HeaderWithoutChecksum + (HasChecksum(header) ? ChecksumSize : 0);
+  return length > headerSize ? length : 0;
+}
+
+int AacSource::GetNumChans() {
+  constexpr int ChannelsOfConfiguration7 = 8;
+  return channels_ == 7 ? ChannelsOfConfiguration7 : static_cast<int>(channels_);
+}

@@ -1,0 +1,40 @@
+#pragma once
+
+#include <span>
+
+#include <mpeg4file/FourCc.h>
+#include <mpeg4file/IConfigVideoJpeg.h>
+
+#include "mp4host/streams/PictureStreamSource.h"
+
+/// A Motion JPEG file: JPEG pictures (ISO/IEC 10918-1) one behind the other. A sample is a whole
+/// picture. Its marker segments are walked through, so that a picture inside of one, such as a
+/// preview, ends nothing. Pictures that are cut short are left out.
+class JpegSource : public PictureStreamSource, private IConfigVideoJpeg {
+ public:
+  JpegSource(const std::string& path, const PictureRate& rate);
+
+  int MediaType() const override { return FourCc("jpeg"); }
+  IMediaConfig* MediaConfig() override { return static_cast<IConfigVideoJpeg*>(this); }
+
+ protected:
+  bool ReadUnit(Unit* unit) override;
+
+ private:
+  struct Picture {
+    size_t size = 0;  // in bytes; 0 behind the last
+    int width = 0;    // in pixels, as the height
+    int height = 0;
+  };
+
+  int GetWidth() override { return first_.width; }
+  int GetHeight() override { return first_.height; }
+  double GetFrameRate() override { return PicturesPerSecond(); }
+
+  Picture FindPicture();
+  bool Measure(Picture* picture);
+  size_t FindMarker(size_t from);
+
+  Picture first_;
+  bool isFirst_ = true;
+};

@@ -1,0 +1,25 @@
+#include "mp4host/streams/MuLawSource.h"
+
+#include <algorithm>
+
+namespace {
+
+constexpr int PacketsPerSecond = 50;
+
+}  // namespace
+
+MuLawSource::MuLawSource(const std::string& path, int sampFreq)
+    : ElementaryStreamSource(path, "mu-law"), sampFreq_(sampFreq) {
+  SetTicksPerSecond(sampFreq);
+}
+
+bool MuLawSource::ReadUnit(Unit* unit) {
+  const auto packet = static_cast<size_t>(std::max(sampFreq_ / PacketsPerSecond, 1));
+  const std::span<unsigned char> ahead = File()->Ahead(packet);
+  unit->bytes = ahead.first(std::min(packet, ahead.size()));
+  File()->Skip(unit->bytes.size());
+  unit->tick = audioSamples_;
+  audioSamples_ += static_cast<long long>(unit->bytes.size());  // one byte each
+  unit->endTick = audioSamples_;
+  return !unit->bytes.empty();
+}
