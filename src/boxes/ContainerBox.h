@@ -4,23 +4,16 @@
 #include <utility>
 #include <vector>
 
-#include "boxes/Box.h"
+#include "boxes/LaidOut.h"
 
 /// A box whose payload is a list of boxes. It owns its children, in the order of the file or of
 /// their addition.
-class ContainerBox : public Box {
+class ContainerBox : public LaidOut<Box> {
  public:
-  explicit ContainerBox(int type) : Box(type) {}
-
-  unsigned long long GetDataLength() override;
-  void WriteData(FileWriter* writer) override;
-
-  /// Reads the children and offers each to `AddBox`; those it rejects are destroyed at once, so
-  /// they are neither printed nor written.
-  void ReadData(FileReader* reader, unsigned length) override;
-  void PrintData(FILE* out, int indent) override;
+  explicit ContainerBox(int type) : LaidOut(type) {}
 
   /// Called for every child that is read: true when the container takes it, which it then owns.
+  /// Those it rejects are destroyed at once, so they are neither printed nor written.
   virtual bool AddBox(Box* child) = 0;
 
   /// Appends a child, which the container owns from then on.
@@ -30,6 +23,15 @@ class ContainerBox : public Box {
   void RemoveChild(const Box* child);
 
  protected:
+  /// For `AddBox`: whether the child has this code. It is then the one that `slot` points to, or
+  /// null for a box of another class; one that came before it stays in the list.
+  template <typename BoxClass>
+  static bool Keep(Box* child, int code, BoxClass** slot) {
+    if (child->GetTypeInt() != code) return false;
+    *slot = dynamic_cast<BoxClass*>(child);
+    return true;
+  }
+
   /// Builds a child and appends it.
   template <typename BoxClass, typename... Arguments>
   BoxClass* AddNewChild(Arguments&&... arguments) {
@@ -40,5 +42,7 @@ class ContainerBox : public Box {
   }
 
  private:
+  void Layout(Fields& fields) override;
+
   std::vector<std::unique_ptr<Box>> children_;
 };

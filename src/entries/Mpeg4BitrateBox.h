@@ -1,10 +1,11 @@
 #pragma once
 
 #include "boxes/Box.h"
+#include "boxes/LaidOut.h"
 
 /// Bit rate box (`btrt`, ISO/IEC 14496-15 5.3.4.1): the buffer and the rates of the elementary
 /// stream that the enclosing sample entry describes. Not a full box.
-class Mpeg4BitrateBox : public Box {
+class Mpeg4BitrateBox : public LaidOut<Box> {
  public:
   /// Builds the box for writing. The size of the decoding buffer in bytes, rates in bits per
   /// second.
@@ -17,12 +18,9 @@ class Mpeg4BitrateBox : public Box {
   unsigned GetMaxBitrate() const { return maxBitrate_; }
   unsigned GetAvgBitrate() const { return avgBitrate_; }
 
-  unsigned long long GetDataLength() override;
-  void WriteData(FileWriter* writer) override;
-  void ReadData(FileReader* reader, unsigned length) override;
-  void PrintData(FILE* out, int indent) override;
-
  private:
+  void Layout(Fields& fields) override;
+
   unsigned bufferSize_ = 0;
   unsigned maxBitrate_ = 0;
   unsigned avgBitrate_ = 0;

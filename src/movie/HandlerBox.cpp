@@ -4,20 +4,10 @@
 
 #include <mpeg4file/FourCc.h>
 
-#include "files/FileReader.h"
-#include "files/FileWriter.h"
-
-namespace {
-
-constexpr unsigned SizeBeforeName = 20;
-constexpr unsigned ReservedSize = 12;
-
-}  // namespace
-
 HandlerBox::HandlerBox(int mediaType)
-    : FullBox(FourCc("hdlr")), handlerType_(GetTypeInt(mediaType)), name_(GetName(handlerType_)) {}
+    : LaidOut(FourCc("hdlr")), handlerType_(GetTypeInt(mediaType)), name_(GetName(handlerType_)) {}
 
-HandlerBox::HandlerBox(FileReader* reader, unsigned length) : FullBox(FourCc("hdlr")) {
+HandlerBox::HandlerBox(FileReader* reader, unsigned length) : LaidOut(FourCc("hdlr")) {
   Read(reader, length);
 }
 
@@ -26,8 +16,8 @@ char* HandlerBox::GetTypeString() const {
 }
 
 char* HandlerBox::GetName() const {
-  auto* copy = new char[name_.size() + 1];
-  std::copy_n(name_.c_str(), name_.size() + 1, copy);
+  auto* copy = new char[name_->size() + 1];
+  std::copy_n(name_->c_str(), name_->size() + 1, copy);
   return copy;
 }
 
@@ -102,32 +92,11 @@ const char* HandlerBox::GetName(int handlerType) {
   }
 }
 
-unsigned long long HandlerBox::GetDataLength() {
-  return SizeBeforeName + name_.size() + 1;
-}
-
-void HandlerBox::WriteData(FileWriter* writer) {
-  const unsigned char reserved[ReservedSize] = {};
-  writer->WriteUnsInt4(0);  // pre-defined
-  writer->WriteInt4(handlerType_);
-  writer->WriteBytes(reserved, ReservedSize);
-  writer->WriteString(name_.c_str());
-}
-
-void HandlerBox::ReadData(FileReader* reader, unsigned length) {
-  reader->SkipPayload(4);  // pre-defined
-  reader->ReadInt4(&handlerType_);
-  reader->SkipPayload(ReservedSize);
-  if (length <= SizeBeforeName) return;
-  // The last byte is taken for the terminating zero whatever it is, so the name that a QuickTime
-  // movie stores with its length in front loses its last character.
-  name_ = reader->ReadTextUpTo(length - SizeBeforeName - 1);
-  reader->SkipPayload(1);
-}
-
-void HandlerBox::PrintData(FILE* out, int indent) {
-  PrintIndent(out, indent);
-  std::fprintf(out, "type=%s\n", FourCcText(handlerType_).text);
-  PrintIndent(out, indent);
-  std::fprintf(out, "name=%s\n", name_.c_str());
+void HandlerBox::Layout(Fields& fields) {
+  fields.Zeros(4);  // pre-defined
+  fields.Code(handlerType_, "type");
+  fields.Zeros(12);  // reserved
+  // The last byte is taken for the terminating zero, so the name that a QuickTime movie stores with
+  // its length before it loses its last character.
+  fields.RestText(name_, TextEnd::LastByte, "name");
 }

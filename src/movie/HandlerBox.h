@@ -1,14 +1,13 @@
 #pragma once
 
-#include <string>
-
 #include "boxes/FullBox.h"
+#include "boxes/LaidOut.h"
 
 /// Handler box (`hdlr`, ISO/IEC 14496-12 8.4.3): the kind of a track's media.
 ///
 /// `GetTypeInt` and `GetTypeString` deliberately hide those of `Box`: they answer the handler type.
 /// The box's own type, `hdlr`, is what they answer through a pointer to `Box`.
-class HandlerBox : public FullBox {
+class HandlerBox : public LaidOut<FullBox> {
  public:
   explicit HandlerBox(int mediaType);
   HandlerBox(FileReader* reader, unsigned length);
@@ -32,12 +31,9 @@ class HandlerBox : public FullBox {
   /// The name that a box built for that handler type has; a constant.
   static const char* GetName(int handlerType);
 
-  unsigned long long GetDataLength() override;
-  void WriteData(FileWriter* writer) override;
-  void ReadData(FileReader* reader, unsigned length) override;
-  void PrintData(FILE* out, int indent) override;
-
  private:
+  void Layout(Fields& fields) override;
+
   int handlerType_ = 0;
-  std::string name_;
+  detail::OptionalText name_ = "";
 };

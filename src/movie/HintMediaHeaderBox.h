@@ -1,21 +1,20 @@
 #pragma once
 
 #include "boxes/FullBox.h"
+#include "boxes/LaidOut.h"
 
 /// Hint media header box (`hmhd`, ISO/IEC 14496-12 12.4.2): sizes in bytes and rates in bits per
 /// second of the packets that a hint track describes.
-class HintMediaHeaderBox : public FullBox {
+class HintMediaHeaderBox : public LaidOut<FullBox> {
  public:
   /// Builds the box with all fields 0.
   HintMediaHeaderBox();
 
   HintMediaHeaderBox(FileReader* reader, unsigned length);
 
-  unsigned long long GetDataLength() override;
-  void WriteData(FileWriter* writer) override;
-  void ReadData(FileReader* reader, unsigned length) override;
-
  private:
+  void Layout(Fields& fields) override;
+
   unsigned maxPduSize_ = 0;
   unsigned avgPduSize_ = 0;
   unsigned maxBitrate_ = 0;

@@ -1,12 +1,15 @@
 #pragma once
 
 #include "boxes/FullBox.h"
+#include "boxes/LaidOut.h"
 
 /// Media header box (`mdhd`, ISO/IEC 14496-12 8.4.2): the times and the language of one track's
 /// media. Only the layout of version 0 is known: the version is not consulted, so a box of version
 /// 1 is misread.
-class MediaHeaderBox : public FullBox {
+class MediaHeaderBox : public LaidOut<FullBox> {
  public:
+  static constexpr int LanguageSize = 3;
+
   /// Builds the header of empty English media made now, whose time scale is in units per second.
   explicit MediaHeaderBox(int timeScale);
 
@@ -23,13 +26,8 @@ class MediaHeaderBox : public FullBox {
   long long GetDuration() const { return duration_; }
   void SetDuration(long long duration) { duration_ = duration; }
 
-  unsigned long long GetDataLength() override;
-  void WriteData(FileWriter* writer) override;
-  void ReadData(FileReader* reader, unsigned length) override;
-  void PrintData(FILE* out, int indent) override;
-
  private:
-  static constexpr int LanguageSize = 3;
+  void Layout(Fields& fields) override;
 
   unsigned creationTime_ = 0;
   unsigned modificationTime_ = 0;

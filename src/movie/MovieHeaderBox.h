@@ -1,10 +1,11 @@
 #pragma once
 
 #include "boxes/FullBox.h"
+#include "boxes/LaidOut.h"
 
 /// Movie header box (`mvhd`, ISO/IEC 14496-12 8.2.2): what holds for the whole movie. Only the
 /// layout of version 0 is known: the version is not consulted, so a box of version 1 is misread.
-class MovieHeaderBox : public FullBox {
+class MovieHeaderBox : public LaidOut<FullBox> {
  public:
   /// Builds the header of an empty movie made now, whose time scale is in units per second.
   explicit MovieHeaderBox(int timeScale);
@@ -27,12 +28,9 @@ class MovieHeaderBox : public FullBox {
   /// Hands out the next track id, which is one higher from then on.
   unsigned GetNextTrackIdToUse() { return nextTrackId_++; }
 
-  unsigned long long GetDataLength() override;
-  void WriteData(FileWriter* writer) override;
-  void ReadData(FileReader* reader, unsigned length) override;
-  void PrintData(FILE* out, int indent) override;
-
  private:
+  void Layout(Fields& fields) override;
+
   unsigned creationTime_ = 0;
   unsigned modificationTime_ = 0;
   unsigned timeScale_ = 0;

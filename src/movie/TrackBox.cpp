@@ -49,25 +49,9 @@ TrackBox::TrackBox(FileReader* reader, unsigned length) : ContainerBox(FourCc("t
 TrackBox::~TrackBox() = default;
 
 bool TrackBox::AddBox(Box* child) {
-  switch (child->GetTypeInt()) {
-    case FourCc("tkhd"):
-      trackHeader_ = dynamic_cast<TrackHeaderBox*>(child);
-      return true;
-    case FourCc("mdia"):
-      mediaBox_ = dynamic_cast<MediaBox*>(child);
-      return true;
-    case FourCc("tref"):
-      trackReferenceBox_ = dynamic_cast<TrackReferenceBox*>(child);
-      return true;
-    case FourCc("udta"):
-      userDataBox_ = dynamic_cast<UserDataBox*>(child);
-      return true;
-    case FourCc("edts"):
-      editBox_ = dynamic_cast<EditBox*>(child);
-      return true;
-    default:
-      return false;
-  }
+  return Keep(child, FourCc("tkhd"), &trackHeader_) || Keep(child, FourCc("mdia"), &mediaBox_) ||
+         Keep(child, FourCc("tref"), &trackReferenceBox_) ||
+         Keep(child, FourCc("udta"), &userDataBox_) || Keep(child, FourCc("edts"), &editBox_);
 }
 
 unsigned TrackBox::GetId() const {

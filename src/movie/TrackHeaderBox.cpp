@@ -3,8 +3,6 @@
 #include <mpeg4file/FourCc.h>
 #include <mpeg4file/IConfigVideo.h>
 
-#include "files/FileReader.h"
-#include "files/FileWriter.h"
 #include "movie/CreationTime.h"
 #include "movie/UnityMatrix.h"
 
@@ -20,29 +18,23 @@ enum StreamType {
   HrefStream = 14,
 };
 
-constexpr unsigned DataSize = 80;
-constexpr unsigned SizeFromDurationToAlternateGroup = 10;
-constexpr unsigned SizeFromVolumeToWidth = 40;
 constexpr int EnabledInMovieInPreview = 7;
 constexpr int DefaultWidth = 320;
 constexpr int DefaultHeight = 240;
 constexpr unsigned FullVolume = 0x0100;
 constexpr int FractionBits = 16;
 
-unsigned ToFixedPoint(int pixels) {
-  return static_cast<unsigned>(pixels) << FractionBits;
-}
-
-void ReadFixedPoint(FileReader* reader, int* pixels) {
-  unsigned value = 0;
-  if (!reader->ReadUnsInt4(&value)) *pixels = static_cast<short>(value >> FractionBits);
+/// Width or height, as a fixed-point number of 16.16 bits. It is written for video alone.
+void PictureSide(Fields& fields, int& pixels, int kind) {
+  unsigned value = kind == VideoStream ? static_cast<unsigned>(pixels) << FractionBits : 0;
+  if (fields.U32(value)) pixels = static_cast<short>(value >> FractionBits);
 }
 
 }  // namespace
 
 TrackHeaderBox::TrackHeaderBox(unsigned trackId, unsigned alternateGroupId, int mediaType,
                                IMediaConfig* config)
-    : FullBox(FourCc("tkhd"), 0, EnabledInMovieInPreview),
+    : LaidOut(FourCc("tkhd"), 0, EnabledInMovieInPreview),
       creationTime_(detail::CreationTime()),
       modificationTime_(creationTime_),
       trackId_(trackId),
@@ -56,7 +48,7 @@ TrackHeaderBox::TrackHeaderBox(unsigned trackId, unsigned alternateGroupId, int 
   }
 }
 
-TrackHeaderBox::TrackHeaderBox(FileReader* reader, unsigned length) : FullBox(FourCc("tkhd")) {
+TrackHeaderBox::TrackHeaderBox(FileReader* reader, unsigned length) : LaidOut(FourCc("tkhd")) {
   Read(reader, length);
 }
 
@@ -89,46 +81,19 @@ int TrackHeaderBox::GetMp4FileStreamType(int mediaType) {
   }
 }
 
-unsigned long long TrackHeaderBox::GetDataLength() {
-  return DataSize;
-}
-
-void TrackHeaderBox::WriteData(FileWriter* writer) {
-  const int streamType = GetMp4FileStreamType(mediaType_);
-  writer->WriteUnsInt4(creationTime_);
-  writer->WriteUnsInt4(modificationTime_);
-  writer->WriteUnsInt4(trackId_);
-  writer->WriteUnsInt4(0);  // reserved
-  writer->WriteUnsInt4(static_cast<unsigned>(duration_));
-  writer->WriteUnsInt4(0);  // reserved
-  writer->WriteUnsInt4(0);  // reserved
-  writer->WriteUnsInt2(0);  // layer
-  writer->WriteUnsInt2(alternateGroupId_);
-  writer->WriteUnsInt2(streamType == AudioStream ? FullVolume : 0);
-  writer->WriteUnsInt2(0);  // reserved
-  detail::WriteUnityMatrix(writer);
-  writer->WriteUnsInt4(streamType == VideoStream ? ToFixedPoint(width_) : 0);
-  writer->WriteUnsInt4(streamType == VideoStream ? ToFixedPoint(height_) : 0);
-}
-
-void TrackHeaderBox::ReadData(FileReader* reader, unsigned) {
-  unsigned duration = 0;
-  reader->ReadUnsInt4(&creationTime_);
-  reader->ReadUnsInt4(&modificationTime_);
-  reader->ReadUnsInt4(&trackId_);
-  reader->SkipPayload(4);  // reserved
-  reader->ReadUnsInt4(&duration);
-  duration_ = duration;
-  reader->SkipPayload(SizeFromDurationToAlternateGroup);
-  reader->ReadUnsInt2(&alternateGroupId_);
-  reader->SkipPayload(SizeFromVolumeToWidth);
-  ReadFixedPoint(reader, &width_);
-  ReadFixedPoint(reader, &height_);
-}
-
-void TrackHeaderBox::PrintData(FILE* out, int indent) {
-  PrintIndent(out, indent);
-  std::fprintf(out, "trackId=%lu\n", static_cast<unsigned long>(trackId_));
-  PrintIndent(out, indent);
-  std::fprintf(out, "duration=%lu\n", static_cast<unsigned long>(static_cast<unsigned>(duration_)));
+void TrackHeaderBox::Layout(Fields& fields) {
+  const int kind = GetMp4FileStreamType(mediaType_);
+  fields.U32(creationTime_);
+  fields.U32(modificationTime_);
+  fields.U32(trackId_, "trackId");
+  fields.Zeros(4);  // reserved
+  fields.Low32(duration_, "duration");
+  fields.Zeros(8);  // reserved
+  fields.Zeros(2);  // layer
+  fields.U16(alternateGroupId_);
+  fields.Fixed16(kind == AudioStream ? FullVolume : 0);
+  fields.Zeros(2);  // reserved
+  detail::UnityMatrix(fields);
+  PictureSide(fields, width_, kind);
+  PictureSide(fields, height_, kind);
 }

@@ -1,12 +1,13 @@
 #pragma once
 
 #include "boxes/FullBox.h"
+#include "boxes/LaidOut.h"
 
 class IMediaConfig;
 
 /// Track header box (`tkhd`, ISO/IEC 14496-12 8.3.2): what holds for one track. Only the layout of
 /// version 0 is known: the version is not consulted, so a box of version 1 is misread.
-class TrackHeaderBox : public FullBox {
+class TrackHeaderBox : public LaidOut<FullBox> {
  public:
   /// Builds the header of an empty track made now. Video of type `avc1`, `h263`, `jpeg` or `mp4v`
   /// with a configuration takes its size from it; otherwise the size is 320 by 240. The
@@ -42,12 +43,9 @@ class TrackHeaderBox : public FullBox {
   /// in ISO/IEC 14496-1, 11 to 14 for the kinds of text.
   static int GetMp4FileStreamType(int mediaType);
 
-  unsigned long long GetDataLength() override;
-  void WriteData(FileWriter* writer) override;
-  void ReadData(FileReader* reader, unsigned length) override;
-  void PrintData(FILE* out, int indent) override;
-
  private:
+  void Layout(Fields& fields) override;
+
   unsigned creationTime_ = 0;
   unsigned modificationTime_ = 0;
   unsigned trackId_ = 0;

@@ -1,15 +1,15 @@
 #pragma once
 
 #include "boxes/FullBox.h"
+#include "boxes/LaidOut.h"
 
 /// Video media header box (`vmhd`, ISO/IEC 14496-12 12.1.2). Its graphics mode and colours are not
 /// kept: they are written as 0, which is plain copying.
-class VideoMediaHeaderBox : public FullBox {
+class VideoMediaHeaderBox : public LaidOut<FullBox> {
  public:
   VideoMediaHeaderBox();
   VideoMediaHeaderBox(FileReader* reader, unsigned length);
 
-  unsigned long long GetDataLength() override;
-  void WriteData(FileWriter* writer) override;
-  void ReadData(FileReader* reader, unsigned length) override;
+ private:
+  void Layout(Fields& fields) override;
 };

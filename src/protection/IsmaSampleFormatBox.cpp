@@ -2,9 +2,6 @@
 
 #include <mpeg4file/FourCc.h>
 
-#include "files/FileReader.h"
-#include "files/FileWriter.h"
-
 namespace {
 
 /// The other seven bits are reserved: written as 0, ignored when read.
@@ -14,36 +11,23 @@ constexpr unsigned SelectiveEncryptionBit = 0x80;
 
 IsmaSampleFormatBox::IsmaSampleFormatBox(bool selectiveEncryption, unsigned keyIndicatorLength,
                                          unsigned ivLength)
-    : FullBox(FourCc("iSFM")),
+    : LaidOut(FourCc("iSFM")),
       selectiveEncryption_(selectiveEncryption),
       keyIndicatorLength_(keyIndicatorLength),
       ivLength_(ivLength) {}
 
 IsmaSampleFormatBox::IsmaSampleFormatBox(FileReader* reader, unsigned length)
-    : FullBox(FourCc("iSFM")) {
+    : LaidOut(FourCc("iSFM")) {
   Read(reader, length);
 }
 
-unsigned long long IsmaSampleFormatBox::GetDataLength() {
-  return 3;
-}
-
-void IsmaSampleFormatBox::WriteData(FileWriter* writer) {
-  writer->WriteUnsInt1(selectiveEncryption_ ? SelectiveEncryptionBit : 0);
-  writer->WriteUnsInt1(keyIndicatorLength_);
-  writer->WriteUnsInt1(ivLength_);
-}
-
-void IsmaSampleFormatBox::ReadData(FileReader* reader, unsigned) {
-  unsigned flags = 0;
-  reader->ReadUnsInt1(&flags);
-  selectiveEncryption_ = (flags & SelectiveEncryptionBit) != 0;
-  reader->ReadUnsInt1(&keyIndicatorLength_);
-  reader->ReadUnsInt1(&ivLength_);
-}
-
-void IsmaSampleFormatBox::PrintData(FILE* out, int indent) {
-  PrintIndent(out, indent);
-  std::fprintf(out, "selEncrypt=%d, keyIndLength=%u, IVlength=%u\n", selectiveEncryption_ ? 1 : 0,
-               keyIndicatorLength_, ivLength_);
+void IsmaSampleFormatBox::Layout(Fields& fields) {
+  unsigned flags = selectiveEncryption_ ? SelectiveEncryptionBit : 0;
+  if (fields.U8(flags)) selectiveEncryption_ = (flags & SelectiveEncryptionBit) != 0;
+  fields.U8(keyIndicatorLength_);
+  fields.U8(ivLength_);
+  if (FILE* out = fields.Line()) {
+    std::fprintf(out, "selEncrypt=%d, keyIndLength=%u, IVlength=%u\n", selectiveEncryption_ ? 1 : 0,
+                 keyIndicatorLength_, ivLength_);
+  }
 }

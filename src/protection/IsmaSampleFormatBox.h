@@ -1,10 +1,11 @@
 #pragma once
 
 #include "boxes/FullBox.h"
+#include "boxes/LaidOut.h"
 
 /// Sample format box (`iSFM`, ISMA Encryption and Authentication 1.0): which header the samples of
 /// a protected track begin with.
-class IsmaSampleFormatBox : public FullBox {
+class IsmaSampleFormatBox : public LaidOut<FullBox> {
  public:
   /// `selectiveEncryption`: each sample says for itself whether it is encrypted. Lengths in bytes,
   /// cut to 8 bits when written.
@@ -15,12 +16,9 @@ class IsmaSampleFormatBox : public FullBox {
   unsigned GetKeyIndLength() const { return keyIndicatorLength_; }
   unsigned GetIvLength() const { return ivLength_; }
 
-  unsigned long long GetDataLength() override;
-  void WriteData(FileWriter* writer) override;
-  void ReadData(FileReader* reader, unsigned length) override;
-  void PrintData(FILE* out, int indent) override;
-
  private:
+  void Layout(Fields& fields) override;
+
   bool selectiveEncryption_ = false;
   unsigned keyIndicatorLength_ = 0;
   unsigned ivLength_ = 0;

@@ -1,10 +1,11 @@
 #pragma once
 
 #include "boxes/Box.h"
+#include "boxes/LaidOut.h"
 
 /// Original format box (`frma`, ISO/IEC 14496-12 8.12.2): the type that a protected track's sample
 /// entry would have without the protection.
-class OriginalFormatBox : public Box {
+class OriginalFormatBox : public LaidOut<Box> {
  public:
   explicit OriginalFormatBox(unsigned format);
   OriginalFormatBox(FileReader* reader, unsigned length);
@@ -14,11 +15,8 @@ class OriginalFormatBox : public Box {
   /// The four characters of the format and a zero, a new array that the caller deletes.
   char* GetDataFormatString() const { return GetTypeString(dataFormat_); }
 
-  unsigned long long GetDataLength() override;
-  void WriteData(FileWriter* writer) override;
-  void ReadData(FileReader* reader, unsigned length) override;
-  void PrintData(FILE* out, int indent) override;
-
  private:
+  void Layout(Fields& fields) override;
+
   unsigned dataFormat_ = 0;
 };

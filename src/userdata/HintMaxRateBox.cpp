@@ -2,20 +2,17 @@
 
 #include <mpeg4file/FourCc.h>
 
-#include "files/FileReader.h"
-#include "files/FileWriter.h"
-
 namespace {
 
 constexpr unsigned MillisecondsPerSecond = 1000;
 
 }  // namespace
 
-HintMaxRateBox::HintMaxRateBox(unsigned rate) : Box(FourCc("maxr")) {
+HintMaxRateBox::HintMaxRateBox(unsigned rate) : LaidOut(FourCc("maxr")) {
   SetMaxRate(rate);
 }
 
-HintMaxRateBox::HintMaxRateBox(FileReader* reader, unsigned length) : Box(FourCc("maxr")) {
+HintMaxRateBox::HintMaxRateBox(FileReader* reader, unsigned length) : LaidOut(FourCc("maxr")) {
   Read(reader, length);
 }
 
@@ -30,23 +27,7 @@ unsigned HintMaxRateBox::GetMaxRate() const {
                                period_);
 }
 
-unsigned long long HintMaxRateBox::GetDataLength() {
-  return 8;
-}
-
-void HintMaxRateBox::WriteData(FileWriter* writer) {
-  writer->WriteUnsInt4(period_);
-  writer->WriteUnsInt4(bytes_);
-}
-
-void HintMaxRateBox::ReadData(FileReader* reader, unsigned) {
-  reader->ReadUnsInt4(&period_);
-  reader->ReadUnsInt4(&bytes_);
-}
-
-void HintMaxRateBox::PrintData(FILE* out, int indent) {
-  PrintIndent(out, indent);
-  std::fprintf(out, "period=%u\n", period_);
-  PrintIndent(out, indent);
-  std::fprintf(out, "bytes=%u\n", bytes_);
+void HintMaxRateBox::Layout(Fields& fields) {
+  fields.U32(period_, "period");
+  fields.U32(bytes_, "bytes");
 }

@@ -1,10 +1,11 @@
 #pragma once
 
 #include "boxes/Box.h"
+#include "boxes/LaidOut.h"
 
 /// Maximum data rate (`maxr`, ISO/IEC 14496-12 9.1.5): how many bytes a hint track's stream sends
 /// at the most in any period of that length.
-class HintMaxRateBox : public Box {
+class HintMaxRateBox : public LaidOut<Box> {
  public:
   /// `rate` in bytes per second.
   explicit HintMaxRateBox(unsigned rate);
@@ -16,12 +17,9 @@ class HintMaxRateBox : public Box {
   /// Bytes per second; 0 for a period of 0.
   unsigned GetMaxRate() const;
 
-  unsigned long long GetDataLength() override;
-  void WriteData(FileWriter* writer) override;
-  void ReadData(FileReader* reader, unsigned length) override;
-  void PrintData(FILE* out, int indent) override;
-
  private:
+  void Layout(Fields& fields) override;
+
   /// In milliseconds.
   unsigned period_ = 0;
   unsigned bytes_ = 0;

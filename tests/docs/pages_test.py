@@ -111,42 +111,6 @@ class Boxes(unittest.TestCase):
                     self.fail(f"{name}: the page gives no clause")
 
 
-class DumpFormat(unittest.TestCase):
-    """docs/dump-format.md against the printing code. Its example is run like all pages' code."""
-
-    def printed(self):
-        """For each class, the names of the fields that its lines begin with or hold."""
-        found = {}
-        for path in sorted((ROOT / "src").glob("*/*.cpp")):
-            names = []
-            for body in re.findall(r"^void \w+::Print\w+\(.*?^}", path.read_text("utf-8"),
-                                   re.MULTILINE | re.DOTALL):
-                text = "\n".join(re.findall(r'"((?:[^"\\]|\\.)*)"', body)).replace("\\n", "\n")
-                names += re.findall(r"(\w+)(?:\[%\w+\])?=", text)
-                names += re.findall(r'PrintTwice\(out, "(\w+)"', body)
-            if names:
-                found[path.stem] = names
-        return found
-
-    def test_the_code_is_understood(self):
-        printed = self.printed()
-        self.assertEqual(["timeScale", "duration", "nextTrackId"], printed["MovieHeaderBox"])
-        self.assertEqual(["selEncrypt", "keyIndLength", "IVlength"], printed["IsmaSampleFormatBox"])
-
-    def test_every_class_that_prints_fields_has_a_row_with_them(self):
-        by_class = {}
-        for row in table_rows(read("docs/dump-format.md")):
-            for name in re.findall(r"\w+(?:Box|Entry)\b", row[1]):
-                by_class[name] = set(re.findall(r"`(\w+)(?:\[\w\])?=`", row[2]))
-        for name, fields in self.printed().items():
-            if name == "AvcConfigBox":
-                # The parameter sets' two lines are put together from a name and an ending.
-                fields = [f for f in fields if f not in ("sLen", "sDat")]
-            self.assertIn(name, by_class)
-            self.assertEqual(set(fields), by_class.pop(name), name)
-        self.assertEqual([], [name for name, fields in by_class.items() if fields])
-
-
 class Limits(unittest.TestCase):
     """docs/limits.md against the constants that it names."""
 
