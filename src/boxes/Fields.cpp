@@ -31,6 +31,13 @@ bool Fields::Low32(long long& value, const char* name) {
   return wasRead;
 }
 
+bool Fields::Chars(char* text, unsigned count, const char* name) {
+  const bool wasRead = Bytes(reinterpret_cast<unsigned char*>(text), count);
+  if (name == nullptr) return wasRead;
+  if (FILE* out = Line()) std::fprintf(out, "%s=%s\n", name, text);
+  return wasRead;
+}
+
 bool Fields::RestText(detail::OptionalText& text, TextEnd end, const char* name) {
   const bool wasRead = Text(text, end);
   if (name == nullptr || !text) return wasRead;

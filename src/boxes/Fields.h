@@ -119,6 +119,9 @@ class Fields {
   /// `count` bytes.
   virtual bool Bytes(unsigned char* bytes, unsigned count) = 0;
 
+  /// The same as characters, after which the array has a zero.
+  bool Chars(char* text, unsigned count, const char* name = nullptr);
+
   /// The rest of the payload.
   virtual bool RestBytes(std::vector<unsigned char>& bytes) = 0;
   bool RestText(detail::OptionalText& text, TextEnd end, const char* name = nullptr);

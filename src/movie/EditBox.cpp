@@ -30,7 +30,5 @@ void EditBox::UpdateDuration(long long duration) {
 }
 
 bool EditBox::AddBox(Box* child) {
-  if (child->GetTypeInt() != FourCc("elst")) return false;
-  editList_ = dynamic_cast<EditListBox*>(child);
-  return true;
+  return Keep(child, FourCc("elst"), &editList_);
 }

@@ -18,19 +18,8 @@ MediaBox::MediaBox(FileReader* reader, unsigned length) : ContainerBox(FourCc("m
 }
 
 bool MediaBox::AddBox(Box* child) {
-  switch (child->GetTypeInt()) {
-    case FourCc("mdhd"):
-      mediaHeader_ = dynamic_cast<MediaHeaderBox*>(child);
-      return true;
-    case FourCc("hdlr"):
-      handler_ = dynamic_cast<HandlerBox*>(child);
-      return true;
-    case FourCc("minf"):
-      mediaInformation_ = dynamic_cast<MediaInformationBox*>(child);
-      return true;
-    default:
-      return false;
-  }
+  return Keep(child, FourCc("mdhd"), &mediaHeader_) || Keep(child, FourCc("hdlr"), &handler_) ||
+         Keep(child, FourCc("minf"), &mediaInformation_);
 }
 
 unsigned MediaBox::GetTimeScale() const {

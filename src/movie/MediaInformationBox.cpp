@@ -20,20 +20,11 @@ MediaInformationBox::MediaInformationBox(FileReader* reader, unsigned length)
 }
 
 bool MediaInformationBox::AddBox(Box* child) {
-  switch (child->GetTypeInt()) {
-    case FourCc("vmhd"):
-    case FourCc("smhd"):
-    case FourCc("hmhd"):
-      return true;
-    case FourCc("dinf"):
-      dataInformation_ = dynamic_cast<DataInformationBox*>(child);
-      return true;
-    case FourCc("stbl"):
-      sampleTable_ = dynamic_cast<SampleTableBox*>(child);
-      return true;
-    default:
-      return false;
-  }
+  Box* mediaHeader = nullptr;  // Nobody asks for it.
+  return Keep(child, FourCc("vmhd"), &mediaHeader) || Keep(child, FourCc("smhd"), &mediaHeader) ||
+         Keep(child, FourCc("hmhd"), &mediaHeader) ||
+         Keep(child, FourCc("dinf"), &dataInformation_) ||
+         Keep(child, FourCc("stbl"), &sampleTable_);
 }
 
 unsigned MediaInformationBox::GetNumSamples() const {

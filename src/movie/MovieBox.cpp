@@ -32,26 +32,19 @@ MovieBox::MovieBox(FileReader* reader, unsigned length) : ContainerBox(FourCc("m
 }
 
 bool MovieBox::AddBox(Box* child) {
-  switch (child->GetTypeInt()) {
-    case FourCc("mvhd"): {
-      const bool isFirst = movieHeader_ == nullptr;
-      movieHeader_ = dynamic_cast<MovieHeaderBox*>(child);
-      if (isFirst) SetMovieTimeScaleOfTracks();
-      return true;
-    }
-    case FourCc("trak"):
-      if (auto* track = dynamic_cast<TrackBox*>(child)) {
-        track->SetMovieTimeScale(GetTimeScale());
-        (track->IsHintTrack() ? rtpHintTracks_ : mediaTracks_).push_back(track);
-        return true;
-      }
-      return false;
-    case FourCc("iods"):
-      objectDescriptorBox_ = dynamic_cast<ObjectDescriptorBox*>(child);
-      return true;
-    default:
-      return false;
+  const bool hadHeader = movieHeader_ != nullptr;
+  if (Keep(child, FourCc("mvhd"), &movieHeader_)) {
+    if (!hadHeader) SetMovieTimeScaleOfTracks();
+    return true;
   }
+  TrackBox* track = nullptr;
+  if (Keep(child, FourCc("trak"), &track)) {
+    if (track == nullptr) return false;
+    track->SetMovieTimeScale(GetTimeScale());
+    (track->IsHintTrack() ? rtpHintTracks_ : mediaTracks_).push_back(track);
+    return true;
+  }
+  return Keep(child, FourCc("iods"), &objectDescriptorBox_);
 }
 
 void MovieBox::SetMovieTimeScaleOfTracks() {

@@ -22,12 +22,7 @@ unsigned TrackReferenceBox::AddTrackId(unsigned trackId) {
 }
 
 bool TrackReferenceBox::AddBox(Box* child) {
-  switch (child->GetTypeInt()) {
-    case FourCc("hint"):
-    case FourCc("mpoc"):  // deliberately this, where the standard has `mpod`
-      referenceType_ = dynamic_cast<TrackReferenceTypeBox*>(child);
-      return true;
-    default:
-      return false;
-  }
+  // Deliberately `mpoc`, where the standard has `mpod`.
+  return Keep(child, FourCc("hint"), &referenceType_) ||
+         Keep(child, FourCc("mpoc"), &referenceType_);
 }

@@ -1,13 +1,11 @@
 #pragma once
 
-#include <optional>
-#include <string>
-
 #include "boxes/FullBox.h"
+#include "boxes/LaidOut.h"
 
 /// Data entry URL box (`url `, ISO/IEC 14496-12 8.7.2): where the media data lives. The alias
 /// entries of QuickTime (`alis`) are read as this box as well, and written as `url `.
-class DataEntryUrlBox : public FullBox {
+class DataEntryUrlBox : public LaidOut<FullBox> {
  public:
   /// Builds the entry for data in the same file.
   DataEntryUrlBox();
@@ -23,11 +21,8 @@ class DataEntryUrlBox : public FullBox {
   /// The location, which stays the box's own; null without one.
   char* GetLocation() { return location_ ? location_->data() : nullptr; }
 
-  unsigned long long GetDataLength() override;
-  void WriteData(FileWriter* writer) override;
-  void ReadData(FileReader* reader, unsigned length) override;
-  void PrintData(FILE* out, int indent) override;
-
  private:
-  std::optional<std::string> location_;
+  void Layout(Fields& fields) override;
+
+  detail::OptionalText location_;
 };

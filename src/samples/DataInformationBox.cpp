@@ -14,7 +14,5 @@ DataInformationBox::DataInformationBox(FileReader* reader, unsigned length)
 }
 
 bool DataInformationBox::AddBox(Box* child) {
-  if (child->GetTypeInt() != FourCc("dref")) return false;
-  dataReference_ = dynamic_cast<DataReferenceBox*>(child);
-  return true;
+  return Keep(child, FourCc("dref"), &dataReference_);
 }

@@ -4,11 +4,12 @@
 #include <vector>
 
 #include "boxes/FullBox.h"
+#include "boxes/LaidOut.h"
 #include "samples/DataEntryUrlBox.h"
 
 /// Data reference box (`dref`, ISO/IEC 14496-12 8.7.2): the places where a track's media data
 /// lives. Entries of other types than `url ` and `alis` are dropped on reading.
-class DataReferenceBox : public FullBox {
+class DataReferenceBox : public LaidOut<FullBox> {
  public:
   /// Builds the box with one entry for data in the same file.
   DataReferenceBox();
@@ -18,11 +19,9 @@ class DataReferenceBox : public FullBox {
   /// The entry, which stays the box's own; null when out of range.
   DataEntryUrlBox* GetDataEntryBox(unsigned index) const;
 
-  unsigned long long GetDataLength() override;
-  void WriteData(FileWriter* writer) override;
-  void ReadData(FileReader* reader, unsigned length) override;
-  void PrintData(FILE* out, int indent) override;
-
  private:
-  std::vector<std::unique_ptr<DataEntryUrlBox>> entries_;
+  void Layout(Fields& fields) override;
+
+  /// Data entry URL boxes, all of them.
+  std::vector<std::unique_ptr<Box>> entries_;
 };

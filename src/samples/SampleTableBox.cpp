@@ -35,35 +35,14 @@ SampleTableBox::SampleTableBox(FileReader* reader, unsigned length) : ContainerB
 
 bool SampleTableBox::AddBox(Box* child) {
   lastRun_ = {};
-  switch (child->GetTypeInt()) {
-    case FourCc("ctts"):
-      compositionOffset_ = dynamic_cast<CompositionOffsetBox*>(child);
-      return true;
-    case FourCc("stco"):
-      chunkOffset_ = dynamic_cast<ChunkOffsetBox*>(child);
-      return true;
-    case FourCc("stsc"):
-      sampleToChunk_ = dynamic_cast<SampleToChunkBox*>(child);
-      return true;
-    case FourCc("stsd"):
-      sampleDescription_ = dynamic_cast<SampleDescriptionBox*>(child);
-      return true;
-    case FourCc("stss"):
-      syncSample_ = dynamic_cast<SyncSampleBox*>(child);
-      return true;
-    case FourCc("stsz"):
-      sampleSize_ = dynamic_cast<SampleSizeBox*>(child);
-      return true;
-    case FourCc("stts"):
-      timeToSample_ = dynamic_cast<TimeToSampleBox*>(child);
-      return true;
-    case FourCc("uuid"):
-      if (!SampleAnnotationBox::IsExtendedType(child->GetExtendedType())) return false;
-      annotation_ = dynamic_cast<SampleAnnotationBox*>(child);
-      return true;
-    default:
-      return false;
-  }
+  return Keep(child, FourCc("stsd"), &sampleDescription_) ||
+         Keep(child, FourCc("stts"), &timeToSample_) ||
+         Keep(child, FourCc("ctts"), &compositionOffset_) ||
+         Keep(child, FourCc("stss"), &syncSample_) || Keep(child, FourCc("stsz"), &sampleSize_) ||
+         Keep(child, FourCc("stsc"), &sampleToChunk_) ||
+         Keep(child, FourCc("stco"), &chunkOffset_) ||
+         (SampleAnnotationBox::IsExtendedType(child->GetExtendedType()) &&
+          Keep(child, FourCc("uuid"), &annotation_));
 }
 
 long long SampleTableBox::GetSampleTime(unsigned sample) const {

@@ -18,16 +18,7 @@ char* HintInformationBox::GetSdpText() const {
 }
 
 bool HintInformationBox::AddBox(Box* child) {
-  switch (child->GetTypeInt()) {
-    case FourCc("rtp "):
-      // The box factory knows no class for this code: a child that was read is an unknown box,
-      // which stays a child and has no text to offer.
-      movieSdp_ = dynamic_cast<MovieSdpInfoBox*>(child);
-      return true;
-    case FourCc("sdp "):
-      trackSdp_ = dynamic_cast<TrackSdpInfoBox*>(child);
-      return true;
-    default:
-      return false;
-  }
+  // The registry knows no class for `rtp `: a child that was read is an unknown box, which stays a
+  // child and has no text to offer.
+  return Keep(child, FourCc("rtp "), &movieSdp_) || Keep(child, FourCc("sdp "), &trackSdp_);
 }

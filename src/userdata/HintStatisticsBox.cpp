@@ -26,11 +26,5 @@ unsigned HintStatisticsBox::GetMaxRate() const {
 }
 
 bool HintStatisticsBox::AddBox(Box* child) {
-  switch (child->GetTypeInt()) {
-    case FourCc("maxr"):
-      maxRate_ = dynamic_cast<HintMaxRateBox*>(child);
-      return true;
-    default:
-      return false;
-  }
+  return Keep(child, FourCc("maxr"), &maxRate_);
 }

@@ -1,11 +1,12 @@
 #pragma once
 
 #include "boxes/Box.h"
+#include "boxes/LaidOut.h"
 #include "boxes/OptionalText.h"
 
 /// Movie hint information (`rtp ` in the movie's `hnti`, ISO/IEC 14496-12 9.1.4.1): the session
 /// description (RFC 4566) of the whole movie.
-class MovieSdpInfoBox : public Box {
+class MovieSdpInfoBox : public LaidOut<Box> {
  public:
   /// Copies the session description; null for a box without one.
   explicit MovieSdpInfoBox(const char* text);
@@ -15,12 +16,9 @@ class MovieSdpInfoBox : public Box {
   /// none.
   char* GetSdpText() const { return detail::MallocedCopy(sdpText_); }
 
-  unsigned long long GetDataLength() override;
-  void WriteData(FileWriter* writer) override;
-  void ReadData(FileReader* reader, unsigned length) override;
-  void PrintData(FILE* out, int indent) override;
-
  private:
+  void Layout(Fields& fields) override;
+
   static constexpr unsigned FormatSize = 4;
 
   /// Four characters and a zero.

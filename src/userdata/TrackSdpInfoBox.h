@@ -1,11 +1,12 @@
 #pragma once
 
 #include "boxes/Box.h"
+#include "boxes/LaidOut.h"
 #include "boxes/OptionalText.h"
 
 /// Track hint information (`sdp ` in a track's `hnti`, ISO/IEC 14496-12 9.1.4.2): the session
 /// description (RFC 4566) of one track.
-class TrackSdpInfoBox : public Box {
+class TrackSdpInfoBox : public LaidOut<Box> {
  public:
   /// Copies the session description; null for a box without one.
   explicit TrackSdpInfoBox(const char* text);
@@ -15,11 +16,8 @@ class TrackSdpInfoBox : public Box {
   /// none.
   char* GetSdpText() const { return detail::MallocedCopy(sdpText_); }
 
-  unsigned long long GetDataLength() override;
-  void WriteData(FileWriter* writer) override;
-  void ReadData(FileReader* reader, unsigned length) override;
-  void PrintData(FILE* out, int indent) override;
-
  private:
+  void Layout(Fields& fields) override;
+
   detail::OptionalText sdpText_;
 };

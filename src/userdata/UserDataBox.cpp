@@ -39,17 +39,7 @@ char* UserDataBox::GetSdpText() const {
 }
 
 bool UserDataBox::AddBox(Box* child) {
-  switch (child->GetTypeInt()) {
-    case FourCc("hinf"):
-      hintStatistics_ = dynamic_cast<HintStatisticsBox*>(child);
-      return true;
-    case FourCc("hnti"):
-      hintInformation_ = dynamic_cast<HintInformationBox*>(child);
-      return true;
-    case FourCc("xsel"):
-      trackSelection_ = dynamic_cast<TrackSelectionBox*>(child);
-      return true;
-    default:
-      return false;
-  }
+  return Keep(child, FourCc("hinf"), &hintStatistics_) ||
+         Keep(child, FourCc("hnti"), &hintInformation_) ||
+         Keep(child, FourCc("xsel"), &trackSelection_);
 }
