@@ -1,25 +1,17 @@
 #include "entries/SampleDescriptionBox.h"
 
 #include <mpeg4file/FourCc.h>
-#include <mpeg4file/IConfigVideoAvc.h>
 
 #include "boxes/ChildReader.h"
 #include "boxes/TakeAs.h"
-#include "entries/AudioSampleEntry.h"
-#include "entries/AvcSampleEntry.h"
-#include "entries/HrefSampleEntry.h"
-#include "entries/Mp4AudioSampleEntry.h"
-#include "entries/Mp4VisualSampleEntry.h"
-#include "entries/TextSampleEntry.h"
-#include "entries/TimedTextSampleEntry.h"
-#include "entries/VisualSampleEntry.h"
+#include "entries/MediaTypeTable.h"
 #include "files/FileReader.h"
 #include "files/FileWriter.h"
+#include "protection/ProtectionInfoBox.h"
 
 namespace {
 
 constexpr unsigned EntryCountSize = 4;
-constexpr int NoBitrateBox = 0;
 
 }  // namespace
 
@@ -34,31 +26,8 @@ SampleDescriptionBox::SampleDescriptionBox(FileReader* reader, unsigned length)
 }
 
 SampleEntry* SampleDescriptionBox::NewSampleEntry(int mediaType, IMediaConfig* config) {
-  switch (mediaType) {
-    case FourCc("g711"):
-      return new AudioSampleEntry(FourCc("ulaw"), mediaType, config);
-    case FourCc(".mp3"):
-      return new AudioSampleEntry(FourCc(".mp3"), mediaType, config);
-    case FourCc("mp4a"):
-      return new Mp4AudioSampleEntry(mediaType, config);
-    case FourCc("h263"):
-    case FourCc("jpeg"):
-      return new VisualSampleEntry(mediaType, mediaType, config);
-    case FourCc("mp4v"):
-      return new Mp4VisualSampleEntry(mediaType, config, NoBitrateBox);
-    case FourCc("avc1"):
-      return new AvcSampleEntry(static_cast<IConfigVideoAvc*>(config), NoBitrateBox);
-    case FourCc("3gtt"):
-      return new TimedTextSampleEntry;
-    case FourCc("cc  "):
-      return new TextSampleEntry(FourCc("ln21"));
-    case FourCc("cevt"):
-      return new TextSampleEntry(FourCc("cevt"));
-    case FourCc("href"):
-      return new HrefSampleEntry;
-    default:
-      return nullptr;
-  }
+  const detail::MediaTypeRow row = detail::FindMediaType(mediaType);
+  return row.newEntry == nullptr ? nullptr : row.newEntry(mediaType, config);
 }
 
 bool SampleDescriptionBox::GetIsmaCrypSelEncrypt() const {

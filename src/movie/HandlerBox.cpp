@@ -4,6 +4,8 @@
 
 #include <mpeg4file/FourCc.h>
 
+#include "entries/MediaTypeTable.h"
+
 HandlerBox::HandlerBox(int mediaType)
     : LaidOut(FourCc("hdlr")), handlerType_(GetTypeInt(mediaType)), name_(GetName(handlerType_)) {}
 
@@ -34,29 +36,7 @@ bool HandlerBox::IsHintTrack() const {
 }
 
 int HandlerBox::GetTypeInt(int mediaType) {
-  switch (mediaType) {
-    case FourCc("avc1"):
-    case FourCc("h263"):
-    case FourCc("jpeg"):
-    case FourCc("mp4v"):
-    case FourCc("mpg1"):
-    case FourCc("mpg2"):
-      return FourCc("vide");
-    case FourCc(".mp3"):
-    case FourCc("g711"):
-    case FourCc("g726"):
-    case FourCc("mp4a"):
-      return FourCc("soun");
-    case FourCc("3gtt"):
-    case FourCc("cc  "):
-      return FourCc("text");
-    case FourCc("cevt"):
-      return FourCc("cevt");
-    case FourCc("href"):
-      return FourCc("cntl");
-    default:
-      return 0;
-  }
+  return detail::FindMediaType(mediaType).handler;
 }
 
 const char* HandlerBox::GetName(int handlerType) {

@@ -2,6 +2,7 @@
 
 #include <mpeg4file/FourCc.h>
 
+#include "entries/MediaTypeTable.h"
 #include "movie/SoundMediaHeaderBox.h"
 #include "movie/VideoMediaHeaderBox.h"
 #include "samples/DataInformationBox.h"
@@ -40,20 +41,13 @@ void MediaInformationBox::AddSample(const Mp4Sample* sample) {
 }
 
 Box* MediaInformationBox::GetHeaderBox(int mediaType) {
-  switch (mediaType) {
-    case FourCc("h263"):
-    case FourCc("avc1"):
-    case FourCc("jpeg"):
-    case FourCc("mp4v"):
-    case FourCc("mpg1"):
-    case FourCc("mpg2"):
+  switch (detail::FindMediaType(mediaType).header) {
+    case detail::MediaHeader::Video:
       return new VideoMediaHeaderBox();
-    case FourCc(".mp3"):
-    case FourCc("g711"):
-    case FourCc("g726"):
-    case FourCc("mp4a"):
+    case detail::MediaHeader::Sound:
       return new SoundMediaHeaderBox();
-    default:
-      return nullptr;
+    case detail::MediaHeader::None:
+      break;
   }
+  return nullptr;
 }

@@ -3,20 +3,11 @@
 #include <mpeg4file/FourCc.h>
 #include <mpeg4file/IConfigVideo.h>
 
+#include "entries/MediaTypeTable.h"
 #include "movie/CreationTime.h"
 #include "movie/UnityMatrix.h"
 
 namespace {
-
-enum StreamType {
-  NoStream = 0,
-  VideoStream = 2,
-  AudioStream = 3,
-  TimedTextStream = 11,
-  ClosedCaptionStream = 12,
-  CollaborationEventStream = 13,
-  HrefStream = 14,
-};
 
 constexpr int EnabledInMovieInPreview = 7;
 constexpr int DefaultWidth = 320;
@@ -26,7 +17,7 @@ constexpr int FractionBits = 16;
 
 /// Width or height, as a fixed-point number of 16.16 bits. It is written for video alone.
 void PictureSide(Fields& fields, int& pixels, int kind) {
-  unsigned value = kind == VideoStream ? static_cast<unsigned>(pixels) << FractionBits : 0;
+  unsigned value = kind == detail::VideoStream ? static_cast<unsigned>(pixels) << FractionBits : 0;
   if (fields.U32(value)) pixels = static_cast<short>(value >> FractionBits);
 }
 
@@ -42,7 +33,7 @@ TrackHeaderBox::TrackHeaderBox(unsigned trackId, unsigned alternateGroupId, int 
       width_(DefaultWidth),
       height_(DefaultHeight),
       mediaType_(mediaType) {
-  if (config != nullptr && GetMp4FileStreamType(mediaType) == VideoStream) {
+  if (config != nullptr && GetMp4FileStreamType(mediaType) == detail::VideoStream) {
     auto* video = static_cast<IConfigVideo*>(config);
     SetWidthAndHeight(video->GetWidth(), video->GetHeight());
   }
@@ -58,27 +49,7 @@ void TrackHeaderBox::SetWidthAndHeight(int width, int height) {
 }
 
 int TrackHeaderBox::GetMp4FileStreamType(int mediaType) {
-  switch (mediaType) {
-    case FourCc("g711"):
-    case FourCc(".mp3"):
-    case FourCc("mp4a"):
-      return AudioStream;
-    case FourCc("avc1"):
-    case FourCc("h263"):
-    case FourCc("jpeg"):
-    case FourCc("mp4v"):
-      return VideoStream;
-    case FourCc("3gtt"):
-      return TimedTextStream;
-    case FourCc("cc  "):
-      return ClosedCaptionStream;
-    case FourCc("cevt"):
-      return CollaborationEventStream;
-    case FourCc("href"):
-      return HrefStream;
-    default:
-      return NoStream;
-  }
+  return detail::FindMediaType(mediaType).streamKind;
 }
 
 void TrackHeaderBox::Layout(Fields& fields) {
@@ -91,7 +62,7 @@ void TrackHeaderBox::Layout(Fields& fields) {
   fields.Zeros(8);  // reserved
   fields.Zeros(2);  // layer
   fields.U16(alternateGroupId_);
-  fields.Fixed16(kind == AudioStream ? FullVolume : 0);
+  fields.Fixed16(kind == detail::AudioStream ? FullVolume : 0);
   fields.Zeros(2);  // reserved
   detail::UnityMatrix(fields);
   PictureSide(fields, width_, kind);

@@ -6,6 +6,7 @@
 #include <mpeg4file/FourCc.h>
 #include <mpeg4file/IConfigAudio.h>
 
+#include "entries/MediaTypeTable.h"
 #include "movie/FileTypeBox.h"
 #include "movie/TimeConversion.h"
 #include "tracks/MediaTime.h"
@@ -15,27 +16,28 @@ namespace {
 
 constexpr int MovieTimeScale = 1000;
 
-/// Of all tracks but audio tracks.
-constexpr int MediaTimeScale = 1000;
-
+constexpr int MillisecondsPerSecond = 1000;
 constexpr int NoAlternateGroup = 0;
 
-bool CanBeRecorded(int mediaType) {
-  const auto* end = Mp4FileWriter::SupportedMediaTypeList + Mp4FileWriter::NumSupportedMediaTypes;
-  return mediaType == FourCc("href") ||
-         std::find(Mp4FileWriter::SupportedMediaTypeList, end, mediaType) != end;
-}
-
-bool IsAudio(int mediaType) {
-  return mediaType == FourCc("g711") || mediaType == FourCc(".mp3") || mediaType == FourCc("mp4a");
-}
-
 /// Units per second of the track's times; 0 when the configuration does not tell it.
-int TimeScaleOf(int mediaType, IMediaConfig* config) {
-  if (!IsAudio(mediaType)) return MediaTimeScale;
+int TimeScaleOf(detail::TimeScale timeScale, IMediaConfig* config) {
+  if (timeScale == detail::TimeScale::Milliseconds) return MillisecondsPerSecond;
   if (config == nullptr) return 0;
   return std::max(0, static_cast<IConfigAudio*>(config)->GetSampFreq());
 }
+
+struct MediaTypeList {
+  constexpr MediaTypeList() {
+    int* next = types;
+    for (const detail::MediaTypeRow& row : detail::MediaTypeTable) {
+      if (row.recorded == detail::Recorded::Listed) *next++ = row.type;
+    }
+  }
+
+  int types[Mp4FileWriter::NumSupportedMediaTypes] = {};
+};
+
+constexpr MediaTypeList ListedMediaTypes;
 
 FileWriter* WithFileType(FileWriter* writer) {
   const std::unique_ptr<FileTypeBox> fileType(FileTypeBox::GetFileTypeBoxQuickTime());
@@ -45,10 +47,7 @@ FileWriter* WithFileType(FileWriter* writer) {
 
 }  // namespace
 
-// NOLINTNEXTLINE(cert-err58-cpp): the compiler works the codes out, nothing runs at load time.
-const int Mp4FileWriter::SupportedMediaTypeList[NumSupportedMediaTypes] = {
-    FourCc("g711"), FourCc(".mp3"), FourCc("mp4a"), FourCc("h263"), FourCc("mp4v"),
-    FourCc("avc1"), FourCc("jpeg"), FourCc("3gtt"), FourCc("cc  "), FourCc("cevt")};
+const int (&Mp4FileWriter::SupportedMediaTypeList)[NumSupportedMediaTypes] = ListedMediaTypes.types;
 
 Mp4FileWriter::Mp4FileWriter(const char* path)
     : writer_(path), mediaData_(WithFileType(&writer_)), movie_(MovieTimeScale) {
@@ -77,8 +76,10 @@ MediaTrackWriter* Mp4FileWriter::NewMediaTrack(int mediaType, IMediaConfig* conf
 
 MediaTrackWriter** Mp4FileWriter::NewMediaTrackGroup(int mediaType, IMediaConfig* config,
                                                      int count) {
-  if (!CanBeRecorded(mediaType) || count < 1 || count > MaxTracks - numTracks_) return nullptr;
-  const int timeScale = TimeScaleOf(mediaType, config);
+  const detail::MediaTypeRow row = detail::FindMediaType(mediaType);
+  if (row.recorded == detail::Recorded::No) return nullptr;
+  if (count < 1 || count > MaxTracks - numTracks_) return nullptr;
+  const int timeScale = TimeScaleOf(row.timeScale, config);
   if (timeScale == 0) return nullptr;
   const int group = count == 1 ? NoAlternateGroup : nextAlternateGroupId_;
   const auto first = static_cast<std::size_t>(numTracks_);

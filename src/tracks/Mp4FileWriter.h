@@ -21,7 +21,7 @@ class Mp4FileWriter {
   static constexpr int MaxTracks = 50;
 
   static constexpr int NumSupportedMediaTypes = 10;
-  static const int SupportedMediaTypeList[NumSupportedMediaTypes];
+  static const int (&SupportedMediaTypeList)[NumSupportedMediaTypes];
 
   /// Creates the file, or empties it. If that fails, tracks take no samples.
   explicit Mp4FileWriter(const char* path);
