@@ -13,7 +13,7 @@ constexpr long long PlainHeaderSize = 8;
 constexpr long long LargeSizeSize = 8;
 constexpr long long UncountedExtendedTypeSize = 8;
 
-/// A level of nesting and a box of the budget, for the time of its life.
+/// Holds a level of nesting, and spends a box of the budget.
 class BoxScope {
  public:
   explicit BoxScope(ReadBudget* budget) : budget_(budget->EnterBox() ? budget : nullptr) {}

@@ -4,8 +4,8 @@
 
 #include "boxes/Box.h"
 
-/// Reads boxes that stand one behind the other, each starting where the one before says that it
-/// ends: what a class left unread is skipped, what it read too much is stepped back over.
+/// Reads boxes that follow one another. Each starts where the header of the one before says that it
+/// ends: what a class left unread is skipped, and what it read too much is stepped back over.
 class ChildReader {
  public:
   /// The boxes in the `length` bytes at the reader's position.

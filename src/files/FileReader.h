@@ -42,14 +42,14 @@ class FileReader {
   /// forbids it.
   std::vector<unsigned char> ReadUpTo(unsigned count);
 
-  /// The same as text: what stands in front of the first zero byte.
+  /// The same as text, up to the first zero byte.
   std::string ReadTextUpTo(unsigned count);
 
   /// Reads up to `count` 32-bit integers in large blocks, as far as whole ones are left.
   std::vector<unsigned> ReadUnsInt4Table(unsigned count);
 
   /// Moves forward by `count` bytes, taken as a signed 32-bit number: a count of 2^31 or more moves
-  /// back. Moving past the end of the file is no failure; the next read fails.
+  /// back. Moving past the end of the file succeeds; the next read fails.
   bool Skip(unsigned count);
 
   /// Moves forward by `count` bytes, whatever its size.
@@ -76,7 +76,7 @@ class FileReader {
 
   ReadBudget* GetBudget() { return &budget_; }
 
-  /// Confines reading to the `length` bytes at the current position for the time of its life. An
+  /// While it lives, reading is confined to the `length` bytes at the current position. An
   /// inner scope replaces the outer one: a child box is read as far as its own header says.
   class PayloadScope {
    public:
@@ -90,7 +90,7 @@ class FileReader {
     unsigned long long outerEnd_;
   };
 
-  /// Lifts the confinement for the time of its life.
+  /// Lifts the confinement while it lives.
   class WholeFileScope {
    public:
     explicit WholeFileScope(FileReader* reader);

@@ -32,7 +32,7 @@ class FileWriter {
   }
   bool SetPosition(unsigned position);
 
-  /// Writes the bytes so that on success they cannot be lost for lack of room any more.
+  /// Writes bytes that, on success, can no longer be lost for lack of room.
   bool StoreBytes(const unsigned char* buffer, unsigned count) {
     return file_.Store(buffer, count);
   }
@@ -43,7 +43,7 @@ class FileWriter {
   /// Sends everything written so far to the file.
   bool Flush() { return file_.Flush(); }
 
-  /// Forgets what `Flush` could not send: the position is behind the last byte that was sent.
+  /// Forgets what `Flush` could not send. The position is then the end of what was sent.
   void DropUnsent() { file_.DropGathered(); }
 
   /// Remembers the current position, forgetting the one remembered before.

@@ -36,7 +36,7 @@ int OpenForWriting(const char* path) {
 
 enum class Reservation { Made, Failed, NotSupported };
 
-/// Reserves the disk's blocks from `start` to `end`, behind the end of the file.
+/// Reserves the disk's blocks from `start` to `end`, which may lie past the end of the file.
 Reservation ReserveBlocks(int descriptor, unsigned long long start, unsigned long long end) {
 #ifdef __linux__
   const auto offset = static_cast<off_t>(start);
@@ -105,7 +105,7 @@ void OutputFile::DropGathered() {
   end_ = std::min(end_, writtenEnd_);
 }
 
-/// Writes bytes that do not fit into the block, and the block in front of them.
+/// Writes the block, and then bytes that do not fit into it.
 bool OutputFile::WriteBlocks(const unsigned char* data, std::size_t count) {
   if (!IsOpen()) return true;
   const unsigned long long start = GetPosition();

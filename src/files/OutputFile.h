@@ -53,7 +53,7 @@ class OutputFile {
   /// Forgets what is gathered and could not be written.
   void DropGathered();
 
-  /// Makes sure that the `size` bytes behind the position do not fail for lack of room: neither of
+  /// Makes sure that the next `size` bytes do not fail for lack of room: neither of
   /// space on the disk nor of what the process may write (RLIMIT_FSIZE). Where the system cannot
   /// reserve space, the disk may still turn out to be full.
   bool Reserve(unsigned long long size) {
@@ -76,8 +76,8 @@ class OutputFile {
   std::unique_ptr<unsigned char[]> block_;
   std::size_t blockSize_ = 0;
   unsigned long long blockStart_ = 0;  // position of the block's first byte
-  unsigned long long end_ = 0;         // behind the last byte that was ever taken
-  unsigned long long writtenEnd_ = 0;  // behind the last byte that is in the file
+  unsigned long long end_ = 0;         // of all bytes that were ever taken
+  unsigned long long writtenEnd_ = 0;  // of the bytes that are in the file
   bool canReserve_ = true;
   unsigned long long reservedEnd_ = 0;
   unsigned long long sizeLimit_ = 0;

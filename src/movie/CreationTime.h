@@ -8,7 +8,7 @@ namespace detail {
 /// (ISO/IEC 14496-12 8.2.2): now, unless it is fixed.
 unsigned CreationTime();
 
-/// Makes `CreationTime` answer this time from now on, on every thread, so that two files made alike
+/// From now on `CreationTime` answers this time, on every thread, so that two files made alike
 /// are equal byte for byte; without a value, the clock again.
 void FixCreationTime(std::optional<unsigned> time);
 

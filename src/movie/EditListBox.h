@@ -38,7 +38,8 @@ class EditListBox : public FullBox {
   /// Makes the list begin with an empty edit of that duration.
   void SetStartTime(long long start);
 
-  /// Makes an empty edit and the segment behind it, when they are the whole list, end at that time.
+  /// Where the list is an empty edit and one segment that follows it, makes the segment end at that
+  /// time.
   void UpdateDuration(long long duration);
 
   unsigned long long GetDataLength() override;

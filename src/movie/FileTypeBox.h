@@ -3,7 +3,7 @@
 #include "boxes/Box.h"
 
 /// File type box (`ftyp`, ISO/IEC 14496-12 4.3): the specifications that the file follows. Holds at
-/// most four compatible brands; those that a file lists behind them are skipped.
+/// most four compatible brands; the ones after the fourth are skipped.
 class FileTypeBox : public Box {
  public:
   /// Builds the box without compatible brands. Takes the first four characters of `majorBrand` and

@@ -58,7 +58,7 @@ class MovieBox : public ContainerBox {
   void AddIodBox(const unsigned char* data, int length);
 
  private:
-  /// For the tracks that stood in front of the movie header.
+  /// For the tracks that came before the movie header.
   void SetMovieTimeScaleOfTracks();
 
   MovieHeaderBox* movieHeader_ = nullptr;

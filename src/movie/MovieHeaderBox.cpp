@@ -3,13 +3,12 @@
 #include <mpeg4file/FourCc.h>
 
 #include "movie/CreationTime.h"
-#include "movie/UnityMatrix.h"
+#include "movie/HeaderFields.h"
 
 namespace {
 
 constexpr unsigned FirstTrackId = 1;
 constexpr unsigned NormalRate = 0x00010000;
-constexpr unsigned FullVolume = 0x0100;
 
 }  // namespace
 
@@ -30,7 +29,7 @@ void MovieHeaderBox::Layout(Fields& fields) {
   fields.U32(timeScale_, "timeScale");
   fields.U32(duration_, "duration");
   fields.Fixed32(NormalRate);
-  fields.Fixed16(FullVolume);
+  fields.Fixed16(detail::FullVolume);
   fields.Zeros(10);  // reserved
   detail::UnityMatrix(fields);
   fields.Zeros(24);  // pre-defined

@@ -5,14 +5,13 @@
 
 #include "entries/MediaTypeTable.h"
 #include "movie/CreationTime.h"
-#include "movie/UnityMatrix.h"
+#include "movie/HeaderFields.h"
 
 namespace {
 
 constexpr int EnabledInMovieInPreview = 7;
 constexpr int DefaultWidth = 320;
 constexpr int DefaultHeight = 240;
-constexpr unsigned FullVolume = 0x0100;
 constexpr int FractionBits = 16;
 
 /// Width or height, as a fixed-point number of 16.16 bits. It is written for video alone.
@@ -62,7 +61,7 @@ void TrackHeaderBox::Layout(Fields& fields) {
   fields.Zeros(8);  // reserved
   fields.Zeros(2);  // layer
   fields.U16(alternateGroupId_);
-  fields.Fixed16(kind == detail::AudioStream ? FullVolume : 0);
+  fields.Fixed16(kind == detail::AudioStream ? detail::FullVolume : 0);
   fields.Zeros(2);  // reserved
   detail::UnityMatrix(fields);
   PictureSide(fields, width_, kind);

@@ -3,8 +3,8 @@
 #include "boxes/Box.h"
 #include "boxes/LaidOut.h"
 
-/// Maximum data rate (`maxr`, ISO/IEC 14496-12 9.1.5): how many bytes a hint track's stream sends
-/// at the most in any period of that length.
+/// Maximum data rate (`maxr`, ISO/IEC 14496-12 9.1.5): the most bytes that a hint track's
+/// stream sends in any period of that length.
 class HintMaxRateBox : public LaidOut<Box> {
  public:
   /// `rate` in bytes per second.

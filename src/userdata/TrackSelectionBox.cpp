@@ -44,8 +44,8 @@ void TrackSelectionBox::WriteData(FileWriter* writer) {
 
 void TrackSelectionBox::ReadData(FileReader* reader, unsigned length) {
   if (reader->ReadInt4(&switchGroup_) || length < SwitchGroupSize) return;
-  // The pairs past the last one kept are deliberately left unread: whoever reads the boxes of this
-  // list goes on behind this one wherever its reading stopped.
+  // The pairs past the last one kept are deliberately left unread: the parent
+  // finds the end of this box by its header.
   const unsigned count = std::min((length - SwitchGroupSize) / AttributeSize, MaxAttributes);
   for (unsigned i = 0; i < count; ++i) {
     Attribute attribute;

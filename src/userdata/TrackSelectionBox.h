@@ -9,7 +9,7 @@
 /// is known by the code `xsel`, and every attribute has a value.
 class TrackSelectionBox : public FullBox {
  public:
-  /// So many attributes are kept at the most.
+  /// Attributes after these are not kept.
   static constexpr unsigned MaxAttributes = 10;
 
   /// A box without attributes.

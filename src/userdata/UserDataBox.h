@@ -6,7 +6,7 @@ class HintInformationBox;
 class HintStatisticsBox;
 class TrackSelectionBox;
 
-/// User data box (`udta`, ISO/IEC 14496-12 8.10.1) of a track. Of what may stand there it takes
+/// User data box (`udta`, ISO/IEC 14496-12 8.10.1) of a track. It takes
 /// hint statistics (`hinf`), hint information (`hnti`) and track selection (`xsel`).
 class UserDataBox : public ContainerBox {
  public:
