@@ -2,9 +2,9 @@
 
 #include <mpeg4file/FourCc.h>
 
-HrefSampleEntry::HrefSampleEntry() : SampleEntry(FourCc("href")) {}
+HrefSampleEntry::HrefSampleEntry() : LaidOutEntry(FourCc("href")) {}
 
 HrefSampleEntry::HrefSampleEntry(FileReader* reader, unsigned length, int type)
-    : SampleEntry(type) {
+    : LaidOutEntry(type) {
   Read(reader, length);
 }

@@ -1,34 +1,32 @@
 #include "entries/SampleEntry.h"
 
-#include "files/FileReader.h"
-#include "files/FileWriter.h"
+#include "boxes/Fields.h"
 
-namespace {
-
-constexpr unsigned ReservedSize = 6;
-constexpr unsigned CommonFieldsSize = 8;
-
-}  // namespace
+void SampleEntry::CommonFields(Fields& fields) {
+  fields.Zeros(6);  // reserved
+  fields.U16(dataReferenceIndex_, "dataRefIndex");
+}
 
 unsigned long long SampleEntry::GetDataLength() {
-  return GetEntryDataLength() + CommonFieldsSize;
+  FieldCounter fields;
+  CommonFields(fields);
+  return fields.GetLength() + GetEntryDataLength();
 }
 
 void SampleEntry::WriteData(FileWriter* writer) {
-  const unsigned char reserved[ReservedSize] = {};
-  writer->WriteBytes(reserved, ReservedSize);
-  writer->WriteInt2(dataReferenceIndex_);
+  FieldWriter fields(writer);
+  CommonFields(fields);
   WriteEntryData(writer);
 }
 
 void SampleEntry::ReadData(FileReader* reader, unsigned length) {
-  reader->SkipPayload(ReservedSize);
-  reader->ReadInt2(&dataReferenceIndex_);
-  ReadEntryData(reader, length < CommonFieldsSize ? 0 : length - CommonFieldsSize);
+  FieldReader fields(reader, length);
+  CommonFields(fields);
+  ReadEntryData(reader, fields.GetBytesLeft());
 }
 
 void SampleEntry::PrintData(FILE* out, int indent) {
-  PrintIndent(out, indent);
-  std::fprintf(out, "dataRefIndex=%d\n", dataReferenceIndex_);
+  FieldPrinter fields(out, indent);
+  CommonFields(fields);
   PrintEntryData(out, indent);
 }

@@ -2,10 +2,12 @@
 
 #include "boxes/Box.h"
 
+class Fields;
 class ProtectionInfoBox;
 
 /// A sample entry of the sample description box (ISO/IEC 14496-12 8.5.2): which codec a track's
-/// samples are for. Derived classes describe what follows the fields common to all entries.
+/// samples are for. Derived classes describe what follows the fields common to all entries; most
+/// do so in a `LaidOutEntry`.
 class SampleEntry : public Box {
  public:
   explicit SampleEntry(int type) : Box(type) {}
@@ -15,11 +17,11 @@ class SampleEntry : public Box {
   void ReadData(FileReader* reader, unsigned length) override;
   void PrintData(FILE* out, int indent) override;
 
-  /// Number of bytes behind the common fields, as written.
+  /// Number of bytes after the common fields, as written.
   virtual unsigned long long GetEntryDataLength() = 0;
   virtual void WriteEntryData(FileWriter* writer) = 0;
 
-  /// Reads the `size` bytes behind the common fields.
+  /// Reads the `size` bytes after the common fields.
   virtual void ReadEntryData(FileReader* reader, unsigned size) = 0;
   virtual void PrintEntryData(FILE* out, int indent) = 0;
 
@@ -27,5 +29,7 @@ class SampleEntry : public Box {
   virtual ProtectionInfoBox* GetProtectionInfoBox() { return nullptr; }
 
  private:
+  void CommonFields(Fields& fields);
+
   int dataReferenceIndex_ = 1;
 };

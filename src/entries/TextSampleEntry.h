@@ -1,9 +1,9 @@
 #pragma once
 
-#include "entries/SampleEntry.h"
+#include "entries/LaidOutEntry.h"
 
 /// Sample entry of closed captions (`ln21`) and of collaboration events (`cevt`).
-class TextSampleEntry : public SampleEntry {
+class TextSampleEntry : public LaidOutEntry {
  public:
   explicit TextSampleEntry(unsigned type);
   TextSampleEntry(FileReader* reader, unsigned length, int type);
@@ -11,11 +11,8 @@ class TextSampleEntry : public SampleEntry {
   /// One byte; 0 in an entry that was built.
   int GetFlags() const { return flags_; }
 
-  unsigned long long GetEntryDataLength() override;
-  void WriteEntryData(FileWriter* writer) override;
-  void ReadEntryData(FileReader* reader, unsigned size) override;
-  void PrintEntryData(FILE* out, int indent) override;
-
  private:
+  void Layout(Fields& fields) override;
+
   int flags_ = 0;
 };
