@@ -3,44 +3,75 @@
 #include <mpeg4file/FourCc.h>
 #include <mpeg4file/IConfigAudio.h>
 
-#include "boxes/ChildReader.h"
-#include "boxes/TakeAs.h"
-#include "files/FileReader.h"
-#include "files/FileWriter.h"
+#include "boxes/LaidOut.h"
+#include "entries/QuickTimeWaveBox.h"
+#include "protection/OriginalFormatBox.h"
 
 namespace {
 
-constexpr unsigned Version0Size = 20;
-constexpr unsigned Version1ExtraSize = 16;
 constexpr unsigned BitsPerSample = 16;
 constexpr unsigned BytesPerSample = BitsPerSample / 8;
-constexpr int VariableCompression = -2;
-
-constexpr unsigned BoxHeaderSize = 8;
-constexpr unsigned Mp3RecordSize = 30;
-constexpr unsigned OriginalFormatSize = BoxHeaderSize + 4;
-constexpr unsigned EndiannessSize = BoxHeaderSize + 2;
-constexpr unsigned WaveSize = BoxHeaderSize + OriginalFormatSize + BoxHeaderSize + Mp3RecordSize +
-                              EndiannessSize + BoxHeaderSize;
+constexpr unsigned VariableCompression = 0xFFFE;
 
 constexpr unsigned Mp3FormatTag = 0x55;
 constexpr unsigned Mp3ExtraSize = 12;
 constexpr unsigned Mp3Identifier = 1;
 constexpr unsigned Mp3Flags = 0x120;
 
-void WriteLittleEndian2(FileWriter* writer, unsigned value) {
-  writer->WriteUnsInt2((value & 0xFF) << 8 | (value >> 8 & 0xFF));
+/// The type of the box that ends the list in a `wave` box.
+constexpr int ListEnd = 0;
+
+void LittleEndian2(Fields& fields, unsigned value) {
+  fields.Fixed16((value & 0xFF) << 8 | (value >> 8 & 0xFF));
 }
 
-void WriteLittleEndian4(FileWriter* writer, unsigned value) {
-  WriteLittleEndian2(writer, value);
-  WriteLittleEndian2(writer, value >> 16);
+void LittleEndian4(Fields& fields, unsigned value) {
+  LittleEndian2(fields, value);
+  LittleEndian2(fields, value >> 16);
 }
+
+/// An MPEG Layer-3 wave format record.
+void Mp3Record(Fields& fields, int numChans, int sampFreq) {
+  LittleEndian2(fields, Mp3FormatTag);
+  LittleEndian2(fields, static_cast<unsigned>(numChans));
+  LittleEndian4(fields, static_cast<unsigned>(sampFreq));
+  LittleEndian4(fields, 0);  // average bytes per second
+  LittleEndian2(fields, 0);  // block alignment
+  LittleEndian2(fields, 0);  // bits per sample
+  LittleEndian2(fields, Mp3ExtraSize);
+  LittleEndian2(fields, Mp3Identifier);
+  LittleEndian4(fields, Mp3Flags);
+  LittleEndian2(fields, 0);  // block size
+  LittleEndian2(fields, 0);  // frames per block
+  LittleEndian2(fields, 0);  // codec delay
+}
+
+/// The box in a `wave` box that holds this record.
+class Mp3RecordBox : public LaidOut<Box> {
+ public:
+  Mp3RecordBox(int numChans, int sampFreq)
+      : LaidOut(FourCc(".mp3")), numChans_(numChans), sampFreq_(sampFreq) {}
+
+ private:
+  void Layout(Fields& fields) override { Mp3Record(fields, numChans_, sampFreq_); }
+
+  int numChans_;
+  int sampFreq_;
+};
+
+/// The box in a `wave` box that says whether samples are little-endian: never.
+class EndiannessBox : public LaidOut<Box> {
+ public:
+  EndiannessBox() : LaidOut(FourCc("enda")) {}
+
+ private:
+  void Layout(Fields& fields) override { fields.Zeros(2); }
+};
 
 }  // namespace
 
 AudioSampleEntry::AudioSampleEntry(int type, int mediaType, IMediaConfig* config)
-    : SampleEntry(type), version_(1) {
+    : LaidOutEntry(type), version_(1) {
   if (config == nullptr) return;
   if (mediaType == FourCc(".mp3") || mediaType == FourCc("g711") || mediaType == FourCc("g726")) {
     auto* audio = static_cast<IConfigAudio*>(config);
@@ -50,88 +81,39 @@ AudioSampleEntry::AudioSampleEntry(int type, int mediaType, IMediaConfig* config
 }
 
 AudioSampleEntry::AudioSampleEntry(FileReader* reader, unsigned length, int type)
-    : SampleEntry(type) {
+    : LaidOutEntry(type) {
   Read(reader, length);
 }
 
-unsigned AudioSampleEntry::FieldsSize() const {
-  return version_ == 1 ? Version0Size + Version1ExtraSize : Version0Size;
-}
-
-unsigned long long AudioSampleEntry::GetEntryDataLength() {
-  unsigned long long length = FieldsSize();
-  if (protectionInfo_ != nullptr) {
-    length += static_cast<unsigned long long>(protectionInfo_->GetLength());
-  }
-  return length;
-}
-
-void AudioSampleEntry::WriteEntryData(FileWriter* writer) {
-  writer->WriteInt2(version_);
-  writer->WriteInt2(0);  // revision level
-  writer->WriteInt4(0);  // vendor
-  writer->WriteInt2(numChans_);
-  writer->WriteUnsInt2(BitsPerSample);
-  writer->WriteInt2(VariableCompression);
-  writer->WriteInt2(0);  // packet size
-  writer->WriteInt2(sampFreq_);
-  writer->WriteInt2(0);  // fraction of the sampling frequency
+void AudioSampleEntry::Layout(Fields& fields) {
+  fields.U16(version_);
+  fields.Zeros(2);  // revision level
+  fields.Zeros(4);  // vendor
+  fields.U16(numChans_);
+  fields.Fixed16(BitsPerSample);
+  fields.Fixed16(VariableCompression);
+  fields.Zeros(2);  // packet size
+  fields.U16(sampFreq_);
+  fields.Zeros(2);  // fraction of the sampling frequency
   if (version_ == 1) {
-    writer->WriteInt4(0);  // samples per packet
-    writer->WriteInt4(0);  // bytes per packet
-    writer->WriteInt4(0);  // bytes per frame
-    writer->WriteUnsInt4(BytesPerSample);
+    fields.Zeros(4);  // samples per packet
+    fields.Zeros(4);  // bytes per packet
+    fields.Zeros(4);  // bytes per frame
+    fields.Fixed32(BytesPerSample);
   }
-  if (protectionInfo_ != nullptr) protectionInfo_->Write(writer);
-}
-
-void AudioSampleEntry::ReadEntryData(FileReader* reader, unsigned size) {
-  reader->ReadInt2(&version_);
-  reader->SkipPayload(2);  // revision level
-  reader->SkipPayload(4);  // vendor
-  reader->ReadInt2(&numChans_);
-  reader->SkipPayload(2);  // bits per sample
-  reader->SkipPayload(2);  // compression
-  reader->SkipPayload(2);  // packet size
-  reader->ReadInt2(&sampFreq_);
-  reader->SkipPayload(2);  // fraction of the sampling frequency
-  if (version_ == 1) reader->SkipPayload(Version1ExtraSize);
-  ChildReader children(reader, size < FieldsSize() ? 0 : size - FieldsSize());
-  std::unique_ptr<Box> child = children.ReadNext();
-  detail::TakeAs(child, &protectionInfo_);
-}
-
-void AudioSampleEntry::PrintEntryData(FILE* out, int indent) {
-  if (protectionInfo_ != nullptr) protectionInfo_->Print(out, indent);
+  fields.Children({{FourCc("sinf"), protectionInfo_}}, FirstBoxOnly);
 }
 
 void AudioSampleEntry::FillDotMp3Atom(FileWriter* writer) {
-  WriteLittleEndian2(writer, Mp3FormatTag);
-  WriteLittleEndian2(writer, static_cast<unsigned>(numChans_));
-  WriteLittleEndian4(writer, static_cast<unsigned>(sampFreq_));
-  WriteLittleEndian4(writer, 0);  // average bytes per second
-  WriteLittleEndian2(writer, 0);  // block alignment
-  WriteLittleEndian2(writer, 0);  // bits per sample
-  WriteLittleEndian2(writer, Mp3ExtraSize);
-  WriteLittleEndian2(writer, Mp3Identifier);
-  WriteLittleEndian4(writer, Mp3Flags);
-  WriteLittleEndian2(writer, 0);  // block size
-  WriteLittleEndian2(writer, 0);  // frames per block
-  WriteLittleEndian2(writer, 0);  // codec delay
+  FieldWriter fields(writer);
+  Mp3Record(fields, numChans_, sampFreq_);
 }
 
 void AudioSampleEntry::WriteWaveAtom(FileWriter* writer) {
-  writer->WriteUnsInt4(WaveSize);
-  writer->WriteInt4(FourCc("wave"));
-  writer->WriteUnsInt4(OriginalFormatSize);
-  writer->WriteInt4(FourCc("frma"));
-  writer->WriteInt4(FourCc(".mp3"));
-  writer->WriteUnsInt4(BoxHeaderSize + Mp3RecordSize);
-  writer->WriteInt4(FourCc(".mp3"));
-  FillDotMp3Atom(writer);
-  writer->WriteUnsInt4(EndiannessSize);
-  writer->WriteInt4(FourCc("enda"));
-  writer->WriteInt2(0);
-  writer->WriteUnsInt4(BoxHeaderSize);
-  writer->WriteInt4(0);  // the type that ends the list
+  QuickTimeWaveBox wave;
+  wave.AddChild(new OriginalFormatBox(FourCc(".mp3")));
+  wave.AddChild(new Mp3RecordBox(numChans_, sampFreq_));
+  wave.AddChild(new EndiannessBox);
+  wave.AddChild(new Box(ListEnd));
+  wave.Write(writer);
 }

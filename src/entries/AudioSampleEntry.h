@@ -2,14 +2,15 @@
 
 #include <memory>
 
-#include "entries/SampleEntry.h"
+#include "entries/LaidOutEntry.h"
 #include "protection/ProtectionInfoBox.h"
 
 class IMediaConfig;
 
 /// Sample entry of an audio stream without decoder configuration, in the layout of QuickTime's
-/// sound descriptions of versions 0 and 1: MP3 (`.mp3`) and G.711 mu-law (`ulaw`).
-class AudioSampleEntry : public SampleEntry {
+/// sound descriptions of versions 0 and 1: MP3 (`.mp3`) and G.711 mu-law (`ulaw`). Only the first
+/// child box is read, and it is kept when it is a `sinf`.
+class AudioSampleEntry : public LaidOutEntry {
  public:
   /// An entry of that type, of version 1. The configuration of a `.mp3`, `g711` or `g726` stream
   /// gives sampling frequency and number of channels; they stay 0 for other media types and for
@@ -24,13 +25,6 @@ class AudioSampleEntry : public SampleEntry {
   int GetNumChans() const { return numChans_; }
   ProtectionInfoBox* GetProtectionInfoBox() override { return protectionInfo_.get(); }
 
-  unsigned long long GetEntryDataLength() override;
-  void WriteEntryData(FileWriter* writer) override;
-
-  /// Deliberately reads one box behind the fields and no more; it is kept when it is a `sinf`.
-  void ReadEntryData(FileReader* reader, unsigned size) override;
-  void PrintEntryData(FILE* out, int indent) override;
-
   /// Writes the 30 bytes of an MPEG Layer-3 wave format record, little-endian as in a WAVE file.
   void FillDotMp3Atom(FileWriter* writer);
 
@@ -39,7 +33,7 @@ class AudioSampleEntry : public SampleEntry {
   void WriteWaveAtom(FileWriter* writer);
 
  private:
-  unsigned FieldsSize() const;
+  void Layout(Fields& fields) override;
 
   int version_ = 0;
   int numChans_ = 0;

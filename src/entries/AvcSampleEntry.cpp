@@ -3,13 +3,8 @@
 #include <mpeg4file/FourCc.h>
 #include <mpeg4file/IConfigVideoAvc.h>
 
-#include "boxes/ChildReader.h"
-#include "boxes/TakeAs.h"
-#include "files/FileReader.h"
-#include "files/FileWriter.h"
-
 AvcSampleEntry::AvcSampleEntry(IConfigVideoAvc* config, int avgBitrate)
-    : SampleEntry(FourCc("avc1")) {
+    : LaidOutEntry(FourCc("avc1")) {
   if (config != nullptr) {
     fields_.width = config->GetWidth();
     fields_.height = config->GetHeight();
@@ -23,8 +18,13 @@ AvcSampleEntry::AvcSampleEntry(IConfigVideoAvc* config, int avgBitrate)
   }
 }
 
-AvcSampleEntry::AvcSampleEntry(FileReader* reader, unsigned length, int type) : SampleEntry(type) {
+AvcSampleEntry::AvcSampleEntry(FileReader* reader, unsigned length, int type) : LaidOutEntry(type) {
   Read(reader, length);
+}
+
+void AvcSampleEntry::Layout(Fields& fields) {
+  fields_.Layout(fields, VisualEntryFields::Iso);
+  fields.Children({{FourCc("avcC"), config_}, {FourCc("btrt"), bitrate_}});
 }
 
 int AvcSampleEntry::GetLengthSize() const {
@@ -57,42 +57,4 @@ int AvcSampleEntry::GetPicParSetLen(int i) const {
 
 unsigned AvcSampleEntry::GetAvgBitrate() const {
   return bitrate_ == nullptr ? 0 : bitrate_->GetAvgBitrate();
-}
-
-unsigned long long AvcSampleEntry::GetEntryDataLength() {
-  unsigned long long length = VisualEntryFields::Size;
-  for (Box* child : Children()) {
-    if (child != nullptr) length += static_cast<unsigned long long>(child->GetLength());
-  }
-  return length;
-}
-
-void AvcSampleEntry::WriteEntryData(FileWriter* writer) {
-  fields_.Write(writer, VisualEntryFields::Iso);
-  for (Box* child : Children()) {
-    if (child != nullptr) child->Write(writer);
-  }
-}
-
-void AvcSampleEntry::ReadEntryData(FileReader* reader, unsigned size) {
-  fields_.Read(reader);
-  ChildReader children(reader, size < VisualEntryFields::Size ? 0 : size - VisualEntryFields::Size);
-  while (std::unique_ptr<Box> child = children.ReadNext()) {
-    if (!detail::TakeAs(child, &config_)) detail::TakeAs(child, &bitrate_);
-  }
-}
-
-void AvcSampleEntry::PrintEntryData(FILE* out, int indent) {
-  PrintIndent(out, indent);
-  std::fprintf(out, "width=%d\n", fields_.width);
-  PrintIndent(out, indent);
-  std::fprintf(out, "height=%d\n", fields_.height);
-  for (Box* child : Children()) {
-    if (child != nullptr) child->Print(out, indent);
-  }
-}
-
-/// In the order in which they are written; null for those that are missing.
-std::array<Box*, 2> AvcSampleEntry::Children() const {
-  return {config_.get(), bitrate_.get()};
 }

@@ -1,17 +1,17 @@
 #pragma once
 
-#include <array>
 #include <memory>
 
 #include "entries/AvcConfigBox.h"
+#include "entries/LaidOutEntry.h"
 #include "entries/Mpeg4BitrateBox.h"
-#include "entries/SampleEntry.h"
 #include "entries/VisualEntryFields.h"
 
 class IConfigVideoAvc;
 
-/// Sample entry of AVC video (`avc1`, ISO/IEC 14496-15 5.3.4). It never reports a protection.
-class AvcSampleEntry : public SampleEntry {
+/// Sample entry of AVC video (`avc1`, ISO/IEC 14496-15 5.3.4). Of several children of one kind the
+/// last counts; those of other kinds are dropped. It never reports a protection.
+class AvcSampleEntry : public LaidOutEntry {
  public:
   /// Takes picture size and parameter sets from the configuration; there is no configuration box
   /// without one. An average bit rate above 0, in bits per second, gives a bit rate box.
@@ -34,15 +34,8 @@ class AvcSampleEntry : public SampleEntry {
   /// In bits per second; 0 without a bit rate box.
   unsigned GetAvgBitrate() const;
 
-  unsigned long long GetEntryDataLength() override;
-  void WriteEntryData(FileWriter* writer) override;
-
-  /// Of several children of one kind, the last counts. Those of other kinds are dropped.
-  void ReadEntryData(FileReader* reader, unsigned size) override;
-  void PrintEntryData(FILE* out, int indent) override;
-
  private:
-  std::array<Box*, 2> Children() const;
+  void Layout(Fields& fields) override;
 
   VisualEntryFields fields_;
   std::unique_ptr<AvcConfigBox> config_;

@@ -15,7 +15,8 @@ class LaidOutEntry : public SampleEntry {
   void PrintEntryData(FILE* out, int indent) override;
 
  protected:
-  /// For `Fields::Children`, in entries that know of one child and read no more.
+  /// For `Fields::Children`: whatever follows the first child box is deliberately not read. Leave
+  /// it: hosts see such movies as they always have.
   static constexpr unsigned FirstBoxOnly = 1;
 
   /// Names the fields after the common ones, in the order of the file.

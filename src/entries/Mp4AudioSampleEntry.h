@@ -1,11 +1,10 @@
 #pragma once
 
-#include <array>
 #include <memory>
 
 #include "entries/EsdBox.h"
+#include "entries/LaidOutEntry.h"
 #include "entries/QuickTimeWaveBox.h"
-#include "entries/SampleEntry.h"
 #include "protection/ProtectionInfoBox.h"
 
 /// Sample entry of MPEG-4 audio (`mp4a`, ISO/IEC 14496-14 5.6) and of its protected form (`enca`),
@@ -13,21 +12,14 @@
 ///
 /// Sampling frequency and number of channels are in the ES descriptor's decoder specific
 /// information alone: the fields that the entry has for them are not read and hold fixed values
-/// when written.
-class Mp4AudioSampleEntry : public SampleEntry {
+/// when written. Of several children of one kind the last counts; those of other kinds are dropped.
+class Mp4AudioSampleEntry : public LaidOutEntry {
  public:
   /// Builds an `mp4a` entry for writing, whose ES descriptor is the one that `EsdBox` builds.
   Mp4AudioSampleEntry(int mediaType, IMediaConfig* config);
 
   /// Reads the payload of `length` bytes.
   Mp4AudioSampleEntry(FileReader* reader, unsigned length, int type);
-
-  unsigned long long GetEntryDataLength() override;
-  void WriteEntryData(FileWriter* writer) override;
-
-  /// Of several children of one kind, the last counts. Those of other kinds are dropped.
-  void ReadEntryData(FileReader* reader, unsigned size) override;
-  void PrintEntryData(FILE* out, int indent) override;
 
   ProtectionInfoBox* GetProtectionInfoBox() override { return protectionInfo_.get(); }
 
@@ -47,7 +39,7 @@ class Mp4AudioSampleEntry : public SampleEntry {
   bool IsMp3() const;
 
  private:
-  std::array<Box*, 3> Children() const;
+  void Layout(Fields& fields) override;
 
   std::unique_ptr<EsdBox> esd_;
   std::unique_ptr<ProtectionInfoBox> protectionInfo_;

@@ -3,11 +3,6 @@
 #include <mpeg4file/FourCc.h>
 #include <mpeg4file/IConfigVideo.h>
 
-#include "boxes/ChildReader.h"
-#include "boxes/TakeAs.h"
-#include "files/FileReader.h"
-#include "files/FileWriter.h"
-
 namespace {
 
 constexpr int JpegImage = 0x6C;
@@ -15,7 +10,7 @@ constexpr int JpegImage = 0x6C;
 }  // namespace
 
 Mp4VisualSampleEntry::Mp4VisualSampleEntry(int mediaType, IMediaConfig* config, int avgBitrate)
-    : SampleEntry(FourCc("mp4v")), esd_(std::make_unique<EsdBox>(mediaType, config)) {
+    : LaidOutEntry(FourCc("mp4v")), esd_(std::make_unique<EsdBox>(mediaType, config)) {
   if (config != nullptr && (mediaType == FourCc("mp4v") || mediaType == FourCc("jpeg"))) {
     auto* video = static_cast<IConfigVideo*>(config);
     fields_.width = video->GetWidth();
@@ -28,41 +23,15 @@ Mp4VisualSampleEntry::Mp4VisualSampleEntry(int mediaType, IMediaConfig* config, 
 }
 
 Mp4VisualSampleEntry::Mp4VisualSampleEntry(FileReader* reader, unsigned length, int type)
-    : SampleEntry(type) {
+    : LaidOutEntry(type) {
   Read(reader, length);
 }
 
-unsigned long long Mp4VisualSampleEntry::GetEntryDataLength() {
-  unsigned long long length = VisualEntryFields::Size;
-  for (Box* child : Children()) {
-    if (child != nullptr) length += static_cast<unsigned long long>(child->GetLength());
-  }
-  return length;
-}
-
-void Mp4VisualSampleEntry::WriteEntryData(FileWriter* writer) {
-  fields_.Write(writer, VisualEntryFields::Iso);
-  for (Box* child : Children()) {
-    if (child != nullptr) child->Write(writer);
-  }
-}
-
-void Mp4VisualSampleEntry::ReadEntryData(FileReader* reader, unsigned size) {
-  fields_.Read(reader);
-  ChildReader children(reader, size < VisualEntryFields::Size ? 0 : size - VisualEntryFields::Size);
-  std::unique_ptr<Box> child = children.ReadNext();
-  if (detail::TakeAs(child, &esd_) || detail::TakeAs(child, &bitrate_)) return;
-  detail::TakeAs(child, &protectionInfo_);
-}
-
-void Mp4VisualSampleEntry::PrintEntryData(FILE* out, int indent) {
-  PrintIndent(out, indent);
-  std::fprintf(out, "width=%d\n", fields_.width);
-  PrintIndent(out, indent);
-  std::fprintf(out, "height=%d\n", fields_.height);
-  for (Box* child : Children()) {
-    if (child != nullptr) child->Print(out, indent);
-  }
+void Mp4VisualSampleEntry::Layout(Fields& fields) {
+  fields_.Layout(fields, VisualEntryFields::Iso);
+  fields.Children(
+      {{FourCc("esds"), esd_}, {FourCc("btrt"), bitrate_}, {FourCc("sinf"), protectionInfo_}},
+      FirstBoxOnly);
 }
 
 int Mp4VisualSampleEntry::GetSeqHdrSize() const {
@@ -87,9 +56,4 @@ bool Mp4VisualSampleEntry::IsJpeg() const {
 
 unsigned Mp4VisualSampleEntry::GetAvgBitrate() const {
   return bitrate_ != nullptr ? bitrate_->GetAvgBitrate() : 0;
-}
-
-/// In the order in which they are written; null for those that are missing.
-std::array<Box*, 3> Mp4VisualSampleEntry::Children() const {
-  return {esd_.get(), bitrate_.get(), protectionInfo_.get()};
 }

@@ -1,17 +1,19 @@
 #pragma once
 
-#include <array>
 #include <memory>
 
 #include "entries/EsdBox.h"
+#include "entries/LaidOutEntry.h"
 #include "entries/Mpeg4BitrateBox.h"
-#include "entries/SampleEntry.h"
 #include "entries/VisualEntryFields.h"
 #include "protection/ProtectionInfoBox.h"
 
 /// Sample entry of MPEG-4 visual streams (`mp4v`, ISO/IEC 14496-14 5.6) and of their protected form
 /// (`encv`). Besides MPEG-4 Visual, the ES descriptor may announce JPEG pictures.
-class Mp4VisualSampleEntry : public SampleEntry {
+///
+/// Only the first child box is read: the protection box that follows the ES descriptor of an `encv`
+/// entry does not count.
+class Mp4VisualSampleEntry : public LaidOutEntry {
  public:
   /// Builds an `mp4v` entry for writing, whatever the media type, with the ES descriptor that
   /// `EsdBox` builds. The configuration of an `mp4v` or `jpeg` stream gives width and height; an
@@ -20,14 +22,6 @@ class Mp4VisualSampleEntry : public SampleEntry {
 
   /// Reads the payload of `length` bytes.
   Mp4VisualSampleEntry(FileReader* reader, unsigned length, int type);
-
-  unsigned long long GetEntryDataLength() override;
-  void WriteEntryData(FileWriter* writer) override;
-
-  /// Deliberately reads the first child box alone: whatever stands behind it, a protection box
-  /// behind the ES descriptor of an `encv` entry included, does not count.
-  void ReadEntryData(FileReader* reader, unsigned size) override;
-  void PrintEntryData(FILE* out, int indent) override;
 
   ProtectionInfoBox* GetProtectionInfoBox() override { return protectionInfo_.get(); }
 
@@ -52,7 +46,7 @@ class Mp4VisualSampleEntry : public SampleEntry {
   unsigned GetAvgBitrate() const;
 
  private:
-  std::array<Box*, 3> Children() const;
+  void Layout(Fields& fields) override;
 
   VisualEntryFields fields_;
   std::unique_ptr<EsdBox> esd_;

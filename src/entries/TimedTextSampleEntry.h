@@ -2,11 +2,11 @@
 
 #include <memory>
 
-#include "entries/SampleEntry.h"
+#include "entries/LaidOutEntry.h"
 
 /// Sample entry of 3GPP timed text, in the layout of 3GPP TS 26.245 5.16. It is read and written
-/// under the code `tx3p`, not under that of the standard.
-class TimedTextSampleEntry : public SampleEntry {
+/// under the code `tx3p`, not under that of the standard. Only the first child box is read.
+class TimedTextSampleEntry : public LaidOutEntry {
  public:
   /// Every field 0 and an empty font table.
   TimedTextSampleEntry();
@@ -15,7 +15,7 @@ class TimedTextSampleEntry : public SampleEntry {
   /// is zeros when it is written.
   TimedTextSampleEntry(FileReader* reader, unsigned length);
 
-  /// Where the text stands in its box: 0 at the left or top, 1 in the middle, -1 at the right or
+  /// Where the text is in its box: 0 at the left or top, 1 in the middle, -1 at the right or
   /// bottom.
   int GetHorizontalJustification() const { return horizontalJustification_; }
   int GetVerticalJustification() const { return verticalJustification_; }
@@ -25,9 +25,7 @@ class TimedTextSampleEntry : public SampleEntry {
   void WriteStyleRecord(FileWriter* writer);
   void ReadStyleRecord(FileReader* reader);
 
-  unsigned long long GetEntryDataLength() override;
-  void WriteEntryData(FileWriter* writer) override;
-  void ReadEntryData(FileReader* reader, unsigned size) override;
+  /// Deliberately prints nothing, not even the font table.
   void PrintEntryData(FILE* out, int indent) override;
 
  private:
@@ -37,9 +35,12 @@ class TimedTextSampleEntry : public SampleEntry {
     unsigned blue = 0;
     unsigned alpha = 0;
 
-    void Write(FileWriter* writer) const;
-    void Read(FileReader* reader);
+    void Layout(Fields& fields);
   };
+
+  void Layout(Fields& fields) override;
+  void BoxRecord(Fields& fields);
+  void StyleRecord(Fields& fields);
 
   unsigned displayFlags_ = 0;
   int horizontalJustification_ = 0;

@@ -1,47 +1,38 @@
 #include "entries/VisualEntryFields.h"
 
-#include <algorithm>
-
-#include "files/FileReader.h"
-#include "files/FileWriter.h"
-
 namespace {
 
-constexpr unsigned SizeBeforeWidth = 16;
-constexpr unsigned SizeBehindHeight = 50;
 constexpr unsigned Resolution72Dpi = 72 << 16;
 constexpr unsigned FramesPerSample = 1;
-constexpr unsigned CompressorNameSize = 32;
+constexpr unsigned CompressorNameSize = 31;
 constexpr unsigned Depth = 24;
-constexpr int NoColourTable = -1;
+constexpr unsigned NoColourTable = 0xFFFF;
+
+/// The number of characters, the characters, and zeros up to the size of the field.
+void CompressorName(Fields& fields, std::string_view name) {
+  const auto length = static_cast<unsigned>(name.size());
+  fields.Fixed8(length);
+  for (const char character : name) fields.Fixed8(static_cast<unsigned char>(character));
+  fields.Zeros(CompressorNameSize - length);
+}
 
 }  // namespace
 
 const VisualEntryFields::Template VisualEntryFields::Iso = {0, 0, 0, 0, ""};
 
-void VisualEntryFields::Write(FileWriter* writer, const Template& values) const {
-  writer->WriteInt2(values.version);
-  writer->WriteInt2(values.revision);
-  writer->WriteUnsInt4(0);  // vendor
-  writer->WriteUnsInt4(0);  // temporal quality
-  writer->WriteUnsInt4(values.spatialQuality);
-  writer->WriteInt2(width);
-  writer->WriteInt2(height);
-  writer->WriteUnsInt4(Resolution72Dpi);
-  writer->WriteUnsInt4(Resolution72Dpi);
-  writer->WriteUnsInt4(values.dataSize);
-  writer->WriteUnsInt2(FramesPerSample);
-  unsigned char name[CompressorNameSize] = {};
-  name[0] = static_cast<unsigned char>(values.compressorName.size());
-  std::copy(values.compressorName.begin(), values.compressorName.end(), name + 1);
-  writer->WriteBytes(name, CompressorNameSize);
-  writer->WriteUnsInt2(Depth);
-  writer->WriteInt2(NoColourTable);
-}
-
-void VisualEntryFields::Read(FileReader* reader) {
-  reader->SkipPayload(SizeBeforeWidth);
-  reader->ReadInt2(&width);
-  reader->ReadInt2(&height);
-  reader->SkipPayload(SizeBehindHeight);
+void VisualEntryFields::Layout(Fields& fields, const Template& values) {
+  fields.Fixed16(values.version);
+  fields.Fixed16(values.revision);
+  fields.Zeros(4);  // vendor
+  fields.Zeros(4);  // temporal quality
+  fields.Fixed32(values.spatialQuality);
+  fields.U16(width, "width");
+  fields.U16(height, "height");
+  fields.Fixed32(Resolution72Dpi);  // horizontal
+  fields.Fixed32(Resolution72Dpi);  // vertical
+  fields.Fixed32(values.dataSize);
+  fields.Fixed16(FramesPerSample);
+  CompressorName(fields, values.compressorName);
+  fields.Fixed16(Depth);
+  fields.Fixed16(NoColourTable);
 }

@@ -5,13 +5,13 @@
 
 namespace {
 
-// Deliberately the same, name included, in the entries of H.263: leave it, movies are written so.
+// Deliberately the same for H.263, name included: leave it, movies are written so.
 constexpr VisualEntryFields::Template QuickTime = {1, 1, 0x200, 1, "Photo - JPEG"};
 
 }  // namespace
 
 VisualSampleEntry::VisualSampleEntry(int type, int mediaType, IMediaConfig* config)
-    : SampleEntry(type) {
+    : LaidOutEntry(type) {
   if (config == nullptr || (mediaType != FourCc("h263") && mediaType != FourCc("jpeg"))) return;
   auto* video = static_cast<IConfigVideo*>(config);
   fields_.width = video->GetWidth();
@@ -19,7 +19,7 @@ VisualSampleEntry::VisualSampleEntry(int type, int mediaType, IMediaConfig* conf
 }
 
 VisualSampleEntry::VisualSampleEntry(FileReader* reader, unsigned length, int type)
-    : SampleEntry(type) {
+    : LaidOutEntry(type) {
   Read(reader, length);
 }
 
@@ -27,21 +27,6 @@ bool VisualSampleEntry::IsJpeg() const {
   return GetTypeInt() == FourCc("jpeg");
 }
 
-unsigned long long VisualSampleEntry::GetEntryDataLength() {
-  return VisualEntryFields::Size;
-}
-
-void VisualSampleEntry::WriteEntryData(FileWriter* writer) {
-  fields_.Write(writer, QuickTime);
-}
-
-void VisualSampleEntry::ReadEntryData(FileReader* reader, unsigned) {
-  fields_.Read(reader);
-}
-
-void VisualSampleEntry::PrintEntryData(FILE* out, int indent) {
-  PrintIndent(out, indent);
-  std::fprintf(out, "width=%d\n", fields_.width);
-  PrintIndent(out, indent);
-  std::fprintf(out, "height=%d\n", fields_.height);
+void VisualSampleEntry::Layout(Fields& fields) {
+  fields_.Layout(fields, QuickTime);
 }

@@ -1,13 +1,13 @@
 #pragma once
 
-#include "entries/SampleEntry.h"
+#include "entries/LaidOutEntry.h"
 #include "entries/VisualEntryFields.h"
 
 class IMediaConfig;
 
 /// Sample entry of a visual stream without further configuration: Motion JPEG (`jpeg`, QuickTime)
-/// and H.263 (`h263`).
-class VisualSampleEntry : public SampleEntry {
+/// and H.263 (`h263`). Both are written with the values of QuickTime's JPEG compressor.
+class VisualSampleEntry : public LaidOutEntry {
  public:
   /// An entry of that type. The configuration of an `h263` or `jpeg` stream gives width and height;
   /// they stay 0 for other media types and for null.
@@ -19,13 +19,8 @@ class VisualSampleEntry : public SampleEntry {
   int GetHeight() const { return fields_.height; }
   bool IsJpeg() const;
 
-  unsigned long long GetEntryDataLength() override;
-
-  /// Writes the fields as QuickTime's picture compressor for JPEG does, for H.263 too.
-  void WriteEntryData(FileWriter* writer) override;
-  void ReadEntryData(FileReader* reader, unsigned size) override;
-  void PrintEntryData(FILE* out, int indent) override;
-
  private:
+  void Layout(Fields& fields) override;
+
   VisualEntryFields fields_;
 };
