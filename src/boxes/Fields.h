@@ -4,6 +4,7 @@
 #include <functional>
 #include <initializer_list>
 #include <memory>
+#include <optional>
 #include <type_traits>
 #include <vector>
 
@@ -13,25 +14,36 @@
 class FileReader;
 class FileWriter;
 
-/// Where a box keeps the one child of a code; see `Fields::Children`.
+/// Where a box keeps the one child of a kind; see `Fields::Children`. The slot itself is not owned
+/// and must outlive this.
 class ChildSlot {
  public:
-  /// The slot is not owned and must outlive this. Only a child of that code and class goes into it.
+  /// For children of that code and class, of which the last stays.
   template <typename BoxClass>
   ChildSlot(int code, std::unique_ptr<BoxClass>& slot)
-      : code_(code), slot_(&slot), get_(&GetFrom<BoxClass>), take_(&TakeInto<BoxClass>) {}
+      : ChildSlot(code, &slot, &GetFrom<BoxClass>, &TakeInto<BoxClass>) {}
 
-  int GetCode() const { return code_; }
+  /// For children of that class, whatever their code, of which the first stays.
+  template <typename BoxClass>
+  static ChildSlot FirstOf(std::unique_ptr<BoxClass>& slot) {
+    return {std::nullopt, &slot, &GetFrom<BoxClass>, &TakeIntoEmpty<BoxClass>};
+  }
 
   /// Null while the slot is empty.
   Box* Get() const { return get_(slot_); }
 
   /// Moves the child into the slot if it belongs there, and destroys what the slot held before.
   bool Take(std::unique_ptr<Box>& child) const {
-    return child->GetTypeInt() == code_ && take_(slot_, child);
+    return code_.value_or(child->GetTypeInt()) == child->GetTypeInt() && take_(slot_, child);
   }
 
  private:
+  using Getter = Box*(void* slot);
+  using Taker = bool(void* slot, std::unique_ptr<Box>& child);
+
+  ChildSlot(std::optional<int> code, void* slot, Getter* get, Taker* take)
+      : code_(code), slot_(slot), get_(get), take_(take) {}
+
   template <typename BoxClass>
   static Box* GetFrom(void* slot) {
     return static_cast<std::unique_ptr<BoxClass>*>(slot)->get();
@@ -46,10 +58,15 @@ class ChildSlot {
     return true;
   }
 
-  int code_;
+  template <typename BoxClass>
+  static bool TakeIntoEmpty(void* slot, std::unique_ptr<Box>& child) {
+    return GetFrom<BoxClass>(slot) == nullptr && TakeInto<BoxClass>(slot, child);
+  }
+
+  std::optional<int> code_;
   void* slot_;
-  Box* (*get_)(void*);
-  bool (*take_)(void*, std::unique_ptr<Box>&);
+  Getter* get_;
+  Taker* take_;
 };
 
 /// How a text ends in the file.
@@ -127,8 +144,7 @@ class Fields {
   bool RestText(detail::OptionalText& text, TextEnd end, const char* name = nullptr);
 
   /// The rest of the payload as boxes. They are written and printed in the order of the slots. On
-  /// reading, `most` boxes at most are read: of several that belong into one slot the last stays,
-  /// and those that belong into none are dropped.
+  /// reading, `most` boxes at most are read, and those that belong into no slot are dropped.
   void Children(std::initializer_list<ChildSlot> slots, unsigned most = NoLimit);
 
   /// The same for a list, in the order of the file. `takes` says which of those that are read

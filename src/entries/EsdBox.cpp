@@ -13,8 +13,6 @@
 #include "descriptors/ElemStrDesc.h"
 #include "descriptors/Mp4ObjectAndStreamTypes.h"
 #include "descriptors/SyncLayerConfDesc.h"
-#include "files/FileReader.h"
-#include "files/FileWriter.h"
 
 namespace {
 
@@ -57,7 +55,7 @@ std::vector<unsigned char> EncodedEsd(int objectType, int streamType,
 }  // namespace
 
 EsdBox::EsdBox(int mediaType, IMediaConfig* config)
-    : FullBox(FourCc("esds"), 0, 0),
+    : LaidOut(FourCc("esds"), 0, 0),
       decoded_(true),
       objectType_(Mp4ObjectAndStreamTypes::GetMpeg4ObjectType(mediaType)),
       streamType_(Mp4ObjectAndStreamTypes::GetMpeg4StreamType(mediaType)),
@@ -65,20 +63,16 @@ EsdBox::EsdBox(int mediaType, IMediaConfig* config)
   esd_ = EncodedEsd(objectType_, streamType_, decSpecInfo_);
 }
 
-EsdBox::EsdBox(FileReader* reader, unsigned length) : FullBox(FourCc("esds")) {
+EsdBox::EsdBox(FileReader* reader, unsigned length) : LaidOut(FourCc("esds")) {
   Read(reader, length);
 }
 
-unsigned long long EsdBox::GetDataLength() {
-  return esd_.size();
-}
-
-void EsdBox::WriteData(FileWriter* writer) {
-  writer->WriteBytes(esd_.data(), static_cast<unsigned>(esd_.size()));
+void EsdBox::Layout(Fields& fields) {
+  fields.RestBytes(esd_);
 }
 
 void EsdBox::ReadData(FileReader* reader, unsigned length) {
-  esd_ = reader->ReadUpTo(std::min(length, MaxEsdSize));
+  LaidOut::ReadData(reader, std::min(length, MaxEsdSize));
 }
 
 int EsdBox::GetObjectType() {

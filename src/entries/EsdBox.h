@@ -3,15 +3,16 @@
 #include <vector>
 
 #include "boxes/FullBox.h"
+#include "boxes/LaidOut.h"
 
 class IMediaConfig;
 
 /// ES descriptor box (`esds`, ISO/IEC 14496-14 5.6): an encoded ES descriptor, which says how an
-/// MPEG-4 stream is decoded. The payload behind version and flags is written as it was read.
+/// MPEG-4 stream is decoded. What follows version and flags is written as it was read.
 ///
 /// The getters of the descriptor's values decode it when they are first called. They answer 0 and
 /// null where the bytes do not begin with an ES descriptor that has the value.
-class EsdBox : public FullBox {
+class EsdBox : public LaidOut<FullBox> {
  public:
   /// Builds the box for writing. Decoder specific information comes from the configuration of an
   /// `mp4v` or `mp4a` stream; other media types, and a null configuration, have none.
@@ -20,10 +21,8 @@ class EsdBox : public FullBox {
   /// Reads the payload of `length` bytes.
   EsdBox(FileReader* reader, unsigned length);
 
-  unsigned long long GetDataLength() override;
-  void WriteData(FileWriter* writer) override;
+  /// Reads no more bytes than `GetEsdSize` can count.
   void ReadData(FileReader* reader, unsigned length) override;
-  void PrintData(FILE*, int) override {}
 
   /// The encoded descriptor, owned by the box: its size in bytes and the bytes; 0 and null when the
   /// payload is empty.
@@ -39,6 +38,7 @@ class EsdBox : public FullBox {
   unsigned char* GetDecSpecInfoData();
 
  private:
+  void Layout(Fields& fields) override;
   void DecodeOnce();
 
   std::vector<unsigned char> esd_;

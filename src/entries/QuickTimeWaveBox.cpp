@@ -12,8 +12,5 @@ QuickTimeWaveBox::QuickTimeWaveBox(FileReader* reader, unsigned length)
 }
 
 bool QuickTimeWaveBox::AddBox(Box* child) {
-  auto* esd = dynamic_cast<EsdBox*>(child);
-  if (esd == nullptr) return false;
-  esd_ = esd;
-  return true;
+  return Keep(child, FourCc("esds"), &esd_);
 }

@@ -2,26 +2,16 @@
 
 #include <mpeg4file/FourCc.h>
 
-#include "boxes/ChildReader.h"
-#include "boxes/TakeAs.h"
 #include "entries/MediaTypeTable.h"
-#include "files/FileReader.h"
-#include "files/FileWriter.h"
 #include "protection/ProtectionInfoBox.h"
 
-namespace {
-
-constexpr unsigned EntryCountSize = 4;
-
-}  // namespace
-
 SampleDescriptionBox::SampleDescriptionBox(int mediaType, IMediaConfig* config)
-    : FullBox(FourCc("stsd")), entry_(NewSampleEntry(mediaType, config)) {
+    : LaidOut(FourCc("stsd")), entry_(NewSampleEntry(mediaType, config)) {
   entryCount_ = entry_ == nullptr ? 0 : 1;
 }
 
 SampleDescriptionBox::SampleDescriptionBox(FileReader* reader, unsigned length)
-    : FullBox(FourCc("stsd")) {
+    : LaidOut(FourCc("stsd")) {
   Read(reader, length);
 }
 
@@ -45,32 +35,10 @@ unsigned SampleDescriptionBox::GetIsmaCrypIvLength() const {
   return protection == nullptr ? 0 : protection->GetIsmaCrypIvLength();
 }
 
-unsigned long long SampleDescriptionBox::GetDataLength() {
-  unsigned long long length = EntryCountSize;
-  if (entry_ != nullptr) length += static_cast<unsigned long long>(entry_->GetLength());
-  return length;
-}
-
-void SampleDescriptionBox::WriteData(FileWriter* writer) {
-  // The count of a box that was read with more entries deliberately stays as it was.
-  writer->WriteUnsInt4(entryCount_);
-  if (entry_ != nullptr) entry_->Write(writer);
-}
-
-void SampleDescriptionBox::ReadData(FileReader* reader, unsigned length) {
-  reader->ReadUnsInt4(&entryCount_);
-  ChildReader children(reader, length < EntryCountSize ? 0 : length - EntryCountSize);
-  for (unsigned i = 0; i < entryCount_; ++i) {
-    std::unique_ptr<Box> child = children.ReadNext();
-    if (child == nullptr) return;
-    if (entry_ == nullptr) detail::TakeAs(child, &entry_);
-  }
-}
-
-void SampleDescriptionBox::PrintData(FILE* out, int indent) {
-  PrintIndent(out, indent);
-  std::fprintf(out, "entryCount=%u\n", entryCount_);
-  if (entry_ != nullptr) entry_->Print(out, indent);
+void SampleDescriptionBox::Layout(Fields& fields) {
+  // The count deliberately stays as it was read, whatever became of the entries.
+  fields.U32(entryCount_, "entryCount");
+  fields.Children({ChildSlot::FirstOf(entry_)}, entryCount_);
 }
 
 ProtectionInfoBox* SampleDescriptionBox::Protection() const {

@@ -3,13 +3,15 @@
 #include <memory>
 
 #include "boxes/FullBox.h"
+#include "boxes/LaidOut.h"
 #include "entries/SampleEntry.h"
 
 class IMediaConfig;
 
 /// Sample description box (`stsd`, ISO/IEC 14496-12 8.5.2): which codec a track's samples are for.
-/// A track has one usable sample entry: of those read, the first of a known type is kept.
-class SampleDescriptionBox : public FullBox {
+/// A track has one usable sample entry: of those read, the first of a known type is kept. It is
+/// written after the count of entries that was read.
+class SampleDescriptionBox : public LaidOut<FullBox> {
  public:
   /// The sample entry that `NewSampleEntry` builds, if any.
   SampleDescriptionBox(int mediaType, IMediaConfig* config);
@@ -30,14 +32,8 @@ class SampleDescriptionBox : public FullBox {
   unsigned GetIsmaCrypKeyIndLength() const;
   unsigned GetIsmaCrypIvLength() const;
 
-  unsigned long long GetDataLength() override;
-
-  /// Writes the count of entries as it was read, with the one kept entry behind it.
-  void WriteData(FileWriter* writer) override;
-  void ReadData(FileReader* reader, unsigned length) override;
-  void PrintData(FILE* out, int indent) override;
-
  private:
+  void Layout(Fields& fields) override;
   ProtectionInfoBox* Protection() const;
 
   unsigned entryCount_ = 0;

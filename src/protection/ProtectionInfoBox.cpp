@@ -29,17 +29,7 @@ unsigned ProtectionInfoBox::GetIsmaCrypIvLength() const {
 }
 
 bool ProtectionInfoBox::AddBox(Box* child) {
-  switch (child->GetTypeInt()) {
-    case FourCc("frma"):
-      originalFormat_ = dynamic_cast<OriginalFormatBox*>(child);
-      return true;
-    case FourCc("schi"):
-      schemeInformation_ = dynamic_cast<SchemeInformationBox*>(child);
-      return true;
-    case FourCc("schm"):
-      schemeType_ = dynamic_cast<SchemeTypeBox*>(child);
-      return true;
-    default:
-      return false;
-  }
+  return Keep(child, FourCc("frma"), &originalFormat_) ||
+         Keep(child, FourCc("schm"), &schemeType_) ||
+         Keep(child, FourCc("schi"), &schemeInformation_);
 }

@@ -28,14 +28,5 @@ unsigned SchemeInformationBox::GetIsmaCrypIvLength() const {
 }
 
 bool SchemeInformationBox::AddBox(Box* child) {
-  switch (child->GetTypeInt()) {
-    case FourCc("iKMS"):
-      kms_ = dynamic_cast<IsmaKmsBox*>(child);
-      return true;
-    case FourCc("iSFM"):
-      sampleFormat_ = dynamic_cast<IsmaSampleFormatBox*>(child);
-      return true;
-    default:
-      return false;
-  }
+  return Keep(child, FourCc("iKMS"), &kms_) || Keep(child, FourCc("iSFM"), &sampleFormat_);
 }

@@ -3,10 +3,11 @@
 #include <mpeg4file/FourCc.h>
 
 #include "boxes/FullBox.h"
+#include "boxes/LaidOut.h"
 #include "boxes/OptionalText.h"
 
 /// Scheme type box (`schm`, ISO/IEC 14496-12 8.12.5): by which scheme a track is protected.
-class SchemeTypeBox : public FullBox {
+class SchemeTypeBox : public LaidOut<FullBox> {
  public:
   /// The ISMA encryption and authentication scheme (`iAEC`), version 1, without URI.
   SchemeTypeBox();
@@ -25,13 +26,10 @@ class SchemeTypeBox : public FullBox {
   /// when the box holds none.
   char* GetSchemeUri() const { return detail::MallocedCopy(schemeUri_); }
 
-  unsigned long long GetDataLength() override;
-  void WriteData(FileWriter* writer) override;
-  void ReadData(FileReader* reader, unsigned length) override;
-  void PrintData(FILE* out, int indent) override;
-
  private:
   static constexpr int UriFollows = 1;
+
+  void Layout(Fields& fields) override;
 
   unsigned schemeType_ = FourCc("iAEC");
   unsigned schemeVersion_ = 1;

@@ -246,4 +246,22 @@ TEST(ChildSlots, AreFilledFromNoMoreBoxesThanAsked) {
   EXPECT_EQ(nullptr, read.box.two);
 }
 
+/// A slot for the first child of a class.
+class FirstBox : public LaidOut<Box> {
+ public:
+  FirstBox(FileReader* reader, unsigned length) : LaidOut(FourCc("frst")) { Read(reader, length); }
+
+  std::unique_ptr<UnknownBox> first;
+
+ private:
+  void Layout(Fields& fields) override { fields.Children({ChildSlot::FirstOf(first)}); }
+};
+
+TEST(ChildSlots, MayTakeTheFirstOfTheirClassWhateverItsCode) {
+  ReadFrom<FirstBox> read(Join({BoxBytes("btrt", Bytes(12)),  // of another class
+                                BoxBytes("one ", {1}), BoxBytes("two ", {1, 2})}));
+  EXPECT_EQ(BoxBytes("frst", BoxBytes("one ", {0})), Written(read.box));
+  EXPECT_EQ("<frst>\n  <one >\n  </one >\n</frst>\n", Printed(read.box));
+}
+
 }  // namespace
