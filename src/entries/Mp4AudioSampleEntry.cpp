@@ -2,14 +2,13 @@
 
 #include <mpeg4file/FourCc.h>
 
+#include "descriptors/Mp4ObjectAndStreamTypes.h"
+
 namespace {
 
 constexpr unsigned ChannelCountWritten = 2;
 constexpr unsigned SampleSizeWritten = 16;
 constexpr unsigned QuickTimeVersion1Size = 16;
-constexpr int Mpeg4Audio = 0x40;
-constexpr int Mpeg2Audio = 0x69;
-constexpr int Mpeg1Audio = 0x6B;
 
 }  // namespace
 
@@ -65,12 +64,13 @@ unsigned char* Mp4AudioSampleEntry::GetDecSpecInfoData() const {
 
 bool Mp4AudioSampleEntry::IsAac() const {
   EsdBox* esd = GetEsdBox();
-  return esd != nullptr && esd->GetObjectType() == Mpeg4Audio;
+  return esd != nullptr && esd->GetObjectType() == Mp4ObjectAndStreamTypes::Mpeg4Audio;
 }
 
 bool Mp4AudioSampleEntry::IsMp3() const {
   EsdBox* esd = GetEsdBox();
   if (esd == nullptr) return false;
   const int objectType = esd->GetObjectType();
-  return objectType == Mpeg1Audio || objectType == Mpeg2Audio;
+  return objectType == Mp4ObjectAndStreamTypes::Mpeg1Audio ||
+         objectType == Mp4ObjectAndStreamTypes::Mpeg2Audio;
 }

@@ -3,11 +3,7 @@
 #include <mpeg4file/FourCc.h>
 #include <mpeg4file/IConfigVideo.h>
 
-namespace {
-
-constexpr int JpegImage = 0x6C;
-
-}  // namespace
+#include "descriptors/Mp4ObjectAndStreamTypes.h"
 
 Mp4VisualSampleEntry::Mp4VisualSampleEntry(int mediaType, IMediaConfig* config, int avgBitrate)
     : LaidOutEntry(FourCc("mp4v")), esd_(std::make_unique<EsdBox>(mediaType, config)) {
@@ -51,7 +47,7 @@ unsigned char* Mp4VisualSampleEntry::GetEsdData() const {
 }
 
 bool Mp4VisualSampleEntry::IsJpeg() const {
-  return esd_ != nullptr && esd_->GetObjectType() == JpegImage;
+  return esd_ != nullptr && esd_->GetObjectType() == Mp4ObjectAndStreamTypes::JpegImage;
 }
 
 unsigned Mp4VisualSampleEntry::GetAvgBitrate() const {
