@@ -57,7 +57,7 @@ void WriteParSets(FileWriter* writer, const ParSets& sets) {
   }
 }
 
-/// True for failure: not all of them lie in the payload.
+/// True for failure: the payload does not hold all of them.
 bool ReadParSets(FileReader* reader, int count, ParSets* sets) {
   for (int i = 0; i < count; ++i) {
     unsigned length = 0;

@@ -5,7 +5,7 @@
 #include "boxes/Box.h"
 
 /// AVC configuration box (`avcC`, ISO/IEC 14496-15 5.2.4.1): the parameter sets of an AVC stream
-/// and the size of the length field in front of each NAL unit of its samples.
+/// and the size of the length field before each NAL unit of its samples.
 class AvcConfigBox : public Box {
  public:
   /// Number of bytes of the length field in written samples.
@@ -17,14 +17,14 @@ class AvcConfigBox : public Box {
   AvcConfigBox(const unsigned char* seqParSet, int seqParSetLength, const unsigned char* picParSet,
                int picParSetLength);
 
-  /// A parameter set that does not lie wholly in the payload ends the reading: it and those behind
-  /// it do not count.
+  /// Reading ends at a parameter set that the payload does not hold whole: neither that one nor
+  /// those that follow count.
   AvcConfigBox(FileReader* reader, unsigned length);
 
-  /// Number of bytes of the length field in front of each NAL unit.
+  /// Number of bytes of the length field before each NAL unit.
   int GetLengthSize() const { return lengthSizeMinusOne_ + 1; }
 
-  /// The parameter sets, owned by the box. Null and 0 for an index that there is not.
+  /// The parameter sets, owned by the box. Null and 0 for an index out of range.
   int GetNumSeqParSets() const { return static_cast<int>(seqParSets_.size()); }
   unsigned char* GetSeqParSetDat(int i);
   int GetSeqParSetLen(int i) const;

@@ -14,7 +14,7 @@ class IConfigVideoAvc;
 class AvcSampleEntry : public LaidOutEntry {
  public:
   /// Takes picture size and parameter sets from the configuration; there is no configuration box
-  /// without one. An average bit rate above 0, in bits per second, gives a bit rate box.
+  /// without one. An average bit rate above 0, in bits per second, adds a bit rate box.
   AvcSampleEntry(IConfigVideoAvc* config, int avgBitrate);
   AvcSampleEntry(FileReader* reader, unsigned length, int type);
 

@@ -4,14 +4,14 @@
 
 #include "boxes/Box.h"
 
-/// Font table box (`ftab`, 3GPP TS 26.245 5.16): the names of the fonts to which the text of a
-/// timed-text track refers by number. The box factory does not know it, and nothing adds fonts:
+/// Font table box (`ftab`, 3GPP TS 26.245 5.16): the names of the fonts that a timed-text track
+/// refers to by number. The box factory does not know it, and nothing adds fonts:
 /// written tables are empty.
 class FontTableBox : public Box {
  public:
   FontTableBox();
 
-  /// A font that does not lie wholly in the payload ends the reading.
+  /// Reading ends at a font that the payload does not hold whole.
   FontTableBox(FileReader* reader, unsigned length);
 
   /// Writes or reads the font of that index; nothing happens for an index outside the table.

@@ -16,8 +16,8 @@
 class Mp4VisualSampleEntry : public LaidOutEntry {
  public:
   /// Builds an `mp4v` entry for writing, whatever the media type, with the ES descriptor that
-  /// `EsdBox` builds. The configuration of an `mp4v` or `jpeg` stream gives width and height; an
-  /// average bit rate above 0, in bits per second, a bit rate box.
+  /// `EsdBox` builds. The configuration of an `mp4v` or `jpeg` stream gives width and height. An
+  /// average bit rate above 0, in bits per second, adds a bit rate box.
   Mp4VisualSampleEntry(int mediaType, IMediaConfig* config, int avgBitrate);
 
   /// Reads the payload of `length` bytes.

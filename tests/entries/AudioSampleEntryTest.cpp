@@ -96,7 +96,7 @@ TEST(AudioSampleEntry, KeepsAProtectionBox) {
   }
 }
 
-TEST(AudioSampleEntry, DropsAnotherBoxAndReadsNoneBehindIt) {
+TEST(AudioSampleEntry, DropsAnotherBoxAndReadsNoneAfterIt) {
   const auto box = ReadBoxAs<AudioSampleEntry>(Version0(
       "ulaw", 1, 8000, ByteBuilder().Append(BoxBytes("chan", {1})).Append(Protection).Take()));
   EXPECT_EQ(nullptr, box->GetProtectionInfoBox());

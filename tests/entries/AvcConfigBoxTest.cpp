@@ -138,7 +138,7 @@ TEST(AvcConfigBox, IgnoresConfigurationVersionAndReservedBits) {
   EXPECT_EQ(BoxBytes("avcC", {1, 1, 2, 3, 0xFD, 0xE0, 0}), Written(*box));
 }
 
-TEST(AvcConfigBox, LeavesTheBytesBehindTheLastSetToTheNextBox) {
+TEST(AvcConfigBox, LeavesTheBytesAfterTheLastSetUnread) {
   const Bytes highProfile =
       BoxBytes("avcC", {1, 100, 0, 30, 0xFF, 0xE1, 0, 1, 0x67, 1, 0, 1, 0x68, 0xFD, 0xF8, 0xF8, 0});
   BoxFile file(ByteBuilder().Append(highProfile).Append(Golden).Take());

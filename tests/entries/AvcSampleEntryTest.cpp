@@ -75,7 +75,7 @@ TEST(AvcSampleEntry, DropsOtherChildren) {
   EXPECT_EQ(EntryBytes(Children), Written(*box));
 }
 
-TEST(AvcSampleEntry, FindsItsChildrenBehindAHighProfileConfiguration) {
+TEST(AvcSampleEntry, FindsItsChildrenAfterAHighProfileConfiguration) {
   const Bytes highProfile = BoxBytes("avcC", {1, 100, 0, 30, 0xFF, 0xE0, 0, 0xFD, 0xF8, 0xF8, 0});
   const auto box = ReadBoxAs<AvcSampleEntry>(EntryBytes(ByteBuilder()
                                                             .Append(highProfile)

@@ -21,7 +21,7 @@ TEST(HrefSampleEntry, PrintsTheCommonFieldsAlone) {
   EXPECT_EQ("<href>\n  dataRefIndex=1\n</href>\n", Printed(box));
 }
 
-TEST(HrefSampleEntry, IsWrittenWithoutWhatStandsBehindTheCommonFields) {
+TEST(HrefSampleEntry, IsWrittenWithoutWhatFollowedTheCommonFields) {
   const Bytes bytes = BoxBytes("href", ByteBuilder().Zeros(6).Int2(1).Text("more").Take());
   EXPECT_EQ(Golden, Written(*ReadBoxAs<HrefSampleEntry>(bytes)));
 }

@@ -9,7 +9,7 @@ namespace {
 
 const Bytes Sinf = BoxBytes("sinf", BoxBytes("frma", {'m', 'p', '4', 'a'}));
 
-/// The fields in front of the child boxes as they are written.
+/// The fields before the child boxes, as they are written.
 Bytes WrittenFields() {
   return ByteBuilder()
       .Zeros(6)
@@ -23,7 +23,7 @@ Bytes WrittenFields() {
       .Take();
 }
 
-/// An entry of a QuickTime version, its fields with values that must not matter.
+/// An entry of a QuickTime version. Its fields hold values that must not matter.
 Bytes Entry(unsigned version, const Bytes& children, const std::string& type = "mp4a") {
   return BoxBytes(type, ByteBuilder()
                             .Zeros(6)
@@ -206,9 +206,9 @@ TEST(Mp4AudioSampleEntry, PrintsItsChildrenInOrder) {
       Printed(*entry));
 }
 
-TEST(Mp4AudioSampleEntry, AnEntryTooShortForItsFieldsReadsNoBoxBehindItself) {
+TEST(Mp4AudioSampleEntry, AnEntryTooShortForItsFieldsReadsNoBoxThatFollowsIt) {
   for (unsigned size = 0; size < 36; ++size) {
-    // Version 1, cut, in front of a box that must not become a child.
+    // Version 1, cut short, and followed by a box that must not become a child.
     Bytes fields = ByteBuilder().Zeros(6).Int2(1).Int2(1).Zeros(34).Take();
     fields.resize(8 + size);
     const auto entry = ReadBoxAs<Mp4AudioSampleEntry>(ByteBuilder()

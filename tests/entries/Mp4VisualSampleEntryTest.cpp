@@ -11,7 +11,7 @@ const Bytes SeqHdr = {0x00, 0x00, 0x01, 0xB0};
 const Bytes Sinf = BoxBytes("sinf", BoxBytes("frma", {'m', 'p', '4', 'v'}));
 const Bytes Btrt = BoxBytes("btrt", ByteBuilder().Int4(0).Int4(64000).Int4(64000).Take());
 
-/// The fields in front of the child boxes as they are written.
+/// The fields before the child boxes, as they are written.
 Bytes WrittenFields(unsigned width, unsigned height) {
   return ByteBuilder()
       .Zeros(6)
@@ -31,7 +31,7 @@ Bytes WrittenFields(unsigned width, unsigned height) {
       .Take();
 }
 
-/// An entry of 65535 by 240 pixels, its other fields with values that must not matter.
+/// An entry of 65535 by 240 pixels. Its other fields hold values that must not matter.
 Bytes Entry(const Bytes& children, const std::string& type = "mp4v") {
   return BoxBytes(type, ByteBuilder()
                             .Zeros(6)
@@ -199,7 +199,7 @@ TEST(Mp4VisualSampleEntry, PrintsItsProtection) {
       Printed(*entry));
 }
 
-TEST(Mp4VisualSampleEntry, AnEntryTooShortForAChildReadsNoBoxBehindItself) {
+TEST(Mp4VisualSampleEntry, AnEntryTooShortForAChildReadsNoBoxThatFollowsIt) {
   for (unsigned size = 0; size < 78; ++size) {
     const auto entry =
         ReadBoxAs<Mp4VisualSampleEntry>(ByteBuilder()

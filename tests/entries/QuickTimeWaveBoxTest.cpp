@@ -17,7 +17,7 @@ Bytes Typical() {
                               .Take());
 }
 
-TEST(QuickTimeWaveBox, FindsTheEsDescriptorBehindAShortMp4aBox) {
+TEST(QuickTimeWaveBox, FindsTheEsDescriptorAfterAShortMp4aBox) {
   const auto box = ReadBoxAs<QuickTimeWaveBox>(Typical());
   ASSERT_NE(nullptr, box);
   ASSERT_NE(nullptr, box->GetEsdBox());

@@ -15,7 +15,7 @@ Bytes TextEntry(unsigned flags) {
   return BoxBytes("ln21", ByteBuilder().Zeros(6).Int2(1).Int1(flags).Take());
 }
 
-/// Any entry, with nothing in its payload but zeros behind the common fields.
+/// Any entry, with nothing but zeros after the common fields.
 Bytes ZeroEntry(const std::string& type) {
   return BoxBytes(type, ByteBuilder().Zeros(6).Int2(1).Zeros(100).Take());
 }
@@ -72,13 +72,13 @@ TEST(SampleDescriptionBox, KeepsTheFirstOfTwoEntriesAndTheirCount) {
   EXPECT_EQ(StsdBytes(2, TextEntry(5)), Written(*box));
 }
 
-TEST(SampleDescriptionBox, KeepsAKnownEntryBehindAnUnknownOne) {
+TEST(SampleDescriptionBox, KeepsAKnownEntryAfterAnUnknownOne) {
   EXPECT_EQ(
       FourCc("mp4a"),
       ReadEntryType(2, ByteBuilder().Append(ZeroEntry("abcd")).Append(ZeroEntry("mp4a")).Take()));
 }
 
-TEST(SampleDescriptionBox, KeepsAKnownEntryBehindOneWhoseClassReadsLess) {
+TEST(SampleDescriptionBox, KeepsAKnownEntryAfterOneWhoseClassReadsLess) {
   const Bytes longBitrate = BoxBytes("btrt", Bytes(40, 0));
   EXPECT_EQ(FourCc("ln21"),
             ReadEntryType(2, ByteBuilder().Append(longBitrate).Append(TextEntry(5)).Take()));

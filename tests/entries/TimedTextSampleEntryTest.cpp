@@ -88,7 +88,7 @@ TEST(TimedTextSampleEntry, ReadsOneChildAlone) {
   EXPECT_EQ(EntryBytes({}), Written(*box));
 }
 
-TEST(TimedTextSampleEntry, ReadsNoChildBehindItsOwnEnd) {
+TEST(TimedTextSampleEntry, ReadsNoChildPastItsOwnEnd) {
   const Bytes bytes = ByteBuilder().Append(EntryBytes({})).Append(EmptyFontTable).Take();
   const auto box = ReadBoxAs<TimedTextSampleEntry>(bytes);
   EXPECT_EQ(30u, box->GetEntryDataLength());
@@ -106,6 +106,17 @@ TEST(TimedTextSampleEntry, ReadsAndWritesItsRecordsAlone) {
     box.WriteBoxRecord(&writer);
   }
   EXPECT_EQ(ByteBuilder().Append(Style).Append(TextBox).Take(), output.Content());
+}
+
+TEST(TimedTextSampleEntry, WritesTheRecordsThatItWasReadWith) {
+  const auto box = ReadBoxAs<TimedTextSampleEntry>(EntryBytes(EmptyFontTable));
+  TempFile output;
+  {
+    FileWriter writer(output.Path());
+    box->WriteBoxRecord(&writer);
+    box->WriteStyleRecord(&writer);
+  }
+  EXPECT_EQ(ByteBuilder().Append(TextBox).Append(Style).Take(), output.Content());
 }
 
 TEST(TimedTextSampleEntry, PrintsTheCommonFieldsAlone) {

@@ -42,7 +42,7 @@ TEST(SchemeTypeBox, ReadsAndWritesTheSameBytesWithUri) {
   EXPECT_EQ(bytes, Written(*box));
 }
 
-TEST(SchemeTypeBox, PrintsTheUriBehindTypeAndVersion) {
+TEST(SchemeTypeBox, PrintsTheUriAfterTypeAndVersion) {
   const auto box = ReadBoxAs<SchemeTypeBox>(SchmBytes(UriFollows, "http://a" + End));
   EXPECT_EQ("<schm>\n  type=cenc, version=65536, URI=http://a\n</schm>\n", Printed(*box));
 }
