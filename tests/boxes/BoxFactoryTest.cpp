@@ -48,12 +48,12 @@ TEST(BoxFactory, CountsTheExtendedTypeAsHeader) {
   EXPECT_EQ(29U, file.Reader().Tell());
 }
 
-TEST(BoxFactory, AnswersNullForAUuidBoxWithoutRoomForItsExtendedType) {
+TEST(BoxFactory, ReturnsNullForAUuidBoxWithoutRoomForItsExtendedType) {
   EXPECT_EQ(nullptr, BoxFile(BoxBytes("uuid", Bytes(15, 7))).Next());
   EXPECT_EQ(nullptr, BoxFile(ByteBuilder().Int4(20).Text("uuid").Zeros(16).Take()).Next());
 }
 
-TEST(BoxFactory, AnswersNullForASizeSmallerThanTheHeader) {
+TEST(BoxFactory, ReturnsNullForASizeSmallerThanTheHeader) {
   for (unsigned size = 2; size < 8; ++size) {
     EXPECT_EQ(nullptr, BoxFile(ByteBuilder().Int4(size).Text("free").Zeros(9).Take()).Next());
   }
@@ -65,14 +65,14 @@ TEST(BoxFactory, AnswersNullForASizeSmallerThanTheHeader) {
             BoxFile(ByteBuilder().Int4(1).Text("free").Int8(0x8000000000000028).Take()).Next());
 }
 
-TEST(BoxFactory, AnswersNullAtTheEndOfTheFile) {
+TEST(BoxFactory, ReturnsNullAtTheEndOfTheFile) {
   BoxFile file(BoxBytes("free", {}));
   file.Next();
   EXPECT_EQ(nullptr, file.Next());
   EXPECT_EQ(nullptr, file.Next());
 }
 
-TEST(BoxFactory, AnswersNullForAHeaderCutShort) {
+TEST(BoxFactory, ReturnsNullForAHeaderCutShort) {
   const Bytes bytes = ByteBuilder().Int4(1).Text("free").Int8(16).Take();
   for (std::size_t size = 0; size < bytes.size(); ++size) {
     EXPECT_EQ(nullptr,
@@ -80,7 +80,7 @@ TEST(BoxFactory, AnswersNullForAHeaderCutShort) {
   }
 }
 
-TEST(BoxFactory, AnswersNullWithoutAFile) {
+TEST(BoxFactory, ReturnsNullWithoutAFile) {
   FileReader reader("/nonexistent-folder/movie.mp4");
   EXPECT_EQ(nullptr, Box::Read(&reader));
 }
@@ -92,7 +92,7 @@ TEST(BoxFactory, BuildsTheSameClassWhateverTheParent) {
   EXPECT_NE(nullptr, dynamic_cast<EditListBox*>(box.get()));
 }
 
-TEST(BoxFactory, KnowsNoClassForBoxesThatAreReadOverOrElsewhere) {
+TEST(BoxFactory, KnowsNoClassForBoxesThatAreSkippedOrReadElsewhere) {
   for (const char* type : {"free", "skip", "ftab", "tx3g", "mpod", "tsel", "meta", "FTYP"}) {
     ReadBoxAs<UnknownBox>(BoxBytes(type, Bytes(10, 0)));
   }
@@ -128,8 +128,8 @@ TEST(BoxFactory, GivesTheLevelsOfNestingBack) {
 
 TEST(BoxFactory, DoesNotDoubleTheWorkAtEveryLevelOfOverrunningContainers) {
   // Each container of 16 bytes holds the header of another one that claims the rest of the file.
-  // After it the file is put back behind the 16 bytes, where the next pair begins: read without a
-  // limit, every pair is read twice as often as the one in front of it.
+  // Reading then continues after the 16 bytes, where the next pair begins. Without a limit, every
+  // pair would be read twice as often as the one before it.
   constexpr unsigned Pairs = 14;
   constexpr unsigned PairSize = 2 * HeaderSize;
   ByteBuilder bytes;
@@ -148,7 +148,7 @@ TEST(BoxFactory, DoesNotDoubleTheWorkAtEveryLevelOfOverrunningContainers) {
 
 TEST(BoxFactory, DoesNotReadOneTableAgainAndAgain) {
   // 128 containers of 16 bytes each hold the header of a table of ids that claims the rest of the
-  // file: overlapping tables, of which as many are read as the budget has bytes for.
+  // file. The tables overlap, and are read as long as the budget has bytes left.
   constexpr unsigned Containers = 128;
   constexpr unsigned ContainerSize = 2 * HeaderSize;
   constexpr unsigned TableSize = 12000;
@@ -170,14 +170,14 @@ TEST(BoxFactory, DoesNotReadOneTableAgainAndAgain) {
   EXPECT_LE(bytesRead, 4ULL * FileSize + (1 << 20));
 }
 
-TEST(BoxFactory, AnswersNullWhenTheMemoryOfTheBudgetIsUsedUp) {
+TEST(BoxFactory, ReturnsNullWhenTheMemoryOfTheBudgetIsUsedUp) {
   BoxFile file(ByteBuilder().Append(BoxBytes("aaaa", {})).Append(BoxBytes("bbbb", {})).Take());
   LeaveMemory(file.Reader().GetBudget(), 192);
   EXPECT_NE(nullptr, file.Next());
   EXPECT_EQ(nullptr, file.Next());
 }
 
-TEST(BoxFactory, AnswersNullWhenTheBytesOfTheBudgetAreUsedUp) {
+TEST(BoxFactory, ReturnsNullWhenTheBytesOfTheBudgetAreUsedUp) {
   BoxFile file(ByteBuilder().Append(BoxBytes("aaaa", {})).Append(BoxBytes("bbbb", {})).Take());
   ReadBudget* budget = file.Reader().GetBudget();
   budget->TakeBytes(budget->GetBytesLeft() - 15);

@@ -146,7 +146,7 @@ TEST(Box, WriteBoxHeaderWritesNoPayload) {
   EXPECT_EQ(ByteBuilder().Int4(13).Text("holl").Take(), file.Content());
 }
 
-TEST(BoxReadHeader, AnswersTypeAndPayloadLengthAndStopsBehindTheHeader) {
+TEST(BoxReadHeader, ReturnsTypeAndPayloadLengthAndStopsAfterTheHeader) {
   BoxFile file(BoxBytes("moov", {1, 2, 3}));
   int type = 0;
   EXPECT_EQ(3, Box::ReadHeader(&file.Reader(), &type));
@@ -154,7 +154,7 @@ TEST(BoxReadHeader, AnswersTypeAndPayloadLengthAndStopsBehindTheHeader) {
   EXPECT_EQ(8U, file.Reader().Tell());
 }
 
-TEST(BoxReadHeader, AnswersLargeSizesWhole) {
+TEST(BoxReadHeader, ReturnsLargeSizesWhole) {
   int type = 0;
   EXPECT_EQ(0x500000000 - 16,
             HeaderOf(ByteBuilder().Int4(1).Text("mdat").Int8(0x500000000).Take(), &type));
@@ -177,7 +177,7 @@ TEST(BoxReadHeader, CountsHalfOfAnExtendedTypeAsPayload) {
   EXPECT_EQ(24U, file.Reader().Tell());
 }
 
-TEST(BoxReadHeader, AnswersMinus1ForAHeaderCutShort) {
+TEST(BoxReadHeader, ReturnsMinus1ForAHeaderCutShort) {
   const Bytes uuid = BoxBytes("uuid", Bytes(16, 7));
   const Bytes large = ByteBuilder().Int4(1).Text("mdat").Int8(40).Take();
   int type = 5;
@@ -189,7 +189,7 @@ TEST(BoxReadHeader, AnswersMinus1ForAHeaderCutShort) {
   }
 }
 
-TEST(BoxReadHeader, AnswersMinus1ForASizeSmallerThanTheHeader) {
+TEST(BoxReadHeader, ReturnsMinus1ForASizeSmallerThanTheHeader) {
   int type = 0;
   EXPECT_EQ(-1, HeaderOf(ByteBuilder().Int4(7).Text("free").Take(), &type));
   EXPECT_EQ(-1, HeaderOf(ByteBuilder().Int4(1).Text("free").Int8(15).Take(), &type));

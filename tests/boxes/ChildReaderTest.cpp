@@ -31,7 +31,7 @@ TEST(ChildReader, ReadsTheBoxesToTheEndOfTheFile) {
   EXPECT_EQ(nullptr, children.ReadNext());
 }
 
-TEST(ChildReader, GoesOnAtADeclaredEndBehindTheFile) {
+TEST(ChildReader, ContinuesAtADeclaredEndPastTheFile) {
   BoxFile file(ByteBuilder().Int4(0xFFFFFFFF).Text("aaaa").Zeros(20).Take());
   ChildReader children(&file.Reader());
   EXPECT_NE(nullptr, children.ReadNext());

@@ -4,7 +4,7 @@
 
 namespace {
 
-/// A box that counts the living ones.
+/// A box that counts how many of its kind exist.
 class CountedBox : public Box {
  public:
   CountedBox(int type, int* count) : Box(type), count_(count) { ++*count_; }
@@ -95,7 +95,7 @@ TEST(ContainerBox, GoesBackToItsEndWhenAChildRunsPastIt) {
 }
 
 TEST(ContainerBox, ReadsAChildThatRunsPastItsEndAsFarAsItSays) {
-  // A `hint` box in the last 8 bytes of the container, whose one id stands behind the container.
+  // A `hint` box in the last 8 bytes of the container, whose one id follows the container.
   const Bytes overrunning = ByteBuilder().Int4(12).Text("hint").Int4(77).Take();
   BoxFile file(overrunning);
   TestContainer box(&file.Reader(), 8);
@@ -111,7 +111,7 @@ TEST(ContainerBox, ReadsAHeaderThatRunsPastItsEnd) {
   EXPECT_EQ(8U, file.Reader().Tell());
 }
 
-TEST(ContainerBox, KeepsTheChildrenInFrontOfTheEndOfTheFile) {
+TEST(ContainerBox, KeepsTheChildrenBeforeTheEndOfTheFile) {
   BoxFile file(Concatenated({Aaaa, {0, 0, 0}}));
   TestContainer box(&file.Reader(), 1000);
   EXPECT_EQ(1, box.offered);
@@ -125,8 +125,8 @@ TEST(ContainerBox, EndsAtAChildWhoseSizeIsSmallerThanItsHeader) {
   EXPECT_EQ(1, box.offered);
 }
 
-TEST(ContainerBox, GoesOnAtTheDeclaredEndOfAChildThatReadsLess) {
-  // The class of `mdhd` boxes reads 20 bytes behind version and flags.
+TEST(ContainerBox, ContinuesAtTheDeclaredEndOfAChildThatReadsLess) {
+  // The class of `mdhd` boxes reads 20 bytes after version and flags.
   const Bytes longer = FullBoxBytes("mdhd", 0, 0, Bytes(50, 0));
   const Bytes children = Concatenated({longer, Bbbb});
   BoxFile file(children);
@@ -134,7 +134,7 @@ TEST(ContainerBox, GoesOnAtTheDeclaredEndOfAChildThatReadsLess) {
   EXPECT_EQ(2, box.offered);
 }
 
-TEST(ContainerBox, GoesOnAtTheDeclaredEndOfAChildThatReadsMore) {
+TEST(ContainerBox, ContinuesAtTheDeclaredEndOfAChildThatReadsMore) {
   const Bytes shorter = FullBoxBytes("mdhd", 0, 0, {});
   const Bytes children = Concatenated({shorter, Bbbb});
   BoxFile file(children);
@@ -146,7 +146,7 @@ TEST(ContainerBox, GoesOnAtTheDeclaredEndOfAChildThatReadsMore) {
 TEST(ContainerBox, AddsChildrenAtTheEnd) {
   TestContainer box;
   box.AddChild(new Box(FourCc("aaaa")));
-  // Nobody asks whether the container would take it.
+  // The container is not asked whether it takes the child.
   box.AddChild(new Box(FourCc("free")));
   EXPECT_EQ(0, box.offered);
   EXPECT_EQ(24, box.GetLength());

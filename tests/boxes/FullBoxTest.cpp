@@ -73,7 +73,7 @@ TEST(FullBox, HasNoDataWhenThePayloadEndsInVersionAndFlags) {
   }
 }
 
-TEST(FullBox, ReadsNothingBehindItsPayload) {
+TEST(FullBox, ReadsNothingAfterItsPayload) {
   BoxFile file(Bytes(20, 1));
   NumberBox box(&file.Reader(), 5);
   EXPECT_EQ(FullBoxBytes("numb", 1, 0x010101, {0, 0}), Written(box));

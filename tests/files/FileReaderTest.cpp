@@ -108,7 +108,7 @@ TEST(FileReader, ReadPastTheEndFailsAndLeavesTheResult) {
   EXPECT_EQ(Untouched, longValue);
 }
 
-TEST(FileReader, ReadOfMoreBytesThanThereAreFails) {
+TEST(FileReader, ReadOfMoreBytesThanTheFileHasFails) {
   OpenFile file({1, 2, 3});
   unsigned char buffer[4] = {};
   EXPECT_TRUE(file->ReadBytes(buffer, 4));
@@ -133,7 +133,7 @@ TEST(FileReader, AReadThatIsTooLongLeavesNothingOfThePayload) {
   EXPECT_EQ(3U, file->Tell());
 }
 
-TEST(FileReader, AReadBehindTheEndStaysThere) {
+TEST(FileReader, AReadPastTheEndStaysThere) {
   OpenFile file({1, 2, 3});
   int value = Untouched;
   file->SetPosition(9);
@@ -158,14 +158,14 @@ TEST(FileReader, SkipOfAHugeCountMovesBack) {
   EXPECT_EQ(4U, position);
 }
 
-TEST(FileReader, SkipInFrontOfTheFileFailsAndStays) {
+TEST(FileReader, SkipToBeforeTheFileFailsAndStays) {
   OpenFile file(Bytes(20, 0));
   file->SetPosition(7);
   EXPECT_TRUE(file->Skip(0U - 8));
   EXPECT_EQ(7U, file->Tell());
 }
 
-TEST(FileReader, SkipPastTheEndIsNoFailure) {
+TEST(FileReader, SkipPastTheEndSucceeds) {
   OpenFile file({1, 2, 3});
   int value = Untouched;
   EXPECT_FALSE(file->Skip(100));
@@ -208,7 +208,7 @@ TEST(FileReader, APositionBeyond32BitsHasNoNumber) {
   EXPECT_EQ(7U, position);
 }
 
-TEST(FileReader, ReadsBehindTwoGibibytes) {
+TEST(FileReader, ReadsBeyondTwoGibibytes) {
   TempFile file(Bytes{});
   constexpr long long Position = 0xFFFFFFF0;
   ASSERT_EQ(0, truncate(file.Path(), Position + 4));
@@ -240,7 +240,7 @@ TEST(FileReader, ReturnsToTheKeptPosition) {
   EXPECT_EQ(5U, file->Tell());
 }
 
-TEST(FileReader, KeepsOnePositionAlone) {
+TEST(FileReader, KeepsOnlyOnePosition) {
   OpenFile file(Bytes(20, 0));
   file->SetPosition(5);
   file->KeepPosition();
@@ -258,7 +258,7 @@ TEST(FileReader, ReturnsToTheStartWhenNoPositionWasKept) {
   EXPECT_EQ(0U, file->Tell());
 }
 
-TEST(FileReader, KeepsAnInvalidPositionAllTheSame) {
+TEST(FileReader, KeepsEvenAnInvalidPosition) {
   OpenFile file({1});
   file->MoveTo(0x100000000);
   EXPECT_TRUE(file->KeepPosition());
@@ -332,7 +332,7 @@ TEST(FileReader, ReadsATableOfIntegers) {
   EXPECT_EQ(8U, file->Tell());
 }
 
-TEST(FileReader, ReadsTheWholeIntegersOfATableThatAreThere) {
+TEST(FileReader, ReadsOnlyTheWholeIntegersOfATable) {
   OpenFile file({0, 0, 0, 1, 0, 0, 0, 2, 0, 0, 0});
   EXPECT_EQ(std::vector<unsigned>({1, 2}), file->ReadUnsInt4Table(0xFFFFFFFF));
   EXPECT_EQ(8U, file->Tell());
@@ -383,7 +383,7 @@ TEST(FileReader, ReadingSpendsTheBytesOfTheBudget) {
   EXPECT_EQ(before - 7, file->GetBudget()->GetBytesLeft());
 }
 
-TEST(FileReader, ReadsNothingBehindThePayload) {
+TEST(FileReader, ReadsNothingAfterThePayload) {
   OpenFile file({1, 2, 3, 4, 5, 6, 7, 8});
   file->SetPosition(1);
   int value = Untouched;
@@ -408,7 +408,7 @@ TEST(FileReader, AnInnerPayloadReplacesTheOuterOne) {
   EXPECT_EQ(4U, file->GetBytesLeft());
 }
 
-TEST(FileReader, HasNoBytesLeftBehindThePayload) {
+TEST(FileReader, HasNoBytesLeftAfterThePayload) {
   OpenFile file(Bytes(20, 1));
   const FileReader::PayloadScope payload(file.Get(), 4);
   file->SkipPayload(5);

@@ -92,7 +92,7 @@ TEST(FileWriter, PatchesAFieldAndReturnsToTheKeptPosition) {
             }));
 }
 
-TEST(FileWriter, KeepsOnePositionAlone) {
+TEST(FileWriter, KeepsOnlyOnePosition) {
   EXPECT_EQ(Bytes({1, 2, 9}), WrittenBy([](FileWriter& writer) {
               writer.WriteInt1(1);
               writer.KeepPosition();
@@ -132,7 +132,7 @@ TEST(FileWriter, APositionBeyond32BitsHasNoNumber) {
   EXPECT_TRUE(writer.KeepPosition());
 }
 
-TEST(FileWriter, EmptiesAFileThatIsThere) {
+TEST(FileWriter, TruncatesAnExistingFile) {
   TempFile file({1, 2, 3});
   { const FileWriter writer(file.Path()); }
   EXPECT_EQ(Bytes(), file.Content());

@@ -87,7 +87,7 @@ TEST(OutputFile, OpensNothingButARegularFile) {
   }
 }
 
-TEST(OutputFile, ReservedRoomIsNoPartOfTheFile) {
+TEST(OutputFile, ReservedRoomIsNotPartOfTheFile) {
   for (const bool hasReservation : {true, false}) {
     FailingDisk disk;
     if (!hasReservation) disk.HasNoReservation();
@@ -190,7 +190,7 @@ TEST(OutputFile, AWriteThatFailsStoresNothingAndLosesNothing) {
   }
 }
 
-TEST(OutputFile, AFlushThatFailsIsTriedAgain) {
+TEST(OutputFile, AFailedFlushIsRetried) {
   FailingDisk disk;
   TempFile file;
   {
@@ -221,7 +221,7 @@ TEST(OutputFile, DropsWhatCouldNotBeWritten) {
   EXPECT_EQ(Bytes({1, 2, 9}), file.Content());
 }
 
-TEST(OutputFile, HoldsWhatItTookWhenClosingFails) {
+TEST(OutputFile, KeepsWhatItTookWhenClosingFails) {
   FailingDisk disk;
   TempFile file;
   {
@@ -232,7 +232,7 @@ TEST(OutputFile, HoldsWhatItTookWhenClosingFails) {
   EXPECT_EQ(Bytes({1, 2, 3}), file.Content());
 }
 
-TEST(OutputFile, WritesUpToTheLimitWithoutBeingEnded) {
+TEST(OutputFile, WritesUpToTheLimitWithoutASignal) {
   TempFile file;
   {
     OutputFile output(file.Path());

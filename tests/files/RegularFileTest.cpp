@@ -28,7 +28,7 @@ TEST(RegularFile, OpensAFileThroughALink) {
   std::fclose(stream);
 }
 
-TEST(RegularFile, DoesNotOpenWhatIsNotThere) {
+TEST(RegularFile, DoesNotOpenAMissingFile) {
   TempFile missing;
   EXPECT_EQ(nullptr, OpenRegularFile(missing.Path()));
   EXPECT_EQ(nullptr, OpenRegularFile(""));

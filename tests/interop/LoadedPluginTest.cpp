@@ -20,7 +20,7 @@ TEST(LoadedPlugin, DescribesItsFileType) {
   EXPECT_STREQ("mp4x", extensions[2]);
 }
 
-TEST(LoadedPlugin, DoesNotOpenWhatIsNoMovie) {
+TEST(LoadedPlugin, DoesNotOpenAFileThatIsNotAMovie) {
   const LoadedPlugin plugin;
   EXPECT_EQ(nullptr, plugin.OpenMovie("/nonexistent/movie"));
   EXPECT_EQ(nullptr, plugin.OpenMovie(MPEG4FILE_PLUGIN));

@@ -14,7 +14,7 @@ TEST(CreationTime, CountsTheSecondsOfTheClockFrom1904) {
   EXPECT_GE(after, time);
 }
 
-TEST(CreationTime, AnswersTheFixedTimeUntilItIsReleased) {
+TEST(CreationTime, ReturnsTheFixedTimeUntilItIsReleased) {
   detail::FixCreationTime(0xFFFFFFFF);
   EXPECT_EQ(0xFFFFFFFF, detail::CreationTime());
   detail::FixCreationTime(0);

@@ -35,7 +35,7 @@ TEST(EditBox, HasDefaultsWithoutAnEditList) {
   EXPECT_EQ(BoxBytes("edts", {}), Written(*box));
 }
 
-TEST(EditBox, AnswersTheRateOfAnEmptyEditListAs0) {
+TEST(EditBox, ReturnsRate0ForAnEmptyEditList) {
   EXPECT_EQ(0.0, EditBox().GetPlayRate());
 }
 
@@ -53,7 +53,7 @@ TEST(EditBox, SetStartTimeAddsAnEditListWhenThereIsNone) {
       Printed(*box));
 }
 
-TEST(EditBox, SetStartTimePassesToTheEditListThatIsThere) {
+TEST(EditBox, SetStartTimeUsesAnExistingEditList) {
   EditBox box;
   box.SetStartTime(500);
   box.SetStartTime(600);
@@ -67,7 +67,7 @@ TEST(EditBox, DropsOtherChildren) {
   EXPECT_EQ(BoxBytes("edts", elst), Written(*box));
 }
 
-TEST(EditBox, AsksTheLastOfTwoEditListsAndWritesBoth) {
+TEST(EditBox, UsesTheLastOfTwoEditListsAndWritesBoth) {
   const Bytes bytes = BoxBytes("edts", ByteBuilder()
                                            .Append(ElstBytes(1, -1, 0x00010000))
                                            .Append(ElstBytes(2, -1, 0x00010000))

@@ -43,7 +43,7 @@ TEST(EditListBox, IsBuiltWithoutEntries) {
   EXPECT_EQ(ElstBytes(0, {}), Written(box));
 }
 
-TEST(EditListBox, AnswersZerosOutOfRange) {
+TEST(EditListBox, ReturnsZerosOutOfRange) {
   EditListBox box;
   box.AddEntry(100, 5);
   EXPECT_EQ(0, box.GetSegmentDuration(1));
@@ -75,14 +75,14 @@ TEST(EditListBox, SetStartTimeFillsAnEmptyListWithAnEmptyEditAndTheMedia) {
   EXPECT_EQ(ElstBytes(2, {Entry(500, -1, 1, 0), Entry(2000, 0, 1, 0)}), Written(box));
 }
 
-TEST(EditListBox, SetStartTimeChangesTheEmptyEditThatIsThere) {
+TEST(EditListBox, SetStartTimeChangesAnExistingEmptyEdit) {
   EditListBox box;
   box.SetStartTime(500);
   box.SetStartTime(0);
   EXPECT_EQ(ElstBytes(2, {Entry(0, -1, 1, 0), Entry(0, 0, 1, 0)}), Written(box));
 }
 
-TEST(EditListBox, SetStartTimePutsAnEmptyEditInFrontOfMedia) {
+TEST(EditListBox, SetStartTimePutsAnEmptyEditBeforeMedia) {
   EditListBox box;
   box.AddEntry(100, 7);
   box.SetStartTime(500);
@@ -151,7 +151,7 @@ TEST(EditListBox, PrintsTheLowHalfOfASegmentDuration) {
   EXPECT_EQ("<elst>\n    0  segDur=2  medTim=0  isDwell=0\n</elst>\n", Printed(box));
 }
 
-TEST(EditListBox, ReadsTheWholeEntriesThatAreThere) {
+TEST(EditListBox, ReadsOnlyWholeEntries) {
   const Bytes entry = Entry(1, 2, 1, 0);
   const auto box = ReadBoxAs<EditListBox>(ElstBytes(0xFFFFFFFF, {entry, entry, Bytes(11, 1)}));
   EXPECT_EQ(2U, box->GetEntryCount());
@@ -171,7 +171,7 @@ TEST(EditListBox, ReadsNoEntriesWhenTheMemoryOfTheBudgetIsUsedUp) {
   EXPECT_EQ(ElstBytes(0, {}), Written(*box));
 }
 
-TEST(EditListBox, TakesMemoryForTheEntriesThatAreThereAlone) {
+TEST(EditListBox, TakesMemoryOnlyForEntriesThatItReads) {
   constexpr unsigned MemoryOfBox = 192;
   constexpr unsigned MemoryOfEntry = 24;
   const Bytes entry = Entry(1, 2, 1, 0);

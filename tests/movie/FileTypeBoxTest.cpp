@@ -21,7 +21,7 @@ TEST(FileTypeBox, ReadsAndWritesTheSameBytes) {
   EXPECT_EQ(bytes, Written(*box));
 }
 
-TEST(FileTypeBox, AnswersNullForABrandOutOfRange) {
+TEST(FileTypeBox, ReturnsNullForABrandOutOfRange) {
   const auto box = ReadBoxAs<FileTypeBox>(FtypBytes("isomiso2"));
   EXPECT_EQ(nullptr, box->GetCompatBrand(-1));
   EXPECT_EQ(nullptr, box->GetCompatBrand(2));

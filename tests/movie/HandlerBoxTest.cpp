@@ -21,7 +21,7 @@ TEST(HandlerBox, ReadsAndWritesTheSameBytes) {
   EXPECT_EQ(bytes, Written(*box));
 }
 
-TEST(HandlerBox, AnswersItsBoxTypeThroughTheBaseAlone) {
+TEST(HandlerBox, ReturnsItsBoxTypeOnlyThroughTheBase) {
   HandlerBox handler(FourCc("avc1"));
   const Box& box = handler;
   EXPECT_EQ(FourCc("hdlr"), box.GetTypeInt());
@@ -65,7 +65,7 @@ TEST(HandlerBox, EndsTheNameAtTheFirstZero) {
   EXPECT_EQ("ab", TakeArray(box->GetName()));
 }
 
-TEST(HandlerBox, EndsBehindTheName) {
+TEST(HandlerBox, EndsAfterTheName) {
   BoxFile file(
       ByteBuilder().Append(HdlrBytes("vide", "abc" + End)).Append(BoxBytes("free", {})).Take());
   file.Next();

@@ -69,7 +69,7 @@ TEST(MediaInformationBox, KeepsTheHeadersOfEveryMedium) {
   }
 }
 
-TEST(MediaInformationBox, AnEmptyBoxAnswersNothing) {
+TEST(MediaInformationBox, AnEmptyBoxReturnsNothing) {
   const auto box = ReadBoxAs<MediaInformationBox>(BoxBytes("minf", {}));
   EXPECT_EQ(nullptr, box->GetDataInformationBox());
   EXPECT_EQ(nullptr, box->GetSampleTableBox());

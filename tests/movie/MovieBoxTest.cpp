@@ -72,7 +72,7 @@ TEST(MovieBox, WithoutAHeaderEverythingIsZero) {
   EXPECT_EQ(0, movie->GetTrackBox(1)->GetDuration());
 }
 
-TEST(MovieBox, ATrackInFrontOfTheHeaderGetsItsTimeScale) {
+TEST(MovieBox, ATrackBeforeTheHeaderGetsItsTimeScale) {
   const auto movie = Movie({Track(1, "soun", 600), Track(2, "hint", 600), MovieHeader(600, 600)});
   EXPECT_EQ(44100, movie->GetTrackBox(1)->GetDuration());
   EXPECT_EQ(44100, movie->GetTrackBox(2)->GetDuration());

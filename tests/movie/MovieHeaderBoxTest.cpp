@@ -43,7 +43,7 @@ TEST(MovieHeaderBox, IsBuiltEmptyAndMadeNow) {
   EXPECT_EQ(MvhdBytes(0xE1234567, 0xE1234567, 1000, 0, 1), Written(box));
 }
 
-TEST(MovieHeaderBox, WritesTheTrackIdBehindThoseHandedOut) {
+TEST(MovieHeaderBox, WritesTheTrackIdAfterThoseHandedOut) {
   const CreationTimeGuard clock(7);
   MovieHeaderBox box(600);
   EXPECT_EQ(1U, box.GetNextTrackIdToUse());

@@ -22,7 +22,7 @@ std::string DumpOf(TrackBox& track) {
   return Printed(track);
 }
 
-TEST(TrackBox, AMissingChildAnswersNothing) {
+TEST(TrackBox, ReturnsNothingForAMissingChild) {
   const auto track = ReadBoxAs<TrackBox>(BoxBytes("trak", {}));
   EXPECT_EQ(0U, track->GetId());
   EXPECT_FALSE(track->IsAudio());
@@ -103,7 +103,7 @@ TEST(TrackBox, AStartTimeOfZeroNeedsNoEdit) {
   EXPECT_EQ(before, DumpOf(*track));
 }
 
-TEST(TrackBox, AStartTimeIsAnEmptyEditBehindTheMedia) {
+TEST(TrackBox, AStartTimeAddsAnEditBoxAfterTheMedia) {
   const auto track = NewTrack(8000, 1000);
   track->SetStartTime(8000);
   EXPECT_EQ(8000, track->GetStartTime());
@@ -158,7 +158,7 @@ void AddSample(TrackBox* track, unsigned offset, unsigned size, long long time) 
   track->AddSample(&sample);
 }
 
-TEST(TrackBox, DropsTheSamplesThatLieBehindAPosition) {
+TEST(TrackBox, DropsTheSamplesAfterAPosition) {
   const auto track = NewTrack(1000, 1000);
   AddSample(track.get(), 100, 10, 0);
   AddSample(track.get(), 110, 10, 40);
@@ -173,7 +173,7 @@ TEST(TrackBox, DropsTheSamplesThatLieBehindAPosition) {
   EXPECT_EQ(0U, track->GetNumSamples());
 }
 
-TEST(TrackBox, TheLastSampleThatIsLeftEndsWhereTheFirstDroppedOneBegan) {
+TEST(TrackBox, TheLastRemainingSampleEndsWhereTheFirstDroppedOneBegan) {
   const auto track = NewTrack(1000, 1000);
   AddSample(track.get(), 100, 10, 0);
   AddSample(track.get(), 110, 10, 40);

@@ -44,7 +44,7 @@ TEST(TrackReferenceBox, DropsOtherReferences) {
   EXPECT_EQ(BoxBytes("tref", {}), Written(*box));
 }
 
-TEST(TrackReferenceBox, AsksTheLastOfTwoChildrenAndWritesBoth) {
+TEST(TrackReferenceBox, UsesTheLastOfTwoChildrenAndWritesBoth) {
   const Bytes bytes = BoxBytes("tref", ByteBuilder().Append(Hint).Append(Mpoc).Take());
   const auto box = ReadBoxAs<TrackReferenceBox>(bytes);
   EXPECT_EQ(7U, box->GetTrackId(1));

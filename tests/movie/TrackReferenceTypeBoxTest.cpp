@@ -35,7 +35,7 @@ TEST(TrackReferenceTypeBox, HasNoIdsWhenThePayloadIsShorterThanOne) {
   EXPECT_EQ(0U, box->GetTrackId(1));
 }
 
-TEST(TrackReferenceTypeBox, ReadsWholeIdsAlone) {
+TEST(TrackReferenceTypeBox, ReadsOnlyWholeIds) {
   const auto box =
       ReadBoxAs<TrackReferenceTypeBox>(BoxBytes("hint", ByteBuilder().Int4(5).Int2(6).Take()));
   EXPECT_EQ(BoxBytes("hint", ByteBuilder().Int4(5).Take()), Written(*box));

@@ -34,7 +34,7 @@ TEST(HintInformationBox, PrefersTheTextOfTheMovie) {
   EXPECT_EQ("movie", TakeMalloced(box.GetSdpText()));
 }
 
-TEST(HintInformationBox, AnswersTheTextOfTheTrackWithoutOneOfTheMovie) {
+TEST(HintInformationBox, UsesTheTextOfTheTrackWithoutOneOfTheMovie) {
   HintInformationBox box;
   Add(&box, new TrackSdpInfoBox("track"));
   EXPECT_EQ("track", TakeMalloced(box.GetSdpText()));

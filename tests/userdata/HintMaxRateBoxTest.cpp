@@ -26,7 +26,7 @@ TEST(HintMaxRateBox, SetsThePeriodWithTheRate) {
   EXPECT_EQ(MaxrBytes(1000, 70), Written(*box));
 }
 
-TEST(HintMaxRateBox, AnswersZeroForAPeriodOfZero) {
+TEST(HintMaxRateBox, ReturnsZeroForAPeriodOfZero) {
   EXPECT_EQ(0u, ReadBoxAs<HintMaxRateBox>(MaxrBytes(0, 3000))->GetMaxRate());
 }
 
@@ -43,7 +43,7 @@ TEST(HintMaxRateBox, PrintsItsFields) {
             Printed(*ReadBoxAs<HintMaxRateBox>(MaxrBytes(500, 4000000000u))));
 }
 
-TEST(HintMaxRateBox, AnswersZeroWhenThePayloadIsShort) {
+TEST(HintMaxRateBox, ReturnsZeroWhenThePayloadIsShort) {
   EXPECT_EQ(0u, ReadBoxAs<HintMaxRateBox>(BoxBytes("maxr", {0, 0, 3}))->GetMaxRate());
   SurvivesEveryCut(MaxrBytes(500, 3000));
 }

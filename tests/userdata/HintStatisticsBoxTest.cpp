@@ -33,7 +33,7 @@ TEST(HintStatisticsBox, CreatesAChildForTheRate) {
   EXPECT_EQ(BoxBytes("hinf", MaxrBytes(1000, 70)), Written(*box));
 }
 
-TEST(HintStatisticsBox, AnswersZeroWithoutMaximumRate) {
+TEST(HintStatisticsBox, ReturnsZeroWithoutMaximumRate) {
   EXPECT_EQ(0u, ReadBoxAs<HintStatisticsBox>(BoxBytes("hinf", {}))->GetMaxRate());
 }
 

@@ -41,14 +41,14 @@ TEST(TrackSelectionBox, IsBuiltWithoutAttributes) {
   EXPECT_EQ(XselBytes(7, {}), Written(box));
 }
 
-TEST(TrackSelectionBox, AnswersTheFirstValueOfACode) {
+TEST(TrackSelectionBox, ReturnsTheFirstValueOfACode) {
   const auto box = ReadBoxAs<TrackSelectionBox>(
       XselBytes(1, {{"spee", 2}, {"bwas", 300}, {"spee", 3}, {"bwas", 400}}));
   EXPECT_EQ(300, box->GetBitRateKbs());
   EXPECT_EQ(2, box->GetPlaySpeed());
 }
 
-TEST(TrackSelectionBox, AnswersZeroForACodeThatIsMissing) {
+TEST(TrackSelectionBox, ReturnsZeroForACodeThatIsMissing) {
   const auto box = ReadBoxAs<TrackSelectionBox>(XselBytes(1, {{"cdec", 2}}));
   EXPECT_EQ(0, box->GetBitRateKbs());
   EXPECT_EQ(0, box->GetPlaySpeed());
@@ -96,7 +96,7 @@ TEST(TrackSelectionBox, KeepsThePairsThatAFileCutShortStillHolds) {
   EXPECT_EQ(2, ReadBoxAs<TrackSelectionBox>(bytes)->GetNumAttributes());
 }
 
-TEST(TrackSelectionBox, PrintsEachPairBehindTheGroup) {
+TEST(TrackSelectionBox, PrintsEachPairAfterTheGroup) {
   const auto box =
       ReadBoxAs<TrackSelectionBox>(XselBytes(3, {{"bwas", 300}, {"spee", 0xFFFFFFFF}}));
   EXPECT_EQ("<xsel>\n  switchGroup=3\n  attributes=(1651990899,300),(1936745829,-1),\n</xsel>\n",

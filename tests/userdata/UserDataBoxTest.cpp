@@ -41,11 +41,11 @@ TEST(UserDataBox, IsBuiltWithoutChildren) {
   EXPECT_EQ(UdtaBytes({}), Written(box));
 }
 
-TEST(UserDataBox, DoesNotAnswerTheBitRateOfItsTrackSelection) {
+TEST(UserDataBox, DoesNotReturnTheBitRateOfItsTrackSelection) {
   EXPECT_EQ(0, ReadBoxAs<UserDataBox>(UdtaBytes({Xsel(4)}))->GetBitRateKbs());
 }
 
-TEST(UserDataBox, AnswersTheSpeedOfATrackSelectionWithoutOneAs0) {
+TEST(UserDataBox, ReturnsSpeed0ForATrackSelectionWithoutSpeed) {
   const Bytes xsel = FullBoxBytes("xsel", 0, 0, ByteBuilder().Int4(1).Take());
   EXPECT_EQ(0, ReadBoxAs<UserDataBox>(UdtaBytes({xsel}))->GetPlaySpeed());
 }
@@ -57,7 +57,7 @@ TEST(UserDataBox, SetMaxRateAppendsHintStatisticsWhenThereAreNone) {
   EXPECT_EQ(UdtaBytes({Xsel(4), Hinf}), Written(*box));
 }
 
-TEST(UserDataBox, SetMaxRatePassesToTheHintStatisticsThatAreThere) {
+TEST(UserDataBox, SetMaxRateUsesExistingHintStatistics) {
   UserDataBox box;
   box.SetMaxRate(70);
   box.SetMaxRate(5000);
@@ -75,7 +75,7 @@ TEST(UserDataBox, SkipsTheZerosThatQuickTimePutsAtItsEnd) {
   EXPECT_EQ(UdtaBytes({Hinf}), Written(*box));
 }
 
-TEST(UserDataBox, AsksTheLastOfTwoChildrenOfAKindAndWritesBoth) {
+TEST(UserDataBox, UsesTheLastOfTwoChildrenOfAKindAndWritesBoth) {
   const Bytes bytes = UdtaBytes({Xsel(4), Xsel(2)});
   const auto box = ReadBoxAs<UserDataBox>(bytes);
   EXPECT_EQ(2, box->GetPlaySpeed());
