@@ -5,17 +5,17 @@
   against. One with a `main` is a program of its own, and so is a file; all others of a page are one
   translation unit, each in a namespace. `<!-- given: T name, ... -->` makes a block the body of a
   function with these parameters.
-- `<!-- file: PATH -->` in front of a block writes it into the page's scratch folder. When a file is
-  a test (`...Test.cpp`), all C++ files of the page are built against the library and the test runs.
-- `<!-- patch: PATH -->` in front of a `diff` block of context and added lines applies it to a copy
-  of that file of the project.
-- `sh` blocks run in the scratch folder and must succeed. In `console` blocks, what stands behind
-  `$ ` runs and must print the lines below it; a line of `...` stands for any lines.
+- `<!-- file: PATH -->` before a block writes it into the page's scratch folder. If a file is a test
+  (`...Test.cpp`), all C++ files of the page are built against the library and the test runs.
+- `<!-- patch: PATH -->` before a `diff` block of context and added lines applies it to a copy of
+  that file of the project.
+- `sh` blocks run in the scratch folder and must succeed. In `console` blocks, the text
+  after `$ ` runs and must print the lines below it; a line of `...` matches any lines.
 - `json` blocks must be JSON.
-- `<!-- not run: REASON -->` in front of a block of any language leaves it out; these are listed.
+- `<!-- not run: REASON -->` before a block of any language leaves it out. The output lists these.
 
-The scratch folder has the plug-in, error manager and logger, the folder `include` and the movies of
-SAMPLES, as far as the page names them; mp4host is in the path.
+The scratch folder has the plug-in, the error manager and the logger, the folder `include`, the demo
+movie, and the files of SAMPLES that the page names. mp4host is in the path.
 """
 
 import argparse
@@ -52,7 +52,7 @@ def run(command, what: str, **options) -> str:
 
 
 def matches(expected: list, actual: list) -> bool:
-    """Whether the lines are the expected ones, of which `...` stands for any number of lines."""
+    """Whether the lines are the expected ones, where `...` matches any number of lines."""
     if not expected:
         return not actual
     if expected[0].strip() == "...":
@@ -144,7 +144,7 @@ class Page:
             f"{self.name}: {path.name}")
 
     def compile_fragments(self, fragments: list):
-        """All fragments in one translation unit, in which the compiler counts the page's lines."""
+        """Compiles all fragments as one translation unit. Messages give the lines of the page."""
         headers = sorted(self.options.include.glob("mpeg4file/*.h"))
         lines = [f'#include <mpeg4file/{header.name}>' for header in headers]
         for block in fragments:

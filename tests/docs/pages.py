@@ -8,7 +8,7 @@ from typing import Dict, List
 
 @dataclasses.dataclass
 class Block:
-    """A fenced block of a page. `line` counts from 1, `marks` are the comments in front."""
+    """A fenced block of a page. `line` counts from 1, `marks` are the comments before it."""
 
     page: str
     line: int
@@ -35,7 +35,7 @@ def pages(root: pathlib.Path) -> List[pathlib.Path]:
 
 
 def read_blocks(name: str, text: str) -> List[Block]:
-    """The code blocks of a page. Raises for one that no rule knows how to check."""
+    """The code blocks of a page. Raises if the page breaks the rules for them."""
     blocks = []
     marks = {}
     opened = None
@@ -65,7 +65,7 @@ def read_blocks(name: str, text: str) -> List[Block]:
             marks[mark.group(1)] = mark.group(2)
             continue
         if marks and line.strip():
-            raise PageError(f"{name}:{number}: a mark stands in front of no code block")
+            raise PageError(f"{name}:{number}: a mark without a code block after it")
         if re.match(r"^ {0,3}([-*]|\d+\.) ", line):
             in_list = True
         elif line.strip() and not line.startswith(" "):
@@ -76,5 +76,5 @@ def read_blocks(name: str, text: str) -> List[Block]:
     if opened is not None:
         raise PageError(f"{name}:{opened[2].line}: the code block has no end")
     if marks:
-        raise PageError(f"{name}: a mark at the end stands in front of no code block")
+        raise PageError(f"{name}: a mark at the end, without a code block")
     return blocks

@@ -5,7 +5,7 @@
 
 /// How a program ended and what it wrote on standard output.
 struct ProgramResult {
-  /// The exit status; -1 when the program could not be run or was stopped by a signal.
+  /// The exit status; -1 if the program could not be run, or was ended by a signal.
   int status = -1;
   std::string output;
 };

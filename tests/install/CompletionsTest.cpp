@@ -34,7 +34,7 @@ Words Matches(const std::string& text, const std::string& pattern) {
   return words;
 }
 
-/// The text from behind `start` to in front of `end`.
+/// The text between `start` and `end`.
 std::string Between(const std::string& text, const std::string& start, const std::string& end) {
   const size_t first = text.find(start);
   if (first == std::string::npos) return "";

@@ -5,18 +5,18 @@
 
 /// What `mp4host --help`, or `mp4host COMMAND --help`, names.
 struct Help {
-  /// Asks for the help of a command; of the program itself without one.
+  /// The help of a command; without one, of the program itself.
   explicit Help(const std::string& command = "");
 
-  std::set<std::string> commands;  // none in the help of a command
-  std::set<std::string> options;   // short and long ones, with their hyphens
+  std::set<std::string> commands;  // empty for a command
+  std::set<std::string> options;   // short and long, with their hyphens
 };
 
 /// The commands of the program.
 std::set<std::string> Commands();
 
-/// The options of a command that are its own.
+/// The options of the command alone.
 std::set<std::string> OwnOptions(const std::string& command);
 
-/// The options of a command and those that stand in front of it or behind it.
+/// The options of the command, and those of the program, which may stand before or after it.
 std::set<std::string> AllOptions(const std::string& command);

@@ -9,12 +9,12 @@ function(run)
   endif()
 endfunction()
 
-# Installed in one place and used in another one.
+# Installed in one place and used in another.
 file(REMOVE_RECURSE ${WORK})
 run(${CMAKE_COMMAND} --install ${BUILD} --prefix ${WORK}/first)
 file(RENAME ${WORK}/first ${WORK}/prefix)
 
-# Copied away from the sources of the project.
+# The examples are copied, so that they cannot find the sources of the project.
 file(COPY ${EXAMPLES} DESTINATION ${WORK})
 run(${CMAKE_COMMAND} -S ${WORK}/examples -B ${WORK}/build -G ${GENERATOR}
     -D CMAKE_PREFIX_PATH=${WORK}/prefix

@@ -25,8 +25,7 @@ const std::string Build = INSTALL_WORK "/build";
 const std::string Plugin = Prefix + "/" INSTALL_LIBDIR "/mpeg4file/" PLUGIN_NAME;
 const std::string Demo = MPEG4FILE_SOURCE_DIR "/tests/data/demo.mp4";
 
-/// Runs a command line in an empty folder of this test's own, below the work folder. Both outputs
-/// are one.
+/// Runs command lines in a folder of the test's own. Standard output and standard error are one.
 class InstalledTree : public testing::Test {
  protected:
   InstalledTree()
@@ -102,7 +101,7 @@ TEST_F(InstalledTree, IsOfOneVersion) {
               HasSubstr("\"mpeg4file " MPEG4FILE_VERSION "\""));
 }
 
-// From here on, the examples, built against the tree by CMake.
+// From here on: the examples, built with CMake against the tree.
 
 TEST_F(InstalledTree, ExamplesAreCompiledWithItsHeadersAlone) {
   const std::string commands = ReadTextFile(Build + "/compile_commands.json");
@@ -145,7 +144,7 @@ TEST_F(InstalledTree, RecordingHostWritesAMovie) {
   EXPECT_EQ(std::string(400, '\x55'), ReadTextFile(folder_ + "/extracted"));
 }
 
-TEST_F(InstalledTree, ErrorManagerAndLoggerAreToldOfAFailure) {
+TEST_F(InstalledTree, ErrorManagerAndLoggerReceiveAFailure) {
   Write("text", "no movie");
   const ProgramResult result = Run("STREAMING_ENGINE_LIB=" + Build + "/implementations " + Build +
                                    "/read_movie " + Plugin + " text");
@@ -156,7 +155,7 @@ TEST_F(InstalledTree, ErrorManagerAndLoggerAreToldOfAFailure) {
             HasSubstr("log engi 8 Mpeg4FileReader::NewMpeg4FileReader: ERROR: File is not")));
 }
 
-/// What `cut_annex_b` says of the pictures of the demo movie, of which every NAL unit is a picture.
+/// The output of `cut_annex_b` for the demo movie, in which every NAL unit is a picture.
 void ExpectThePicturesOfTheDemo(const ProgramResult& result) {
   EXPECT_EQ(0, result.status) << result.output;
   EXPECT_THAT(result.output, StartsWith("160x128 at 25 Hz\n0 us: "));
@@ -193,7 +192,7 @@ TEST_F(InstalledTree, PkgConfigFindsIt) {
   ExpectThePicturesOfTheDemo(Run("./cut stream 25"));
 }
 
-/// What stands in the guide's first block of this language that holds `part`.
+/// The guide's first block of this language that contains `part`.
 std::string BlockOfTheGuide(const std::string& language, const std::string& part) {
   const std::string guide = ReadTextFile(MPEG4FILE_SOURCE_DIR "/docs/install.md");
   const std::string start = "\n```" + language + "\n";

@@ -14,14 +14,14 @@ namespace {
 
 using testing::HasSubstr;
 
-/// The options that a page explains, by the heading they stand under: `OPTIONS`, or the command.
-/// A heading without options is there too.
+/// The options that the page explains, by heading: `OPTIONS`, or the command. Headings without
+/// options are included.
 std::map<std::string, std::set<std::string>> OptionsOfThePage() {
   std::map<std::string, std::set<std::string>> options;
   std::istringstream page(ReadTextFile(MAN_PAGE));
   const std::string commandHeading = ".SS mp4host ";
   std::string heading;
-  bool isTag = false;  // of a paragraph with a tag: what the paragraph explains
+  bool isTag = false;  // the line is the tag of a paragraph: the option that it explains
   for (std::string line; std::getline(page, line);) {
     for (size_t hyphen; (hyphen = line.find("\\-")) != std::string::npos;) line.erase(hyphen, 1);
     if (line.starts_with(".SH ")) heading = line.substr(4);

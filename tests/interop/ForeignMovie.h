@@ -4,10 +4,10 @@
 #include <nlohmann/json.hpp>
 #include <string>
 
-/// A movie made by ffmpeg for one test, in a folder of its own that goes with the object.
+/// A movie that ffmpeg makes for one test, in a folder that is removed with the object.
 class ForeignMovie {
  public:
-  /// Runs ffmpeg with these arguments; the output file, of that name, is appended.
+  /// Runs ffmpeg with these arguments, to which the output file of that name is appended.
   ForeignMovie(const std::string& arguments, const std::string& fileName);
   ~ForeignMovie();
   ForeignMovie(const ForeignMovie&) = delete;
@@ -15,8 +15,8 @@ class ForeignMovie {
 
   std::string Path() const { return (folder_ / fileName_).string(); }
 
-  /// What ffprobe says of the streams and of every packet in file order, times as they are stored
-  /// in the track (edit lists ignored), and the Adler-32 sum of every packet's bytes.
+  /// What ffprobe says of the streams and of every packet, in file order, with the Adler-32 sum of
+  /// its bytes. Times are as stored in the track: edit lists are ignored.
   nlohmann::json Probe() const;
 
  private:

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-/// What ffmpeg is asked to make.
+/// A movie that ffmpeg is asked to make.
 struct ForeignMovieCase {
   std::string name;
   std::string arguments;

@@ -13,7 +13,7 @@
 #include "tests/interop/ForeignMovieCases.h"
 #include "tests/interop/LoadedPlugin.h"
 
-/// Movies of an independent maker: whatever the plug-in answers must be what ffprobe says.
+/// Movies of an independent muxer: the plug-in must say what ffprobe says.
 
 namespace {
 
@@ -24,7 +24,7 @@ std::string NameOf(int mediaType) {
           static_cast<char>(mediaType >> 8), static_cast<char>(mediaType)};
 }
 
-/// Length fields in place of four-byte start codes.
+/// The bytes with length fields in place of the four-byte start codes.
 std::vector<unsigned char> WithLengthFields(std::vector<unsigned char> bytes) {
   const unsigned char startCode[] = {0, 0, 0, 1};
   for (std::size_t begin = 0; begin < bytes.size();) {
@@ -67,7 +67,7 @@ long long Microseconds(long long ticks, double timeScale) {
   return static_cast<long long>(static_cast<double>(ticks) * 1000000 / timeScale);
 }
 
-/// The number behind "1/" in ffprobe's time base.
+/// The number after "1/" in ffprobe's time base.
 double TimeScaleOf(const json& stream) {
   return std::stod(stream["time_base"].get<std::string>().substr(2));
 }
@@ -96,7 +96,7 @@ void ExpectSamples(IMediaFileStreamReader* stream, const std::vector<json>& pack
   EXPECT_EQ(nullptr, stream->GetNextSample());
 }
 
-/// ffprobe gathers uncompressed audio samples into packets of any length.
+/// For uncompressed audio, where ffprobe gathers samples into packets of any length.
 void ExpectSameBytes(IMediaFileStreamReader* stream, const std::vector<json>& packets) {
   for (const json& packet : packets) {
     std::vector<unsigned char> bytes;

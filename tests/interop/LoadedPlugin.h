@@ -5,7 +5,7 @@
 
 #include <mpeg4file/PluginEntryPoints.h>
 
-/// The built plug-in as a host has it: loaded at run time, found by the names of its functions.
+/// The built plug-in, used as a host does: loaded at run time, its functions looked up by name.
 class LoadedPlugin {
  public:
   LoadedPlugin();

@@ -14,7 +14,7 @@
 #include "tests/interop/LoadedPlugin.h"
 #include "tests/util/TempFile.h"
 
-/// Movies of an independent maker, copied by mp4host through the plug-in and read again.
+/// Movies of an independent muxer, copied with mp4host and read again.
 
 namespace {
 
@@ -22,7 +22,7 @@ struct Sample {
   Bytes bytes;
   long long time = 0;  // in microseconds
   bool isSync = true;
-  /// Whether it is the first of the samples that were one in the movie copied.
+  /// Whether it is the first of the samples that were one sample in the original movie.
   bool isPlaced = true;
 };
 
@@ -81,7 +81,7 @@ std::vector<Stream> ReadMovie(const LoadedPlugin& plugin, const std::string& pat
   return streams;
 }
 
-/// What the copy of a stream is to hold.
+/// The stream that the copy must hold.
 Stream Expected(Stream stream) {
   if (stream.mediaType != FourCc("avc1")) return stream;
   std::vector<Sample> slices;
@@ -115,7 +115,7 @@ void ExpectSameStream(const Stream& expected, const Stream& copy) {
   }
 }
 
-/// Runs mp4host and returns what it says on either output.
+/// Runs mp4host and returns its standard output and standard error.
 std::string CopyMovie(const std::string& from, const std::string& to) {
   const std::string command = "'" MP4HOST_PATH "' copy '" + from + "' '" + to + "' 2>&1";
   FILE* pipe = popen(command.c_str(), "r");

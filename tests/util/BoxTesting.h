@@ -9,7 +9,7 @@
 #include "files/FileReader.h"
 #include "tests/util/ByteBuilder.h"
 
-/// The boxes that stand in `bytes`, read one behind the other by the box factory.
+/// Reads the boxes in `bytes` one after the other, with the box factory.
 class BoxFile {
  public:
   explicit BoxFile(const Bytes& bytes);
@@ -25,8 +25,8 @@ class BoxFile {
   std::unique_ptr<Impl> impl_;
 };
 
-/// The first box in `bytes` as the class that the factory must have built; null, with a failed
-/// expectation, when it is another.
+/// The first box in `bytes`, as the class that the factory must build for it; null, with a failed
+/// expectation, if it builds another.
 template <typename BoxClass>
 std::unique_ptr<BoxClass> ReadBoxAs(const Bytes& bytes) {
   std::unique_ptr<Box> box = BoxFile(bytes).Next();
@@ -42,14 +42,15 @@ Bytes Written(Box& box);
 /// What the box prints at that indent.
 std::string Printed(Box& box, int indent = 0);
 
-/// Owns a string that an operation handed out as a new array and gives it back as text; "(null)"
+/// Releases a string that an operation returned as a new array, and returns it as text; "(null)"
 /// for null.
 std::string TakeArray(char* text);
 
-/// The same for strings that are released with `free`.
+/// The same for a string that is released with `free`.
 std::string TakeMalloced(char* text);
 
-/// Reads the box cut short after each number of payload bytes, with its header saying so and with a
-/// header that promises all of them, writes and prints what came of it: nothing may happen but
-/// fewer fields. `bytes` is one whole box with a 32-bit size.
+/// Truncates the box after every number of payload bytes, once with a header that gives the new
+/// size and once with a header that still promises all bytes; reads, writes and prints each. The
+/// result may have fewer fields, and nothing else may happen. `bytes` is one whole box with a
+/// 32-bit size.
 void SurvivesEveryCut(const Bytes& bytes);

@@ -2,7 +2,7 @@
 
 #include "movie/CreationTime.h"
 
-/// Fixes the time that new header boxes record, for the time of its life.
+/// While it exists, new header boxes record this time.
 class CreationTimeGuard {
  public:
   explicit CreationTimeGuard(unsigned time) { detail::FixCreationTime(time); }

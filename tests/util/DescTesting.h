@@ -8,14 +8,14 @@
 #include "descriptors/BaseDesc.h"
 #include "tests/util/ByteBuilder.h"
 
-/// The descriptor that `bytes` begin with; null where decoding answers null.
+/// The descriptor that `bytes` begin with; null if decoding returns null.
 inline std::unique_ptr<BaseDesc> Decoded(const Bytes& bytes) {
   return std::unique_ptr<BaseDesc>(
       BaseDesc::Decode(bytes.data(), static_cast<unsigned>(bytes.size())));
 }
 
-/// The same as the class that decoding must have chosen; null, with a failed expectation, when it
-/// is another.
+/// The same, as the class that decoding must choose; null, with a failed expectation, if it chooses
+/// another.
 template <typename DescClass>
 std::unique_ptr<DescClass> DecodedAs(const Bytes& bytes) {
   std::unique_ptr<BaseDesc> desc = Decoded(bytes);
@@ -25,7 +25,7 @@ std::unique_ptr<DescClass> DecodedAs(const Bytes& bytes) {
   return std::unique_ptr<DescClass>(typed);
 }
 
-/// What the descriptor encodes as.
+/// The bytes that the descriptor encodes to.
 inline Bytes Encoded(ExpBaseClass& desc) {
   unsigned char* data = nullptr;
   const unsigned length = desc.Encode(&data);

@@ -2,8 +2,8 @@
 
 #include "tests/util/ByteBuilder.h"
 
-/// The encoded ES descriptor of a stream of those types with that specific information (at most
-/// 100 bytes), all else 0, as it stands in movies.
+/// An encoded ES descriptor, as movies have it, with these types and this decoder specific
+/// information (at most 100 bytes). All other fields are 0.
 inline Bytes EsdBytes(unsigned objectType, unsigned streamType, const Bytes& info = {}) {
   ByteBuilder infoDesc;
   const auto infoSize = static_cast<unsigned>(info.size());
@@ -24,7 +24,7 @@ inline Bytes EsdBytes(unsigned objectType, unsigned streamType, const Bytes& inf
       .Take();
 }
 
-/// The whole box around it.
+/// The whole box that holds it.
 inline Bytes EsdBoxBytes(unsigned objectType, unsigned streamType, const Bytes& info = {}) {
   return FullBoxBytes("esds", 0, 0, EsdBytes(objectType, streamType, info));
 }

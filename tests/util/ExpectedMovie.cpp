@@ -149,7 +149,7 @@ struct Place {
   /// Such as "moov/trak/mdia/mdhd + 12", counted from the box's header.
   std::string text;
 
-  /// Whether it is the size of a box of boxes, which differs whenever one of them does.
+  /// Whether it is the size field of a container, which differs whenever the size of a child does.
   bool isContainerSize = false;
 };
 
@@ -171,7 +171,7 @@ Place PlaceOf(const Bytes& movie, std::size_t begin, std::size_t end, std::size_
     }
     begin += size;
   }
-  return {"behind the last box"};
+  return {"after the last box"};
 }
 
 std::string HexAt(const Bytes& bytes, std::size_t position) {

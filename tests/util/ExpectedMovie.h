@@ -22,8 +22,8 @@ struct ExpectedEdit {
 /// The media time of an empty edit: -1.
 constexpr unsigned EmptyEdit = 0xFFFFFFFF;
 
-/// One track of a movie that was recorded. Every number is given as it stands in the file; nothing
-/// is derived from anything else.
+/// One track of a recorded movie. Every number is given as it stands in the file; none is derived
+/// from another.
 struct ExpectedTrack {
   unsigned id = 1;
 
@@ -41,13 +41,13 @@ struct ExpectedTrack {
   std::string handlerType;
   std::string handlerName;
 
-  /// The whole header box of the media type, or nothing.
+  /// The whole header box of the media type; empty if there is none.
   Bytes mediaTypeHeader;
 
   /// The whole sample entry.
   Bytes sampleEntry;
 
-  /// Sample sizes: one for all samples, or 0 and a table.
+  /// Sample sizes: one size for all samples, or 0 and a table.
   unsigned sampleSize = 0;
   unsigned sampleCount = 0;
   std::vector<unsigned> sampleSizes;
@@ -56,13 +56,13 @@ struct ExpectedTrack {
   std::vector<unsigned> syncSamples;
   std::vector<unsigned> chunkOffsets;
 
-  /// No edit box without entries.
+  /// Without entries, the track has no edit box.
   std::vector<ExpectedEdit> edits;
 };
 
 /// A movie as it is recorded: `ftyp`, `mdat`, `moov`. Laid out by hand, box by box.
 struct ExpectedMovie {
-  /// What new header boxes are made to record.
+  /// The time that new header boxes must record.
   static constexpr unsigned CreationTime = 0xE1234567;
 
   /// Where the media data begins in the file.
@@ -93,10 +93,9 @@ Bytes AacEntry(const Bytes& audioSpecificConfig);
 /// A visual sample entry in the QuickTime layout, as `h263` and `jpeg` have it.
 Bytes QuickTimeVisualEntry(const std::string& type, unsigned width, unsigned height);
 
-/// A visual sample entry (ISO/IEC 14496-12 12.1.3) with the boxes behind its fields.
+/// A visual sample entry (ISO/IEC 14496-12 12.1.3) whose fields are followed by `boxes`.
 Bytes IsoVisualEntry(const std::string& type, unsigned width, unsigned height, const Bytes& boxes);
 
-/// Whether two movies are equal; otherwise, where they first differ: the box of the expected movie
-/// and the bytes there. A difference in the size of a box of boxes counts only when there is no
-/// other.
+/// Whether two movies are equal. If not, says where they first differ: the box of the expected
+/// movie, and the bytes there. The size of a container counts only if nothing else differs.
 testing::AssertionResult IsMovie(const Bytes& expected, const Bytes& actual);

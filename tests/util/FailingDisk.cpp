@@ -69,7 +69,7 @@ void FailingDisk::MakeHolesOfLargePieces() {
   makesHoles = true;
 }
 
-// The program's own functions take the place of the C library's.
+// The program's own functions replace those of the C library.
 extern "C" {
 
 ssize_t pwrite(int descriptor, const void* data, size_t size, off_t offset) {

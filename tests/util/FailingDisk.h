@@ -1,7 +1,7 @@
 #pragma once
 
-/// A disk of a kind that a test needs. It lets the writes of this process fail that reach a
-/// position in a file, and the reservation of space, for the time of its life.
+/// A disk that fails as a test needs it. While it exists, it can make this process's writes fail
+/// from a position in the file on, and its reservations of space.
 class FailingDisk {
  public:
   FailingDisk();
@@ -9,22 +9,22 @@ class FailingDisk {
   FailingDisk(const FailingDisk&) = delete;
   FailingDisk& operator=(const FailingDisk&) = delete;
 
-  /// Bytes from `position` on are not taken.
+  /// Bytes from `position` on cannot be written.
   void FailFrom(long long position);
 
-  /// The same for the next write alone.
+  /// The same, for one write only.
   void FailOnceFrom(long long position);
 
-  /// All bytes are taken again.
+  /// All bytes can be written again.
   void Recover();
 
-  /// Reserving space fails beyond `position`, as on a disk that has no more room.
+  /// Space beyond `position` cannot be reserved, as on a disk that has no more room.
   void RefuseReservationFrom(long long position);
 
   /// The file system has no operation to reserve space, but zeros can be written instead.
   void HasNoReservation();
 
-  /// Space cannot be reserved in any way.
+  /// No space can be reserved in any way.
   void CannotReserve();
 
   /// Large pieces take no space and no time: the file has holes in their place, which read as

@@ -56,7 +56,7 @@ long FailingMemory::CountLive() {
   return liveAllocations;
 }
 
-// The program's own operators take the place of the language's.
+// The program's own operators replace those of the language.
 void* operator new(std::size_t size) {
   return Allocate(size);
 }

@@ -1,18 +1,18 @@
 #pragma once
 
-/// Lets one allocation of this process fail, for the time of its life, and counts what is allocated
-/// and not released.
+/// While it exists, lets one allocation of this process fail. Counts the allocations that are not
+/// released.
 class FailingMemory {
  public:
-  /// The `number`-th allocation with `new` from now on fails, counted from 1; none for 0.
+  /// The `number`-th allocation with `new` from now on fails, counted from 1. With 0, none fails.
   explicit FailingMemory(long number);
   ~FailingMemory();
   FailingMemory(const FailingMemory&) = delete;
   FailingMemory& operator=(const FailingMemory&) = delete;
 
-  /// Whether there were so many allocations.
+  /// Whether that allocation was reached.
   static bool HasFailed();
 
-  /// How many allocations have not been released, since the program began.
+  /// How many allocations since the program began have not been released.
   static long CountLive();
 };

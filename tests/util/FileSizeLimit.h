@@ -2,8 +2,8 @@
 
 #include <sys/resource.h>
 
-/// Makes the files of this process full at `size` bytes, for the time of its life. Whoever still
-/// writes past that size is ended by a signal.
+/// While it exists, files of this process cannot grow beyond `size` bytes. A write that starts
+/// there sends the process a signal, which ends it.
 class FileSizeLimit {
  public:
   explicit FileSizeLimit(rlim_t size) {

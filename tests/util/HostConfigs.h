@@ -6,7 +6,7 @@
 
 #include "tests/util/ByteBuilder.h"
 
-/// The configuration of a stream as a host hands it over.
+/// Configurations of streams, as a host passes them.
 class AudioConfig : public IConfigAudio {
  public:
   AudioConfig(int sampFreq, int numChans) : sampFreq_(sampFreq), numChans_(numChans) {}

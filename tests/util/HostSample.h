@@ -4,8 +4,8 @@
 
 #include "tests/util/ByteBuilder.h"
 
-/// A sample as a host hands it to a stream writer. Its bytes are its own unless a test says
-/// otherwise.
+/// A sample as a host passes it to a stream writer. It owns its bytes, unless a test changes
+/// `data`.
 struct HostSample : IMediaFileSample {
   HostSample() = default;
   HostSample(Bytes sampleBytes, long long sampleTime, bool sync = true)

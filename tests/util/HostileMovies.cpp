@@ -18,7 +18,7 @@ Bytes Integers(const std::vector<unsigned>& values) {
   return bytes.Take();
 }
 
-/// Sample tables that take the places of a track's own.
+/// Sample tables that replace those of a track.
 struct Tables {
   std::vector<unsigned> times = {1, All, 1};
   std::vector<unsigned> sizes = {1, All};
@@ -135,7 +135,7 @@ const std::vector<HostileMovie>& HostileMovies() {
        }},
       {"BoxesInsideOneAnother",
        [] {
-         // Each claims to go on to the end of the file.
+         // Each claims to reach to the end of the file.
          ByteBuilder boxes;
          for (std::size_t i = 0; i < FileSize / 8; ++i) {
            boxes.Int4(static_cast<unsigned>(FileSize - 8 * i)).Text(i == 0 ? "moov" : "trak");

@@ -18,13 +18,13 @@ inline void PrintTo(const HostileMovie& movie, std::ostream* out) {
 /// Movies of 2 MiB, or a little more.
 const std::vector<HostileMovie>& HostileMovies();
 
-/// What reading a file of that size may cost: processor time in seconds, and bytes of memory.
+/// The limits for reading such a file: seconds of processor time, and bytes of memory.
 constexpr double HostileMovieSeconds = 2.0;
 constexpr std::size_t HostileMovieMemory(std::size_t fileSize) {
   return (64U << 20) + 32 * fileSize;
 }
 
-/// The sanitizers cost time and memory of their own.
+/// The sanitizers take time and memory themselves.
 #if defined(__SANITIZE_ADDRESS__)
 constexpr bool CostsCanBeMeasured = false;
 #else

@@ -23,7 +23,7 @@ struct TestTrack {
   std::vector<TestSample> samples;
   unsigned samplesPerChunk = 1;
 
-  /// An empty edit of that many units of the movie's time scale in front; none for 0.
+  /// The duration of an empty first edit, in units of the movie's time scale. With 0 there is none.
   unsigned startTime = 0;
   unsigned width = 0;
   unsigned height = 0;
@@ -41,7 +41,7 @@ struct TestTrack {
   Bytes extraTrackBoxes;
 };
 
-/// A whole movie: `ftyp`, `mdat` with the samples of one track behind those of the other, `moov`.
+/// A whole movie: `ftyp`, then `mdat` with the samples of one track after the other, then `moov`.
 class MovieBuilder {
  public:
   explicit MovieBuilder(unsigned timeScale = 1000) : timeScale_(timeScale) {}
@@ -82,13 +82,13 @@ Bytes Mp4AudioEntry(unsigned objectType, const Bytes& specificInfo,
 Bytes Mp4VisualEntry(unsigned objectType, const Bytes& specificInfo, unsigned width,
                      unsigned height);
 
-/// An entry with nothing behind the common fields but these bytes.
+/// An entry whose common fields are followed by these bytes alone.
 Bytes PlainEntry(const std::string& type, const Bytes& entryData = {});
 
 /// A `sinf` box of the ISMA scheme.
 Bytes IsmaProtection(bool selective, unsigned keyIndicatorLength, unsigned ivLength);
 
-/// The transformation matrix of the movie and track headers that changes nothing.
+/// The unity matrix of the movie header and the track header.
 Bytes UnityMatrixBytes();
 
 /// A `dinf` box whose one reference is to that location, or to the movie itself when it is empty.

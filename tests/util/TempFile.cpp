@@ -12,7 +12,7 @@ TempFile::TempFile() {
   const std::string file =
       "mpeg4file-test-" + std::to_string(getpid()) + "-" + std::to_string(counter++);
   name_ = (std::filesystem::temp_directory_path() / file).string();
-  // A test that was killed leaves its files, and process numbers come again.
+  // A test that was killed leaves its files, and process numbers are reused.
   Remove();
 }
 

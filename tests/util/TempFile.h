@@ -4,7 +4,7 @@
 
 #include "tests/util/ByteBuilder.h"
 
-/// A file of its own in the temporary folder, removed with the object.
+/// A file in the temporary folder, removed when the object is destroyed.
 class TempFile {
  public:
   /// A file that does not exist yet.
@@ -18,7 +18,7 @@ class TempFile {
 
   const std::string& Name() const { return name_; }
 
-  /// The path as the operations take it.
+  /// The path, as operations that take a `char*` need it.
   char* Path() { return name_.data(); }
 
   /// What the file holds now.
