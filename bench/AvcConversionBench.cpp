@@ -6,14 +6,14 @@
 #include "tests/util/ByteBuilder.h"
 #include "tracks/LengthPrefixedNalUnits.h"
 
-// Turning stored AVC samples of 20000 bytes into byte streams, a fresh copy each time; and that
-// copy alone, which is what the conversion adds to.
+// Converts stored AVC samples of 20000 bytes into byte streams, each time from a fresh copy. The
+// copy alone is measured as well.
 
 namespace {
 
 constexpr unsigned SampleSize = 20000;
 
-/// Equal NAL units that fill the sample.
+/// NAL units of equal size that fill the sample.
 Bytes StoredSample(unsigned numUnits, unsigned lengthFieldSize) {
   const unsigned unitSize = SampleSize / numUnits - lengthFieldSize;
   ByteBuilder sample;

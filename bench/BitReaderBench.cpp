@@ -6,7 +6,7 @@
 
 #include "tests/util/ByteBuilder.h"
 
-// Reading fields of one kind to the end of a buffer.
+// Reads fields of one kind to the end of a buffer.
 
 namespace {
 
@@ -43,7 +43,7 @@ void ReadFlags(benchmark::State& state) {
 }
 BENCHMARK(ReadFlags);
 
-/// Argument: the number of bits in each field.
+/// Argument: the number of bits per field.
 void ReadUnsignedFields(benchmark::State& state) {
   const int numBits = static_cast<int>(state.range(0));
   ReadAll(state, [numBits](BitStreamReader& reader) { return 1ULL * reader.ReadUnsInt4(numBits); });

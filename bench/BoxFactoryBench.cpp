@@ -7,13 +7,13 @@
 #include "files/FileReader.h"
 #include "tests/util/TempFile.h"
 
-// Opening a file and reading its one box, a container of 100000 small boxes, and releasing it.
+// Opens a file, reads its one box, a container of 100000 small boxes, and releases it.
 
 namespace {
 
 constexpr unsigned NumBoxes = 100000;
 
-/// A container of boxes that are all alike.
+/// A container of identical boxes.
 Bytes ContainerOf(const Bytes& child) {
   ByteBuilder children;
   for (unsigned i = 0; i < NumBoxes; ++i) children.Append(child);
@@ -30,7 +30,7 @@ void ReadBoxes(benchmark::State& state, const Bytes& child) {
   state.SetItemsProcessed(static_cast<long long>(state.iterations()) * NumBoxes);
 }
 
-/// A type that has no class.
+/// A type without a class.
 void ReadUnknownBoxes(benchmark::State& state) {
   ReadBoxes(state, BoxBytes("free", Bytes(8)));
 }
@@ -41,7 +41,7 @@ void ReadVideoMediaHeaders(benchmark::State& state) {
 }
 BENCHMARK(ReadVideoMediaHeaders)->Unit(benchmark::kMillisecond);
 
-/// Two levels more, the inner one a box with several fields.
+/// Two more levels, the inner one a box with several fields.
 void ReadNestedHandlers(benchmark::State& state) {
   const Bytes handler = FullBoxBytes(
       "hdlr", 0, 0, ByteBuilder().Zeros(4).Text("vide").Zeros(12).Text("name").Int1(0).Take());

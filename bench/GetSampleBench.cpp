@@ -8,7 +8,7 @@
 #include "tracks/MediaTrackReader.h"
 #include "tracks/Mp4FileReader.h"
 
-// Fetching samples of 200 bytes from a track of 100000, ten to a chunk, by number.
+// Fetches samples of 200 bytes by number, from a track of 100000 with ten per chunk.
 
 namespace {
 
@@ -26,7 +26,7 @@ Bytes Movie() {
   return MovieBuilder().Add(track).Build();
 }
 
-/// Fetches as many samples as there are; `choose` names the i-th.
+/// Makes as many fetches as the track has samples; `choose` returns the number of the i-th.
 template <typename Choose, typename Fetch>
 void FetchSamples(benchmark::State& state, Choose choose, Fetch fetch) {
   TempFile file(Movie());

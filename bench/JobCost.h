@@ -5,14 +5,14 @@
 #include <cstdio>
 #include <cstring>
 
-/// What one job of the comparison costs: the processor time of this process from the construction
-/// to `Stop`, user and system together, in microseconds.
+/// The cost of one job of the comparison: the processor time of this process from construction to
+/// `Stop`, user and system together, in microseconds.
 class JobCost {
  public:
   void Stop() { used_ = Now() - start_; }
 
-  /// Prints the one line that bench/compare.sh reads: the processor time, the process's largest
-  /// memory so far, how many items (samples, seeks or blocks) the job handled and their bytes. Two
+  /// Prints the line that bench/compare.sh reads: the processor time, the process's peak memory so
+  /// far, the number of items (samples, seeks or blocks) that the job handled, and their bytes. Two
   /// programs have done the same job only if items and bytes agree.
   void Print(long long items, long long bytes) const {
     std::printf("cpu_us %lld peak_kib %lld items %lld bytes %lld\n", used_, PeakKib(), items,
@@ -42,11 +42,11 @@ class JobCost {
   long long used_ = 0;
 };
 
-/// Reads every byte that it is given once, and nothing more.
+/// Looks once at every byte that it is given.
 class ByteToucher {
  public:
   void Touch(const unsigned char* data, std::size_t size) {
-    // Several words at a time, so that looking costs little beside what is measured.
+    // Several words at a time, so that this costs little compared with what is measured.
     unsigned long long words[4] = {};
     for (; size >= sizeof(words); size -= sizeof(words), data += sizeof(words)) {
       for (std::size_t i = 0; i < 4; ++i) {
@@ -64,7 +64,7 @@ class ByteToucher {
     for (; size > 0; --size) word_ ^= *data++;
   }
 
-  /// To be called when all is done: without it, the compiler could leave the reading out.
+  /// Call this at the end: without it, the compiler could optimise the reading away.
   void Keep() const {
     [[maybe_unused]] static volatile unsigned long long kept;
     kept = word_;

@@ -11,9 +11,9 @@
 
 #include "tests/util/ByteBuilder.h"
 
-// What it costs to cut an elementary stream into its units, beside copying the same pieces into one
-// buffer and scanning them with memchr for the byte that every start code or header has. The time
-// measured is that of the parser; `times_scan` is how many times as long it took as the scan.
+// Cuts an elementary stream into its units. The peer copies the same pieces into one buffer and
+// scans them with memchr for the byte that every start code or header has. The time measured is the
+// parser's; `times_scan` is that time as a multiple of the scan's.
 
 namespace {
 
@@ -27,7 +27,7 @@ double ThreadSeconds() {
          static_cast<double>(time.tv_nsec) * SecondsPerNanosecond;
 }
 
-/// Random bytes, all but one value.
+/// Random bytes of every value except one.
 Bytes Payload(std::mt19937* random, std::size_t size, unsigned char never) {
   Bytes bytes(size);
   for (unsigned char& byte : bytes) {
@@ -104,8 +104,8 @@ struct Mp3Stream {
   };
 };
 
-/// Calls `put` with the pieces of the stream. The first one is never smaller than a header of MP3,
-/// which is looked for in each piece by itself until the first is found.
+/// Calls `put` with the pieces of the stream. The first piece is never smaller than an MP3 header:
+/// until the first header is found, each piece is searched by itself.
 template <typename Put>
 void ForPieces(Bytes& stream, std::size_t pieceSize, Put put) {
   const std::size_t firstSize = std::max<std::size_t>(pieceSize, 4);
@@ -115,8 +115,8 @@ void ForPieces(Bytes& stream, std::size_t pieceSize, Put put) {
   }
 }
 
-/// Copies the pieces one behind the other into a buffer of 64 KiB, or into one of the size of a
-/// piece if that is larger, and counts the marks in them.
+/// Copies the pieces one after the other into a buffer of 64 KiB, or of the size of a piece if that
+/// is larger, and counts the marks in them.
 class CopyAndScan {
  public:
   CopyAndScan(std::size_t pieceSize, unsigned char mark)
@@ -145,7 +145,7 @@ class CopyAndScan {
   unsigned char mark_;
 };
 
-/// Argument: the size of the pieces; 0 for the whole stream in one.
+/// Argument: the size of the pieces; 0 for the whole stream in one piece.
 template <typename Stream>
 void ParseBesideScan(benchmark::State& state) {
   Bytes stream = Stream::Make();

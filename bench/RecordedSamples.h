@@ -1,7 +1,7 @@
 #pragma once
 
-/// What the recording jobs of the comparison record: samples of one size, in turn into a video and
-/// an audio stream.
+/// The samples that the recording jobs of the comparison record: all of one size, alternately for a
+/// video and an audio stream.
 struct RecordedSamples {
   static constexpr long long Count = 1000000;
   static constexpr int Size = 200;

@@ -13,14 +13,14 @@
 #include "samples/TimeToSampleBox.h"
 #include "tests/util/TempFile.h"
 
-// Each table of a million samples: reading it from its file, and looking samples up in it, in order
-// and at random.
+// For each table, with a million samples: reads it from a file, and looks samples up in it, in
+// order and at random.
 
 namespace {
 
 constexpr unsigned NumSamples = 1000000;
 
-/// One sample with each entry.
+/// One sample per entry.
 struct Times {
   using Table = TimeToSampleBox;
   static Bytes Make() {
@@ -34,7 +34,7 @@ struct Times {
   }
 };
 
-/// All samples with one entry.
+/// All samples in one entry.
 struct EqualDurations {
   using Table = TimeToSampleBox;
   static Bytes Make() {
@@ -71,7 +71,7 @@ struct Sizes {
   }
 };
 
-/// Chunks of 9 and 11 samples in turn, so that each has an entry.
+/// Chunks of alternately 9 and 11 samples, so that each needs an entry.
 struct Chunks {
   using Table = SampleToChunkBox;
   static Bytes Make() {

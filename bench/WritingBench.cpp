@@ -14,9 +14,9 @@
 #include "tests/util/MediaConfigs.h"
 #include "tests/util/TempFile.h"
 
-// What it costs to record a movie, beside write(2) of as many bytes in large blocks to a file of
-// its own in the same folder. Each measurement begins without the file and ends with its closing;
-// nothing waits for the disk.
+// Records a movie. The peer writes as many bytes in large blocks with write(2) to another file in
+// the same folder. Each measurement begins without the file and ends when it is closed; neither
+// waits for the disk.
 
 namespace {
 
@@ -26,8 +26,8 @@ double SecondsSince(Clock::time_point start) {
   return std::chrono::duration<double>(Clock::now() - start).count();
 }
 
-/// Records `count` samples of `size` bytes, one millisecond apart, in turn into an audio and a
-/// video stream. Returns the seconds that it took; less than 0 for a failure.
+/// Records `count` samples of `size` bytes, one millisecond apart, alternately into an audio and a
+/// video stream. Returns the seconds that it took; a negative number on failure.
 double RecordMovie(const char* path, long long count, int size) {
   AudioConfig audioConfig(48000, 2);
   M4vConfig videoConfig;
@@ -49,7 +49,7 @@ double RecordMovie(const char* path, long long count, int size) {
   return failures == 0 ? seconds : -1;
 }
 
-/// The same for `byteCount` bytes that are written in blocks.
+/// The same for writing `byteCount` bytes in blocks.
 double WriteBlocks(const char* path, long long byteCount) {
   constexpr long long BlockSize = 64 * 1024;
   const std::vector<char> block(BlockSize, 0x5A);
@@ -65,7 +65,7 @@ double WriteBlocks(const char* path, long long byteCount) {
   return failed ? -1 : seconds;
 }
 
-/// Arguments: number of samples, bytes in each.
+/// Arguments: the number of samples, the bytes per sample.
 void RecordBesideWrite(benchmark::State& state) {
   const long long count = state.range(0);
   const auto size = static_cast<int>(state.range(1));

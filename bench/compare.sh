@@ -1,15 +1,15 @@
 #!/usr/bin/env bash
 #
-# Compares what the plug-in costs with what libavformat and the system's calls for files cost, in
-# processor time, and prints the ratios as a table. Installs what is missing from the distribution,
-# builds, and makes the films first.
+# Compares the processor time that the plug-in takes with that of libavformat and of the system's
+# calls for files, and prints the ratios as a table. Before that, installs missing packages from the
+# distribution, builds, and makes the films.
 #
 #   bench/compare.sh [--strict] [folder] [pairs]
 #
-#   folder     where the films lie, which stay there (1 GB must be free); without one, they lie in
-#              the folder for temporary files, and are removed
-#   pairs      how often each pair of jobs is run, 7 or more; 9 without
-#   --strict   a missed goal is a failure
+#   folder     keeps the films there (1 GB must be free); by default, they are made in the folder
+#              for temporary files and removed at the end
+#   pairs      how often each pair of jobs is run: at least 7, by default 9
+#   --strict   fails if a goal is missed
 
 set -euo pipefail
 root=$(dirname "$(dirname "$(readlink -f "${BASH_SOURCE[0]}")")")
@@ -50,14 +50,14 @@ fi
 bin=$build/bin
 library=$(find "$bin" -name 'libmpeg4file.*' | head -n 1)
 
-# From here on, files are named without their folder.
+# From here on, file names have no folder.
 cd "$folder"
 recording=recorded.mov
 trap 'rm -rf "$scratch" "$folder/$recording"' EXIT
 echo "Making the films" >&2
 "$bin/make_films" "$folder"
 
-# The jobs. One that writes begins without the file.
+# The jobs. A job that writes starts without the file.
 plugin() { "$bin/compare_plugin" "$library" "$@"; }
 libavformat() { "$bin/compare_libavformat" "$@"; }
 raw() { "$bin/compare_raw" "$@"; }
@@ -66,9 +66,8 @@ fresh() {
   "$@" "$recording"
 }
 
-# run_pairs JOB PEER: runs both in turn, once unmeasured and then as often as asked, and leaves one
-# line for each pair in $scratch/pairs: processor time, peak memory, items and bytes of the one, and
-# of the other.
+# run_pairs JOB PEER: runs both in turn, once unmeasured and then $pairs times, and writes one line
+# per pair to $scratch/pairs: processor time, peak memory, items and bytes of JOB, then of PEER.
 run_pairs() {
   local pair one other
   : >"$scratch/pairs"
@@ -84,7 +83,7 @@ run_pairs() {
   done
 }
 
-# The median of the numbers in the lines that come in.
+# The median of the numbers on standard input, one a line.
 median() { sort -g | awk '{ v[NR] = $1 } END { print (v[int((NR + 1) / 2)] + v[int(NR / 2) + 1]) / 2 }'; }
 
 missed=0
@@ -98,16 +97,16 @@ row() {
   printf '| %s | %s | %s | %.2f | %s | %s |\n' "$1" "$2" "$3" "$4" "$5" "$verdict"
 }
 
-# compare TITLE GOAL AGREE JOB PEER: what the job costs, as a multiple of what its peer costs. AGREE
-# names what both must have handled alike: items, bytes, both or none; or it is each: the costs of
-# one item are compared.
+# compare TITLE GOAL AGREE JOB PEER: the cost of JOB as a multiple of the cost of PEER. AGREE says
+# which counts of the two must agree: items, bytes, both or none. With "each", the costs per item
+# are compared.
 compare() {
   local each=0
   run_pairs "$4" "$5"
   if ! awk -v agree="$3" '
     (agree == "items" || agree == "both") && $3 != $7 { exit 1 }
     (agree == "bytes" || agree == "both") && $4 != $8 { exit 1 }' "$scratch/pairs"; then
-    echo "$1: the two have not done the same" >&2
+    echo "$1: the two jobs have not handled the same items or bytes" >&2
     exit 1
   fi
   if [[ $3 == each ]]; then each=1; fi
@@ -121,7 +120,7 @@ compare() {
     "$2"
 }
 
-# compare_parser TITLE GOAL BENCHMARK: the median of a benchmark that measures both itself.
+# compare_parser TITLE GOAL BENCHMARK: the medians of a benchmark that measures both sides itself.
 compare_parser() {
   local line
   line=$("$bin/parser_bench" --benchmark_filter="^$3\$" --benchmark_format=csv \

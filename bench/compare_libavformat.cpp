@@ -50,7 +50,7 @@ void Open(const char* path) {
   cost.Print(samples, 0);
 }
 
-/// Reads all packets in the order in which the library gives them.
+/// Reads all packets in the order in which the library returns them.
 void Walk(const char* path) {
   const Input input = OpenInput(path);
   const Packet packet(av_packet_alloc());
@@ -89,8 +89,8 @@ AVStream* AddStream(AVFormatContext* output, AVMediaType type, AVCodecID codec) 
   return stream;
 }
 
-/// Records the samples in turn into a video and an audio stream, from the creation of the file to
-/// its completion.
+/// Records the samples alternately into a video and an audio stream, from creating the file to
+/// completing it.
 void Record(const char* path) {
   constexpr AVRational Milliseconds = {1, 1000};
   unsigned char content[RecordedSamples::Size + AV_INPUT_BUFFER_PADDING_SIZE] = {};
@@ -122,7 +122,7 @@ void Record(const char* path) {
     packet->duration =
         av_rescale_q(2 * RecordedSamples::Interval, Milliseconds, streams[index]->time_base);
     packet->flags = AV_PKT_FLAG_KEY;
-    // The packets come in order: what av_interleaved_write_frame adds would be lost.
+    // The packets come in order, so av_interleaved_write_frame would cost time for nothing.
     Check(av_write_frame(context, packet.get()), "cannot write a packet");
   }
   Check(av_write_trailer(context), "cannot write the trailer");

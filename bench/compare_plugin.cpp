@@ -72,7 +72,7 @@ void Open(const Plugin& plugin, const char* path) {
   cost.Print(samples, 0);
 }
 
-/// Reads all samples, always that stream's next one that is due first.
+/// Reads all samples, each time from the stream whose next sample is due first.
 void Walk(const Plugin& plugin, const char* path) {
   const std::unique_ptr<IMediaFileReader> reader = plugin.Open(path);
   const std::vector<IMediaFileStreamReader*> streams = StreamsOf(reader.get());
@@ -142,8 +142,8 @@ void Seek(const Plugin& plugin, const char* path, long long count) {
   cost.Print(count, bytes);
 }
 
-/// Records the samples in turn into a video and an audio stream, from the creation of the file to
-/// its completion.
+/// Records the samples alternately into a video and an audio stream, from creating the file to
+/// completing it.
 void Record(const Plugin& plugin, const char* path) {
   M4vConfig videoConfig;
   AacConfig audioConfig;

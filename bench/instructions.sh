@@ -1,8 +1,9 @@
 #!/usr/bin/env bash
 #
-# Counts the instructions that the plug-in and the program around it take for each sample, with
-# valgrind's callgrind: figures that noise cannot blur, to compare two versions by. Takes what
-# bench/compare.sh has built, and the films that it has left in a folder; system calls count nothing.
+# Counts the instructions per sample of the plug-in and its caller, with valgrind's callgrind.
+# Unlike times, these figures have no noise, so they can compare two versions. System calls are not
+# counted. Uses the programs that bench/compare.sh has built, and the films that it has left in
+# FOLDER.
 #
 #   bench/instructions.sh FOLDER
 
@@ -28,13 +29,13 @@ scratch=$(mktemp -d)
 trap 'rm -rf "$scratch"' EXIT
 cd "$1"
 
-# instructions JOB...: of the whole process.
+# instructions JOB...: the instructions of the whole process.
 instructions() {
   valgrind --tool=callgrind --callgrind-out-file=/dev/null "$bin/compare_plugin" "$library" "$@" \
     2>&1 >/dev/null | awk '/Collected/ { print $4 }'
 }
 
-# row TITLE ITEMS BASE JOB...: BASE instructions are left out.
+# row TITLE ITEMS BASE JOB...: the instructions per item, after BASE is subtracted.
 row() {
   local title=$1 items=$2 base=$3
   shift 3

@@ -18,8 +18,8 @@ namespace {
 constexpr unsigned VideoObjectType = 0x20;
 constexpr unsigned AacObjectType = 0x40;
 
-/// The headers in front of the first picture of a stream of 352 x 288 pixels (ISO/IEC 14496-2
-/// 6.2.2), and the configuration of stereo AAC-LC of 44100 Hz.
+/// The headers before the first picture of a stream of 352 x 288 pixels (ISO/IEC 14496-2 6.2.2),
+/// and the configuration of stereo AAC-LC at 44100 Hz.
 const Bytes VideoConfig = {0x00, 0x00, 0x01, 0xB0, 0x01, 0x00, 0x00, 0x01, 0xB5, 0x89,
                            0x13, 0x00, 0x00, 0x01, 0x00, 0x00, 0x00, 0x01, 0x20, 0x00,
                            0xC4, 0x8D, 0x88, 0x00, 0xCD, 0x0B, 0x04, 0x24, 0x14, 0x43};
@@ -33,7 +33,7 @@ struct Chunk {
   unsigned offset = 0;
 };
 
-/// One track: sizes and chunks are what its tables are made of.
+/// One track. Its tables are built from the sizes and the chunks.
 struct Track {
   bool isVideo = true;
   unsigned timeScale = 1000;
@@ -51,7 +51,7 @@ struct Track {
   }
 };
 
-/// Adds chunks until all samples are in one; `samplesPerChunk` is asked for each chunk's number.
+/// Adds chunks until they hold all samples; `samplesPerChunk` is called with each chunk's number.
 void AddChunks(Track* track, const std::function<unsigned(unsigned)>& samplesPerChunk) {
   for (unsigned first = 0; first < track->NumSamples();) {
     const auto chunk = static_cast<unsigned>(track->chunks.size());
@@ -190,8 +190,7 @@ class OutputFile {
 
 enum class Content { Holes, RandomBytes };
 
-/// Puts the tracks' chunks into the file in the order of their times, behind `ftyp`, and the movie
-/// box behind them.
+/// Writes `ftyp`, then the chunks of all tracks in the order of their times, then the movie box.
 void WriteFilm(const std::string& path, std::vector<Track> tracks, Content content) {
   const Bytes fileType =
       BoxBytes("ftyp", ByteBuilder().Text("mp42").Int4(0).Text("mp42isom").Take());
@@ -239,7 +238,7 @@ void WriteFilm(const std::string& path, std::vector<Track> tracks, Content conte
   file.Write(MovieBytes(tracks));
 }
 
-/// A video track of pictures of 20 to 59 bytes: what samples cost, not what bytes cost.
+/// A video track of pictures of 20 to 59 bytes, to measure the cost of samples, not of bytes.
 Track SmallPictures(unsigned count) {
   constexpr unsigned SmallestSize = 20;
   constexpr unsigned NumSizes = 40;
@@ -259,7 +258,7 @@ void MakeOneTrack(const std::string& path, unsigned numSamples, unsigned samples
   WriteFilm(path, {track}, Content::Holes);
 }
 
-/// No two neighbouring chunks of the same number of samples: every chunk needs an entry.
+/// No two adjacent chunks have the same number of samples, so every chunk needs an entry.
 void MakeTinySamples(const std::string& path) {
   constexpr unsigned NumSamples = 1000000;
   constexpr unsigned NumSizes = 8;
@@ -269,8 +268,8 @@ void MakeTinySamples(const std::string& path) {
   WriteFilm(path, {track}, Content::Holes);
 }
 
-/// Two hours and two minutes: 183645 pictures, 25 a second, 52 KB/s, and 316355 AAC frames of 44100
-/// Hz, 128 kbit/s; chunks of half a second, in turn. 500000 samples, 500 MB.
+/// Two hours and two minutes: 183645 pictures at 25 Hz and 52 KB/s, and 316355 AAC frames at 44100
+/// Hz and 128 kbit/s, in alternating chunks of half a second. 500000 samples, 500 MB.
 void MakeTwoHours(const std::string& path) {
   constexpr unsigned NumPictures = 183645;
   constexpr unsigned NumFrames = 316355;

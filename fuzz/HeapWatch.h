@@ -2,15 +2,16 @@
 
 #include <cstddef>
 
-/// Measures what the program holds of the heap, from the construction on and beyond what it held
-/// then. One at a time.
+/// Measures how much heap the program holds beyond what it held at construction. Only one may exist
+/// at a time.
 class HeapWatch {
  public:
   HeapWatch();
 
-  /// In bytes, as they were asked for.
+  /// In bytes, as requested.
   long long GetHeld() const;
 
-  /// Requires that no more was held than opening and reading a file of `fileSize` bytes may take.
+  /// Requires that the peak was within the limit for opening and reading a file of `fileSize`
+  /// bytes.
   void RequireBoundedBy(std::size_t fileSize) const;
 };

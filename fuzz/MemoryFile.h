@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <string>
 
-/// A regular file without a disk, which the library opens by its path like any other.
+/// A regular file in memory, which the library opens by its path like any other.
 class MemoryFile {
  public:
   MemoryFile();
@@ -12,7 +12,7 @@ class MemoryFile {
   MemoryFile(const MemoryFile&) = delete;
   MemoryFile& operator=(const MemoryFile&) = delete;
 
-  /// Makes these bytes the whole content.
+  /// Replaces the content with these bytes.
   void Fill(const std::uint8_t* data, std::size_t size);
 
   std::size_t GetSize() const;

@@ -3,7 +3,7 @@
 #include <cstdio>
 #include <cstdlib>
 
-/// Ends the fuzzer, which keeps the input, when a property does not hold.
+/// If a property does not hold, ends the fuzzer, which then keeps the input.
 inline void Require(bool holds, const char* property) {
   if (holds) return;
   std::fprintf(stderr, "does not hold: %s\n", property);

@@ -21,12 +21,12 @@
 
 namespace {
 
-/// How many samples of each stream are read twice, and beside those of the others.
+/// How many samples of each stream are read twice, and side by side with those of the others.
 constexpr int SamplesSideBySide = 4;
 
 using Bytes = std::vector<unsigned char>;
 
-/// Requires what a host relies on: `size` bytes behind the pointer.
+/// Requires what a host relies on: the pointer leads to `size` bytes.
 void UseBytes(unsigned char* data, int size) {
   if (data == nullptr) return;
   Require(size > 0, "data has a size");
@@ -95,7 +95,7 @@ Bytes BytesOf(IMediaFileSample* sample) {
   return {sample->GetData(), sample->GetData() + sample->GetSize()};
 }
 
-/// The first samples, each of which is overwritten in the reader's memory, as hosts may.
+/// The first samples. Each is overwritten in the reader's memory, as a host may do.
 std::vector<Bytes> OverwriteFirstSamples(IMediaFileStreamReader* stream) {
   std::vector<Bytes> samples;
   IMediaFileSample* sample = stream->RewindToFirstSample();

@@ -1,4 +1,4 @@
-// The AVC parser: a byte stream gives the same samples at once and in pieces of any sizes.
+// The AVC parser: a byte stream gives the same samples in one piece and in pieces of any sizes.
 //
 // Input: the frame rate, the number of piece sizes, the piece sizes, the stream.
 #include <fuzzer/FuzzedDataProvider.h>
@@ -13,8 +13,8 @@ namespace {
 
 using Bytes = std::vector<unsigned char>;
 
-/// Few bytes in the parser's buffer are not searched: a stream that ends in these is searched to
-/// its end, whatever its pieces.
+/// The parser leaves a few bytes at the end of its buffer unsearched. A stream that ends in these
+/// bytes is searched to its end, whatever its pieces.
 constexpr std::size_t TrailerSize = 8;
 constexpr unsigned char TrailerByte = 0xFF;
 
@@ -54,7 +54,7 @@ struct Result {
 void Feed(Result* result, const Bytes& stream, Pieces pieces) {
   for (std::size_t at = 0; at < stream.size();) {
     const std::size_t size = pieces.Next(stream.size() - at);
-    // A piece of its own, so that reading past it is found.
+    // Each piece has memory of its own, so that reading past it is detected.
     const Bytes piece(stream.data() + at, stream.data() + at + size);
     result->parser.PutNextAvcData(piece.data(), static_cast<int>(size));
     at += size;

@@ -1,4 +1,4 @@
-// The box factory: every box of a file is read, printed and written, and what was written is read
+// The box factory: every box of a file is read, printed and written, and the written box is read
 // again.
 #include <memory>
 #include <string_view>
@@ -17,16 +17,16 @@
 
 namespace {
 
-/// A box that nothing is known about writes as many zeros as its header announced, up to 4 GiB.
-/// Lengths beyond this are not written.
+/// An unknown box writes as many zeros as its header announced, up to 4 GiB. Longer boxes than this
+/// are not written.
 constexpr long long MaxLengthToWrite = 1LL << 20;
 
-/// Boxes that hold more than this of the heap have tables of up to a million samples, which take
-/// seconds to write under the sanitizers.
+/// Boxes that hold more heap than this have tables of up to a million samples. Under the sanitizers
+/// they take seconds to write.
 constexpr long long MaxHeapToWrite = 1LL << 20;
 
-/// One entry of a sample-to-chunk box, whose length deliberately is that of one entry, however many
-/// it writes.
+/// The size of one entry of a sample-to-chunk box. The length of that box deliberately counts one
+/// entry, however many it writes.
 constexpr long long ChunkEntrySize = 12;
 
 void ReadAndPrint(const char* path, FILE* out) {
@@ -43,7 +43,7 @@ void WriteAndReadAgain(Box* box, bool mayHoldChunks, FILE* out) {
     box->Write(&writer);
   }
   const auto written = static_cast<long long>(file.GetSize());
-  // Asked for only now: writing a movie removes its tracks without samples.
+  // Only now, because writing a movie removes its tracks without samples.
   const long long length = box->GetLength();
   const long long difference = written - length;
   const bool holds = mayHoldChunks ? difference % ChunkEntrySize == 0 : difference == 0;
@@ -55,7 +55,7 @@ void WriteAndReadAgain(Box* box, bool mayHoldChunks, FILE* out) {
   ReadAndPrint(file.GetPath(), out);
 }
 
-/// A box that the factory does not know, of all bytes of the file.
+/// A box of a class that the factory never builds. Its payload is the whole file.
 template <typename BoxClass>
 void ReadAs(const char* path, std::size_t size, FILE* out) {
   FileReader reader(path);

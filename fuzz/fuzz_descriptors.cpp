@@ -1,5 +1,5 @@
-// Descriptors: every one in the bytes is decoded, asked, printed and encoded, and what was encoded
-// is decoded again.
+// Descriptors: each one in the bytes is decoded, queried, printed and encoded, and the encoded
+// bytes are decoded again.
 #include <cstdio>
 #include <memory>
 

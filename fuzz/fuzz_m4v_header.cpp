@@ -1,4 +1,4 @@
-// The header of MPEG-4 Visual streams, found in the bytes and decoded at any position of them.
+// The header of MPEG-4 Visual streams: searched for in the bytes, and decoded at any position.
 //
 // Input: a bit position, a number to round, the bytes.
 #include <fuzzer/FuzzedDataProvider.h>

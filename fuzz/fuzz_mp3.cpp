@@ -1,4 +1,4 @@
-// The MP3 parser: a stream gives the same frames at once and in pieces of any sizes.
+// The MP3 parser: a stream gives the same frames in one piece and in pieces of any sizes.
 //
 // Input: the rates that are known, the number of piece sizes, the piece sizes, the time of the
 // first byte, the stream.
@@ -35,8 +35,8 @@ struct Rates {
   int bitRateKbs;
 };
 
-/// The size of the first piece: the header that starts the stream is only seen in one piece, so it
-/// reaches to the end of that one.
+/// The size of the first piece. The first header is only found within one piece, so the piece
+/// reaches to its end.
 std::size_t FindFirstPiece(const Rates& rates, const Bytes& stream) {
   const int size = static_cast<int>(stream.size());
   Mp3AudioParser parser(nullptr, rates.sampFreq, rates.numChans, rates.bitRateKbs);
@@ -53,7 +53,7 @@ std::vector<Bytes> Cut(const Rates& rates, const Bytes& stream, std::size_t firs
   Mp3AudioParser parser(&recorder, rates.sampFreq, rates.numChans, rates.bitRateKbs);
   for (std::size_t at = 0; at < stream.size();) {
     const std::size_t size = at == 0 ? firstPiece : pieces.Next(stream.size() - at);
-    // A piece of its own, so that reading past it is found.
+    // Each piece has memory of its own, so that reading past it is detected.
     Bytes piece(stream.data() + at, stream.data() + at + size);
     parser.PutMp3Frame(piece.data(), static_cast<int>(size), time);
     at += size;

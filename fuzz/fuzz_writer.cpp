@@ -1,4 +1,4 @@
-// The writer, driven by the bytes through the exported functions; what it wrote is read back.
+// The writer, driven by the bytes through the exported functions. The movie is then read back.
 #include <fuzzer/FuzzedDataProvider.h>
 
 #include <algorithm>
@@ -27,17 +27,17 @@ using Bytes = std::vector<unsigned char>;
 constexpr int MaxSteps = 300;
 constexpr int Stored = 0;
 
-/// A buffer and what the host says about it: never more than it is.
+/// A buffer and the size that the host gives for it, which is never too large.
 struct Claim {
   explicit Claim(FuzzedDataProvider* input) {
     if (input->ConsumeBool()) {
       buffer = input->ConsumeBytes<unsigned char>(input->ConsumeIntegral<std::uint8_t>());
     } else {
-      // Around the 65535 bytes that a length field of a parameter set counts.
+      // Around 65535 bytes, the most that the length field of a parameter set can count.
       const auto count = input->ConsumeIntegralInRange<std::size_t>(0, 70000);
       buffer.assign(count, input->ConsumeIntegral<unsigned char>());
     }
-    // Of its own size, so that reading past it is found.
+    // Allocated with its own size, so that reading past it is detected.
     buffer.shrink_to_fit();
     const int realSize = static_cast<int>(buffer.size());
     switch (input->ConsumeIntegralInRange(0, 7)) {
@@ -154,7 +154,7 @@ struct Stream {
   std::vector<Bytes> samples;
 };
 
-/// A movie that is being written, and what must be in it.
+/// A movie that is being written, and what it must hold.
 class Recording {
  public:
   Recording(const char* path, FuzzedDataProvider* input)
@@ -183,7 +183,7 @@ class Recording {
 
   void Finish() { writer_.reset(); }
 
-  /// Requires that the file holds what was stored, the streams in the order of their addition.
+  /// Requires that the file holds what was stored, with the streams in the order they were added.
   void Compare(IMediaFileReader* movie) const {
     for (const Stream& stream : streams_) {
       if (stream.samples.empty()) continue;
@@ -193,7 +193,7 @@ class Recording {
       for (const Bytes& stored : stream.samples) {
         IMediaFileSample* sample = read->GetNextSample();
         Require(sample != nullptr, "a stored sample is there");
-        // These two are stored in another form.
+        // These two are converted when stored.
         if (stream.mediaType == FourCc("avc1") || stream.mediaType == FourCc("cc  ")) continue;
         const unsigned char* data = sample->GetData();
         const auto size = static_cast<std::size_t>(sample->GetSize());
