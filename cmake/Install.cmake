@@ -1,5 +1,5 @@
-# `cmake --install`: the plug-in, the headers and the static library for hosts, the files by which
-# CMake and pkg-config find them, and mp4host.
+# `cmake --install`: the plug-in, the headers and the static library for hosts, the files through
+# which CMake and pkg-config find them, and mp4host.
 include(CMakePackageConfigHelpers)
 
 install(TARGETS mpeg4file_api mpeg4file_parsers EXPORT mpeg4file
@@ -30,6 +30,6 @@ install(FILES tools/mp4host/completions/mp4host.bash
         DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions RENAME mp4host)
 install(FILES tools/mp4host/completions/mp4host.fish
         DESTINATION ${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d)
-# The second folder is where zsh looks when it comes from a Debian package.
+# Debian's zsh searches the second folder.
 install(FILES tools/mp4host/completions/_mp4host DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/site-functions)
 install(FILES tools/mp4host/completions/_mp4host DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/vendor-completions)

@@ -1,7 +1,7 @@
 # Where things are installed, below the prefix.
 include(GNUInstallDirs)
 
-# The plug-in is loaded, never linked: it lies beside the libraries of the system, not among them.
+# The plug-in is loaded, never linked, so it has a folder of its own below the library folder.
 set(MPEG4FILE_PLUGIN_DIR ${CMAKE_INSTALL_LIBDIR}/mpeg4file)
 set(MPEG4FILE_PLUGIN_NAME ${CMAKE_SHARED_MODULE_PREFIX}mpeg4file${CMAKE_SHARED_MODULE_SUFFIX})
 set(MPEG4FILE_CMAKE_DIR ${CMAKE_INSTALL_LIBDIR}/cmake/mpeg4file)

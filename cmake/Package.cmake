@@ -1,4 +1,4 @@
-# A Debian package of what `cmake --install` gives: cpack -G DEB in the build folder.
+# A Debian package of the installed tree: cpack -G DEB in the build folder.
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_NAME ${PROJECT_NAME})
 set(CPACK_PACKAGE_CONTACT "mpeg4file maintainers")

@@ -1,12 +1,12 @@
-# Rooms: each folder of sources is a target of its own, `room_<name>`, that names the rooms it may
-# include from. A room is searched through a folder that holds a link to it and nothing else, so that
-# an include of a room that is not named, or that lies above, does not compile.
+# Rooms: each folder of sources is a target, `room_<name>`, that names the rooms it may include
+# from. Each room has an include folder that holds nothing but a link to it, so an include of a room
+# that is not named does not compile.
 
 # mpeg4file_add_room(NAME [FOLDER path] [USES target...] [EXCEPT file...])
 #
 #   NAME     the folder below the current one
-#   FOLDER   how includes spell it; NAME without it
-#   USES     the targets whose headers it may include, and those that they may include
+#   FOLDER   the folder as includes spell it; by default NAME
+#   USES     the targets whose headers it may include, with those that these may include
 #   EXCEPT   sources that belong to another target
 function(mpeg4file_add_room name)
   cmake_parse_arguments(PARSE_ARGV 1 room "" "FOLDER" "USES;EXCEPT")

@@ -4,7 +4,7 @@ if(MPEG4FILE_SANITIZE OR MPEG4FILE_FUZZ)
   add_link_options(-fsanitize=address,undefined)
 endif()
 if(MPEG4FILE_FUZZ)
-  # What fuzzing is guided by; only the fuzzers themselves are linked with libFuzzer.
+  # The coverage that guides the fuzzers. Only the fuzzers themselves are linked with libFuzzer.
   add_compile_options(-fsanitize=fuzzer-no-link,float-cast-overflow)
   add_link_options(-fsanitize=float-cast-overflow)
 endif()

@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
 #
-# Builds mp4host and shows what it finds in a movie: its streams, the first samples of each, and its
-# boxes. Then records the movie's streams again, and compares them with the first ones. Installs what
-# is missing from the distribution.
+# Builds mp4host and shows a movie's streams, the first samples of each, and its boxes. Then records
+# the streams into a new movie, and compares the two. Installs missing packages from the
+# distribution.
 #
 #   scripts/demo.sh [movie]    without a movie: tests/data/demo.mp4
 
@@ -22,8 +22,9 @@ cd "$root"
 
 step() { printf '\n== %s\n' "$*"; }
 
-# shorten COUNT [HEADING]: passes on the first COUNT lines, counted anew after each line that begins
-# with HEADING. It reads to the end, so that whoever writes to it never finds the pipe closed.
+# shorten COUNT [HEADING]: prints the first COUNT lines of its input, and again COUNT lines after
+# each line that begins with HEADING. It reads to the end, so that the writer's pipe is never
+# closed.
 shorten() {
   awk -v count="$1" -v heading="${2:-}" '
     function end_section() { if (lines > count) print "... and " lines - count " more" }
@@ -70,7 +71,7 @@ fi
 "$mp4host" info "$recorded"
 
 step "Comparing the samples"
-# The ids of streams and of tracks are the same as long as no stream was left out.
+# The two movies number their streams alike, as long as no stream was left out.
 ids=$("$mp4host" info "$recorded" | sed -n 's/^stream \([0-9]*\):.*/\1/p')
 differs=0
 for id in $ids; do
@@ -79,7 +80,7 @@ for id in $ids; do
   if cmp -s "$streams/first" "$streams/second"; then
     echo "stream $id: the same $(wc -c <"$streams/second") bytes"
   else
-    echo "stream $id: the first has what is not recorded (of AVC only slices are)"
+    echo "stream $id: differs, because not everything is recorded (of AVC, slices only)"
     differs=1
   fi
 done

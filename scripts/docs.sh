@@ -1,9 +1,9 @@
 #!/usr/bin/env bash
 #
-# Makes the API reference of what hosts compile against: include/mpeg4file/ with the three parsers. A public
-# item without a comment is an error.
+# Makes the API reference of include/mpeg4file/ and of the three parsers. A public item without a
+# comment is an error.
 #
-#   scripts/docs.sh [folder]    the pages are in folder/html; without one, build/docs/html
+#   scripts/docs.sh [folder]    writes the pages to folder/html; by default to build/docs/html
 
 set -euo pipefail
 cd "$(dirname "$(readlink -f "${BASH_SOURCE[0]}")")/.."

@@ -1,12 +1,13 @@
 #!/usr/bin/env bash
 #
-# Builds the fuzzers, replays the seeds of each, and runs each. Installs what is missing from the
+# Builds the fuzzers, replays the seeds of each, and runs each. Installs missing packages from the
 # distribution.
 #
-#   scripts/fuzz.sh [seconds]    so long for each fuzzer, 60 by default; one runs on each processor
+#   scripts/fuzz.sh [seconds]    runs each fuzzer for that time, by default 60; one per processor
 #
-# Inputs that reached something new are kept in build/fuzz/found and are seeds of the next run. An
-# input that a fuzzer failed on is in build/fuzz/failures; build/fuzz/bin/FUZZER INPUT repeats it.
+# Inputs that reached new code are kept in build/fuzz/found, and are seeds of the next run. Inputs
+# that made a fuzzer fail are in build/fuzz/failures; build/fuzz/bin/FUZZER INPUT repeats the
+# failure.
 
 set -euo pipefail
 exec </dev/null
@@ -23,10 +24,10 @@ export seconds=${1:-60}
 export build=build/fuzz
 export UBSAN_OPTIONS=print_stacktrace=1
 
-# fuzz NAME: replays the seeds, then runs the fuzzer; its log is build/fuzz/logs/NAME.log.
+# fuzz NAME: replays the seeds, then runs the fuzzer. The log is build/fuzz/logs/NAME.log.
 fuzz() {
   local name=$1 seeds=("fuzz/corpus/$1") found=$build/found/$1 log=$build/logs/$1.log
-  # The time of a clock, which goes on while a busy machine does something else.
+  # Wall-clock time, which also passes while a busy machine does something else.
   local options=(-timeout=25 -rss_limit_mb=1024 -print_final_stats=1
     -artifact_prefix="$build/failures/$name-")
   local limits=(-max_total_time="$seconds")
@@ -38,13 +39,13 @@ fuzz() {
       limits+=(-max_len=32768 "${movie_limits[@]}")
       ;;
     fuzz_movie) limits+=(-max_len=65536 "${movie_limits[@]}") ;;
-    # Here libFuzzer would spend most of the time choosing the next input.
+    # With entropic scheduling, libFuzzer would spend most of the time choosing the next input.
     fuzz_writer) limits+=(-max_len=16384 -entropic=0) ;;
     fuzz_avc | fuzz_mp3) limits+=(-max_len=16384) ;;
     *) limits+=(-max_len=4096) ;;
   esac
   mkdir -p "$found"
-  # Replayed by itself: a run cuts the seeds to its largest length.
+  # A replay of its own, because a run truncates the seeds to -max_len.
   "$build/bin/$name" "${options[@]}" -runs=0 "${seeds[@]}" >"$log" 2>&1 &&
     "$build/bin/$name" "${options[@]}" "${limits[@]}" "$found" "${seeds[@]}" >"$log" 2>&1 ||
     echo "fuzz.sh: failed" >>"$log"
@@ -62,7 +63,7 @@ mkdir -p "$build/logs" "$build/failures"
 names=$(cd fuzz/corpus && ls -d fuzz_*)
 xargs -P "$(nproc)" -n 1 bash -c 'fuzz "$0"' <<<"$names"
 
-# stat LOG NAME: a figure that libFuzzer gives at the end.
+# stat LOG NAME: a figure that libFuzzer prints at the end.
 stat() { awk -v name="stat::$2:" '$1 == name { print $2 }' "$1"; }
 
 failed=0

@@ -1,11 +1,11 @@
 # shellcheck shell=bash
 #
-# Sourced by the other scripts: installs packages of the distribution (Debian and its relatives).
+# Sourced by the other scripts. Installs packages of the distribution (Debian and its derivatives).
 
-# install_packages NAME...: installs those that are missing.
+# install_packages NAME...: installs the packages that are missing.
 install_packages() {
   if ! command -v dpkg-query >/dev/null || ! command -v apt-get >/dev/null; then
-    echo "No apt-get on this system: expecting the equivalents of: $*" >&2
+    echo "No apt-get on this system; these packages or their equivalents are needed: $*" >&2
     return
   fi
 

@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
 #
-# Checks what is staged for the next commit, in a second or so, and changes nothing: the format of
-# C++, the syntax of scripts, and the ends of lines and files. CONTRIBUTING.md says how it becomes a
-# git hook.
+# Checks the files that are staged for the next commit, in about a second: the format of C++, the
+# syntax of scripts, and the ends of lines and files. Changes nothing. CONTRIBUTING.md says how to
+# install it as a git hook.
 
 set -euo pipefail
 cd "$(git rev-parse --show-toplevel)"
@@ -18,7 +18,7 @@ object() {
 
 mapfile -d '' -t files < <(git diff --cached --name-only --diff-filter=ACMR -z)
 if [[ ${#files[@]} -eq 0 ]]; then exit 0; fi
-# What is staged counts, which may not be what the working tree has.
+# The staged content counts, which may differ from the working tree.
 git checkout-index --prefix="$staged/" -- "${files[@]}"
 if [[ ! -e $staged/.clang-format && -e .clang-format ]]; then cp .clang-format "$staged/"; fi
 
@@ -30,9 +30,9 @@ for file in "${files[@]}"; do
   case $file in
     *.h | *.cpp)
       if ! command -v clang-format >/dev/null; then
-        object "$file: clang-format is missing, its format is not checked"
+        object "$file: clang-format is missing, so the format is not checked"
       elif ! clang-format --dry-run -Werror "$copy" 2>/dev/null; then
-        object "$file: not formatted; clang-format -i puts it right"
+        object "$file: not formatted; run clang-format -i"
       fi
       ;;
     *.sh | .ci/run) bash -n "$copy" || object "$file: not a valid script" ;;

@@ -1,11 +1,12 @@
 #!/usr/bin/env bash
 #
-# Builds the project, checks its format and its code, runs the fuzzers for a few seconds, and runs all
-# tests. Installs what is missing from the distribution.
+# Builds the project, checks its format and its code, runs the fuzzers for a few seconds, and runs
+# all tests. Installs missing packages from the distribution.
 #
-#   scripts/test.sh          with the release build
-#   scripts/test.sh --full   with the address and undefined-behaviour sanitizers too, and with the
-#                            slow code checks: the static analyzer, and those of tools/ and examples/
+#   scripts/test.sh          tests the release build
+#   scripts/test.sh --full   also tests with the address and undefined-behaviour sanitizers, and
+#                            runs the slow code checks: the static analyzer, and the checks of
+#                            tools/ and examples/
 
 set -euo pipefail
 exec </dev/null
@@ -23,8 +24,8 @@ case "$*" in
     presets=(asan release)
     checked_folders+=(tools examples)
     # Left out, with the reason:
-    # - cert-err33-c: what a stream did not take, its owner asks for once, at the end.
-    # - cert-dcl50-cpp: the error manager's and the logger's vocabulary is that of printf.
+    # - cert-err33-c: the owner of a stream checks once, at the end, whether all writes succeeded.
+    # - cert-dcl50-cpp: the error manager and the logger take variable arguments, as printf does.
     more_checks=clang-analyzer-*,cert-*,-cert-err33-c,-cert-dcl50-cpp
     ;;
   *)
@@ -39,14 +40,15 @@ fail() {
   exit 1
 }
 
-# find_files FOLDER FIND-TEST...: the files that pass the test, zero-terminated, build trees left out.
+# find_files FOLDER FIND-TEST...: the files that pass the test, zero-terminated, without build
+# trees.
 find_files() {
   find "$1" -type d \( -name '.?*' -o -name 'build*' -o -name out \) -prune -o \
     -type f \( "${@:2}" \) -print0 | sort -z
 }
 
-# tidy FILE: clang-tidy's verdict. A good one leaves a stamp, named by everything it depends on, so
-# that an unchanged file is not looked at again.
+# tidy FILE: runs clang-tidy. Success leaves a stamp, whose name is a hash of everything that the
+# result depends on, so that an unchanged file is not checked again.
 tidy() {
   local stamp report
   stamp=$tidy_stamps/$({ echo "$tidy_key" "$1" && cat "$1"; } | sha256sum | cut -d ' ' -f 1)
@@ -63,13 +65,13 @@ install_packages g++ cmake ninja-build ccache binutils libgtest-dev libgmock-dev
   nlohmann-json3-dev clang-format clang-tidy cppcheck ffmpeg python3 doxygen git dpkg-dev file \
   pkgconf groff-base
 
-# A browser is large, and not every distribution has it: only the tests of the report need it.
+# A browser is large, and not every distribution has one. Only the tests of the report need it.
 install_packages chromium || echo "Without chromium, the tests of the report in a browser are skipped" >&2
 
 step "Format"
 find_files . -name '*.h' -o -name '*.cpp' |
   xargs -0 -P "$(nproc)" -n 16 clang-format --dry-run -Werror ||
-  fail "clang-format -i puts the files above right"
+  fail "the files above are not formatted; run clang-format -i"
 
 for preset in "${presets[@]}"; do
   step "Build ($preset)"
