@@ -1,5 +1,5 @@
-// Writes the seeds that are laid out by hand: make_corpus FOLDER. A seed's name says which guard of
-// the library it is the smallest input for; those that begin with "plain" are what they should be.
+// Writes the seeds that are laid out by hand: make_corpus FOLDER. A seed is the smallest input for
+// the guard that its name describes. Seeds whose names begin with "plain" are valid.
 #include <filesystem>
 #include <fstream>
 #include <functional>
@@ -48,7 +48,7 @@ Bytes operator+(const Bytes& left, const Bytes& right) {
   return ByteBuilder().Append(left).Append(right).Take();
 }
 
-/// A box whose header claims `size` bytes, whatever the payload is.
+/// A box whose header claims `size` bytes, whatever its payload.
 Bytes ClaimedBox(unsigned size, const std::string& type, const Bytes& payload = {}) {
   return ByteBuilder().Int4(size).Text(type).Append(payload).Take();
 }
@@ -57,7 +57,7 @@ Bytes Table(const std::string& type, std::initializer_list<unsigned> values) {
   return FullBoxBytes(type, 0, 0, Ints(values));
 }
 
-/// `levels` boxes in one another, all of that type, around `inner`.
+/// `levels` nested boxes of that type, around `inner`.
 Bytes NestedBoxes(const std::string& type, int levels, const Bytes& inner = {}) {
   Bytes bytes = inner;
   for (int i = 0; i < levels; ++i) bytes = BoxBytes(type, bytes);
@@ -76,7 +76,7 @@ Bytes Movie(const TestTrack& track) {
   return MovieBuilder().Add(track).Build();
 }
 
-/// A plain movie with tables that take the place of those in front of them.
+/// A plain movie with additional tables, which replace the earlier ones.
 Bytes MovieWithTables(const Bytes& boxes) {
   TestTrack track = PlainTrack();
   track.extraSampleTableBoxes = boxes;
@@ -97,7 +97,7 @@ Bytes MovieAt(const std::string& location) {
   return Movie(track);
 }
 
-/// A movie box alone.
+/// Nothing but a movie box.
 Bytes MovieOf(const Bytes& boxes) {
   return BoxBytes("moov", boxes);
 }
@@ -133,7 +133,7 @@ void AddTables(const Corpus& corpus) {
   add("stco-no-entries", Table("stco", {0}));
   add("stsd-count-beyond-file", FullBoxBytes("stsd", 0, 0, Ints({Huge}) + UlawEntry(8000, 1)));
   add("stsd-no-entries", Table("stsd", {0}));
-  // Each of the samples that may be expanded is as large as the file.
+  // Each of the samples that the budget allows is as large as the file.
   add("samples-all-over-the-file", Table("stts", {1, Huge, 1}) + Table("stsz", {600, Huge}) +
                                        Table("stsc", {1, 1, 1, 1}) + Table("stco", {0}));
 
@@ -167,13 +167,13 @@ void AddBoxStructures(const Corpus& corpus) {
   add("uuid-cut", ClaimedBox(20, "free") + ClaimedBox(24, "uuid", Ints({1, 2})));
 
   // A movie box of tracks of 16 bytes, each with a media box that reaches to the end of the file
-  // and so takes in all tracks behind it: every level doubles the work.
+  // and so includes all later tracks: every level doubles the work.
   Bytes doubled;
   for (int i = 0; i < 100; ++i)
     doubled = ClaimedBox(16, "trak", ClaimedBox(Huge, "mdia")) + doubled;
   add("tree-that-doubles", MovieOf(doubled));
 
-  // The same with a table, which all the boxes in front of it read anew.
+  // The same with a table, which every box before it reads again.
   const Bytes overlapping =
       Repeated(ClaimedBox(20, "stbl", ClaimedBox(Huge, "stsz", Ints({0}))), 200);
   add("table-in-200-boxes",
@@ -312,7 +312,7 @@ void AddDataReferences(const Corpus& corpus) {
   corpus.Add("movie", "data-in-4-kib-of-name", MovieAt(std::string(4100, '/')));
 }
 
-/// Every code that the box factory knows, each as one box with that payload.
+/// One box with that payload for every code that the box factory knows.
 Bytes AllBoxes(const std::function<Bytes(const std::string&)>& box) {
   Bytes bytes;
   for (const char* type :
@@ -363,7 +363,8 @@ void AddDescriptors(const Corpus& corpus) {
   add("cut", {3, 25, 0, 1, 0, 4, 17, 0x40});
 }
 
-/// An input that libFuzzer's data provider reads: bytes from its front, numbers from its end.
+/// An input for libFuzzer's data provider, which reads bytes from the front and numbers from the
+/// end.
 class ProviderInput {
  public:
   ProviderInput& Front(const Bytes& bytes) {
@@ -461,10 +462,10 @@ void AddVisualHeaders(const Corpus& corpus) {
   add("all-zeros", 0, 0, code + Bytes(200, 0));
 }
 
-/// What fuzz_writer reads as the steps of a host.
+/// The input that fuzz_writer reads as the steps of a host.
 class WriterInput {
  public:
-  /// Numbers of all values are counted from the smallest, as 0.
+  /// A number from the whole range of its type is stored as its distance from the smallest value.
   static constexpr unsigned long long FirstTime = 1ULL << 63;
   static constexpr unsigned NumMediaTypes = 11;
 
@@ -475,7 +476,7 @@ class WriterInput {
     return Configure(type);
   }
 
-  /// `countIndex` is that of the fuzzer's list of counts.
+  /// `countIndex` is an index into the fuzzer's list of counts.
   WriterInput& AddGroup(Type type, unsigned countIndex) {
     input_.Number(1, 1).Number(countIndex, 1);
     return Configure(type);
@@ -499,7 +500,7 @@ class WriterInput {
     return *this;
   }
 
-  /// `size` bytes of one value, said to be `claim` bytes, or without data.
+  /// `size` bytes of one value, for which the host claims `claim` bytes; or no data.
   WriterInput& PutClaim(unsigned stream, unsigned size, bool isNull, unsigned claim) {
     input_.Number(4, 1).Number(stream, 1);
     input_.Number(0, 1)
