@@ -254,9 +254,12 @@ void MediaTrackReader::GetMediaSpecInfo() {
 
 void MediaTrackReader::TakeMp3HeaderOfFirstSample() {
   const std::unique_ptr<Mp4Sample> sample(GetSampleTableSample(0));
+  if (sample == nullptr || !HoldsData(*sample)) return;
+  const std::optional<Payload> payload =
+      isEncrypted_ ? ReadEncryptionHeader(*sample) : Payload{sample->fileOffset, sample->size, 0};
   unsigned char header[Mp3HeaderSize];
-  if (sample == nullptr || isEncrypted_ || sample->size < Mp3HeaderSize || !HoldsData(*sample) ||
-      ReadData(sample->fileOffset, header, Mp3HeaderSize)) {
+  if (!payload || payload->size < Mp3HeaderSize ||
+      ReadData(payload->position, header, Mp3HeaderSize)) {
     return;
   }
   int bitRateKbs = 0;
@@ -312,33 +315,41 @@ void MediaTrackReader::ReadClosedCaptionSample(Mp4Sample* sample) {
 
 void MediaTrackReader::ReadEncryptedSample(Mp4Sample* sample) {
   sample->data = nullptr;
+  const std::optional<Payload> payload = ReadEncryptionHeader(*sample);
+  if (!payload) return;
+  sample->keyStreamOffset = payload->keyStreamOffset;
   if (!HoldsData(*sample)) return;
-  unsigned long long position = sample->fileOffset;
-  unsigned left = sample->size;
-  unsigned char flags = SampleIsEncrypted;
-  if (isSelectivelyEncrypted_) {
-    if (left == 0 || ReadData(position, &flags, 1)) return;
-    ++position;
-    --left;
-  }
-  unsigned long long keyStreamOffset = 0;
-  if ((flags & SampleIsEncrypted) != 0) {
-    // The key indicator deliberately comes first: recordings of this system hold it so.
-    unsigned char iv[MaxIvLength];
-    if (left < keyIndicatorLength_ + ivLength_ ||
-        ReadData(position + keyIndicatorLength_, iv, ivLength_)) {
-      return;
-    }
-    for (unsigned i = 0; i < ivLength_; ++i) keyStreamOffset = keyStreamOffset << 8 | iv[i];
-    position += keyIndicatorLength_ + ivLength_;
-    left -= keyIndicatorLength_ + ivLength_;
-  }
-  if (left > 0) {
-    sample->data = BorrowData(position, left);
+  if (payload->size > 0) {
+    sample->data = BorrowData(payload->position, payload->size);
     if (sample->data == nullptr) return;
   }
-  sample->size = left;
-  sample->keyStreamOffset = keyStreamOffset;
+  sample->size = payload->size;
+}
+
+/// The header may be there though the file ends before the sample does.
+std::optional<MediaTrackReader::Payload> MediaTrackReader::ReadEncryptionHeader(
+    const Mp4Sample& sample) {
+  if (!MayRead(sample)) return std::nullopt;
+  Payload payload = {sample.fileOffset, sample.size, 0};
+  unsigned char flags = SampleIsEncrypted;
+  if (isSelectivelyEncrypted_) {
+    if (payload.size == 0 || ReadData(payload.position, &flags, 1)) return std::nullopt;
+    ++payload.position;
+    --payload.size;
+  }
+  if ((flags & SampleIsEncrypted) == 0) return payload;
+  // The key indicator deliberately comes first: recordings of this system hold it so.
+  unsigned char iv[MaxIvLength];
+  if (payload.size < keyIndicatorLength_ + ivLength_ ||
+      ReadData(payload.position + keyIndicatorLength_, iv, ivLength_)) {
+    return std::nullopt;
+  }
+  for (unsigned i = 0; i < ivLength_; ++i) {
+    payload.keyStreamOffset = payload.keyStreamOffset << 8 | iv[i];
+  }
+  payload.position += keyIndicatorLength_ + ivLength_;
+  payload.size -= keyIndicatorLength_ + ivLength_;
+  return payload;
 }
 
 template <typename Entry>

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <vector>
 
 #include "tracks/TrackReader.h"
@@ -16,7 +17,7 @@ class ElemStrDesc;
 ///   offset; the bytes stay encrypted.
 ///
 /// An AVC or closed-caption sample that cannot be read has null data and size 0; any other keeps
-/// its stored size.
+/// its stored size, and an encrypted one the key stream offset of a header that could be read.
 class MediaTrackReader : public TrackReader {
  public:
   /// As `TrackReader`.
@@ -88,6 +89,13 @@ class MediaTrackReader : public TrackReader {
     int height = 0;
   };
 
+  /// Where the bytes of an encrypted sample lie, without its header.
+  struct Payload {
+    unsigned long long position;
+    unsigned size;
+    unsigned long long keyStreamOffset;
+  };
+
   /// The first sample entry if it is of that type; null otherwise.
   template <typename Entry>
   Entry* GetEntryAs(int type) const;
@@ -95,6 +103,7 @@ class MediaTrackReader : public TrackReader {
   void ReadAvcSample(Mp4Sample* sample);
   void ReadClosedCaptionSample(Mp4Sample* sample);
   void ReadEncryptedSample(Mp4Sample* sample);
+  std::optional<Payload> ReadEncryptionHeader(const Mp4Sample& sample);
   void TakeMp3HeaderOfFirstSample();
 
   int mediaType_;

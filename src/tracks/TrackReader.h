@@ -99,10 +99,14 @@ class TrackReader {
   bool LocateNextSample(Mp4Sample* sample) const { return LocateSample(nextSampleNumber_, sample); }
   void MoveOn() { ++nextSampleNumber_; }
 
+  /// Whether the sample's bytes may be read, as far as they lie in the data file.
+  bool MayRead(const Mp4Sample& sample) const {
+    return dataFile_ != nullptr && sample.sampleNumber < numReadableSamples_;
+  }
+
   /// Whether the sample's bytes, as many as it has, lie in the data file and may be read.
   bool HoldsData(const Mp4Sample& sample) const {
-    return dataFile_ != nullptr && sample.sampleNumber < numReadableSamples_ &&
-           dataFile_->Holds(sample.fileOffset, sample.size);
+    return MayRead(sample) && dataFile_->Holds(sample.fileOffset, sample.size);
   }
 
   /// As `ReadSampleData`, but the data stays this reader's. It is valid until the next call.

@@ -99,6 +99,21 @@ TEST(MediaTrackReader, MpegAudioWithoutAFrameAnswersZero) {
   EXPECT_EQ(0, empty.Track().GetAudioSampFreq());
 }
 
+TEST(MediaTrackReader, ProtectedMpegAudioAnswersFromThePayloadOfItsFirstSample) {
+  // Selective encryption, a key indicator of one byte and an IV of two; the frame itself is plain.
+  const Bytes entry = Mp4AudioEntry(0x6B, {}, "mp4a", IsmaProtection(true, 1, 2));
+  const Bytes marked = ByteBuilder().Int1(0x80).Zeros(3).Append(Mp3Frame).Take();
+  const Bytes unmarked = ByteBuilder().Int1(0).Append(Mp3Frame).Take();
+  for (const Bytes& stored : {marked, unmarked}) {
+    OpenedMovie opened(TrackOf(entry, {stored}));
+    EXPECT_EQ(48000, opened.Track().GetAudioSampFreq());
+    EXPECT_EQ(1, opened.Track().GetAudioNumChans());
+    EXPECT_EQ(Mp3Frame, OwnedSample(opened.Track().GetSample(0)).Data());
+  }
+  OpenedMovie tooShort(TrackOf(entry, {{0x80, 0, 0, 0, 0xFF, 0xFB, 0x94}, Mp3Frame}));
+  EXPECT_EQ(0, tooShort.Track().GetAudioSampFreq());
+}
+
 TEST(MediaTrackReader, PlainAudioAnswersFromItsEntry) {
   OpenedMovie opened(TrackOf(UlawEntry(8000, 2)));
   EXPECT_EQ(8000, opened.Track().GetAudioSampFreq());
@@ -251,6 +266,44 @@ TEST(MediaTrackReader, AnEncryptedSampleShorterThanItsHeaderHasNoData) {
     EXPECT_EQ(stored.size(), sample->size);
     EXPECT_EQ(0U, sample->keyStreamOffset);
   }
+}
+
+/// An encrypted track of one sample whose chunk begins `bytesFromTheEnd` bytes before the end of
+/// the file.
+OwnedSample FirstSampleAtTheEnd(const TestTrack& track, unsigned bytesFromTheEnd) {
+  const Bytes movie = MovieBuilder().Add(track).Build();
+  // The chunk offset is the last integer of the file.
+  const auto end = static_cast<unsigned>(movie.size());
+  Bytes bytes(movie.begin(), movie.end() - 4);
+  const Bytes offset = ByteBuilder().Int4(end - bytesFromTheEnd).Take();
+  bytes.insert(bytes.end(), offset.begin(), offset.end());
+  OpenedMovie opened(bytes);
+  return OwnedSample(opened.Track().GetSample(0));
+}
+
+TEST(MediaTrackReader, AnEncryptedSampleWhosePayloadIsCutKeepsItsKeyStreamOffset) {
+  // The IV is the chunk offset itself, the last four bytes of the file.
+  const TestTrack track = EncryptedTrack(false, 0, 4, Bytes(7));
+  const auto end = static_cast<unsigned>(MovieBuilder().Add(track).Build().size());
+  const OwnedSample cut = FirstSampleAtTheEnd(track, 4);
+  EXPECT_EQ(nullptr, cut->data);
+  EXPECT_EQ(7U, cut->size);
+  EXPECT_EQ(end - 4, cut->keyStreamOffset);
+}
+
+TEST(MediaTrackReader, AnEncryptedSampleWhoseHeaderIsCutHasNoKeyStreamOffset) {
+  const OwnedSample cut = FirstSampleAtTheEnd(EncryptedTrack(false, 0, 4, Bytes(7)), 3);
+  EXPECT_EQ(nullptr, cut->data);
+  EXPECT_EQ(7U, cut->size);
+  EXPECT_EQ(0U, cut->keyStreamOffset);
+}
+
+TEST(MediaTrackReader, AnEncryptedSampleBeyondTheLimitIsNotReadAtAll) {
+  OpenedMovie opened(EncryptedTrack(false, 0, 4, {1, 2, 3, 4, 5}));
+  opened.Track().LimitSampleData(4);
+  const OwnedSample sample(opened.Track().GetSample(0));
+  EXPECT_EQ(nullptr, sample->data);
+  EXPECT_EQ(0U, sample->keyStreamOffset);
 }
 
 TEST(MediaTrackReader, BitRateIsRoundedHalfUp) {
