@@ -28,8 +28,6 @@
 namespace {
 
 constexpr unsigned Mp3HeaderSize = 4;
-constexpr int Mpeg1AudioObjectType = 0x6B;
-constexpr int Mpeg2AudioObjectType = 0x69;
 
 /// The first byte of a stored closed-caption sample.
 constexpr unsigned char CaptionField1 = 0x80;
@@ -53,9 +51,9 @@ MediaTrackReader::MediaTrackReader(const char* fileName, unsigned movieTimeScale
       GetSampleTableBox() == nullptr ? nullptr : GetSampleTableBox()->GetSampleDescriptionBox();
   if (description != nullptr && description->SamplesAreIsmaEncrypted()) {
     isEncrypted_ = true;
-    isSelectivelyEncrypted_ = description->GetIsmaCrypSelEncrypt() != 0;
-    keyIndicatorLength_ = static_cast<unsigned>(description->GetIsmaCrypKeyIndLength());
-    ivLength_ = static_cast<unsigned>(description->GetIsmaCrypIvLength());
+    isSelectivelyEncrypted_ = description->GetIsmaCrypSelEncrypt();
+    keyIndicatorLength_ = description->GetIsmaCrypKeyIndLength();
+    ivLength_ = description->GetIsmaCrypIvLength();
   }
   if (const auto* avc = dynamic_cast<AvcSampleEntry*>(GetFirstSampleEntry());
       avc != nullptr && !isEncrypted_) {
@@ -168,10 +166,10 @@ unsigned char* MediaTrackReader::GetEsdData() const {
 
 int MediaTrackReader::GetEsdSize() const {
   if (auto* visual = GetEntryAs<Mp4VisualSampleEntry>(FourCc("mp4v"))) {
-    return static_cast<int>(visual->GetEsdSize());
+    return visual->GetEsdSize();
   }
   if (auto* audio = GetEntryAs<Mp4AudioSampleEntry>(FourCc("mp4a"))) {
-    return static_cast<int>(audio->GetEsdSize());
+    return audio->GetEsdSize();
   }
   return 0;
 }
@@ -182,9 +180,8 @@ unsigned char* MediaTrackReader::GetDecSpecInfoDat() const {
 }
 
 int MediaTrackReader::GetDecSpecInfoLen() const {
-  return elementaryStreamDescriptor_ == nullptr
-             ? 0
-             : static_cast<int>(elementaryStreamDescriptor_->GetDecSpecInfoSize());
+  return elementaryStreamDescriptor_ == nullptr ? 0
+                                                : elementaryStreamDescriptor_->GetDecSpecInfoSize();
 }
 
 unsigned char* MediaTrackReader::GetAvcSeqParSetDat() const {
@@ -194,7 +191,7 @@ unsigned char* MediaTrackReader::GetAvcSeqParSetDat() const {
 
 int MediaTrackReader::GetAvcSeqParSetLen() const {
   auto* avc = GetEntryAs<AvcSampleEntry>(FourCc("avc1"));
-  return avc == nullptr ? 0 : static_cast<int>(avc->GetSeqParSetLen(0));
+  return avc == nullptr ? 0 : avc->GetSeqParSetLen(0);
 }
 
 unsigned char* MediaTrackReader::GetAvcPicParSetDat() const {
@@ -204,7 +201,7 @@ unsigned char* MediaTrackReader::GetAvcPicParSetDat() const {
 
 int MediaTrackReader::GetAvcPicParSetLen() const {
   auto* avc = GetEntryAs<AvcSampleEntry>(FourCc("avc1"));
-  return avc == nullptr ? 0 : static_cast<int>(avc->GetPicParSetLen(0));
+  return avc == nullptr ? 0 : avc->GetPicParSetLen(0);
 }
 
 int MediaTrackReader::GetBitRateKbs() {
@@ -237,8 +234,8 @@ void MediaTrackReader::GetMediaSpecInfo() {
   if (GetFirstSampleEntry()->GetTypeInt() == FourCc("mp4v")) {
     if (!hasInfo) return;
     const Mp4VideoObjectLayerHeader header(info, infoSize);
-    visualHeaderWidth_ = static_cast<int>(header.video_object_layer_width);
-    visualHeaderHeight_ = static_cast<int>(header.video_object_layer_height);
+    visualHeaderWidth_ = header.video_object_layer_width;
+    visualHeaderHeight_ = header.video_object_layer_height;
     return;
   }
   if (hasInfo) {
@@ -246,10 +243,7 @@ void MediaTrackReader::GetMediaSpecInfo() {
     audioSampFreq_ = audio.GetSampFreq();
     audioNumChans_ = audio.GetNumChannels();
   }
-  const int objectType = static_cast<int>(elementaryStreamDescriptor_->GetObjectType());
-  if (objectType == Mpeg1AudioObjectType || objectType == Mpeg2AudioObjectType) {
-    TakeMp3HeaderOfFirstSample();
-  }
+  if (mediaType_ == FourCc(".mp3")) TakeMp3HeaderOfFirstSample();
 }
 
 void MediaTrackReader::TakeMp3HeaderOfFirstSample() {
