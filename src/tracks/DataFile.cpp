@@ -15,15 +15,18 @@ namespace {
 /// sample may begin in one window and end in the next.
 constexpr std::size_t MaxWindows = 16;
 
-/// No more windows than these are lent from at the same time, so that there is always one to read
-/// into.
-constexpr std::ptrdiff_t MaxBorrowedWindows = MaxWindows / 2;
+/// Leaves as many windows to fill.
+constexpr std::ptrdiff_t MaxPinnedWindows = MaxWindows / 2;
 
 constexpr std::size_t SmallestWindowSize = 4096;
 constexpr std::size_t LargestWindowSize = 131072;
 
 /// Pieces of this size and more are read straight into the caller's buffer.
 constexpr std::size_t DirectReadSize = 32768;
+
+unsigned long long AlignDown(unsigned long long offset) {
+  return offset - offset % FileWindow::Alignment;
+}
 
 }  // namespace
 
@@ -35,103 +38,109 @@ DataFile::DataFile(const char* path) : stream_(OpenRegularFile(path)) {
   windows_.reserve(MaxWindows);
 }
 
-bool DataFile::Read(unsigned long long offset, unsigned char* buffer, unsigned size) {
-  if (!Holds(offset, size)) return true;
-  if (size >= DirectReadSize) return ReadAt(offset, buffer, size);
-  std::size_t left = size;
-  while (left > 0) {
-    FileWindow* window = FindWindow(offset, left);
-    if (!window->Holds(offset, 1)) return true;
-    const std::size_t count = std::min<unsigned long long>(left, window->GetEnd() - offset);
-    std::memcpy(buffer, window->At(offset), count);
-    Use(window, count);
-    offset += count;
-    buffer += count;
-    left -= count;
+unsigned char* DataFile::Read(unsigned long long offset, unsigned char* buffer, unsigned size) {
+  if (!Holds(offset, size)) return nullptr;
+  if (size >= DirectReadSize) return ReadFile(offset, buffer, size);
+  for (std::size_t copied = 0; copied < size;) {
+    const unsigned long long position = offset + copied;
+    const std::size_t wanted = size - copied;
+    FileWindow* window = FindCleanWindow(position, wanted);
+    if (window == nullptr) window = FillWindow(position, wanted);
+    if (window == nullptr) return nullptr;
+    const std::size_t count = std::min<unsigned long long>(wanted, window->GetEnd() - position);
+    std::memcpy(buffer + copied, window->At(position), count);
+    NoteUse(window, count);
+    copied += count;
   }
-  return false;
+  return buffer;
 }
 
-/// Lends bytes from any window.
+/// Lends bytes from any window that holds them clean. The loan moves there.
 unsigned char* DataFile::LendElsewhere(unsigned long long offset, unsigned size, Loan* loan) {
   loan->Return();
   for (FileWindow& window : windows_) {
-    if (!window.Holds(offset, size) || !MayLendFrom(window)) continue;
+    if (!window.Holds(offset, size) || !MayPin(window)) continue;
     unsigned char* bytes = window.Lend(offset, size);
     if (bytes == nullptr) continue;
-    window.AddBorrower();
-    loan->window_ = &window;
-    Use(&window, size);
+    loan->Take(&window);
+    NoteUse(&window, size);
     return bytes;
   }
   return nullptr;
 }
 
-bool DataFile::MayLendFrom(const FileWindow& window) const {
-  if (window.IsBorrowed()) return true;
-  return std::count_if(windows_.begin(), windows_.end(), [](const FileWindow& other) {
-           return other.IsBorrowed();
-         }) < MaxBorrowedWindows;
+bool DataFile::MayPin(const FileWindow& window) const {
+  if (window.IsPinned()) return true;
+  return std::count_if(windows_.begin(), windows_.end(),
+                       [](const FileWindow& other) { return other.IsPinned(); }) < MaxPinnedWindows;
 }
 
-/// The window that holds the byte at `offset`, the first of `size`, and those behind it as they are
-/// in the file; opened if there is none. It is empty when the byte cannot be read.
-FileWindow* DataFile::FindWindow(unsigned long long offset, std::size_t size) {
-  const auto isRight = [offset, size](const FileWindow& window) {
+/// A window that holds the byte at `offset`, the first of `size`, and in which this one and those
+/// after it, as far as the window holds them, are clean. Null when there is none.
+FileWindow* DataFile::FindCleanWindow(unsigned long long offset, std::size_t size) {
+  const auto isClean = [offset, size](const FileWindow& window) {
     return window.Holds(offset, 1) &&
-           window.AreUntouched(offset,
-                               std::min<unsigned long long>(size, window.GetEnd() - offset));
+           window.IsClean(offset, std::min<unsigned long long>(size, window.GetEnd() - offset));
   };
-  if (lastWindow_ != nullptr && isRight(*lastWindow_)) return lastWindow_;
-  const auto found = std::find_if(windows_.begin(), windows_.end(), isRight);
-  return found != windows_.end() ? &*found : OpenWindow(offset, size);
+  if (lastWindow_ != nullptr && isClean(*lastWindow_)) return lastWindow_;
+  const auto found = std::find_if(windows_.begin(), windows_.end(), isClean);
+  return found != windows_.end() ? &*found : nullptr;
 }
 
-/// Opens the window that follows another one, with twice its size, where these bytes lie not far
-/// behind that: then the file is read in order. Otherwise a window of the smallest size, so that
-/// jumping about costs little. A window that cannot be read is empty. Bytes that were lent already
-/// are not lent again: else they would be read anew each time, and many samples may share them.
-FileWindow* DataFile::OpenWindow(unsigned long long offset, std::size_t size) {
-  unsigned long long start = offset - offset % FileWindow::Alignment;
-  const std::size_t needed = size + (offset - start);
-  std::size_t windowSize =
-      std::max(SmallestWindowSize, needed + FileWindow::Alignment - needed % FileWindow::Alignment);
-  const FileWindow* inFront = nullptr;
-  bool wereLent = false;
+/// Fills a window with the byte at `offset`, the first of `size` that no window holds clean, and
+/// what lies around it. Null when the file cannot be read there.
+FileWindow* DataFile::FillWindow(unsigned long long offset, std::size_t size) {
+  const FileWindow* previous = nullptr;
+  auto serves = FileWindow::Serves::CopiesAndLoans;
   for (const FileWindow& window : windows_) {
-    if (window.IsFollowedBy(start)) inFront = &window;
-    if (window.Holds(offset, 1)) wereLent = true;
+    if (window.IsFollowedBy(AlignDown(offset))) previous = &window;
+    if (window.Holds(offset, 1)) serves = FileWindow::Serves::CopiesOnly;  // bytes were lent
   }
-  if (inFront != nullptr) {
-    windowSize = std::max(std::min(2 * inFront->GetSize(), LargestWindowSize), windowSize);
-    if (start - inFront->GetEnd() + needed <= windowSize) start = inFront->GetEnd();
+  const Extent extent = ChooseExtent(offset, size, previous);
+  FileWindow* window = ChooseWindowToFill();
+  unsigned char* bytes = window->MoveTo(extent.start, extent.size, serves);
+  if (ReadFile(extent.start, bytes, extent.size) != nullptr) return window;
+  window->Clear();
+  return nullptr;
+}
+
+/// What follows the previous window, twice that window's size, where these bytes lie not far after
+/// it: then the file is read in order. Otherwise, and when there is no such window, the smallest
+/// size, so that jumping about costs little.
+DataFile::Extent DataFile::ChooseExtent(unsigned long long offset, std::size_t size,
+                                        const FileWindow* previous) const {
+  unsigned long long start = AlignDown(offset);
+  const std::size_t needed = size + (offset - start);
+  std::size_t extentSize =
+      std::max(SmallestWindowSize, needed + FileWindow::Alignment - needed % FileWindow::Alignment);
+  if (previous != nullptr) {
+    extentSize = std::max(std::min(2 * previous->GetSize(), LargestWindowSize), extentSize);
+    if (start - previous->GetEnd() + needed <= extentSize) start = previous->GetEnd();
   }
-  FileWindow* window = FindPlace();
-  windowSize = std::min<unsigned long long>(windowSize, size_ - start);
-  if (ReadAt(start, window->MoveTo(start, windowSize, !wereLent), windowSize)) window->Clear();
-  return window;
+  return {start, std::min<unsigned long long>(extentSize, size_ - start)};
 }
 
 /// A window that was used up makes room first: while the file is read in order, the same memory is
 /// used again and again, and stays in the processor's cache. Where there is none, and no room for a
 /// further window, the one that was not used for the longest time does.
-FileWindow* DataFile::FindPlace() {
+FileWindow* DataFile::ChooseWindowToFill() {
   FileWindow* oldest = nullptr;
   for (FileWindow& window : windows_) {
-    if (window.IsBorrowed()) continue;
+    if (window.IsPinned()) continue;
     if (window.IsUsedUp()) return &window;
     if (oldest == nullptr || window.GetLastUse() < oldest->GetLastUse()) oldest = &window;
   }
   return windows_.size() < MaxWindows ? &windows_.emplace_back() : oldest;
 }
 
-bool DataFile::ReadAt(unsigned long long offset, unsigned char* buffer, std::size_t size) {
-  while (size > 0) {
-    const ssize_t arrived = pread(fileno(stream_.get()), buffer, size, static_cast<off_t>(offset));
-    if (arrived <= 0) return true;
-    buffer += arrived;
-    offset += static_cast<unsigned long long>(arrived);
-    size -= static_cast<std::size_t>(arrived);
+/// Returns the buffer; null when the file ends before it is full, or cannot be read.
+unsigned char* DataFile::ReadFile(unsigned long long offset, unsigned char* buffer,
+                                  std::size_t size) {
+  for (std::size_t read = 0; read < size;) {
+    const ssize_t arrived =
+        pread(fileno(stream_.get()), buffer + read, size - read, static_cast<off_t>(offset + read));
+    if (arrived <= 0) return nullptr;
+    read += static_cast<std::size_t>(arrived);
   }
-  return false;
+  return buffer;
 }

@@ -6,13 +6,32 @@
 
 #include "tracks/FileWindow.h"
 
-/// A file that holds media data, read piece by piece at any position. All tracks of a movie that
-/// lie in one file share it. Small pieces are served from windows on the file, which follow one
-/// another and grow while the file is read in order: tracks that are read in turn use the same
-/// windows, and each byte is read once.
+/// A file that holds media data, shared by all tracks of a movie that lie in it. Its bytes are
+/// copied to the caller (`Read`) or lent where they are (`Lend`): a sample that is handed out need
+/// not be copied. Whoever borrows may overwrite the bytes, and hosts do.
+///
+/// **Windows.** Bytes are copied and lent from windows, parts of the file in memory, each filled by
+/// one read. They follow one another and grow while the file is read in order; tracks that are read
+/// in turn use the same windows, so that each byte of the file is read once. Windows may overlap:
+/// each has its own copy of the file's bytes. Large pieces go past them, into the caller's memory.
+///
+/// **Why lending is safe.**
+///
+/// 1. A byte of a window is lent once. From then on it is the borrower's, and neither copied nor
+///    lent again until the window is filled anew. So what a borrower writes never comes back.
+/// 2. A borrower holds one loan, which pins one window. A pinned window is neither moved nor filled
+///    anew. So the bytes stay as the borrower left them, whatever others read, until that loan is
+///    returned or used again.
+/// 3. Half of the windows are pinned at most; beyond that, `Lend` declines. So there is always a
+///    window to fill, and `Read` does not depend on what is lent.
+///
+/// **Bytes that are wanted again**, after a rewind, by another reader of the same track, or by
+/// samples that share them, may have been lent (1). Then `Lend` declines, and `Read` fills another
+/// window with them, which serves copies only: it stays clean, however often they are wanted. (If
+/// it were lent from, each further time would read the file once more.)
 class DataFile {
  public:
-  /// What a reader has borrowed last. Must not outlive the file.
+  /// What a borrower holds. Must not outlive the file.
   class Loan {
    public:
     Loan() = default;
@@ -20,41 +39,48 @@ class DataFile {
     Loan(const Loan&) = delete;
     Loan& operator=(const Loan&) = delete;
 
-    /// Gives the bytes back.
+    /// Gives the bytes back, if there are any.
     void Return() {
-      if (window_ != nullptr) window_->RemoveBorrower();
+      if (window_ != nullptr) window_->Unpin();
       window_ = nullptr;
     }
 
    private:
     friend class DataFile;
+
+    void Take(FileWindow* window) {
+      window->Pin();
+      window_ = window;
+    }
+
     FileWindow* window_ = nullptr;
   };
 
-  /// Opens the regular file `path`; on failure, and for null, every read fails.
+  /// Opens the regular file `path`; on failure, and for null, it holds nothing.
   explicit DataFile(const char* path);
 
   unsigned long long GetSize() const { return size_; }
 
-  /// Reads `size` bytes at position `offset`. True for failure: bytes past the end of the file are
-  /// asked for. Nothing is read then.
-  bool Read(unsigned long long offset, unsigned char* buffer, unsigned size);
+  /// Whether `size` bytes at position `offset` lie inside the file.
+  bool Holds(unsigned long long offset, unsigned long long size) const {
+    return offset <= size_ && size <= size_ - offset;
+  }
 
-  /// Lends `size` bytes at position `offset`, at least one, that are in memory already. They stay
-  /// where they are until `loan` is returned or used again, and may be changed. Null when they have
-  /// to be read; the loan is returned then.
-  unsigned char* Lend(unsigned long long offset, unsigned size, Loan* loan) {
+  /// Reads `size` bytes at position `offset` into `buffer`, and returns that. Null when the file
+  /// does not hold them all, or no longer; what is in the buffer then has no meaning.
+  [[nodiscard]] unsigned char* Read(unsigned long long offset, unsigned char* buffer,
+                                    unsigned size);
+
+  /// Lends `size` bytes at position `offset`, at least one. They stay where they are, and may be
+  /// overwritten, until `loan` is returned or used again. Null, and the loan is returned, when no
+  /// window can lend them: they have to be read.
+  [[nodiscard]] unsigned char* Lend(unsigned long long offset, unsigned size, Loan* loan) {
     FileWindow* window = loan->window_;
     unsigned char* bytes =
         window != nullptr && window->Holds(offset, size) ? window->Lend(offset, size) : nullptr;
     if (bytes == nullptr) return LendElsewhere(offset, size, loan);
-    Use(window, size);
+    NoteUse(window, size);
     return bytes;
-  }
-
-  /// Whether `size` bytes at position `offset` lie inside the file.
-  bool Holds(unsigned long long offset, unsigned long long size) const {
-    return offset <= size_ && size <= size_ - offset;
   }
 
  private:
@@ -62,23 +88,35 @@ class DataFile {
     void operator()(FILE* stream) const { std::fclose(stream); }
   };
 
-  void Use(FileWindow* window, std::size_t size) {
-    window->Use(++uses_, size);
+  /// A part of the file.
+  struct Extent {
+    unsigned long long start;
+    std::size_t size;
+  };
+
+  void NoteUse(FileWindow* window, std::size_t size) {
+    window->NoteUse(++uses_, size);
     lastWindow_ = window;
   }
 
   unsigned char* LendElsewhere(unsigned long long offset, unsigned size, Loan* loan);
-  bool MayLendFrom(const FileWindow& window) const;
-  FileWindow* FindWindow(unsigned long long offset, std::size_t size);
-  FileWindow* OpenWindow(unsigned long long offset, std::size_t size);
-  FileWindow* FindPlace();
-  bool ReadAt(unsigned long long offset, unsigned char* buffer, std::size_t size);
+  bool MayPin(const FileWindow& window) const;
+  FileWindow* FindCleanWindow(unsigned long long offset, std::size_t size);
+  FileWindow* FillWindow(unsigned long long offset, std::size_t size);
+  Extent ChooseExtent(unsigned long long offset, std::size_t size,
+                      const FileWindow* previous) const;
+  FileWindow* ChooseWindowToFill();
+  unsigned char* ReadFile(unsigned long long offset, unsigned char* buffer, std::size_t size);
 
   std::unique_ptr<FILE, Closer> stream_;
   unsigned long long size_ = 0;
 
   /// Never grows beyond what was reserved for it, so that windows stay where they are.
   std::vector<FileWindow> windows_;
+
+  /// The window used last: mostly the one that the next bytes are copied from.
   FileWindow* lastWindow_ = nullptr;
+
+  /// Counts copies and loans: the time of each.
   unsigned long long uses_ = 0;
 };

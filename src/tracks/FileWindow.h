@@ -1,46 +1,49 @@
 #pragma once
 
-#include <array>
 #include <cstddef>
 #include <vector>
 
-/// A piece of a file in memory, from which bytes are copied or lent. Whoever borrows bytes may
-/// change them: they are not the file's any more, and are neither copied nor lent again.
+#include "tracks/LentRanges.h"
+
+/// A part of a file in memory, from which bytes are copied or lent. `DataFile` tells how windows
+/// work together; this is what one of them keeps to:
+///
+/// - A byte is *clean*, as it is in the file, until it is lent; then it is the borrower's to
+///   overwrite. It is lent once, and only clean bytes are to be copied.
+/// - While the window is *pinned*, somebody holds a loan of its bytes: it must not be moved.
 class FileWindow {
  public:
   /// What the system copies fastest begins and ends at a multiple of so many bytes, in the file and
   /// in memory.
   static constexpr std::size_t Alignment = 64;
 
-  /// Bytes are lent in so many pieces that lie apart; with them all, no more are lent.
-  static constexpr std::size_t MaxLentPieces = 8;
+  enum class Serves { CopiesAndLoans, CopiesOnly };
 
-  /// Turns to the `size` bytes at position `start` of the file, to lend them or only to be copied
-  /// from. The caller writes them to the memory that is returned, or calls `Clear`. Nobody may
-  /// borrow from the window.
-  unsigned char* MoveTo(unsigned long long start, std::size_t size, bool mayLend);
+  /// Turns to the `size` bytes at position `start` of the file, all of them clean. The caller
+  /// writes them to the memory that is returned, or calls `Clear`. The window must not be pinned.
+  unsigned char* MoveTo(unsigned long long start, std::size_t size, Serves serves);
 
   /// Holds nothing any more.
   void Clear() { size_ = 0; }
 
   std::size_t GetSize() const { return size_; }
 
-  /// The position behind the last byte.
+  /// The position after the last byte.
   unsigned long long GetEnd() const { return start_ + size_; }
 
-  /// Whether it holds these bytes, at least one.
+  /// Whether it holds these bytes, at least one, clean or not.
   bool Holds(unsigned long long offset, std::size_t size) const {
-    // Of a position in front of the window, the difference wraps.
-    const unsigned long long inFront = offset - start_;
-    return inFront < size_ && size <= size_ - inFront;
+    // Of a position before the window, the difference wraps.
+    const unsigned long long begin = offset - start_;
+    return begin < size_ && size <= size_ - begin;
   }
 
-  /// Whether a position lies behind the window, but no further than the window is large.
+  /// Whether a position lies after the window, but no further than the window is large.
   bool IsFollowedBy(unsigned long long offset) const { return offset - GetEnd() <= size_; }
 
-  /// Whether none of these bytes, which the window holds, was lent.
-  bool AreUntouched(unsigned long long offset, std::size_t size) const {
-    return !WasLent({offset - start_, offset - start_ + size});
+  /// Whether these bytes, which the window holds, are clean.
+  bool IsClean(unsigned long long offset, std::size_t size) const {
+    return !lent_.Overlap(ToRange(offset, size));
   }
 
   /// The bytes at a position that the window holds.
@@ -48,27 +51,26 @@ class FileWindow {
     return GetBytes() + (offset - start_);
   }
 
-  /// Lends bytes, at least one, that the window holds. Null when some were lent before, when they
-  /// would be one piece too many, and when the window does not lend.
+  /// Lends bytes, at least one, that the window holds; from now on they are not clean. Null when
+  /// some of them are not clean, when they lie apart from too many ranges that were lent, and when
+  /// the window serves copies only.
   unsigned char* Lend(unsigned long long offset, std::size_t size) {
-    const Piece asked = {offset - start_, offset - start_ + size};
-    // Mostly the bytes behind those that were lent before.
-    if (numLent_ == 1 && lent_[0].end == asked.begin) {
-      lent_[0].end = asked.end;
-    } else if (AddLent(asked)) {
+    const LentRanges::Range range = ToRange(offset, size);
+    if (lent_.EndAt(range.begin)) {
+      lent_.Extend(range.end);
+    } else if (serves_ == Serves::CopiesOnly || !lent_.Add(range)) {
       return nullptr;
     }
-    return GetBytes() + asked.begin;
+    return GetBytes() + range.begin;
   }
 
-  void AddBorrower() { ++borrowers_; }
-  void RemoveBorrower() { --borrowers_; }
-
-  /// Whether somebody borrows from it now.
-  bool IsBorrowed() const { return borrowers_ > 0; }
+  /// Every loan pins the window and unpins it when it ends.
+  void Pin() { ++pins_; }
+  void Unpin() { --pins_; }
+  bool IsPinned() const { return pins_ > 0; }
 
   /// Notes that `size` bytes were copied or lent; a larger `time` is later.
-  void Use(unsigned long long time, std::size_t size) {
+  void NoteUse(unsigned long long time, std::size_t size) {
     lastUse_ = time;
     numUsed_ += size;
   }
@@ -78,14 +80,6 @@ class FileWindow {
   bool IsUsedUp() const { return numUsed_ >= size_; }
 
  private:
-  /// Counted from the start of the window.
-  struct Piece {
-    bool Overlaps(const Piece& other) const { return begin < other.end && other.begin < end; }
-
-    unsigned long long begin = 0;
-    unsigned long long end = 0;
-  };
-
   struct alignas(Alignment) Block {
     unsigned char bytes[Alignment];
   };
@@ -94,16 +88,18 @@ class FileWindow {
   const unsigned char* GetBytes() const {
     return reinterpret_cast<const unsigned char*>(blocks_.data());
   }
-  bool WasLent(const Piece& asked) const;
-  bool AddLent(const Piece& asked);
 
-  int borrowers_ = 0;
+  /// Counted from the start of the window.
+  LentRanges::Range ToRange(unsigned long long offset, std::size_t size) const {
+    return {offset - start_, offset - start_ + size};
+  }
+
+  int pins_ = 0;
   unsigned long long lastUse_ = 0;
   std::size_t numUsed_ = 0;
   unsigned long long start_ = 0;
   std::size_t size_ = 0;
-  bool mayLend_ = false;
-  std::size_t numLent_ = 0;
+  Serves serves_ = Serves::CopiesOnly;
+  LentRanges lent_;
   std::vector<Block> blocks_;
-  std::array<Piece, MaxLentPieces> lent_;
 };

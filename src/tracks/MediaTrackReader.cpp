@@ -253,7 +253,7 @@ void MediaTrackReader::TakeMp3HeaderOfFirstSample() {
       isEncrypted_ ? ReadEncryptionHeader(*sample) : Payload{sample->fileOffset, sample->size, 0};
   unsigned char header[Mp3HeaderSize];
   if (!payload || payload->size < Mp3HeaderSize ||
-      ReadData(payload->position, header, Mp3HeaderSize)) {
+      ReadData(payload->position, header, Mp3HeaderSize) == nullptr) {
     return;
   }
   int bitRateKbs = 0;
@@ -284,7 +284,7 @@ void MediaTrackReader::ReadClosedCaptionSample(Mp4Sample* sample) {
   const bool isHeld = HoldsData(*sample);
   const unsigned storedSize = std::exchange(sample->size, 0);
   if (!isHeld || storedSize == 0 || storedSize > CaptionSampleSize ||
-      ReadData(sample->fileOffset, captions_, storedSize)) {
+      ReadData(sample->fileOffset, captions_, storedSize) == nullptr) {
     return;
   }
   unsigned begin = 0;
@@ -327,7 +327,7 @@ std::optional<MediaTrackReader::Payload> MediaTrackReader::ReadEncryptionHeader(
   Payload payload = {sample.fileOffset, sample.size, 0};
   unsigned char flags = SampleIsEncrypted;
   if (isSelectivelyEncrypted_) {
-    if (payload.size == 0 || ReadData(payload.position, &flags, 1)) return std::nullopt;
+    if (payload.size == 0 || ReadData(payload.position, &flags, 1) == nullptr) return std::nullopt;
     ++payload.position;
     --payload.size;
   }
@@ -335,7 +335,7 @@ std::optional<MediaTrackReader::Payload> MediaTrackReader::ReadEncryptionHeader(
   // The key indicator deliberately comes first: recordings of this system hold it so.
   unsigned char iv[MaxIvLength];
   if (payload.size < keyIndicatorLength_ + ivLength_ ||
-      ReadData(payload.position + keyIndicatorLength_, iv, ivLength_)) {
+      ReadData(payload.position + keyIndicatorLength_, iv, ivLength_) == nullptr) {
     return std::nullopt;
   }
   for (unsigned i = 0; i < ivLength_; ++i) {

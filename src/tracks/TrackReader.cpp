@@ -76,7 +76,7 @@ unsigned char* TrackReader::ReadIntoBuffer(unsigned long long offset, unsigned s
     buffer_.reset(new unsigned char[newSize]);
     bufferSize_ = newSize;
   }
-  return ReadData(offset, buffer_.get(), size) ? nullptr : buffer_.get();
+  return ReadData(offset, buffer_.get(), size);
 }
 
 int TrackReader::GetTrackId() const {

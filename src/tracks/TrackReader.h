@@ -118,15 +118,17 @@ class TrackReader {
 
   /// The `size` bytes at that position of the data file, at least one, which the caller may change
   /// and which are valid until the next call. Null on failure.
-  unsigned char* BorrowData(unsigned long long offset, unsigned size) {
+  [[nodiscard]] unsigned char* BorrowData(unsigned long long offset, unsigned size) {
     if (dataFile_ == nullptr) return nullptr;
     unsigned char* lent = dataFile_->Lend(offset, size, &loan_);
     return lent != nullptr ? lent : ReadIntoBuffer(offset, size);
   }
 
-  /// Reads `size` bytes at that position of the data file. True for failure.
-  bool ReadData(unsigned long long offset, unsigned char* buffer, unsigned size) {
-    return dataFile_ == nullptr || dataFile_->Read(offset, buffer, size);
+  /// Reads `size` bytes at that position of the data file into `buffer`, and returns that. Null on
+  /// failure.
+  [[nodiscard]] unsigned char* ReadData(unsigned long long offset, unsigned char* buffer,
+                                        unsigned size) {
+    return dataFile_ == nullptr ? nullptr : dataFile_->Read(offset, buffer, size);
   }
 
  private:

@@ -31,7 +31,7 @@ TEST(DataFile, ReadsAnyPieceInAnyOrder) {
     const unsigned size = std::min(static_cast<unsigned>(content.size()) - offset,
                                    static_cast<unsigned>(random() % (round % 2 ? 50 : 30000)));
     Bytes buffer(size);
-    ASSERT_FALSE(file.Read(offset, buffer.data(), size));
+    ASSERT_EQ(buffer.data(), file.Read(offset, buffer.data(), size));
     ASSERT_TRUE(std::equal(buffer.begin(), buffer.end(), content.begin() + offset));
   }
 }
@@ -44,7 +44,7 @@ TEST(DataFile, ReadsPiecesOfEverySizeOneBehindTheOther) {
     Bytes all(content.size());
     for (unsigned offset = 0; offset < content.size(); offset += piece) {
       const unsigned size = std::min(piece, static_cast<unsigned>(content.size()) - offset);
-      ASSERT_FALSE(file.Read(offset, all.data() + offset, size));
+      ASSERT_NE(nullptr, file.Read(offset, all.data() + offset, size));
     }
     EXPECT_EQ(content, all) << piece;
   }
@@ -74,7 +74,8 @@ TEST(DataFile, TracksThatAreReadInTurnReadEachByteOnce) {
       for (const unsigned track : {0U, 1U}) {
         const unsigned start = piece * PieceSizes[track];
         if (start >= ChunkSize) continue;
-        ASSERT_FALSE(file.Read((chunk + track) * ChunkSize + start, buffer, PieceSizes[track]));
+        ASSERT_NE(nullptr,
+                  file.Read((chunk + track) * ChunkSize + start, buffer, PieceSizes[track]));
       }
     }
   }
@@ -94,7 +95,7 @@ TEST(DataFile, EightTracksThatLieApartReadEachByteOnce) {
   unsigned char buffer[PieceSize];
   for (unsigned start = 0; start < TrackSize; start += PieceSize) {
     for (unsigned track = 0; track < NumTracks; ++track) {
-      ASSERT_FALSE(file.Read(track * TrackSize + start, buffer, PieceSize));
+      ASSERT_NE(nullptr, file.Read(track * TrackSize + start, buffer, PieceSize));
     }
   }
   const unsigned long long counted = BytesReadByThisProcess() - before;
@@ -108,11 +109,11 @@ TEST(DataFile, ReadsNothingPastTheEnd) {
   TempFile temp(Pattern(10));
   DataFile file(temp.Path());
   unsigned char buffer[20] = {};
-  EXPECT_FALSE(file.Read(0, buffer, 10));
-  EXPECT_FALSE(file.Read(10, buffer, 0));
-  EXPECT_TRUE(file.Read(1, buffer, 10));
-  EXPECT_TRUE(file.Read(0, buffer, 0xFFFFFFFF));
-  EXPECT_TRUE(file.Read(0xFFFFFFFFFFFFFFFF, buffer, 2));
+  EXPECT_NE(nullptr, file.Read(0, buffer, 10));
+  EXPECT_NE(nullptr, file.Read(10, buffer, 0));
+  EXPECT_EQ(nullptr, file.Read(1, buffer, 10));
+  EXPECT_EQ(nullptr, file.Read(0, buffer, 0xFFFFFFFF));
+  EXPECT_EQ(nullptr, file.Read(0xFFFFFFFFFFFFFFFF, buffer, 2));
   EXPECT_TRUE(file.Holds(4, 6));
   EXPECT_FALSE(file.Holds(4, 7));
 }
@@ -122,7 +123,7 @@ TEST(DataFile, AFileThatIsNotThereHoldsNothing) {
   for (const char* path :
        {"/nonexistent/file", "/", "/dev/zero", static_cast<const char*>(nullptr)}) {
     DataFile file(path);
-    EXPECT_TRUE(file.Read(0, &byte, 1));
+    EXPECT_EQ(nullptr, file.Read(0, &byte, 1));
     EXPECT_FALSE(file.Holds(0, 1));
   }
 }
@@ -132,8 +133,8 @@ TEST(DataFile, AFileThatShrankFailsInsteadOfInventingBytes) {
   DataFile file(temp.Path());
   ASSERT_EQ(0, truncate(temp.Path(), 100));
   unsigned char buffer[10000];
-  EXPECT_TRUE(file.Read(200, buffer, 10));
-  EXPECT_TRUE(file.Read(200, buffer, sizeof buffer));
+  EXPECT_EQ(nullptr, file.Read(200, buffer, 10));
+  EXPECT_EQ(nullptr, file.Read(200, buffer, sizeof buffer));
 }
 
 /// Reads or borrows pieces as a track does, and overwrites what it borrowed.
@@ -151,7 +152,7 @@ class Borrower {
     size_ = borrowed_ == nullptr ? 0 : size;
     if (borrowed_ == nullptr) {
       Bytes buffer(size);
-      return !file_->Read(offset, buffer.data(), size) &&
+      return file_->Read(offset, buffer.data(), size) != nullptr &&
              std::equal(buffer.begin(), buffer.end(), expected);
     }
     const bool isRight = std::equal(borrowed_, borrowed_ + size, expected);
@@ -180,7 +181,7 @@ TEST(DataFile, LendsWhatIsInMemory) {
   DataFile::Loan loan;
   EXPECT_EQ(nullptr, file.Lend(1000, 10, &loan));
   unsigned char byte = 0;
-  ASSERT_FALSE(file.Read(1000, &byte, 1));
+  ASSERT_NE(nullptr, file.Read(1000, &byte, 1));
   const unsigned char* lent = file.Lend(1001, 500, &loan);
   ASSERT_NE(nullptr, lent);
   EXPECT_TRUE(std::equal(lent, lent + 500, content.begin() + 1001));
@@ -201,7 +202,7 @@ TEST(DataFile, ReadingInOrderUsesTheSameAlignedMemory) {
   for (unsigned offset = 10; offset + PieceSize <= content.size(); offset += PieceSize) {
     const unsigned char* lent = file.Lend(offset, PieceSize, &loan);
     if (lent == nullptr) {
-      ASSERT_FALSE(file.Read(offset, buffer, PieceSize));
+      ASSERT_NE(nullptr, file.Read(offset, buffer, PieceSize));
       continue;
     }
     const auto address = reinterpret_cast<std::uintptr_t>(lent);

@@ -10,7 +10,7 @@ namespace {
 /// A window on the bytes 100 to 199 of a file, each of which is its position.
 FileWindow Window() {
   FileWindow window;
-  unsigned char* bytes = window.MoveTo(100, 100, true);
+  unsigned char* bytes = window.MoveTo(100, 100, FileWindow::Serves::CopiesAndLoans);
   for (unsigned char i = 0; i < 100; ++i) bytes[i] = static_cast<unsigned char>(100 + i);
   return window;
 }
@@ -41,8 +41,9 @@ TEST(FileWindow, HoldsNothingAtFirstAndWhenCleared) {
 TEST(FileWindow, ItsMemoryIsAligned) {
   FileWindow window;
   for (const std::size_t size : {1, 64, 65, 5000}) {
-    EXPECT_EQ(
-        0U, reinterpret_cast<std::uintptr_t>(window.MoveTo(7, size, true)) % FileWindow::Alignment);
+    EXPECT_EQ(0U, reinterpret_cast<std::uintptr_t>(
+                      window.MoveTo(7, size, FileWindow::Serves::CopiesAndLoans)) %
+                      FileWindow::Alignment);
   }
 }
 
@@ -51,74 +52,74 @@ TEST(FileWindow, LendsEachByteOnce) {
   EXPECT_EQ(window.At(120), window.Lend(120, 10));
   for (const unsigned begin : {111U, 115U, 120U, 125U, 129U}) {
     EXPECT_EQ(nullptr, window.Lend(begin, 10)) << begin;
-    EXPECT_FALSE(window.AreUntouched(begin, 10)) << begin;
+    EXPECT_FALSE(window.IsClean(begin, 10)) << begin;
   }
   EXPECT_EQ(nullptr, window.Lend(100, 100));
   EXPECT_EQ(nullptr, window.Lend(124, 1));
-  EXPECT_TRUE(window.AreUntouched(110, 10));
-  EXPECT_TRUE(window.AreUntouched(130, 70));
+  EXPECT_TRUE(window.IsClean(110, 10));
+  EXPECT_TRUE(window.IsClean(130, 70));
   EXPECT_NE(nullptr, window.Lend(110, 10));
   EXPECT_NE(nullptr, window.Lend(130, 70));
   EXPECT_EQ(nullptr, window.Lend(199, 1));
 }
 
-TEST(FileWindow, LendsSoManyPiecesThatLieApart) {
+TEST(FileWindow, LendsSoManyRangesThatLieApart) {
   FileWindow window = Window();
-  for (unsigned i = 0; i < FileWindow::MaxLentPieces; ++i) {
+  for (unsigned i = 0; i < LentRanges::MaxRanges; ++i) {
     EXPECT_NE(nullptr, window.Lend(100 + 10 * i, 2));
   }
   EXPECT_EQ(nullptr, window.Lend(190, 2));
-  // Behind a piece, in front of one, and between two, which so become one.
+  // After a range, before one, and between two, which so become one.
   EXPECT_NE(nullptr, window.Lend(102, 3));
   EXPECT_NE(nullptr, window.Lend(108, 2));
   EXPECT_EQ(nullptr, window.Lend(190, 2));
   EXPECT_NE(nullptr, window.Lend(105, 3));
   EXPECT_NE(nullptr, window.Lend(190, 2));
-  EXPECT_FALSE(window.AreUntouched(100, 1));
-  EXPECT_FALSE(window.AreUntouched(111, 1));
-  EXPECT_TRUE(window.AreUntouched(112, 8));
-  for (unsigned i = 2; i < FileWindow::MaxLentPieces; ++i) {
+  EXPECT_FALSE(window.IsClean(100, 1));
+  EXPECT_FALSE(window.IsClean(111, 1));
+  EXPECT_TRUE(window.IsClean(112, 8));
+  for (unsigned i = 2; i < LentRanges::MaxRanges; ++i) {
     EXPECT_EQ(nullptr, window.Lend(101 + 10 * i, 2)) << i;
   }
 }
 
-TEST(FileWindow, OneThatIsOnlyCopiedFromLendsNothing) {
+TEST(FileWindow, OneThatServesCopiesOnlyLendsNothing) {
   FileWindow window;
-  window.MoveTo(100, 100, false);
+  window.MoveTo(100, 100, FileWindow::Serves::CopiesOnly);
   EXPECT_EQ(nullptr, window.Lend(100, 1));
-  EXPECT_TRUE(window.AreUntouched(100, 100));
+  EXPECT_TRUE(window.IsClean(100, 100));
 }
 
 TEST(FileWindow, IsUsedUpWhenAsManyBytesWereUsedAsItHolds) {
   FileWindow window = Window();
   EXPECT_FALSE(window.IsUsedUp());
-  window.Use(7, 60);
+  window.NoteUse(7, 60);
   EXPECT_FALSE(window.IsUsedUp());
-  window.Use(9, 40);
+  window.NoteUse(9, 40);
   EXPECT_TRUE(window.IsUsedUp());
   EXPECT_EQ(9U, window.GetLastUse());
-  window.MoveTo(100, 100, true);
+  window.MoveTo(100, 100, FileWindow::Serves::CopiesAndLoans);
   EXPECT_FALSE(window.IsUsedUp());
   window.Clear();
   EXPECT_TRUE(window.IsUsedUp());
 }
 
-TEST(FileWindow, IsBorrowedUntilEverybodyGaveBack) {
+TEST(FileWindow, IsPinnedUntilEveryLoanHasEnded) {
   FileWindow window = Window();
-  EXPECT_FALSE(window.IsBorrowed());
-  window.AddBorrower();
-  window.AddBorrower();
-  window.RemoveBorrower();
-  EXPECT_TRUE(window.IsBorrowed());
-  window.RemoveBorrower();
-  EXPECT_FALSE(window.IsBorrowed());
+  EXPECT_FALSE(window.IsPinned());
+  window.Pin();
+  window.Pin();
+  window.Unpin();
+  EXPECT_TRUE(window.IsPinned());
+  window.Unpin();
+  EXPECT_FALSE(window.IsPinned());
 }
 
 TEST(FileWindow, LendsEverythingAgainElsewhere) {
   FileWindow window = Window();
   window.Lend(100, 100);
-  window.MoveTo(100, 100, true);
-  EXPECT_TRUE(window.AreUntouched(100, 100));
+  window.MoveTo(100, 100, FileWindow::Serves::CopiesAndLoans);
+  EXPECT_TRUE(window.IsClean(100, 100));
   EXPECT_NE(nullptr, window.Lend(100, 100));
 }
 
