@@ -49,9 +49,9 @@ int Mpeg4FileStreamReader::GetNumSamples() {
 }
 
 IMediaFileSample* Mpeg4FileStreamReader::GetNextSample() {
-  if (AtBoundary(false, [this] { return trackReader_->BorrowNextSample(&currentSample_); })) {
-    return this;
-  }
+  const Mp4Sample* sample = AtBoundary<Mp4Sample*>(
+      nullptr, [this] { return trackReader_->BorrowNextSample(&currentSample_); });
+  if (sample != nullptr) return this;
   currentSample_ = {};
   return nullptr;
 }

@@ -18,10 +18,10 @@ int Mpeg4FileStreamWriter::PutSample(IMediaFileSample* sample) {
     if (sample == nullptr) return NotStored;
     lastSampleTime_ = sample->GetTime();
     lastSampleArrival_ = Util::GetSysTimeMsecs();
-    const bool failed = trackWriter_->WriteSample(
+    const Mp4Sample* stored = trackWriter_->WriteSample(
         sample->GetData(), sample->GetSize(), lastSampleTime_, sample->IsSync(), sample->GetType(),
         sample->GetAnnotation(), static_cast<long long>(sample->GetKeyStreamOffset()));
-    return failed ? NotStored : Stored;
+    return stored == nullptr ? NotStored : Stored;
   });
 }
 

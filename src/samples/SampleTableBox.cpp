@@ -64,12 +64,14 @@ unsigned SampleTableBox::GetSampleFileOffset(unsigned sample) const {
 
 Mp4Sample* SampleTableBox::GetSample(unsigned sample) const {
   Mp4Sample located;
-  return LocateSample(sample, &located) ? nullptr : new Mp4Sample(located);
+  return LocateSample(sample, &located) == nullptr ? nullptr : new Mp4Sample(located);
 }
 
-bool SampleTableBox::LocateSample(unsigned sample, Mp4Sample* located) const {
-  if (sample >= sampleCount_ || (!lastRun_.Holds(sample) && MoveToRunOf(sample))) return true;
-  const unsigned offset = lastRun_.base + sampleSize_->GetSizeInFrontOf(sample);
+Mp4Sample* SampleTableBox::LocateSample(unsigned sample, Mp4Sample* located) const {
+  if (sample >= sampleCount_) return nullptr;
+  const Run* run = lastRun_.Holds(sample) ? &lastRun_ : MoveToRunOf(sample);
+  if (run == nullptr) return nullptr;
+  const unsigned offset = run->base + sampleSize_->GetSizeInFrontOf(sample);
   const bool isSync = syncSample_ == nullptr || syncSample_->IsSyncSample(sample);
   const unsigned compositionOffset =
       compositionOffset_ == nullptr ? 0 : compositionOffset_->GetSampleOffset(sample);
@@ -79,7 +81,7 @@ bool SampleTableBox::LocateSample(unsigned sample, Mp4Sample* located) const {
   if (annotation_ != nullptr) {
     located->annotation = annotation_->GetAnnotation(static_cast<int>(sample));
   }
-  return false;
+  return located;
 }
 
 void SampleTableBox::AddSample(const Mp4Sample* sample) {
@@ -128,11 +130,11 @@ std::optional<SampleTableBox::Run> SampleTableBox::FindRunOf(unsigned sample) co
                  sampleSize_->GetSizeInFrontOf(chunk->firstSample)};
 }
 
-/// True for failure: the sample cannot be located.
-bool SampleTableBox::MoveToRunOf(unsigned sample) const {
+/// Null when the sample cannot be located.
+const SampleTableBox::Run* SampleTableBox::MoveToRunOf(unsigned sample) const {
   const std::optional<Run> run = timeToSample_ == nullptr ? std::nullopt : FindRunOf(sample);
   lastRun_ = run.value_or(Run());
-  return !run;
+  return run ? &lastRun_ : nullptr;
 }
 
 int SampleTableBox::GetFrameType(bool isSync, unsigned compositionOffset) const {

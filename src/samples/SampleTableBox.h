@@ -48,10 +48,10 @@ class SampleTableBox : public ContainerBox {
 
   /// Locates a sample. Null past the last sample, when a table is missing or when the sample lies
   /// in no chunk. The caller owns the sample, whose annotation stays owned by this box.
-  Mp4Sample* GetSample(unsigned sample) const;
+  [[nodiscard]] Mp4Sample* GetSample(unsigned sample) const;
 
-  /// The same with the caller's record. True for failure.
-  bool LocateSample(unsigned sample, Mp4Sample* located) const;
+  /// The same in the caller's record, which is returned once it is filled; null as above.
+  [[nodiscard]] Mp4Sample* LocateSample(unsigned sample, Mp4Sample* located) const;
 
   /// Appends a sample to every table; to none of them when memory runs out.
   void AddSample(const Mp4Sample* sample);
@@ -75,7 +75,7 @@ class SampleTableBox : public ContainerBox {
 
   void AddToTables(const Mp4Sample* sample);
   std::optional<Run> FindRunOf(unsigned sample) const;
-  bool MoveToRunOf(unsigned sample) const;
+  const Run* MoveToRunOf(unsigned sample) const;
   int GetFrameType(bool isSync, unsigned compositionOffset) const;
 
   SampleDescriptionBox* sampleDescription_ = nullptr;

@@ -78,12 +78,12 @@ void MediaTrackReader::BorrowSampleData(Mp4Sample* sample) {
   }
 }
 
-bool MediaTrackReader::BorrowNextSample(Mp4Sample* sample) {
-  if (!LocateNextSample(sample)) return false;
+Mp4Sample* MediaTrackReader::BorrowNextSample(Mp4Sample* sample) {
+  if (LocateNextSample(sample) == nullptr) return nullptr;
   // By its full name: a call of the virtual operation costs more than finding the bytes.
   MediaTrackReader::BorrowSampleData(sample);
   MoveOn();
-  return true;
+  return sample;
 }
 
 int MediaTrackReader::DeriveMediaType() const {

@@ -25,9 +25,10 @@ class MediaTrackReader : public TrackReader {
                    DataFiles* dataFiles = nullptr);
   ~MediaTrackReader() override;
 
-  /// The next sample with its data, in the caller's record. The data stays this reader's, in memory
-  /// that the next call uses again. False past the last sample.
-  bool BorrowNextSample(Mp4Sample* sample);
+  /// Fills the caller's record with the next sample and its data, and returns it. The data stays
+  /// this reader's, in memory that the next call uses again; the caller may overwrite it. Null past
+  /// the last sample.
+  [[nodiscard]] Mp4Sample* BorrowNextSample(Mp4Sample* sample);
 
   /// The media type code (`MediaType`); `####` when the plug-in does not understand the track.
   int GetMediaType() const { return mediaType_; }

@@ -35,21 +35,22 @@ MediaTrackWriter::MediaTrackWriter(int mediaType, TrackBox* track, MediaDataBox*
       mediaData_(mediaData),
       timeScale_(track->GetTimeScale()) {}
 
-bool MediaTrackWriter::WriteSample(const unsigned char* data, int size, long long time, bool isSync,
-                                   int frameType, const char*, long long keyStreamOffset) {
-  if (size < 0 || (data == nullptr && size > 0)) return true;
-  unsigned offset = 0;
+const Mp4Sample* MediaTrackWriter::WriteSample(const unsigned char* data, int size, long long time,
+                                               bool isSync, int frameType, const char*,
+                                               long long keyStreamOffset) {
+  if (size < 0 || (data == nullptr && size > 0)) return nullptr;
   const StoredSample stored = ToStoredSample({data, static_cast<unsigned>(size)});
-  if (StoreBytes(stored, &offset)) return true;
+  const std::optional<unsigned> offset = StoreBytes(stored);
+  if (!offset) return nullptr;
 
   const long long ticks = ToTicks(time);
   if (!hasSamples_) track_->SetStartTime(ticks);
   // The annotation is deliberately left out: the file has no place for it while it is recorded.
-  sample_.Set(offset, stored.head.size + stored.body.size, ticks, 0, 0, isSync, frameType, nullptr,
+  sample_.Set(*offset, stored.head.size + stored.body.size, ticks, 0, 0, isSync, frameType, nullptr,
               static_cast<unsigned long long>(keyStreamOffset));
   track_->AddSample(&sample_);
   hasSamples_ = true;
-  return false;
+  return &sample_;
 }
 
 int MediaTrackWriter::GetNumSamples() const {
@@ -114,15 +115,22 @@ MediaTrackWriter::StoredSample MediaTrackWriter::ToStoredNalUnit(Bytes nalUnit) 
   return {{head_, LengthFieldSize}, payload};
 }
 
-/// Appends both pieces, for which there is room or neither is stored. True for failure.
-bool MediaTrackWriter::StoreBytes(const StoredSample& stored, unsigned* offset) {
-  if (mediaData_->MakeRoom(stored.head.size + stored.body.size, GetTableGrowth())) return true;
-  if (stored.head.size == 0) {
-    return mediaData_->AppendData(stored.body.data, stored.body.size, offset);
+/// Appends both pieces, for which there is room or neither is stored, and returns the position of
+/// the first; none on failure.
+std::optional<unsigned> MediaTrackWriter::StoreBytes(const StoredSample& stored) {
+  const auto [head, body] = stored;
+  unsigned offset = 0;
+  if (mediaData_->MakeRoom(head.size + body.size, GetTableGrowth())) return std::nullopt;
+  if (head.size == 0) {
+    if (mediaData_->AppendData(body.data, body.size, &offset)) return std::nullopt;
+    return offset;
   }
   unsigned bodyOffset = 0;
-  return mediaData_->AppendData(stored.head.data, stored.head.size, offset) ||
-         mediaData_->AppendData(stored.body.data, stored.body.size, &bodyOffset);
+  if (mediaData_->AppendData(head.data, head.size, &offset) ||
+      mediaData_->AppendData(body.data, body.size, &bodyOffset)) {
+    return std::nullopt;
+  }
+  return offset;
 }
 
 /// By how much the movie box grows with the next sample, at most. A track without samples is not

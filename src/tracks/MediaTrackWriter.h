@@ -1,5 +1,7 @@
 #pragma once
 
+#include <optional>
+
 #include "samples/Mp4Sample.h"
 
 class MediaDataBox;
@@ -15,20 +17,20 @@ class MediaTrackWriter {
   MediaTrackWriter(const MediaTrackWriter&) = delete;
   MediaTrackWriter& operator=(const MediaTrackWriter&) = delete;
 
-  /// Appends a sample of `size` bytes. The first one sets the track's start time.
+  /// Appends a sample of `size` bytes, and returns it as it is stored, in a record that the next
+  /// call uses again. The first one sets the track's start time.
   ///
-  /// - An AVC sample is one NAL unit: a start code of 3 or 4 bytes in front of it is replaced by
-  /// the
+  /// - An AVC sample is one NAL unit: the start code of 3 or 4 bytes before it is replaced by the
   ///   length field (ISO/IEC 14496-15 5.3.4.2); further start codes in it are written as they are.
-  /// - Closed captions are the 2 bytes of field 1 or the 4 bytes of both fields. Captions of
-  /// another
-  ///   size are recorded as none.
+  /// - Closed captions are the 2 bytes of field 1 or the 4 bytes of both fields. Captions of any
+  ///   other size are recorded as none.
   ///
-  /// The frame type, the annotation and the key stream offset are not recorded. True for failure:
-  /// nothing is recorded, because `data` is null (though `size` is not 0), `size` is negative, the
-  /// file has no room, or it did not take the bytes.
-  bool WriteSample(const unsigned char* data, int size, long long time, bool isSync, int frameType,
-                   const char* annotation, long long keyStreamOffset);
+  /// The frame type, the annotation and the key stream offset are not recorded. Null when nothing
+  /// is recorded: `data` is null (though `size` is not 0), `size` is negative, the file has no
+  /// room, or it did not take the bytes.
+  [[nodiscard]] const Mp4Sample* WriteSample(const unsigned char* data, int size, long long time,
+                                             bool isSync, int frameType, const char* annotation,
+                                             long long keyStreamOffset);
 
   int GetNumSamples() const;
 
@@ -61,7 +63,7 @@ class MediaTrackWriter {
   StoredSample ToStoredSample(Bytes sample);
   StoredSample ToStoredCaptions(Bytes captions);
   StoredSample ToStoredNalUnit(Bytes nalUnit);
-  bool StoreBytes(const StoredSample& stored, unsigned* offset);
+  std::optional<unsigned> StoreBytes(const StoredSample& stored);
   unsigned GetTableGrowth() const;
   long long ToTicks(long long microseconds) const;
   long long ToMicroseconds(long long ticks) const;

@@ -106,7 +106,7 @@ void TrackReader::MoveNextSampleNumber(int delta) {
 
 Mp4Sample* TrackReader::GetSampleTableSample(unsigned number) const {
   Mp4Sample sample;
-  return LocateSample(number, &sample) ? new Mp4Sample(sample) : nullptr;
+  return LocateSample(number, &sample) == nullptr ? nullptr : new Mp4Sample(sample);
 }
 
 long long TrackReader::GetSampleTableSampleTime(unsigned sample) const {

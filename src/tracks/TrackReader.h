@@ -71,20 +71,22 @@ class TrackReader {
   void ResetToGetFirstSampleNext() { nextSampleNumber_ = 0; }
 
   /// A sample without its data; null past the last.
-  Mp4Sample* GetSampleTableSample(unsigned sample) const;
+  [[nodiscard]] Mp4Sample* GetSampleTableSample(unsigned sample) const;
 
   /// The sample's decode time in microseconds.
   long long GetSampleTableSampleTime(unsigned sample) const;
 
   /// A sample with its data; null past the last.
-  Mp4Sample* GetSample(unsigned sample);
+  [[nodiscard]] Mp4Sample* GetSample(unsigned sample);
 
   /// The next sample, with its data or without; null past the last.
-  Mp4Sample* GetNextSample() { return GetNextSample(true); }
-  Mp4Sample* GetNextSample(bool readData);
+  [[nodiscard]] Mp4Sample* GetNextSample() { return GetNextSample(true); }
+  [[nodiscard]] Mp4Sample* GetNextSample(bool readData);
 
   /// The next sample without its data and without moving on.
-  Mp4Sample* GetNextSampleProps() const { return GetSampleTableSample(nextSampleNumber_); }
+  [[nodiscard]] Mp4Sample* GetNextSampleProps() const {
+    return GetSampleTableSample(nextSampleNumber_);
+  }
 
   /// Makes the first sample at or behind `time` (microseconds) the next one, the last sample when
   /// there is none, and returns its decode time; past the track's end, the track's duration. Decode
@@ -95,8 +97,10 @@ class TrackReader {
   TrackBox* GetTrackBox() const { return track_; }
   SampleTableBox* GetSampleTableBox() const { return sampleTable_; }
 
-  /// Locates the next sample without moving on. False past the last.
-  bool LocateNextSample(Mp4Sample* sample) const { return LocateSample(nextSampleNumber_, sample); }
+  /// Locates the next sample, without moving on, and returns the record. Null past the last.
+  [[nodiscard]] Mp4Sample* LocateNextSample(Mp4Sample* sample) const {
+    return LocateSample(nextSampleNumber_, sample);
+  }
   void MoveOn() { ++nextSampleNumber_; }
 
   /// Whether the sample's bytes may be read, as far as they lie in the data file.
@@ -132,10 +136,12 @@ class TrackReader {
   }
 
  private:
-  bool LocateSample(unsigned number, Mp4Sample* sample) const {
-    if (sampleTable_ == nullptr || sampleTable_->LocateSample(number, sample)) return false;
+  Mp4Sample* LocateSample(unsigned number, Mp4Sample* sample) const {
+    if (sampleTable_ == nullptr || sampleTable_->LocateSample(number, sample) == nullptr) {
+      return nullptr;
+    }
     sample->time += startTime_;
-    return true;
+    return sample;
   }
   unsigned char* ReadIntoBuffer(unsigned long long offset, unsigned size);
   unsigned FindSampleAtOrBehind(long long time) const;

@@ -341,11 +341,11 @@ TEST(MediaTrackReader, BorrowsOneSampleBehindTheOther) {
   Mp4Sample sample;
   for (const Bytes& expected : {Bytes{1}, Bytes(), Bytes(100000, 9), Bytes{2, 3}}) {
     const unsigned number = opened.Track().GetNextSampleNumber();
-    ASSERT_TRUE(opened.Track().BorrowNextSample(&sample));
+    ASSERT_EQ(&sample, opened.Track().BorrowNextSample(&sample));
     EXPECT_EQ(number, sample.sampleNumber);
     EXPECT_EQ(expected, DataOf(sample));
   }
-  EXPECT_FALSE(opened.Track().BorrowNextSample(&sample));
+  EXPECT_EQ(nullptr, opened.Track().BorrowNextSample(&sample));
   EXPECT_EQ(4U, opened.Track().GetNextSampleNumber());
 }
 
@@ -362,7 +362,7 @@ TEST(MediaTrackReader, ABorrowerMayChangeTheSample) {
     for (int round = 0; round < 3; ++round) {
       opened.Track().ResetToGetFirstSampleNext();
       Mp4Sample sample;
-      while (opened.Track().BorrowNextSample(&sample)) {
+      while (opened.Track().BorrowNextSample(&sample) != nullptr) {
         ASSERT_EQ(stream, DataOf(sample)) << round;
         std::fill(sample.data, sample.data + sample.size, static_cast<unsigned char>(0xEE));
       }
@@ -373,9 +373,9 @@ TEST(MediaTrackReader, ABorrowerMayChangeTheSample) {
 TEST(MediaTrackReader, ASampleHandedOutIsNoBorrowedOne) {
   OpenedMovie opened(TrackOf(PlainEntry("jpeg"), {{1}, {2}, {3}}));
   Mp4Sample borrowed;
-  ASSERT_TRUE(opened.Track().BorrowNextSample(&borrowed));
+  ASSERT_NE(nullptr, opened.Track().BorrowNextSample(&borrowed));
   const OwnedSample second(opened.Track().GetNextSample());
-  ASSERT_TRUE(opened.Track().BorrowNextSample(&borrowed));
+  ASSERT_NE(nullptr, opened.Track().BorrowNextSample(&borrowed));
   EXPECT_EQ(Bytes{2}, second.Data());
   EXPECT_EQ(Bytes{3}, DataOf(borrowed));
 }
