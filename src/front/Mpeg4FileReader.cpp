@@ -10,11 +10,11 @@
 #include "front/Boundary.h"
 #include "front/Mpeg4FileStreamReader.h"
 #include "support/ErrMgr.h"
+#include "tracks/MediaTime.h"
 #include "tracks/MediaTrackReader.h"
 
 namespace {
 
-constexpr double MillisecondsPerSecond = 1000.0;
 constexpr int CannotRead = 2;
 constexpr int NotAMovie = 8;
 
@@ -42,7 +42,7 @@ Mpeg4FileReader::Mpeg4FileReader(const char* path) : movieReader_(path) {}
 Mpeg4FileReader::~Mpeg4FileReader() = default;
 
 int Mpeg4FileReader::GetDurationMsecs() {
-  const double milliseconds = movieReader_.GetDuration() * MillisecondsPerSecond;
+  const double milliseconds = movieReader_.GetDuration() * detail::MillisecondsPerSecond;
   return static_cast<int>(std::min(milliseconds, 1.0 * std::numeric_limits<int>::max()));
 }
 

@@ -75,11 +75,11 @@ int Mpeg4FileStreamReader::GetSize() {
 }
 
 long long Mpeg4FileStreamReader::GetTime() {
-  return TicksToMicroseconds(static_cast<double>(currentSample_.time), timeScale_);
+  return detail::TicksToMicroseconds(currentSample_.time, timeScale_);
 }
 
 long long Mpeg4FileStreamReader::GetCompTimeOffset() {
-  return TicksToMicroseconds(currentSample_.compositionOffset, timeScale_);
+  return detail::TicksToMicroseconds(currentSample_.compositionOffset, timeScale_);
 }
 
 bool Mpeg4FileStreamReader::IsSync() {

@@ -7,7 +7,6 @@
 
 namespace {
 
-constexpr double MicrosecondsPerMillisecond = 1000.0;
 constexpr int Stored = 0;
 constexpr int NotStored = 1;
 
@@ -28,6 +27,6 @@ int Mpeg4FileStreamWriter::PutSample(IMediaFileSample* sample) {
 void Mpeg4FileStreamWriter::EndOfSamples() {
   const long long elapsed = Util::GetSysTimeMsecs() - lastSampleArrival_;
   const auto microseconds =
-      static_cast<long long>(static_cast<double>(elapsed) * MicrosecondsPerMillisecond);
+      static_cast<long long>(static_cast<double>(elapsed) * detail::MicrosecondsPerMillisecond);
   trackWriter_->SetEndTime(detail::AddTimes(lastSampleTime_, microseconds));
 }

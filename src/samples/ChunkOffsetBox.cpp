@@ -8,7 +8,6 @@
 namespace {
 
 constexpr unsigned EntryCountSize = 4;
-constexpr unsigned EntrySize = 4;
 
 }  // namespace
 

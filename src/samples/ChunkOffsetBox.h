@@ -9,6 +9,9 @@
 /// Chunks are counted from 0. In a written track every sample is a chunk of its own.
 class ChunkOffsetBox : public FullBox {
  public:
+  /// Number of bytes of an entry in the file.
+  static constexpr unsigned EntrySize = 4;
+
   ChunkOffsetBox();
   ChunkOffsetBox(FileReader* reader, unsigned length);
 

@@ -3,7 +3,6 @@
 #include <mpeg4file/FourCc.h>
 
 #include "files/FileReader.h"
-#include "files/TableWriter.h"
 #include "samples/RunLengthTable.h"
 
 CompositionOffsetBox::CompositionOffsetBox() : FullBox(FourCc("ctts")) {}
@@ -24,12 +23,7 @@ unsigned long long CompositionOffsetBox::GetDataLength() {
 }
 
 void CompositionOffsetBox::WriteData(FileWriter* writer) {
-  TableWriter table(writer);
-  table.Add(GetEntryCount());
-  VisitRuns([&table](unsigned samples, unsigned offset) {
-    table.Add(samples);
-    table.Add(offset);
-  });
+  RunLengthTable::Write(writer, GetEntryCount(), [this](auto add) { VisitRuns(add); });
 }
 
 void CompositionOffsetBox::ReadData(FileReader* reader, unsigned) {

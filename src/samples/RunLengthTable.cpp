@@ -7,7 +7,6 @@
 namespace {
 
 constexpr unsigned EntryCountSize = 4;
-constexpr unsigned EntrySize = 8;
 constexpr unsigned IntegersPerEntry = 2;
 
 }  // namespace

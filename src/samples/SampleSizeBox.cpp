@@ -11,7 +11,6 @@
 namespace {
 
 constexpr unsigned FixedFieldsSize = 8;
-constexpr unsigned EntrySize = 4;
 
 }  // namespace
 

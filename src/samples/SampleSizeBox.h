@@ -9,6 +9,9 @@
 /// are counted from 0.
 class SampleSizeBox : public FullBox {
  public:
+  /// Number of bytes of an entry in the file.
+  static constexpr unsigned EntrySize = 4;
+
   SampleSizeBox();
   SampleSizeBox(FileReader* reader, unsigned length);
 

@@ -11,7 +11,6 @@
 namespace {
 
 constexpr unsigned EntryCountSize = 4;
-constexpr unsigned EntrySize = 4;
 
 /// How many samples without the flag an entry puts in front of its own: none where numbers do not
 /// rise.

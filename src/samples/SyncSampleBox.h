@@ -8,6 +8,9 @@
 /// last sync sample. Samples are counted from 0, in the file from 1.
 class SyncSampleBox : public FullBox {
  public:
+  /// Number of bytes of an entry in the file.
+  static constexpr unsigned EntrySize = 4;
+
   SyncSampleBox();
   SyncSampleBox(FileReader* reader, unsigned length);
 

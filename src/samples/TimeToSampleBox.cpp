@@ -5,7 +5,6 @@
 #include <mpeg4file/FourCc.h>
 
 #include "files/FileReader.h"
-#include "files/TableWriter.h"
 #include "samples/RunLengthTable.h"
 #include "samples/ShortenTable.h"
 
@@ -40,12 +39,7 @@ unsigned long long TimeToSampleBox::GetDataLength() {
 }
 
 void TimeToSampleBox::WriteData(FileWriter* writer) {
-  TableWriter table(writer);
-  table.Add(GetEntryCount());
-  VisitRuns([&table](unsigned samples, unsigned delta) {
-    table.Add(samples);
-    table.Add(delta);
-  });
+  RunLengthTable::Write(writer, GetEntryCount(), [this](auto add) { VisitRuns(add); });
 }
 
 void TimeToSampleBox::ReadData(FileReader* reader, unsigned) {

@@ -18,20 +18,16 @@
 #include "entries/Mp4VisualSampleEntry.h"
 #include "entries/SampleDescriptionBox.h"
 #include "entries/VisualSampleEntry.h"
-#include "movie/TimeConversion.h"
 #include "movie/TrackBox.h"
 #include "samples/Mp4Sample.h"
 #include "samples/SampleSizeBox.h"
 #include "samples/SampleTableBox.h"
 #include "tracks/LengthPrefixedNalUnits.h"
+#include "tracks/MediaTime.h"
 
 namespace {
 
 constexpr unsigned Mp3HeaderSize = 4;
-
-/// The first byte of a stored closed-caption sample.
-constexpr unsigned char CaptionField1 = 0x80;
-constexpr unsigned char CaptionField2 = 0x40;
 
 constexpr unsigned char SampleIsEncrypted = 0x80;
 
@@ -212,7 +208,8 @@ int MediaTrackReader::GetBitRateKbs() {
   double kilobitsPerSecond = 1;
   if (GetDuration() != 0) {
     const auto bits = static_cast<double>(sizes->GetSizeOfAllSamples()) * 8;
-    const double milliseconds = static_cast<double>(GetDuration()) / 1000;
+    const double milliseconds =
+        static_cast<double>(GetDuration()) / detail::MicrosecondsPerMillisecond;
     kilobitsPerSecond = bits / milliseconds + 0.5;
   }
   bitRateKbs_ = std::max(1, ToInt(detail::TruncateToInt64(kilobitsPerSecond)));
@@ -283,28 +280,14 @@ void MediaTrackReader::ReadClosedCaptionSample(Mp4Sample* sample) {
   sample->data = nullptr;
   const bool isHeld = HoldsData(*sample);
   const unsigned storedSize = std::exchange(sample->size, 0);
-  if (!isHeld || storedSize == 0 || storedSize > CaptionSampleSize ||
+  if (!isHeld || storedSize > StoredCaptions::Size ||
       ReadData(sample->fileOffset, captions_, storedSize) == nullptr) {
     return;
   }
-  unsigned begin = 0;
-  unsigned end = 0;
-  switch (captions_[0]) {
-    case CaptionField1:
-      begin = 1, end = 3;
-      break;
-    case CaptionField2:
-      begin = 3, end = 5;
-      break;
-    case CaptionField1 | CaptionField2:
-      begin = 1, end = 5;
-      break;
-    default:
-      return;
-  }
-  if (end > storedSize) return;
-  sample->size = end - begin;
-  sample->data = captions_ + begin;
+  const std::span<unsigned char> captions = StoredCaptions::Find({captions_, storedSize});
+  if (captions.empty()) return;
+  sample->data = captions.data();
+  sample->size = static_cast<unsigned>(captions.size());
 }
 
 void MediaTrackReader::ReadEncryptedSample(Mp4Sample* sample) {

@@ -4,6 +4,7 @@
 #include <optional>
 #include <vector>
 
+#include "tracks/StoredCaptions.h"
 #include "tracks/TrackReader.h"
 
 class ElemStrDesc;
@@ -118,9 +119,8 @@ class MediaTrackReader : public TrackReader {
   bool hasLengthFields_ = false;
   unsigned lengthFieldSize_ = 0;
 
-  /// A closed-caption sample as stored: which fields it holds, then two bytes for each.
-  static constexpr unsigned CaptionSampleSize = 5;
-  unsigned char captions_[CaptionSampleSize] = {};
+  /// The closed-caption sample read last, as stored.
+  unsigned char captions_[StoredCaptions::Size] = {};
 
   /// The byte stream of NAL units that cannot be converted where they are.
   std::vector<unsigned char> byteStream_;

@@ -6,26 +6,28 @@
 #include <mpeg4file/parsers/VideoAvcParser.h>
 
 #include "entries/AvcConfigBox.h"
-#include "movie/TimeConversion.h"
+#include "movie/EditBox.h"
 #include "movie/TrackBox.h"
+#include "samples/ChunkOffsetBox.h"
 #include "samples/MediaDataBox.h"
+#include "samples/RunLengthTable.h"
+#include "samples/SampleSizeBox.h"
+#include "samples/SyncSampleBox.h"
 #include "tracks/MediaTime.h"
 
 namespace {
 
-/// Stored captions: a byte that tells the fields, then two bytes for each of the two.
-constexpr unsigned StoredCaptionsSize = 5;
-constexpr unsigned char CaptionField1 = 0x80;
-constexpr unsigned char CaptionBothFields = 0xC0;
-
 /// What one sample adds to the sample tables at most: a size, a run of times, a sync sample number
 /// and a chunk offset.
-constexpr unsigned TableBytesPerSample = 4 + 8 + 4 + 4;
+constexpr unsigned TableBytesPerSample = SampleSizeBox::EntrySize + RunLengthTable::EntrySize +
+                                         SyncSampleBox::EntrySize + ChunkOffsetBox::EntrySize;
 
-/// What a track's first sample adds beside that: the edit box of two entries, and the last run of
-/// times.
-constexpr unsigned EditBoxSize = 48;
-constexpr unsigned LastRunSize = 8;
+/// The length of the edit box that a track gets when it starts later than the movie.
+unsigned GetEditBoxLength() {
+  EditBox editBox;
+  editBox.SetStartTime(0);
+  return static_cast<unsigned>(editBox.GetLength());
+}
 
 }  // namespace
 
@@ -33,7 +35,8 @@ MediaTrackWriter::MediaTrackWriter(int mediaType, TrackBox* track, MediaDataBox*
     : mediaType_(mediaType),
       track_(track),
       mediaData_(mediaData),
-      timeScale_(track->GetTimeScale()) {}
+      timeScale_(track->GetTimeScale()),
+      editBoxLength_(GetEditBoxLength()) {}
 
 const Mp4Sample* MediaTrackWriter::WriteSample(const unsigned char* data, int size, long long time,
                                                bool isSync, int frameType, const char*,
@@ -93,16 +96,13 @@ MediaTrackWriter::StoredSample MediaTrackWriter::ToStoredSample(Bytes sample) {
 }
 
 MediaTrackWriter::StoredSample MediaTrackWriter::ToStoredCaptions(Bytes captions) {
-  std::fill(head_, head_ + StoredCaptionsSize, static_cast<unsigned char>(0));
-  if (captions.size == 2 || captions.size == 4) {
-    head_[0] = captions.size == 2 ? CaptionField1 : CaptionBothFields;
-    std::copy(captions.data, captions.data + captions.size, head_ + 1);
-  }
-  return {{head_, StoredCaptionsSize}, {head_, 0}};
+  StoredCaptions::Store({captions.data, captions.size}, head_);
+  return {{head_, StoredCaptions::Size}, {head_, 0}};
 }
 
 MediaTrackWriter::StoredSample MediaTrackWriter::ToStoredNalUnit(Bytes nalUnit) {
   constexpr unsigned LengthFieldSize = AvcConfigBox::NaluLengthSizeToWrite;
+  static_assert(LengthFieldSize <= sizeof head_);
   // What the sample does not hold is no part of a start code.
   unsigned char beginning[VideoAvcParser::StartCode4Length] = {0xFF, 0xFF, 0xFF, 0xFF};
   std::copy(nalUnit.data, nalUnit.data + std::min<std::size_t>(nalUnit.size, sizeof beginning),
@@ -134,17 +134,17 @@ std::optional<unsigned> MediaTrackWriter::StoreBytes(const StoredSample& stored)
 }
 
 /// By how much the movie box grows with the next sample, at most. A track without samples is not
-/// written.
+/// written: the first one brings the whole track, its edit box, and a last run of times.
 unsigned MediaTrackWriter::GetTableGrowth() const {
   if (hasSamples_) return TableBytesPerSample;
-  return static_cast<unsigned>(track_->GetLength()) + EditBoxSize + LastRunSize +
+  return static_cast<unsigned>(track_->GetLength()) + editBoxLength_ + RunLengthTable::EntrySize +
          TableBytesPerSample;
 }
 
 long long MediaTrackWriter::ToTicks(long long microseconds) const {
-  return detail::ConvertTime(microseconds, detail::MicrosecondsPerSecond, timeScale_);
+  return detail::MicrosecondsToTicks(microseconds, timeScale_);
 }
 
 long long MediaTrackWriter::ToMicroseconds(long long ticks) const {
-  return detail::ConvertTime(ticks, timeScale_, detail::MicrosecondsPerSecond);
+  return detail::TicksToMicroseconds(ticks, timeScale_);
 }

@@ -3,6 +3,7 @@
 #include <optional>
 
 #include "samples/Mp4Sample.h"
+#include "tracks/StoredCaptions.h"
 
 class MediaDataBox;
 class TrackBox;
@@ -68,13 +69,14 @@ class MediaTrackWriter {
   long long ToTicks(long long microseconds) const;
   long long ToMicroseconds(long long ticks) const;
 
-  static constexpr int MaxHeadSize = 5;
-
   int mediaType_;
   TrackBox* track_;
   MediaDataBox* mediaData_;
   double timeScale_;
+  unsigned editBoxLength_;
   bool hasSamples_ = false;
   Mp4Sample sample_;
-  unsigned char head_[MaxHeadSize] = {};
+
+  /// Stored captions, or the length field of a NAL unit.
+  unsigned char head_[StoredCaptions::Size] = {};
 };

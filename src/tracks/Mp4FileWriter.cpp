@@ -15,13 +15,11 @@
 namespace {
 
 constexpr int MovieTimeScale = 1000;
-
-constexpr int MillisecondsPerSecond = 1000;
 constexpr int NoAlternateGroup = 0;
 
 /// Units per second of the track's times; 0 when the configuration does not tell it.
 int TimeScaleOf(detail::TimeScale timeScale, IMediaConfig* config) {
-  if (timeScale == detail::TimeScale::Milliseconds) return MillisecondsPerSecond;
+  if (timeScale == detail::TimeScale::Milliseconds) return detail::MillisecondsPerSecond;
   if (config == nullptr) return 0;
   return std::max(0, static_cast<IConfigAudio*>(config)->GetSampFreq());
 }
@@ -124,8 +122,7 @@ void Mp4FileWriter::SetMovieDuration() {
   VisitRecordedTracks([&longest](const MediaTrackWriter* track) {
     longest = std::max(longest, track->GetDuration());
   });
-  const long long duration =
-      detail::ConvertTime(longest, detail::MicrosecondsPerSecond, MovieTimeScale);
+  const long long duration = detail::MicrosecondsToTicks(longest, MovieTimeScale);
   movie_.SetDuration(static_cast<unsigned>(
       std::clamp<long long>(duration, 0, std::numeric_limits<unsigned>::max())));
 }

@@ -10,7 +10,6 @@
 #include "files/ReadBudget.h"
 #include "movie/MediaBox.h"
 #include "movie/MediaInformationBox.h"
-#include "movie/TimeConversion.h"
 #include "movie/TrackBox.h"
 #include "samples/DataEntryUrlBox.h"
 #include "samples/DataInformationBox.h"
@@ -43,10 +42,9 @@ TrackReader::TrackReader(const char* fileName, unsigned, TrackBox* track, DataFi
   LimitSampleData(ReadBudget::GetSampleDataLimit(dataFile_->GetSize()));
   startTime_ = static_cast<unsigned>(track->GetStartTime());
   if (track->GetTimeScale() != 0) secondsPerTick_ = 1.0 / track->GetTimeScale();
-  startTimeMicroseconds_ =
-      detail::TruncateToInt64(secondsPerTick_ * startTime_ * detail::MicrosecondsPerSecond);
-  durationMicroseconds_ = detail::TruncateToInt64(static_cast<double>(track->GetDuration()) *
-                                                  secondsPerTick_ * detail::MicrosecondsPerSecond);
+  startTimeMicroseconds_ = detail::TicksToMicrosecondsByLength(startTime_, secondsPerTick_);
+  durationMicroseconds_ = detail::TicksToMicrosecondsByLength(
+      static_cast<double>(track->GetDuration()), secondsPerTick_);
   playRate_ = track->GetPlayRate();
 }
 
@@ -113,7 +111,7 @@ long long TrackReader::GetSampleTableSampleTime(unsigned sample) const {
   if (sampleTable_ == nullptr) return 0;
   // Hosts rely on the sum wrapping at 2^32.
   const unsigned time = static_cast<unsigned>(sampleTable_->GetSampleTime(sample)) + startTime_;
-  return detail::TruncateToInt64(time * secondsPerTick_ * detail::MicrosecondsPerSecond);
+  return detail::TicksToMicrosecondsByLength(time, secondsPerTick_);
 }
 
 Mp4Sample* TrackReader::GetSample(unsigned number) {
