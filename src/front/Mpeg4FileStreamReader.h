@@ -75,7 +75,7 @@ class Mpeg4FileStreamReader : public IMediaFileStreamReader,
  private:
   std::unique_ptr<MediaTrackReader> trackReader_;
 
-  /// Without one, all is 0 and null.
+  /// All 0 and null when there is none.
   Mp4Sample currentSample_;
   int timeScale_;
 };

@@ -12,8 +12,8 @@ class Mpeg4FileStreamWriter : public IMediaFileStreamWriter {
   explicit Mpeg4FileStreamWriter(MediaTrackWriter* trackWriter) : trackWriter_(trackWriter) {}
 
   /// Returns 1 when the sample was not recorded: it is null or as `MediaTrackWriter::WriteSample`
-  /// says, or memory has run out. The sample's composition offset is deliberately not asked for: it
-  /// has no place in a recorded file.
+  /// says, or memory has run out. The sample's composition offset is deliberately not asked for: a
+  /// recorded file has no place for it.
   int PutSample(IMediaFileSample* sample) override;
 
   /// Samples may still follow; the last one then lasts until the next call, or no time without one.

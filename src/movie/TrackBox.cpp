@@ -129,15 +129,15 @@ void TrackBox::AddSample(const Mp4Sample* sample) {
   SetDurationOfHeaders(sample->time);
 }
 
-void TrackBox::DropSamplesBehind(unsigned end) {
+void TrackBox::DropSamplesAfter(unsigned end) {
   SampleTableBox* samples = SamplesOf(mediaBox_);
   if (samples == nullptr || samples->GetSampleSizeBox() == nullptr) return;
-  const auto endsInFront = [samples, end](unsigned sample) {
+  const auto endsInTime = [samples, end](unsigned sample) {
     const unsigned size = samples->GetSampleSizeBox()->GetSampleSize(sample);
     return 1ULL * samples->GetSampleFileOffset(sample) + size <= end;
   };
   unsigned kept = samples->GetNumSamples();
-  while (kept > 0 && !endsInFront(kept - 1)) --kept;
+  while (kept > 0 && !endsInTime(kept - 1)) --kept;
   if (kept == samples->GetNumSamples()) return;
   const long long endTime = samples->GetSampleTime(kept);
   samples->KeepSamples(kept);

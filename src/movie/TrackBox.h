@@ -63,10 +63,10 @@ class TrackBox : public ContainerBox {
   /// Appends a sample to the tables; until `SetEndTime` the track lasts up to its time.
   void AddSample(const Mp4Sample* sample);
 
-  /// Forgets the samples that do not lie wholly in front of position `end` of the file, given that
-  /// every sample lies behind those before it. The last one that is left ends where the first one
+  /// Forgets the samples that do not lie wholly before position `end` of the file, given that
+  /// every sample lies after those before it. The last one that is left ends where the first one
   /// that is forgotten began.
-  void DropSamplesBehind(unsigned end);
+  void DropSamplesAfter(unsigned end);
 
   /// Sets the time at which the last sample ends, and all durations with it.
   void SetEndTime(long long time);

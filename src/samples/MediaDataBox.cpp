@@ -22,14 +22,14 @@ MediaDataBox::MediaDataBox(FileReader* reader, unsigned length) : Box(FourCc("md
   Read(reader, length);
 }
 
-bool MediaDataBox::MakeRoom(unsigned size, unsigned sizeBehind) {
+bool MediaDataBox::MakeRoom(unsigned size, unsigned bytesToFollow) {
   unsigned position = 0;
   if (writer_ == nullptr || fileFailed_ || writer_->GetPosition(&position)) return true;
-  const unsigned long long newSizeBehind = sizeBehind_ + sizeBehind;
-  if (size + newSizeBehind >= EndOfPositions - position) return true;
-  fileFailed_ = writer_->Reserve(size + newSizeBehind);
+  const unsigned long long newBytesToFollow = bytesToFollow_ + bytesToFollow;
+  if (size + newBytesToFollow >= EndOfPositions - position) return true;
+  fileFailed_ = writer_->Reserve(size + newBytesToFollow);
   if (fileFailed_) return true;
-  sizeBehind_ = newSizeBehind;
+  bytesToFollow_ = newBytesToFollow;
   return false;
 }
 

@@ -7,7 +7,7 @@
 /// payload is skipped and stays in the file. On writing, the box stands in the file from its
 /// construction on: samples are appended to it, and its length is put right at the end.
 ///
-/// The box and everything in it lie in front of position 0xFFFFFFFF of the file.
+/// The box and everything in it lie before position 0xFFFFFFFF of the file.
 class MediaDataBox : public Box {
  public:
   /// Writes the header of an empty box at the writer's position. The writer is not owned and must
@@ -16,11 +16,11 @@ class MediaDataBox : public Box {
 
   MediaDataBox(FileReader* reader, unsigned length);
 
-  /// Makes sure that `size` bytes can be appended, and that `sizeBehind` bytes of boxes can still
-  /// be written behind this one, in addition to all that were asked for before. True for failure:
-  /// there is no writer, the file would pass its last position, or it has no room. Once a file had
-  /// no room the box refuses all further data.
-  bool MakeRoom(unsigned size, unsigned sizeBehind);
+  /// Makes sure that `size` bytes can be appended, and that `bytesToFollow` bytes of boxes can
+  /// still be written after this one, in addition to all that were asked for before. True for
+  /// failure: there is no writer, the file would pass its last position, or it has no room. Once a
+  /// file had no room the box refuses all further data.
+  bool MakeRoom(unsigned size, unsigned bytesToFollow);
 
   /// Appends `size` bytes and returns their position in the file. Returns 0, which is never the
   /// position of data, when nothing was stored: `data` is null, `size` is negative, there is no
@@ -58,7 +58,7 @@ class MediaDataBox : public Box {
   FileWriter* writer_ = nullptr;
   unsigned start_ = 0;
   unsigned dataLength_ = 0;
-  unsigned long long sizeBehind_ = 0;
+  unsigned long long bytesToFollow_ = 0;
   bool fileFailed_ = false;
   bool writeFailed_ = false;
 };

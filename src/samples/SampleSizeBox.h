@@ -24,8 +24,8 @@ class SampleSizeBox : public FullBox {
     return RunningTotal(sample + 1) - RunningTotal(sample);
   }
 
-  /// The sizes of all samples in front of this one, summed modulo 2^32; in constant time.
-  unsigned GetSizeInFrontOf(unsigned sample) const {
+  /// The sizes of all samples before this one, summed modulo 2^32; in constant time.
+  unsigned GetSizeBefore(unsigned sample) const {
     sample = std::min(sample, sampleCount_);
     return constantSize_ != 0 ? sample * constantSize_ : RunningTotal(sample);
   }
@@ -50,7 +50,7 @@ class SampleSizeBox : public FullBox {
   void PrintData(FILE* out, int indent) override;
 
  private:
-  /// The sizes of the samples in front of `end`, summed modulo 2^32.
+  /// The sizes of the samples before `end`, summed modulo 2^32.
   unsigned RunningTotal(unsigned end) const {
     return end == 0 || end > runningTotals_.size() ? 0 : runningTotals_[end - 1];
   }

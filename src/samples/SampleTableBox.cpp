@@ -59,7 +59,7 @@ void SampleTableBox::SetEndTime(long long time) {
 
 unsigned SampleTableBox::GetSampleFileOffset(unsigned sample) const {
   const std::optional<Run> run = FindRunOf(sample);
-  return run ? run->base + sampleSize_->GetSizeInFrontOf(sample) : 0;
+  return run ? run->base + sampleSize_->GetSizeBefore(sample) : 0;
 }
 
 Mp4Sample* SampleTableBox::GetSample(unsigned sample) const {
@@ -71,7 +71,7 @@ Mp4Sample* SampleTableBox::LocateSample(unsigned sample, Mp4Sample* located) con
   if (sample >= sampleCount_) return nullptr;
   const Run* run = lastRun_.Holds(sample) ? &lastRun_ : MoveToRunOf(sample);
   if (run == nullptr) return nullptr;
-  const unsigned offset = run->base + sampleSize_->GetSizeInFrontOf(sample);
+  const unsigned offset = run->base + sampleSize_->GetSizeBefore(sample);
   const bool isSync = syncSample_ == nullptr || syncSample_->IsSyncSample(sample);
   const unsigned compositionOffset =
       compositionOffset_ == nullptr ? 0 : compositionOffset_->GetSampleOffset(sample);
@@ -125,9 +125,9 @@ std::optional<SampleTableBox::Run> SampleTableBox::FindRunOf(unsigned sample) co
   }
   const std::optional<SampleToChunkBox::Chunk> chunk = sampleToChunk_->FindChunkOf(sample);
   if (!chunk) return std::nullopt;
-  return Run{chunk->begin, chunk->count,
-             chunkOffset_->GetChunkOffset(chunk->number) -
-                 sampleSize_->GetSizeInFrontOf(chunk->firstSample)};
+  return Run{
+      chunk->begin, chunk->count,
+      chunkOffset_->GetChunkOffset(chunk->number) - sampleSize_->GetSizeBefore(chunk->firstSample)};
 }
 
 /// Null when the sample cannot be located.

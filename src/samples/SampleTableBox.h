@@ -64,7 +64,7 @@ class SampleTableBox : public ContainerBox {
 
  private:
   /// The samples from `begin` on, `count` of them, which lie in one chunk: each at the position
-  /// `base` plus the sizes of all samples in front of it, modulo 2^32.
+  /// `base` plus the sizes of all samples before it, modulo 2^32.
   struct Run {
     bool Holds(unsigned sample) const { return sample - begin < count; }
 

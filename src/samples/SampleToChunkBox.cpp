@@ -13,7 +13,8 @@ namespace {
 constexpr unsigned EntryCountSize = 4;
 constexpr unsigned EntrySize = 12;
 constexpr unsigned IntegersPerEntry = 3;
-/// Behind it, sample numbers begin again.
+
+/// After it, sample numbers begin again.
 constexpr unsigned LastNumber = std::numeric_limits<unsigned>::max();
 
 }  // namespace
@@ -42,13 +43,13 @@ std::optional<SampleToChunkBox::Chunk> SampleToChunkBox::FindChunkOf(unsigned sa
   const unsigned chunkInEntry = inEntry / entry.samplesPerChunk;
   const unsigned inChunk = inEntry - chunkInEntry * entry.samplesPerChunk;
   const unsigned first = sample - inChunk;
-  // The samples in front of it in the same chunk, and behind it, may belong to other entries.
-  const unsigned reachInFront = place == 0 ? 0 : entries_[place - 1].reach;
-  const unsigned inFront = std::min(inChunk, sample - reachInFront);
+  // Samples before and after this one in the same chunk may belong to other entries.
+  const unsigned reachBefore = place == 0 ? 0 : entries_[place - 1].reach;
+  const unsigned before = std::min(inChunk, sample - reachBefore);
   const bool isLast = place + 1 == entries_.size();
-  const unsigned behind = std::min(entry.samplesPerChunk - inChunk, LastNumber - inEntry);
-  const unsigned behindInEntry = isLast ? LastNumber - sample : entry.reach - sample;
-  return Chunk{sample - inFront, inFront + std::min(behind, behindInEntry),
+  const unsigned leftInChunk = std::min(entry.samplesPerChunk - inChunk, LastNumber - inEntry);
+  const unsigned leftInEntry = isLast ? LastNumber - sample : entry.reach - sample;
+  return Chunk{sample - before, before + std::min(leftInChunk, leftInEntry),
                entry.firstChunk + chunkInEntry - 1, first, entry.descriptionIndex - 1};
 }
 

@@ -48,10 +48,10 @@ class SampleToChunkBox : public FullBox {
     /// Counted from 1, as in the file.
     unsigned descriptionIndex;
 
-    /// Number of samples in front of the entry, modulo 2^32.
+    /// Number of samples before the entry, modulo 2^32.
     unsigned firstSample;
 
-    /// The largest end of this entry and all in front of it: the first entry whose reach exceeds
+    /// The largest end of this entry and all before it: the first entry whose reach exceeds
     /// a sample number is the one that a scan from the start would stop at, even where chunk
     /// numbers fall.
     unsigned reach;

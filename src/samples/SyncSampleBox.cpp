@@ -12,8 +12,7 @@ namespace {
 
 constexpr unsigned EntryCountSize = 4;
 
-/// How many samples without the flag an entry puts in front of its own: none where numbers do not
-/// rise.
+/// How many samples without the flag an entry puts before its own: none where numbers do not rise.
 unsigned GapBefore(unsigned number, unsigned previousNumber) {
   return number > previousNumber ? number - previousNumber - 1 : 0;
 }

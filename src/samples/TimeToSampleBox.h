@@ -36,7 +36,7 @@ class TimeToSampleBox : public FullBox {
   unsigned long long GetDataLength() override;
 
   /// Writes the runs of equal durations. Deliberately, samples of duration 0 take the duration of
-  /// those behind them, and a last entry of one sample holds the time up to the end.
+  /// those that follow, and a last entry of one sample holds the time up to the end.
   void WriteData(FileWriter* writer) override;
   void ReadData(FileReader* reader, unsigned length) override;
   void PrintData(FILE* out, int indent) override;

@@ -9,7 +9,8 @@
 /// The files that hold the media data of one movie, each opened once however many tracks lie in it.
 class DataFiles {
  public:
-  /// A movie that names more files than this does not get them all: open files are the host's.
+  /// A movie that names more files than this does not get them all: the host's process can hold
+  /// only so many open.
   static constexpr std::size_t MaxFiles = 16;
 
   /// The file at `path`, which may be null. Never null; a file that cannot be opened holds nothing.

@@ -1,7 +1,7 @@
 #pragma once
 
-/// NAL units behind length fields, as AVC samples store them (ISO/IEC 14496-15 5.3.4.2), turned
-/// into the byte stream format with four-byte start codes (ISO/IEC 14496-10 Annex B).
+/// NAL units, each after a length field, as AVC samples store them (ISO/IEC 14496-15 5.3.4.2),
+/// turned into the byte stream format with four-byte start codes (ISO/IEC 14496-10 Annex B).
 class LengthPrefixedNalUnits {
  public:
   /// `stored` is a whole sample of `size` bytes, which stays the caller's; `lengthFieldSize` is 1

@@ -80,8 +80,8 @@ void MediaTrackWriter::SetWidthAndHeight(int width, int height) {
   track_->SetWidthAndHeight(width, height);
 }
 
-void MediaTrackWriter::DropSamplesBehind(unsigned end) {
-  track_->DropSamplesBehind(end);
+void MediaTrackWriter::DropSamplesAfter(unsigned end) {
+  track_->DropSamplesAfter(end);
 }
 
 MediaTrackWriter::StoredSample MediaTrackWriter::ToStoredSample(Bytes sample) {

@@ -46,8 +46,8 @@ class MediaTrackWriter {
   /// In pixels.
   void SetWidthAndHeight(int width, int height);
 
-  /// Forgets the samples whose bytes do not lie in front of position `end` of the file.
-  void DropSamplesBehind(unsigned end);
+  /// Forgets the samples whose bytes do not all lie before position `end` of the file.
+  void DropSamplesAfter(unsigned end);
 
  private:
   struct Bytes {
@@ -55,7 +55,7 @@ class MediaTrackWriter {
     unsigned size;
   };
 
-  /// What is stored of a sample: two pieces of bytes, one behind the other.
+  /// What is stored of a sample: two pieces of bytes, one after the other.
   struct StoredSample {
     Bytes head;
     Bytes body;

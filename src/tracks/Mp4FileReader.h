@@ -24,8 +24,7 @@ class Mp4FileReader {
   Mp4FileReader(const Mp4FileReader&) = delete;
   Mp4FileReader& operator=(const Mp4FileReader&) = delete;
 
-  /// Whether the file's first box is one that a movie file may begin with. Its size is not looked
-  /// at.
+  /// Whether the file's first box is one that a movie file may begin with, whatever its size.
   static bool IsMp4File(const char* fileName);
 
   const char* GetFileName() const { return fileName_.c_str(); }

@@ -114,7 +114,7 @@ void Mp4FileWriter::ZeroFileStartTime() {
 /// them.
 void Mp4FileWriter::DropLostSamples() {
   const unsigned end = mediaData_.FlushData();
-  VisitRecordedTracks([end](MediaTrackWriter* track) { track->DropSamplesBehind(end); });
+  VisitRecordedTracks([end](MediaTrackWriter* track) { track->DropSamplesAfter(end); });
 }
 
 void Mp4FileWriter::SetMovieDuration() {

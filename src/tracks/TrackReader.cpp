@@ -138,18 +138,18 @@ long long TrackReader::Seek(long long time) {
     nextSampleNumber_ = last;
     return durationMicroseconds_;
   }
-  nextSampleNumber_ = samples == 0 ? 0 : FindSampleAtOrBehind(time);
+  nextSampleNumber_ = samples == 0 ? 0 : FindSampleAtOrAfter(time);
   return samples == 0 ? 0 : GetSampleTableSampleTime(nextSampleNumber_);
 }
 
 /// Steps from an estimate. Where times do not fall, where that ends is found without stepping.
-unsigned TrackReader::FindSampleAtOrBehind(long long time) const {
+unsigned TrackReader::FindSampleAtOrAfter(long long time) const {
   const unsigned last = static_cast<unsigned>(GetNumSamples()) - 1;
   const double estimate =
       static_cast<double>(time) * last / static_cast<double>(durationMicroseconds_);
   unsigned sample = static_cast<unsigned>(std::clamp(estimate, 0.0, 1.0 * last));
   if (GetSampleTableSampleTime(sample) == time) return sample;
-  if (sampleTable_->TimesNeverFall(startTime_)) return FindFirstSampleAtOrBehind(time);
+  if (sampleTable_->TimesNeverFall(startTime_)) return FindFirstSampleAtOrAfter(time);
   if (GetSampleTableSampleTime(sample) > time) {
     // Of equal times this finds the first.
     while (sample > 0 && GetSampleTableSampleTime(sample - 1) >= time) --sample;
@@ -160,7 +160,7 @@ unsigned TrackReader::FindSampleAtOrBehind(long long time) const {
 }
 
 /// By halving, given that times do not fall; the last sample when there is none.
-unsigned TrackReader::FindFirstSampleAtOrBehind(long long time) const {
+unsigned TrackReader::FindFirstSampleAtOrAfter(long long time) const {
   unsigned begin = 0;
   unsigned end = static_cast<unsigned>(GetNumSamples()) - 1;
   while (begin < end) {

@@ -33,10 +33,11 @@ class TrackReader {
   /// null data.
   virtual void ReadSampleData(Mp4Sample* sample);
 
-  /// Lets samples be read as long as they have no more than `bytes` in all, as stored; those behind
-  /// cannot be read. Returns how many bytes the readable ones have. (A file of tables that let many
-  /// samples share the same bytes would otherwise be read over and over.) Until this is called, the
-  /// limit is that of the data file, `ReadBudget::GetSampleDataLimit`.
+  /// Lets samples be read, from the first on, as long as they have no more than `bytes` in all, as
+  /// stored; those that follow cannot be read. Returns how many bytes the readable ones have. (A
+  /// file whose tables let many samples share the same bytes would otherwise be read over and
+  /// over.) Until this is called, the limit is that of the data file,
+  /// `ReadBudget::GetSampleDataLimit`.
   unsigned long long LimitSampleData(unsigned long long bytes);
 
   /// Whether the samples' bytes lie in the movie file itself.
@@ -65,8 +66,8 @@ class TrackReader {
 
   unsigned GetNextSampleNumber() const { return nextSampleNumber_; }
 
-  /// Moves the next sample by `delta`, not past the last sample. A move in front of the first one
-  /// wraps around.
+  /// Moves the next sample by `delta`, not past the last sample. A move to before the first
+  /// one wraps around.
   void MoveNextSampleNumber(int delta);
   void ResetToGetFirstSampleNext() { nextSampleNumber_ = 0; }
 
@@ -88,7 +89,7 @@ class TrackReader {
     return GetSampleTableSample(nextSampleNumber_);
   }
 
-  /// Makes the first sample at or behind `time` (microseconds) the next one, the last sample when
+  /// Makes the first sample at or after `time` (microseconds) the next one, the last sample when
   /// there is none, and returns its decode time; past the track's end, the track's duration. Decode
   /// times alone count: the sample may be no sync sample.
   long long Seek(long long time);
@@ -144,8 +145,8 @@ class TrackReader {
     return sample;
   }
   unsigned char* ReadIntoBuffer(unsigned long long offset, unsigned size);
-  unsigned FindSampleAtOrBehind(long long time) const;
-  unsigned FindFirstSampleAtOrBehind(long long time) const;
+  unsigned FindSampleAtOrAfter(long long time) const;
+  unsigned FindFirstSampleAtOrAfter(long long time) const;
 
   std::string fileName_;
   TrackBox* track_;

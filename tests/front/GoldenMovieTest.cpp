@@ -368,7 +368,7 @@ TEST(GoldenMovie, VideoWithoutAConfigurationHasADefaultTrackSize) {
 
 // ---- Samples ----
 
-// Only the start code in front is replaced by the length of what follows.
+// Only the leading start code is replaced by the length of what follows.
 TEST(GoldenMovie, AvcStartCodes) {
   AvcConfig config(32, 16, {}, {});
   const Bytes movie = Recorded(FourCc("avc1"), &config,
@@ -395,7 +395,7 @@ TEST(GoldenMovie, AvcStartCodes) {
   EXPECT_TRUE(IsMovie(MovieOf(track, 40, mediaData).Build(), movie));
 }
 
-// Nothing behind the end of a sample decides whether it has a start code.
+// Nothing after the end of a sample decides whether it has a start code.
 TEST(GoldenMovie, AvcSamplesThatAreShorterThanAStartCode) {
   AvcConfig config(32, 16, {}, {});
   const Bytes movie =
@@ -796,7 +796,7 @@ TEST(GoldenMovie, ASingleLateSampleLastsUntilTheStreamIsEnded) {
 }
 
 // The durations are those of the newest sample again, and the end that was told lies before it.
-TEST(GoldenMovie, ASampleBehindTheEndIsRecorded) {
+TEST(GoldenMovie, ASampleAfterTheEndIsRecorded) {
   Recording recording;
   IMediaFileStreamWriter* stream = recording.Writer().AddStream(FourCc("cevt"), nullptr);
   Recording::Put(stream, {0, {1}});

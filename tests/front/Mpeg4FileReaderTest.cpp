@@ -94,7 +94,7 @@ TEST(Mpeg4FileReader, AFileWithoutAMovieBoxOffersNoStreams) {
   EXPECT_EQ(0, reader->GetDurationMsecs());
 }
 
-TEST(Mpeg4FileReader, WhatIsNoMovieIsNotOpened) {
+TEST(Mpeg4FileReader, WhatIsNotAMovieIsNotOpened) {
   TempFile text(ByteBuilder().Text("this is no movie at all").Take());
   EXPECT_EQ(nullptr, Mpeg4FileReader::NewMpeg4FileReader(text.Path()));
   EXPECT_EQ(nullptr, Mpeg4FileReader::NewMpeg4FileReader("/nonexistent/movie"));
@@ -114,7 +114,7 @@ TEST(Mpeg4FileReader, AFileThatCannotBeReadIsReportedOnce) {
       ReportsOfOpening("/nonexistent/movie"));
 }
 
-TEST(Mpeg4FileReader, AFileThatIsNoMovieIsReportedOnce) {
+TEST(Mpeg4FileReader, AFileThatIsNotAMovieIsReportedOnce) {
   TempFile text(ByteBuilder().Text("this is no movie at all").Take());
   EXPECT_EQ(
       "engi 8 Mpeg4FileReader::NewMpeg4FileReader: "

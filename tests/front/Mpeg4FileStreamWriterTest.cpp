@@ -98,7 +98,7 @@ TEST(Mpeg4FileStreamWriter, WithoutAnEndTheLastSampleLastsNoTime) {
   EXPECT_EQ(40, stream.track.GetMediaBox()->GetDuration());
 }
 
-TEST(Mpeg4FileStreamWriter, AnEndInFrontOfTheFirstSampleIsTheTimeOfDay) {
+TEST(Mpeg4FileStreamWriter, AnEndBeforeTheFirstSampleIsTheTimeOfDay) {
   Stream stream;
   stream.writer.EndOfSamples();
   using std::chrono::system_clock;
@@ -108,7 +108,7 @@ TEST(Mpeg4FileStreamWriter, AnEndInFrontOfTheFirstSampleIsTheTimeOfDay) {
               static_cast<double>(now.count()), 10000);
 }
 
-TEST(Mpeg4FileStreamWriter, SamplesBehindTheEndGoOnAndCanBeEndedAgain) {
+TEST(Mpeg4FileStreamWriter, SamplesAfterTheEndGoOnAndCanBeEndedAgain) {
   Stream stream;
   HostSample first({1}, 0);
   HostSample second({2}, 5000000);

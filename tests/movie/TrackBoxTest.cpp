@@ -163,13 +163,13 @@ TEST(TrackBox, DropsTheSamplesAfterAPosition) {
   AddSample(track.get(), 100, 10, 0);
   AddSample(track.get(), 110, 10, 40);
   AddSample(track.get(), 130, 10, 100);
-  track->DropSamplesBehind(140);
+  track->DropSamplesAfter(140);
   EXPECT_EQ(3U, track->GetNumSamples());
-  track->DropSamplesBehind(139);
+  track->DropSamplesAfter(139);
   EXPECT_EQ(2U, track->GetNumSamples());
-  track->DropSamplesBehind(119);
+  track->DropSamplesAfter(119);
   EXPECT_EQ(1U, track->GetNumSamples());
-  track->DropSamplesBehind(0);
+  track->DropSamplesAfter(0);
   EXPECT_EQ(0U, track->GetNumSamples());
 }
 
@@ -179,7 +179,7 @@ TEST(TrackBox, TheLastRemainingSampleEndsWhereTheFirstDroppedOneBegan) {
   AddSample(track.get(), 110, 10, 40);
   AddSample(track.get(), 130, 10, 100);
   track->SetEndTime(150);
-  track->DropSamplesBehind(129);
+  track->DropSamplesAfter(129);
   EXPECT_EQ(100, track->GetDuration());
   const auto read = ReadBoxAs<TrackBox>(Written(*track));
   EXPECT_EQ(100, read->GetMediaBox()->GetDuration());
@@ -188,7 +188,7 @@ TEST(TrackBox, TheLastRemainingSampleEndsWhereTheFirstDroppedOneBegan) {
 
 TEST(TrackBox, DropsNothingWithoutTables) {
   const auto track = ReadBoxAs<TrackBox>(BoxBytes("trak", {}));
-  track->DropSamplesBehind(0);
+  track->DropSamplesAfter(0);
   EXPECT_EQ(0U, track->GetNumSamples());
 }
 

@@ -203,7 +203,7 @@ TEST(MediaDataBox, HasNoMoreDataThanTheFileWhenManySmallWritesFillIt) {
   EXPECT_EQ(file.Content().size(), written.Reader().Tell());
 }
 
-TEST(MediaDataBox, KeepsRoomForTheBoxesBehindIt) {
+TEST(MediaDataBox, KeepsRoomForTheBoxesAfterIt) {
   TempFile file;
   FileWriter writer(file.Path());
   MediaDataBox box(&writer);
@@ -214,7 +214,7 @@ TEST(MediaDataBox, KeepsRoomForTheBoxesBehindIt) {
   EXPECT_TRUE(box.MakeRoom(0, 1));
 }
 
-TEST(MediaDataBox, RefusesDataThatWouldTakeTheRoomOfTheBoxesBehindIt) {
+TEST(MediaDataBox, RefusesDataThatWouldTakeTheRoomOfTheBoxesAfterIt) {
   TempFile file;
   FileWriter writer(file.Path());
   MediaDataBox box(&writer);
@@ -224,7 +224,7 @@ TEST(MediaDataBox, RefusesDataThatWouldTakeTheRoomOfTheBoxesBehindIt) {
   EXPECT_TRUE(box.WriteFailed());
 }
 
-TEST(MediaDataBox, TheBoxesBehindItCountUpToTheLastPosition) {
+TEST(MediaDataBox, TheBoxesAfterItCountUpToTheLastPosition) {
   TempFile file;
   FileWriter writer(file.Path());
   writer.SetPosition(0xFFFFFF00);

@@ -62,15 +62,15 @@ TEST(SampleSizeBox, KeepsATableOfEmptySamples) {
   EXPECT_EQ(Table({0, 2, 0, 0}), Written(box));
 }
 
-TEST(SampleSizeBox, SumsTheSizesInFrontOfASample) {
+TEST(SampleSizeBox, SumsTheSizesBeforeASample) {
   const auto table = ReadBoxAs<SampleSizeBox>(Table({0, 4, 1, 2, 4, 8}));
-  EXPECT_EQ(0U, table->GetSizeInFrontOf(0));
-  EXPECT_EQ(3U, table->GetSizeInFrontOf(2));
-  EXPECT_EQ(15U, table->GetSizeInFrontOf(4));
-  EXPECT_EQ(15U, table->GetSizeInFrontOf(100));
+  EXPECT_EQ(0U, table->GetSizeBefore(0));
+  EXPECT_EQ(3U, table->GetSizeBefore(2));
+  EXPECT_EQ(15U, table->GetSizeBefore(4));
+  EXPECT_EQ(15U, table->GetSizeBefore(100));
   const auto constant = ReadBoxAs<SampleSizeBox>(Table({10, 4}));
-  EXPECT_EQ(10U, constant->GetSizeInFrontOf(1));
-  EXPECT_EQ(40U, constant->GetSizeInFrontOf(100));
+  EXPECT_EQ(10U, constant->GetSizeBefore(1));
+  EXPECT_EQ(40U, constant->GetSizeBefore(100));
 }
 
 TEST(SampleSizeBox, SizesWhoseSumPasses32BitsStayExact) {

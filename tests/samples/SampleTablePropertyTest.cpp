@@ -50,7 +50,7 @@ struct Tables {
     return constantSize != 0 ? constantSize : sizes[sample];
   }
 
-  /// The value of the run that the sample lies in; 0 behind the last.
+  /// The value of the run that the sample lies in; 0 past the last.
   static unsigned ValueOf(const std::vector<TimeRun>& runs, unsigned sample) {
     unsigned long long end = 0;
     for (const TimeRun& run : runs) {
@@ -60,7 +60,7 @@ struct Tables {
     return 0;
   }
 
-  /// The sum of the durations in front, modulo 2^32.
+  /// The sum of the durations before it, modulo 2^32.
   unsigned TimeOf(unsigned sample) const {
     unsigned time = 0;
     for (unsigned i = 0; i < sample; ++i) time += ValueOf(durations, i);

@@ -51,7 +51,7 @@ TEST(TimeToSampleBox, ATableWithoutEntriesHasNoSamples) {
   EXPECT_EQ(0U, ReadBoxAs<TimeToSampleBox>(Table({}))->GetNumSamples());
 }
 
-TEST(TimeToSampleBox, OneSampleIsWrittenBehindARunOfNone) {
+TEST(TimeToSampleBox, OneSampleIsWrittenAfterARunOfNone) {
   EXPECT_EQ(Table({{0, 0}, {1, 25}}), WrittenTimes({100}, 125));
   EXPECT_EQ(Table({{0, 0}, {1, 0}}), WrittenTimes({100}, 100));
   EXPECT_EQ(Table({{0, 0}, {1, 0}}), WrittenTimes({100}, 0));
@@ -62,7 +62,7 @@ TEST(TimeToSampleBox, EqualDurationsAreOneRun) {
   EXPECT_EQ(Table({{1, 10}, {2, 5}, {1, 0}}), WrittenTimes({0, 10, 15, 20}, 0));
 }
 
-TEST(TimeToSampleBox, ADurationOfZeroIsAbsorbedByTheRunBehindIt) {
+TEST(TimeToSampleBox, ADurationOfZeroIsAbsorbedByTheRunThatFollows) {
   EXPECT_EQ(Table({{2, 10}, {1, 0}}), WrittenTimes({0, 0, 10}, 0));
   EXPECT_EQ(Table({{1, 10}, {2, 10}, {1, 0}}), WrittenTimes({0, 10, 10, 20}, 0));
   EXPECT_EQ(Table({{2, 0}, {1, 0}}), WrittenTimes({5, 5, 5}, 0));

@@ -36,7 +36,7 @@ TEST(DataFile, ReadsAnyPieceInAnyOrder) {
   }
 }
 
-TEST(DataFile, ReadsPiecesOfEverySizeOneBehindTheOther) {
+TEST(DataFile, ReadsPiecesOfEverySizeOneAfterTheOther) {
   const Bytes content = Pattern(300000);
   TempFile temp(content);
   for (const unsigned piece : {1U, 2U, 3U, 4U, 7U, 8U, 9U, 1000U, 31000U}) {

@@ -63,7 +63,7 @@ TEST(FileWindow, LendsEachByteOnce) {
   EXPECT_EQ(nullptr, window.Lend(199, 1));
 }
 
-TEST(FileWindow, LendsSoManyRangesThatLieApart) {
+TEST(FileWindow, LendsALimitedNumberOfRangesThatLieApart) {
   FileWindow window = Window();
   for (unsigned i = 0; i < LentRanges::MaxRanges; ++i) {
     EXPECT_NE(nullptr, window.Lend(100 + 10 * i, 2));

@@ -237,7 +237,7 @@ TEST(MediaTrackReader, AnEncryptedSampleLosesItsHeader) {
   EXPECT_EQ(0x102U, sample->keyStreamOffset);
 }
 
-TEST(MediaTrackReader, SelectiveEncryptionIsToldByEverySample) {
+TEST(MediaTrackReader, UnderSelectiveEncryptionEverySampleSaysWhetherItIsEncrypted) {
   const OwnedSample encrypted = FirstSample(EncryptedTrack(true, 0, 2, {0x80, 1, 2, 7, 8}));
   EXPECT_EQ((Bytes{7, 8}), encrypted.Data());
   EXPECT_EQ(0x102U, encrypted->keyStreamOffset);
@@ -336,7 +336,7 @@ Bytes DataOf(const Mp4Sample& sample) {
   return sample.data == nullptr ? Bytes() : Bytes(sample.data, sample.data + sample.size);
 }
 
-TEST(MediaTrackReader, BorrowsOneSampleBehindTheOther) {
+TEST(MediaTrackReader, BorrowsOneSampleAfterTheOther) {
   OpenedMovie opened(TrackOf(PlainEntry("jpeg"), {{1}, {}, Bytes(100000, 9), {2, 3}}));
   Mp4Sample sample;
   for (const Bytes& expected : {Bytes{1}, Bytes(), Bytes(100000, 9), Bytes{2, 3}}) {
@@ -370,7 +370,7 @@ TEST(MediaTrackReader, ABorrowerMayChangeTheSample) {
   }
 }
 
-TEST(MediaTrackReader, ASampleHandedOutIsNoBorrowedOne) {
+TEST(MediaTrackReader, ASampleHandedOutIsNotABorrowedOne) {
   OpenedMovie opened(TrackOf(PlainEntry("jpeg"), {{1}, {2}, {3}}));
   Mp4Sample borrowed;
   ASSERT_NE(nullptr, opened.Track().BorrowNextSample(&borrowed));

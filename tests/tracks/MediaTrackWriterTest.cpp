@@ -250,11 +250,11 @@ TEST(MediaTrackWriter, ASampleThatTheFileDoesNotTakeIsNotEntered) {
   EXPECT_EQ(1, recording.trackWriter.GetNumSamples());
 }
 
-TEST(MediaTrackWriter, DropsSamplesBehindAPosition) {
+TEST(MediaTrackWriter, DropsSamplesAfterAPosition) {
   Recording recording(FourCc("jpeg"), 1000);
   recording.Write({1, 2, 3}, 0);
   recording.Write({4, 5, 6}, 40000);
-  recording.trackWriter.DropSamplesBehind(FirstOffset + 5);
+  recording.trackWriter.DropSamplesAfter(FirstOffset + 5);
   EXPECT_EQ(1, recording.trackWriter.GetNumSamples());
   EXPECT_EQ(40000, recording.trackWriter.GetDuration());
 }

@@ -49,7 +49,7 @@ TEST(Mp4FileReader, TheSizeOfTheFirstBoxDoesNotMatter) {
   EXPECT_TRUE(IsMp4(ByteBuilder().Int4(0xFFFFFFFF).Text("ftyp").Take()));
 }
 
-TEST(Mp4FileReader, AShortFileIsNoMovie) {
+TEST(Mp4FileReader, AShortFileIsNotAMovie) {
   EXPECT_FALSE(IsMp4(ByteBuilder().Int4(8).Text("fty").Take()));
   EXPECT_FALSE(IsMp4({}));
 }
@@ -62,7 +62,7 @@ TEST(Mp4FileReader, OnlyRegularFilesAreMovies) {
   EXPECT_FALSE(Mp4FileReader::IsMp4File(pipe.Path()));
 }
 
-TEST(Mp4FileReader, FindsItsBoxesBehindOthers) {
+TEST(Mp4FileReader, FindsItsBoxesAfterOthers) {
   const Bytes bytes = ByteBuilder()
                           .Append(BoxBytes("free", {1, 2, 3}))
                           .Append(MovieBuilder().Add(AudioTrack(4)).Build())

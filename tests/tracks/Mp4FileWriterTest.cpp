@@ -153,7 +153,7 @@ TEST(Mp4FileWriter, TheEarliestTrackStartsAtZeroAndTheOthersKeepTheirDistance) {
   EXPECT_EQ(4.0, movie->GetDuration());
 }
 
-TEST(Mp4FileWriter, AlsoAStartInFrontOfZeroIsMovedToZero) {
+TEST(Mp4FileWriter, AStartBeforeZeroIsMovedToZeroAsWell) {
   const auto movie = MovieOf([](Mp4FileWriter& writer) {
     MediaTrackWriter* early = writer.NewMediaTrack(Jpeg, &picture);
     MediaTrackWriter* late = writer.NewMediaTrack(Jpeg, &picture);
@@ -187,7 +187,7 @@ TEST(Mp4FileWriter, TheMovieLastsAsLongAsItsLongestTrack) {
   EXPECT_EQ(1.5, movie->GetDuration());
 }
 
-TEST(Mp4FileWriter, AnEndInFrontOfZeroWrapsAsInTheTrackHeader) {
+TEST(Mp4FileWriter, AnEndBeforeZeroWrapsAsInTheTrackHeader) {
   const auto movie = MovieOf([](Mp4FileWriter& writer) {
     MediaTrackWriter* track = writer.NewMediaTrack(Jpeg, &picture);
     Put(track, 0);

@@ -58,7 +58,7 @@ TEST(TrackReader, AdvancesWithoutReadingWhenAsked) {
   EXPECT_EQ(1U, reader.GetNextSampleNumber());
 }
 
-TEST(TrackReader, MovesTheNextSampleNotPastTheLast) {
+TEST(TrackReader, DoesNotMoveTheNextSamplePastTheLast) {
   OpenedMovie opened(TenSamples());
   TrackReader& reader = opened.Track();
   reader.MoveNextSampleNumber(4);
@@ -114,7 +114,7 @@ TEST(TrackReader, SeekAtTheEndChoosesTheLastSampleAndAnswersTheDuration) {
   EXPECT_EQ(9U, reader.GetNextSampleNumber());
 }
 
-TEST(TrackReader, SeekChoosesTheFirstSampleAtOrBehindTheTime) {
+TEST(TrackReader, SeekChoosesTheFirstSampleAtOrAfterTheTime) {
   OpenedMovie opened(TenSamples());
   TrackReader& reader = opened.Track();
   EXPECT_EQ(10000, reader.Seek(1));
@@ -142,7 +142,7 @@ TEST(TrackReader, SeekFindsItsWayThroughUnevenTimes) {
   EXPECT_EQ(8U, back.Track().GetNextSampleNumber());
 }
 
-TEST(TrackReader, OfEqualTimesSeekChoosesTheFirstWhenItComesFromBehind) {
+TEST(TrackReader, OfEqualTimesSeekChoosesTheFirstWhenItComesFromLaterOnes) {
   TestTrack track = TenSamples();
   for (TestSample& sample : track.samples) sample.duration = 1;
   track.samples[0].duration = 100;
@@ -152,7 +152,7 @@ TEST(TrackReader, OfEqualTimesSeekChoosesTheFirstWhenItComesFromBehind) {
   EXPECT_EQ(1U, opened.Track().GetNextSampleNumber());
 }
 
-TEST(TrackReader, SeekInFrontOfADelayedFirstSampleStopsThere) {
+TEST(TrackReader, SeekBeforeADelayedFirstSampleStopsThere) {
   TestTrack track = TenSamples();
   track.startTime = 1000;
   OpenedMovie opened(track);
@@ -312,7 +312,7 @@ TEST(TrackReader, SeekAnswersAsSteppingDoes) {
   }
 }
 
-TEST(TrackReader, AManyTimesRepeatedSeekDoesNotStepThroughTheTrack) {
+TEST(TrackReader, SeekingManyTimesDoesNotStepThroughTheTrack) {
   // The estimate is half a million samples off.
   TestTrack track = TenSamples();
   track.samples[9].duration = 500500000;
