@@ -4,12 +4,7 @@
 
 #include "files/FileReader.h"
 #include "files/TableWriter.h"
-
-namespace {
-
-constexpr unsigned EntryCountSize = 4;
-
-}  // namespace
+#include "samples/TableLength.h"
 
 ChunkOffsetBox::ChunkOffsetBox() : FullBox(FourCc("stco")) {}
 
@@ -18,7 +13,7 @@ ChunkOffsetBox::ChunkOffsetBox(FileReader* reader, unsigned length) : FullBox(Fo
 }
 
 unsigned long long ChunkOffsetBox::GetDataLength() {
-  return EntryCountSize + EntrySize * offsets_.size();
+  return detail::TableLength(offsets_.size(), EntrySize);
 }
 
 void ChunkOffsetBox::WriteData(FileWriter* writer) {

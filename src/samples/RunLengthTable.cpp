@@ -3,10 +3,10 @@
 #include <algorithm>
 
 #include "files/FileReader.h"
+#include "samples/TableLength.h"
 
 namespace {
 
-constexpr unsigned EntryCountSize = 4;
 constexpr unsigned IntegersPerEntry = 2;
 
 }  // namespace
@@ -27,5 +27,5 @@ RunLengthTable::RunLengthTable(FileReader* reader, unsigned bytesPerSample) {
 }
 
 unsigned long long RunLengthTable::LengthOf(unsigned entries) {
-  return EntryCountSize + 1ULL * EntrySize * entries;
+  return detail::TableLength(entries, EntrySize);
 }

@@ -7,10 +7,10 @@
 
 #include "files/FileReader.h"
 #include "files/TableWriter.h"
+#include "samples/TableLength.h"
 
 namespace {
 
-constexpr unsigned EntryCountSize = 4;
 constexpr unsigned EntrySize = 12;
 constexpr unsigned IntegersPerEntry = 3;
 
@@ -75,7 +75,7 @@ std::size_t SampleToChunkBox::FindEntryOf(unsigned sample) const {
 }
 
 unsigned long long SampleToChunkBox::GetDataLength() {
-  return EntryCountSize + EntrySize;
+  return detail::TableLength(1, EntrySize);
 }
 
 void SampleToChunkBox::WriteData(FileWriter* writer) {

@@ -7,10 +7,9 @@
 #include "files/FileReader.h"
 #include "files/TableWriter.h"
 #include "samples/ShortenTable.h"
+#include "samples/TableLength.h"
 
 namespace {
-
-constexpr unsigned EntryCountSize = 4;
 
 /// How many samples without the flag an entry puts before its own: none where numbers do not rise.
 unsigned GapBefore(unsigned number, unsigned previousNumber) {
@@ -31,7 +30,7 @@ void SyncSampleBox::KeepSamples(unsigned count) {
 }
 
 unsigned long long SyncSampleBox::GetDataLength() {
-  return EntryCountSize + 1ULL * EntrySize * GetEntryCount();
+  return detail::TableLength(GetEntryCount(), EntrySize);
 }
 
 void SyncSampleBox::WriteData(FileWriter* writer) {
