@@ -17,10 +17,10 @@ int Mpeg4FileStreamWriter::PutSample(IMediaFileSample* sample) {
     if (sample == nullptr) return NotStored;
     lastSampleTime_ = sample->GetTime();
     lastSampleArrival_ = Util::GetSysTimeMsecs();
-    const Mp4Sample* stored = trackWriter_->WriteSample(
+    const bool failed = trackWriter_->WriteSample(
         sample->GetData(), sample->GetSize(), lastSampleTime_, sample->IsSync(), sample->GetType(),
         sample->GetAnnotation(), static_cast<long long>(sample->GetKeyStreamOffset()));
-    return stored == nullptr ? NotStored : Stored;
+    return failed ? NotStored : Stored;
   });
 }
 

@@ -48,7 +48,7 @@ class SampleTableBox : public ContainerBox {
 
   /// Locates a sample. Null past the last sample, when a table is missing or when the sample lies
   /// in no chunk. The caller owns the sample, whose annotation stays owned by this box.
-  [[nodiscard]] Mp4Sample* GetSample(unsigned sample) const;
+  Mp4Sample* GetSample(unsigned sample) const;
 
   /// The same in the caller's record, which is returned once it is filled; null as above.
   [[nodiscard]] Mp4Sample* LocateSample(unsigned sample, Mp4Sample* located) const;

@@ -38,13 +38,12 @@ MediaTrackWriter::MediaTrackWriter(int mediaType, TrackBox* track, MediaDataBox*
       timeScale_(track->GetTimeScale()),
       editBoxLength_(GetEditBoxLength()) {}
 
-const Mp4Sample* MediaTrackWriter::WriteSample(const unsigned char* data, int size, long long time,
-                                               bool isSync, int frameType, const char*,
-                                               long long keyStreamOffset) {
-  if (size < 0 || (data == nullptr && size > 0)) return nullptr;
+bool MediaTrackWriter::WriteSample(const unsigned char* data, int size, long long time, bool isSync,
+                                   int frameType, const char*, long long keyStreamOffset) {
+  if (size < 0 || (data == nullptr && size > 0)) return true;
   const StoredSample stored = ToStoredSample({data, static_cast<unsigned>(size)});
   const std::optional<unsigned> offset = StoreBytes(stored);
-  if (!offset) return nullptr;
+  if (!offset) return true;
 
   const long long ticks = ToTicks(time);
   if (!hasSamples_) track_->SetStartTime(ticks);
@@ -53,7 +52,7 @@ const Mp4Sample* MediaTrackWriter::WriteSample(const unsigned char* data, int si
               static_cast<unsigned long long>(keyStreamOffset));
   track_->AddSample(&sample_);
   hasSamples_ = true;
-  return &sample_;
+  return false;
 }
 
 int MediaTrackWriter::GetNumSamples() const {

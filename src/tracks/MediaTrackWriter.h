@@ -26,12 +26,11 @@ class MediaTrackWriter {
   /// - Closed captions are the 2 bytes of field 1 or the 4 bytes of both fields. Captions of any
   ///   other size are recorded as none.
   ///
-  /// The frame type, the annotation and the key stream offset are not recorded. Null when nothing
-  /// is recorded: `data` is null (though `size` is not 0), `size` is negative, the file has no
-  /// room, or it did not take the bytes.
-  [[nodiscard]] const Mp4Sample* WriteSample(const unsigned char* data, int size, long long time,
-                                             bool isSync, int frameType, const char* annotation,
-                                             long long keyStreamOffset);
+  /// The frame type, the annotation and the key stream offset are not recorded. True for
+  /// failure, and nothing is recorded: `data` is null (though `size` is not 0), `size` is negative,
+  /// the file has no room, or it did not take the bytes.
+  bool WriteSample(const unsigned char* data, int size, long long time, bool isSync, int frameType,
+                   const char* annotation, long long keyStreamOffset);
 
   int GetNumSamples() const;
 

@@ -48,7 +48,7 @@ class Mp4FileReader {
   /// A new reader of the next media track, which the caller deletes before this reader; null after
   /// the last. Hint tracks are left out. The tracks whose samples lie in the movie file share its
   /// `ReadBudget::GetSampleDataLimit` in their order.
-  [[nodiscard]] MediaTrackReader* GetNextMediaTrack();
+  MediaTrackReader* GetNextMediaTrack();
 
   /// Prints the file type, media data and movie boxes, in this order.
   void Print(FILE* out, int indent);

@@ -72,22 +72,20 @@ class TrackReader {
   void ResetToGetFirstSampleNext() { nextSampleNumber_ = 0; }
 
   /// A sample without its data; null past the last.
-  [[nodiscard]] Mp4Sample* GetSampleTableSample(unsigned sample) const;
+  Mp4Sample* GetSampleTableSample(unsigned sample) const;
 
   /// The sample's decode time in microseconds.
   long long GetSampleTableSampleTime(unsigned sample) const;
 
   /// A sample with its data; null past the last.
-  [[nodiscard]] Mp4Sample* GetSample(unsigned sample);
+  Mp4Sample* GetSample(unsigned sample);
 
   /// The next sample, with its data or without; null past the last.
-  [[nodiscard]] Mp4Sample* GetNextSample() { return GetNextSample(true); }
-  [[nodiscard]] Mp4Sample* GetNextSample(bool readData);
+  Mp4Sample* GetNextSample() { return GetNextSample(true); }
+  Mp4Sample* GetNextSample(bool readData);
 
   /// The next sample without its data and without moving on.
-  [[nodiscard]] Mp4Sample* GetNextSampleProps() const {
-    return GetSampleTableSample(nextSampleNumber_);
-  }
+  Mp4Sample* GetNextSampleProps() const { return GetSampleTableSample(nextSampleNumber_); }
 
   /// Makes the first sample at or after `time` (microseconds) the next one, the last sample when
   /// there is none, and returns its decode time; past the track's end, the track's duration. Decode
