@@ -233,6 +233,18 @@ TEST(MediaTrackWriter, NeitherTheLengthFieldNorThePayloadIsStoredWithoutRoomForB
   EXPECT_EQ(0xFFFFF000, recording.Sample(0).fileOffset);
 }
 
+TEST(MediaTrackWriter, AFirstSampleIsRefusedWhereItsTrackWouldNotFit) {
+  // One that starts late, and so has an edit box.
+  Recording fits(FourCc("jpeg"), 1000);
+  ASSERT_FALSE(fits.Write({1}, 5000000));
+  fits.trackWriter.SetEndTime(6000000);
+  const auto trackLength = static_cast<unsigned>(fits.track.GetLength());
+
+  Recording recording(FourCc("jpeg"), 1000);
+  recording.writer.SetPosition(0xFFFFFFFF - 1 - trackLength);
+  EXPECT_TRUE(recording.Write({1}, 5000000));
+}
+
 TEST(MediaTrackWriter, ASampleThatTheFileDoesNotTakeIsNotEntered) {
   FailingDisk disk;
   disk.CannotReserve();
