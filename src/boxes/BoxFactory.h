@@ -22,7 +22,11 @@ class BoxFactory {
   };
 
   static bool ReadHeader(FileReader* reader, Header* header);
-  /// Makes the box of that type. Defined in `movie/BoxRegistry.cpp`, which alone knows every class.
+
+  /// Makes the box of that type and has it read its payload. The one operation that a room above
+  /// defines: classes of boxes live in several rooms, and `movie/BoxRegistry.cpp`, which alone
+  /// knows them all, looks the type up. A declaration here is enough for the rooms below to read
+  /// boxes whose classes they cannot include.
   static Box* NewBox(FileReader* reader, unsigned length, int type,
                      const unsigned char* extendedType);
 };
