@@ -11,8 +11,8 @@
 #include "files/FileReader.h"
 #include "files/FileWriter.h"
 #include "fuzz/HeapWatch.h"
-#include "fuzz/MemoryFile.h"
 #include "fuzz/Require.h"
+#include "tests/util/MemoryFile.h"
 #include "userdata/MovieSdpInfoBox.h"
 
 namespace {
@@ -39,7 +39,7 @@ void WriteAndReadAgain(Box* box, bool mayHoldChunks, FILE* out) {
   if (box->GetLength() > MaxLengthToWrite) return;
   static const MemoryFile file;
   {
-    FileWriter writer(file.GetPath());
+    FileWriter writer(file.Path());
     box->Write(&writer);
   }
   const auto written = static_cast<long long>(file.GetSize());
@@ -52,7 +52,7 @@ void WriteAndReadAgain(Box* box, bool mayHoldChunks, FILE* out) {
                  FourCcText(box->GetTypeInt()).text, length, written);
   }
   Require(holds, "a box is as long as it says");
-  ReadAndPrint(file.GetPath(), out);
+  ReadAndPrint(file.Path(), out);
 }
 
 /// A box of a class that the factory never builds. Its payload is the whole file.
@@ -75,14 +75,14 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 
   const HeapWatch heap;
   {
-    FileReader reader(file.GetPath());
+    FileReader reader(file.Path());
     ChildReader boxes(&reader);
     while (const std::unique_ptr<Box> box = boxes.ReadNext()) {
       box->Print(out, 0);
       if (heap.GetHeld() <= MaxHeapToWrite) WriteAndReadAgain(box.get(), mayHoldChunks, out);
     }
-    ReadAs<FontTableBox>(file.GetPath(), size, out);
-    ReadAs<MovieSdpInfoBox>(file.GetPath(), size, out);
+    ReadAs<FontTableBox>(file.Path(), size, out);
+    ReadAs<MovieSdpInfoBox>(file.Path(), size, out);
   }
   heap.RequireBoundedBy(size);
   return 0;

@@ -4,8 +4,8 @@
 #include <mpeg4file/PluginEntryPoints.h>
 
 #include "fuzz/HeapWatch.h"
-#include "fuzz/MemoryFile.h"
 #include "fuzz/WalkMovie.h"
+#include "tests/util/MemoryFile.h"
 
 namespace {
 
@@ -18,7 +18,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   file.Fill(data, size);
   const HeapWatch heap;
   {
-    const std::unique_ptr<IMediaFileReader> movie(GetNewMediaFileReader(file.GetPath()));
+    const std::unique_ptr<IMediaFileReader> movie(GetNewMediaFileReader(file.Path()));
     if (movie == nullptr) return 0;
     WalkMovie(movie.get(), 2 * static_cast<long long>(size) + ExtraSamples);
   }

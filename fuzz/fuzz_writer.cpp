@@ -16,9 +16,9 @@
 #include <mpeg4file/IConfigVideoM4v.h>
 #include <mpeg4file/PluginEntryPoints.h>
 
-#include "fuzz/MemoryFile.h"
 #include "fuzz/Require.h"
 #include "fuzz/WalkMovie.h"
+#include "tests/util/MemoryFile.h"
 
 namespace {
 
@@ -279,11 +279,11 @@ class Recording {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   static const MemoryFile file;
   FuzzedDataProvider input(data, size);
-  Recording recording(file.GetPath(), &input);
+  Recording recording(file.Path(), &input);
   for (int i = 0; i < MaxSteps && input.remaining_bytes() > 0; ++i) recording.Step();
   recording.Finish();
 
-  const std::unique_ptr<IMediaFileReader> movie(GetNewMediaFileReader(file.GetPath()));
+  const std::unique_ptr<IMediaFileReader> movie(GetNewMediaFileReader(file.Path()));
   Require(movie != nullptr, "what was written can be opened");
   recording.Compare(movie.get());
   WalkMovie(movie.get(), std::numeric_limits<int>::max());

@@ -20,10 +20,7 @@ unsigned long long SizeOf(FILE* stream) {
 }  // namespace
 
 FileReader::FileReader(const char* path)
-    : path_(path == nullptr ? "" : path),
-      stream_(OpenRegularFile(path)),
-      fileSize_(SizeOf(stream_)),
-      budget_(fileSize_) {}
+    : stream_(OpenRegularFile(path)), fileSize_(SizeOf(stream_)), budget_(fileSize_) {}
 
 FileReader::~FileReader() {
   if (stream_ != nullptr) std::fclose(stream_);

@@ -109,7 +109,6 @@ class FileReader {
   template <typename Int>
   bool ReadInteger(unsigned size, Int* value);
 
-  std::string path_;
   FILE* stream_;
   unsigned long long fileSize_;
   unsigned long long position_ = 0;

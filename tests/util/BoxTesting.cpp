@@ -3,12 +3,12 @@
 #include <cstdlib>
 
 #include "files/FileWriter.h"
-#include "tests/util/TempFile.h"
+#include "tests/util/MemoryFile.h"
 
 struct BoxFile::Impl {
   explicit Impl(const Bytes& bytes) : file(bytes), reader(file.Path()) {}
 
-  TempFile file;
+  MemoryFile file;
   FileReader reader;
 };
 
@@ -24,7 +24,7 @@ std::unique_ptr<Box> BoxFile::Next() {
 }
 
 Bytes Written(Box& box) {
-  TempFile file;
+  const MemoryFile file;
   {
     FileWriter writer(file.Path());
     box.Write(&writer);

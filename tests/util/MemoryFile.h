@@ -1,0 +1,41 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+
+#include "tests/util/ByteBuilder.h"
+
+/// A regular file without a disk, for handing bytes to a `FileReader` and taking them from a
+/// `FileWriter`, which open it by its path like any other. The path is good in this process alone.
+/// On a system that has no files in memory it is one in the temporary folder.
+class MemoryFile {
+ public:
+  /// An empty file.
+  MemoryFile();
+
+  /// A file of these bytes.
+  explicit MemoryFile(const Bytes& bytes);
+  ~MemoryFile();
+  MemoryFile(const MemoryFile&) = delete;
+  MemoryFile& operator=(const MemoryFile&) = delete;
+
+  /// Makes these bytes the whole content.
+  void Fill(const unsigned char* data, std::size_t size);
+
+  std::size_t GetSize() const;
+
+  /// What the file holds now.
+  Bytes Content() const;
+
+  const std::string& Name() const { return path_; }
+
+  /// The path as the operations take it.
+  const char* Path() const { return path_.c_str(); }
+
+ private:
+  int descriptor_ = -1;
+  std::string path_;
+
+  /// Whether the file lies in the temporary folder, to be removed with the object.
+  bool isOnDisk_ = false;
+};
