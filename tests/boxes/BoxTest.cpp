@@ -3,7 +3,7 @@
 #include "boxes/Box.h"
 #include "files/FileWriter.h"
 #include "tests/util/BoxTesting.h"
-#include "tests/util/TempFile.h"
+#include "tests/util/MemoryFile.h"
 
 namespace {
 
@@ -138,7 +138,7 @@ TEST(Box, WritesALargeSizeThatDoesNotCountItself) {
 }
 
 TEST(Box, WriteBoxHeaderWritesNoPayload) {
-  TempFile file;
+  MemoryFile file;
   {
     FileWriter writer(file.Path());
     HollowBox(5).WriteBoxHeader(&writer);

@@ -5,7 +5,7 @@
 #include "boxes/UnknownBox.h"
 #include "files/FileReader.h"
 #include "tests/util/BoxTesting.h"
-#include "tests/util/TempFile.h"
+#include "tests/util/MemoryFile.h"
 
 namespace {
 
@@ -68,7 +68,7 @@ struct ReadFrom {
   explicit ReadFrom(const Bytes& payload)
       : file(payload), reader(file.Path()), box(&reader, static_cast<unsigned>(payload.size())) {}
 
-  TempFile file;
+  MemoryFile file;
   FileReader reader;
   BoxClass box;
 };

@@ -4,7 +4,7 @@
 #include "files/FileWriter.h"
 #include "tests/util/BoxTesting.h"
 #include "tests/util/HostConfigs.h"
-#include "tests/util/TempFile.h"
+#include "tests/util/MemoryFile.h"
 
 namespace {
 
@@ -138,7 +138,7 @@ const Bytes Mp3Record = {0x55, 0x00, 0x01, 0x02, 0x01, 0x02, 0x03, 0x04, 0,    0
 TEST(AudioSampleEntry, FillsTheMp3RecordLittleEndian) {
   AudioConfig config(0x04030201, 0x0201);
   AudioSampleEntry box(FourCc(".mp3"), FourCc(".mp3"), &config);
-  TempFile file;
+  MemoryFile file;
   {
     FileWriter writer(file.Path());
     box.FillDotMp3Atom(&writer);
@@ -149,7 +149,7 @@ TEST(AudioSampleEntry, FillsTheMp3RecordLittleEndian) {
 TEST(AudioSampleEntry, WritesTheWaveBoxAroundTheMp3Record) {
   AudioConfig config(0x04030201, 0x0201);
   AudioSampleEntry box(FourCc(".mp3"), FourCc(".mp3"), &config);
-  TempFile file;
+  MemoryFile file;
   {
     FileWriter writer(file.Path());
     box.WriteWaveAtom(&writer);

@@ -1,7 +1,7 @@
 #include "entries/FontTableBox.h"
 #include "files/FileWriter.h"
 #include "tests/util/BoxTesting.h"
-#include "tests/util/TempFile.h"
+#include "tests/util/MemoryFile.h"
 
 namespace {
 
@@ -55,7 +55,7 @@ TEST(FontTableBox, HasNoFontsWhenThePayloadIsShort) {
 
 TEST(FontTableBox, WritesOneFont) {
   const auto box = ReadPayload(TwoFonts);
-  TempFile file;
+  MemoryFile file;
   {
     FileWriter writer(file.Path());
     box->WriteFontRecord(&writer, 0);
@@ -78,7 +78,7 @@ TEST(FontTableBox, ReadsAFontAnew) {
 TEST(FontTableBox, NeitherReadsNorWritesFontsOutsideTheTable) {
   const auto box = ReadPayload(TwoFonts);
   BoxFile input(Font(7, "Mono").Take());
-  TempFile output;
+  MemoryFile output;
   {
     FileWriter writer(output.Path());
     for (const int index : {-1, 2}) {

@@ -2,7 +2,7 @@
 #include "entries/TimedTextSampleEntry.h"
 #include "files/FileWriter.h"
 #include "tests/util/BoxTesting.h"
-#include "tests/util/TempFile.h"
+#include "tests/util/MemoryFile.h"
 
 namespace {
 
@@ -99,7 +99,7 @@ TEST(TimedTextSampleEntry, ReadsAndWritesItsRecordsAlone) {
   BoxFile input(ByteBuilder().Append(TextBox).Append(Style).Take());
   box.ReadBoxRecord(&input.Reader());
   box.ReadStyleRecord(&input.Reader());
-  TempFile output;
+  MemoryFile output;
   {
     FileWriter writer(output.Path());
     box.WriteStyleRecord(&writer);

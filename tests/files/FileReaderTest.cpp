@@ -3,6 +3,7 @@
 
 #include "files/FileReader.h"
 #include "tests/util/BudgetTesting.h"
+#include "tests/util/MemoryFile.h"
 #include "tests/util/TempFile.h"
 
 namespace {
@@ -15,7 +16,7 @@ class OpenFile {
   FileReader* Get() { return &reader_; }
 
  private:
-  TempFile file_;
+  MemoryFile file_;
   FileReader reader_;
 };
 

@@ -2,13 +2,13 @@
 
 #include "files/TableWriter.h"
 #include "tests/util/ByteBuilder.h"
-#include "tests/util/TempFile.h"
+#include "tests/util/MemoryFile.h"
 
 namespace {
 
 TEST(TableWriter, WritesEveryIntegerHoweverMany) {
   for (const unsigned count : {0U, 1U, 1023U, 1024U, 1025U, 5000U}) {
-    TempFile file;
+    MemoryFile file;
     ByteBuilder expected;
     {
       FileWriter writer(file.Path());

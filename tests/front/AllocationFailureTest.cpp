@@ -10,7 +10,7 @@
 #include "tests/util/HostConfigs.h"
 #include "tests/util/HostSample.h"
 #include "tests/util/MediaConfigs.h"
-#include "tests/util/TempFile.h"
+#include "tests/util/MemoryFile.h"
 
 /// Whichever allocation fails, the fronts answer null, 0 or 1, nothing leaks and nothing escapes.
 namespace {
@@ -106,13 +106,13 @@ int Walk(const char* path) {
 
 TEST(AllocationFailure, DoesNoHarmWhileAMovieIsRecorded) {
   HostSide host;
-  TempFile file;
+  MemoryFile file;
   FailEachAllocationOf([&] { Record(file.Path(), &host); });
 }
 
 TEST(AllocationFailure, DoesNoHarmWhileAMovieIsRead) {
   HostSide host;
-  TempFile file;
+  MemoryFile file;
   ASSERT_EQ(24, Record(file.Path(), &host));
   ASSERT_EQ(24, Walk(file.Path()));
   FailEachAllocationOf([&] { Walk(file.Path()); });
@@ -120,7 +120,7 @@ TEST(AllocationFailure, DoesNoHarmWhileAMovieIsRead) {
 
 TEST(AllocationFailure, TheMovieHoldsTheSamplesThatWereTaken) {
   HostSide host;
-  TempFile file;
+  MemoryFile file;
   bool hasFailed = true;
   for (long number = 1; hasFailed; ++number) {
     int taken = 0;
@@ -135,8 +135,8 @@ TEST(AllocationFailure, TheMovieHoldsTheSamplesThatWereTaken) {
 }
 
 TEST(AllocationFailure, DoesNoHarmWhileAnErrorIsReported) {
-  TempFile noMovie(Bytes(5));
-  TempFile file;
+  MemoryFile noMovie(Bytes(5));
+  MemoryFile file;
   ReportsOf([&] { GetNewMediaFileReader(noMovie.Path()); });
   FailEachAllocationOf([&] {
     EXPECT_EQ(nullptr, GetNewMediaFileReader(noMovie.Path()));

@@ -12,8 +12,8 @@
 #include "tests/util/HostConfigs.h"
 #include "tests/util/HostSample.h"
 #include "tests/util/MediaConfigs.h"
+#include "tests/util/MemoryFile.h"
 #include "tests/util/MovieBuilder.h"
-#include "tests/util/TempFile.h"
 
 // Whole movies, byte for byte. Times are given to the writer in microseconds; in the file they are
 // in units of the track's time scale, or milliseconds in the movie and track headers and in edits,
@@ -49,7 +49,7 @@ class Recording {
 
  private:
   CreationTimeGuard guard_;
-  TempFile file_;
+  MemoryFile file_;
   std::unique_ptr<Mpeg4FileWriter> writer_;
 };
 

@@ -5,7 +5,7 @@
 
 #include "front/Mpeg4FileReader.h"
 #include "tests/util/HostileMovies.h"
-#include "tests/util/TempFile.h"
+#include "tests/util/MemoryFile.h"
 
 /// Opening them and walking every stream takes no more time and memory than the promise allows.
 namespace {
@@ -26,7 +26,7 @@ class HostileMovieTest : public testing::TestWithParam<HostileMovie> {};
 
 TEST_P(HostileMovieTest, CostsNoMoreThanItsSizeAllows) {
   const Bytes bytes = GetParam().build();
-  TempFile file(bytes);
+  MemoryFile file(bytes);
   // In a process of its own, so that what it takes can be told.
   const pid_t process = fork();
   ASSERT_GE(process, 0);

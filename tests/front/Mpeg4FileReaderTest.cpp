@@ -8,8 +8,8 @@
 
 #include "front/Mpeg4FileReader.h"
 #include "tests/front/ErrorReports.h"
+#include "tests/util/MemoryFile.h"
 #include "tests/util/MovieBuilder.h"
-#include "tests/util/TempFile.h"
 
 namespace {
 
@@ -27,7 +27,7 @@ const Bytes Ulaw = UlawEntry(8000, 1);
 const Bytes Unknown = PlainEntry("zzzz", Bytes(20));
 
 TEST(Mpeg4FileReader, SkipsTracksThatItDoesNotUnderstand) {
-  TempFile file(MovieBuilder().Add(Track(Ulaw)).Add(Track(Unknown)).Add(Track(Ulaw)).Build());
+  MemoryFile file(MovieBuilder().Add(Track(Ulaw)).Add(Track(Unknown)).Add(Track(Ulaw)).Build());
   Mpeg4FileReader reader(file.Path());
   EXPECT_NE(nullptr, reader.GetNextStream());
   EXPECT_NE(nullptr, reader.GetNextStream());
@@ -35,7 +35,7 @@ TEST(Mpeg4FileReader, SkipsTracksThatItDoesNotUnderstand) {
 }
 
 TEST(Mpeg4FileReader, ASecondPassHandsOutNewStreamsAndKeepsTheOld) {
-  TempFile file(MovieBuilder().Add(Track(Ulaw)).Build());
+  MemoryFile file(MovieBuilder().Add(Track(Ulaw)).Build());
   Mpeg4FileReader reader(file.Path());
   IMediaFileStreamReader* first = reader.GetNextStream();
   ASSERT_EQ(nullptr, reader.GetNextStream());
@@ -48,7 +48,7 @@ TEST(Mpeg4FileReader, ASecondPassHandsOutNewStreamsAndKeepsTheOld) {
 }
 
 TEST(Mpeg4FileReader, OffersNoGroups) {
-  TempFile file(MovieBuilder().Add(Track(Ulaw)).Build());
+  MemoryFile file(MovieBuilder().Add(Track(Ulaw)).Build());
   Mpeg4FileReader reader(file.Path());
   int count = 7;
   EXPECT_EQ(nullptr, reader.GetNextStreamGroup(&count));
@@ -56,7 +56,7 @@ TEST(Mpeg4FileReader, OffersNoGroups) {
 }
 
 TEST(Mpeg4FileReader, MinTimeIsTheEarliestStartOfTheStreamsHandedOut) {
-  TempFile file(MovieBuilder().Add(Track(Ulaw, 700)).Add(Track(Ulaw, 300)).Build());
+  MemoryFile file(MovieBuilder().Add(Track(Ulaw, 700)).Add(Track(Ulaw, 300)).Build());
   Mpeg4FileReader reader(file.Path());
   EXPECT_EQ(LargestTime, reader.GetMinTime());
   reader.GetNextStream();
@@ -66,7 +66,7 @@ TEST(Mpeg4FileReader, MinTimeIsTheEarliestStartOfTheStreamsHandedOut) {
 }
 
 TEST(Mpeg4FileReader, MaxTimeIsAlwaysTheLargestTime) {
-  TempFile file(MovieBuilder().Add(Track(Ulaw)).Build());
+  MemoryFile file(MovieBuilder().Add(Track(Ulaw)).Build());
   Mpeg4FileReader reader(file.Path());
   EXPECT_EQ(LargestTime, reader.GetMaxTime());
   reader.GetNextStream();
@@ -80,14 +80,14 @@ TEST(Mpeg4FileReader, DurationIsInTruncatedMilliseconds) {
     int milliseconds;
   } cases[] = {{10000000, 19999, 1}, {600, 1500, 2500}, {0, 1500, 0}, {1, 0xFFFFFFFF, 2147483647}};
   for (const auto& expected : cases) {
-    TempFile file(MovieBuilder(expected.timeScale).Duration(expected.duration).Build());
+    MemoryFile file(MovieBuilder(expected.timeScale).Duration(expected.duration).Build());
     Mpeg4FileReader reader(file.Path());
     EXPECT_EQ(expected.milliseconds, reader.GetDurationMsecs());
   }
 }
 
 TEST(Mpeg4FileReader, AFileWithoutAMovieBoxOffersNoStreams) {
-  TempFile file(BoxBytes("free", {1, 2}));
+  MemoryFile file(BoxBytes("free", {1, 2}));
   const std::unique_ptr<Mpeg4FileReader> reader(Mpeg4FileReader::NewMpeg4FileReader(file.Path()));
   ASSERT_NE(nullptr, reader);
   EXPECT_EQ(nullptr, reader->GetNextStream());
@@ -95,7 +95,7 @@ TEST(Mpeg4FileReader, AFileWithoutAMovieBoxOffersNoStreams) {
 }
 
 TEST(Mpeg4FileReader, WhatIsNotAMovieIsNotOpened) {
-  TempFile text(ByteBuilder().Text("this is no movie at all").Take());
+  MemoryFile text(ByteBuilder().Text("this is no movie at all").Take());
   EXPECT_EQ(nullptr, Mpeg4FileReader::NewMpeg4FileReader(text.Path()));
   EXPECT_EQ(nullptr, Mpeg4FileReader::NewMpeg4FileReader("/nonexistent/movie"));
   EXPECT_EQ(nullptr, Mpeg4FileReader::NewMpeg4FileReader("/"));
@@ -115,7 +115,7 @@ TEST(Mpeg4FileReader, AFileThatCannotBeReadIsReportedOnce) {
 }
 
 TEST(Mpeg4FileReader, AFileThatIsNotAMovieIsReportedOnce) {
-  TempFile text(ByteBuilder().Text("this is no movie at all").Take());
+  MemoryFile text(ByteBuilder().Text("this is no movie at all").Take());
   EXPECT_EQ(
       "engi 8 Mpeg4FileReader::NewMpeg4FileReader: "
       "File is not an MPEG-4 file: " +

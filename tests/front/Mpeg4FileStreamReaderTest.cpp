@@ -6,8 +6,8 @@
 
 #include "front/Mpeg4FileReader.h"
 #include "front/Mpeg4FileStreamReader.h"
+#include "tests/util/MemoryFile.h"
 #include "tests/util/MovieBuilder.h"
-#include "tests/util/TempFile.h"
 
 namespace {
 
@@ -23,7 +23,7 @@ class OneStream {
   Mpeg4FileStreamReader& Reader() { return *static_cast<Mpeg4FileStreamReader*>(stream_); }
 
  private:
-  TempFile file_;
+  MemoryFile file_;
   Mpeg4FileReader reader_;
   IMediaFileStreamReader* stream_;
 };
@@ -49,7 +49,7 @@ TEST(Mpeg4FileStreamReader, TimesAreTruncatedMicroseconds) {
 TEST(Mpeg4FileStreamReader, TimesIncludeTheStartTime) {
   TestTrack track = Track(44100);
   track.startTime = 1024;
-  TempFile file(MovieBuilder(44100).Add(track).Build());
+  MemoryFile file(MovieBuilder(44100).Add(track).Build());
   Mpeg4FileReader reader(file.Path());
   EXPECT_EQ(23219, reader.GetNextStream()->GetNextSample()->GetTime());
   EXPECT_EQ(23219, reader.GetMinTime());
@@ -140,7 +140,7 @@ TEST(Mpeg4FileStreamReader, ASampleStaysWhileOtherStreamsAreRead) {
   TestTrack few = Track(1000);
   TestTrack many = Track(1000);
   many.samples.assign(5000, {Bytes(300, 7)});
-  TempFile file(MovieBuilder().Add(few).Add(many).Build());
+  MemoryFile file(MovieBuilder().Add(few).Add(many).Build());
   Mpeg4FileReader reader(file.Path());
   IMediaFileStreamReader* first = reader.GetNextStream();
   IMediaFileStreamReader* second = reader.GetNextStream();

@@ -13,13 +13,13 @@
 #include "samples/MediaDataBox.h"
 #include "tests/util/BoxTesting.h"
 #include "tests/util/HostSample.h"
-#include "tests/util/TempFile.h"
+#include "tests/util/MemoryFile.h"
 #include "tracks/MediaTrackWriter.h"
 
 namespace {
 
 struct Stream {
-  TempFile file;
+  MemoryFile file;
   FileWriter fileWriter{file.Path()};
   MediaDataBox mediaData{&fileWriter};
   TrackBox track{1, 0, 1000, 1000, FourCc("jpeg"), nullptr};

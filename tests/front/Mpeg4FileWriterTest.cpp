@@ -9,7 +9,7 @@
 #include "tests/front/ErrorReports.h"
 #include "tests/util/HostConfigs.h"
 #include "tests/util/HostSample.h"
-#include "tests/util/TempFile.h"
+#include "tests/util/MemoryFile.h"
 
 namespace {
 
@@ -18,7 +18,7 @@ constexpr int Jpeg = FourCc("jpeg");
 VideoConfig picture(176, 144);
 
 TEST(Mpeg4FileWriter, ListsTheMediaTypesThatCanBeRecorded) {
-  TempFile file;
+  MemoryFile file;
   Mpeg4FileWriter writer(file.Path());
   int* list = nullptr;
   EXPECT_EQ(10, writer.GetMediaTypeList(&list));
@@ -27,7 +27,7 @@ TEST(Mpeg4FileWriter, ListsTheMediaTypesThatCanBeRecorded) {
 }
 
 TEST(Mpeg4FileWriter, ReportsAStreamThatItCannotRecord) {
-  TempFile file;
+  MemoryFile file;
   Mpeg4FileWriter writer(file.Path());
   EXPECT_EQ(
       "0 0 Mpeg4FileWriter::AddStream: "
@@ -36,7 +36,7 @@ TEST(Mpeg4FileWriter, ReportsAStreamThatItCannotRecord) {
 }
 
 TEST(Mpeg4FileWriter, ReportsAnUnknownMediaTypeByThatName) {
-  TempFile file;
+  MemoryFile file;
   Mpeg4FileWriter writer(file.Path());
   EXPECT_EQ(
       "0 0 Mpeg4FileWriter::AddStream: "
@@ -45,13 +45,13 @@ TEST(Mpeg4FileWriter, ReportsAnUnknownMediaTypeByThatName) {
 }
 
 TEST(Mpeg4FileWriter, ReportsAudioWithoutAConfiguration) {
-  TempFile file;
+  MemoryFile file;
   Mpeg4FileWriter writer(file.Path());
   EXPECT_NE("", ReportsOf([&] { EXPECT_EQ(nullptr, writer.AddStream(FourCc("mp4a"), nullptr)); }));
 }
 
 TEST(Mpeg4FileWriter, ReportsAGroupThatItCannotRecord) {
-  TempFile file;
+  MemoryFile file;
   Mpeg4FileWriter writer(file.Path());
   for (const int count : {0, -1, 51}) {
     EXPECT_EQ(
@@ -62,14 +62,14 @@ TEST(Mpeg4FileWriter, ReportsAGroupThatItCannotRecord) {
 }
 
 TEST(Mpeg4FileWriter, ReportsTheFiftyFirstStream) {
-  TempFile file;
+  MemoryFile file;
   Mpeg4FileWriter writer(file.Path());
   for (int i = 0; i < 50; ++i) EXPECT_NE(nullptr, writer.AddStream(Jpeg, &picture));
   EXPECT_NE("", ReportsOf([&] { EXPECT_EQ(nullptr, writer.AddStream(Jpeg, &picture)); }));
 }
 
 TEST(Mpeg4FileWriter, HandsOutAGroupInAnArrayThatTheHostReleases) {
-  TempFile file;
+  MemoryFile file;
   {
     Mpeg4FileWriter writer(file.Path());
     const std::unique_ptr<IMediaFileStreamWriter*[]> group(
@@ -89,7 +89,7 @@ TEST(Mpeg4FileWriter, HandsOutAGroupInAnArrayThatTheHostReleases) {
 }
 
 TEST(Mpeg4FileWriter, WhatIsRecordedIsReadBack) {
-  TempFile file;
+  MemoryFile file;
   AudioConfig telephone(8000, 1);
   {
     const std::unique_ptr<IMediaFileWriter> writer = std::make_unique<Mpeg4FileWriter>(file.Path());

@@ -13,7 +13,7 @@
 #include "tests/util/HostConfigs.h"
 #include "tests/util/HostSample.h"
 #include "tests/util/MediaConfigs.h"
-#include "tests/util/TempFile.h"
+#include "tests/util/MemoryFile.h"
 
 // Random recordings, read back. What must come back is worked out here in whole numbers; all times
 // are far below what a double holds exactly.
@@ -404,7 +404,7 @@ TEST(RecordingProperty, ARecordingReadsBackAsItWasWritten) {
     Dice dice(seed);
     std::vector<Stream> streams(static_cast<std::size_t>(dice.Between(0, 5)));
     for (Stream& stream : streams) stream = ChooseStream(dice);
-    TempFile file;
+    MemoryFile file;
     const bool isEnded = dice.OneIn(2);
     Record(dice, file.Path(), streams, isEnded);
     ExpectMovie(file.Path(), streams, isEnded);

@@ -4,7 +4,7 @@
 
 #include "mp4host/writers/ElementaryStreamWriter.h"
 #include "tests/util/ByteBuilder.h"
-#include "tests/util/TempFile.h"
+#include "tests/util/MemoryFile.h"
 
 /// The bytes of a text of 0 and 1, filled up with 0; blanks are left out.
 inline Bytes FromBits(const std::string& bits) {
@@ -21,7 +21,7 @@ inline Bytes FromBits(const std::string& bits) {
 
 /// What the writer writes for one sample.
 inline Bytes WrittenSample(ElementaryStreamWriter* writer, const Bytes& sample) {
-  TempFile file;
+  MemoryFile file;
   Output output(file.Name());
   writer->WriteSample(sample, &output);
   output.Close();

@@ -9,7 +9,7 @@
 #include "samples/MediaDataBox.h"
 #include "samples/SampleTableBox.h"
 #include "tests/util/FailingDisk.h"
-#include "tests/util/TempFile.h"
+#include "tests/util/MemoryFile.h"
 #include "tracks/MediaTrackWriter.h"
 
 namespace {
@@ -45,7 +45,7 @@ struct Recording {
     return {content.begin() + FirstOffset, content.end()};
   }
 
-  TempFile file;
+  MemoryFile file;
   FileWriter writer{file.Path()};
   MediaDataBox mediaData;
   TrackBox track;

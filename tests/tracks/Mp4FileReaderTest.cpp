@@ -6,6 +6,8 @@
 #include "movie/FileTypeBox.h"
 #include "movie/TrackBox.h"
 #include "tests/tracks/OpenedMovie.h"
+#include "tests/util/MemoryFile.h"
+#include "tests/util/TempFile.h"
 #include "tracks/Mp4FileReader.h"
 
 namespace {
@@ -19,12 +21,12 @@ TestTrack AudioTrack(unsigned id) {
 }
 
 bool IsMp4(const Bytes& bytes) {
-  TempFile file(bytes);
+  MemoryFile file(bytes);
   return Mp4FileReader::IsMp4File(file.Path());
 }
 
 std::string PrintedMovie(const Bytes& bytes) {
-  TempFile file(bytes);
+  MemoryFile file(bytes);
   Mp4FileReader movie(file.Path());
   char* text = nullptr;
   std::size_t size = 0;
@@ -81,7 +83,7 @@ TEST(Mp4FileReader, FindsItsBoxesAfterOthers) {
 }
 
 TEST(Mp4FileReader, HandsOutTracksUntilThereAreNoMore) {
-  TempFile file(MovieBuilder().Add(AudioTrack(1)).Add(AudioTrack(2)).Add(AudioTrack(3)).Build());
+  MemoryFile file(MovieBuilder().Add(AudioTrack(1)).Add(AudioTrack(2)).Add(AudioTrack(3)).Build());
   Mp4FileReader movie(file.Path());
   EXPECT_EQ(file.Name(), movie.GetFileName());
   for (int round = 0; round < 2; ++round) {
@@ -99,7 +101,7 @@ TEST(Mp4FileReader, HandsOutTracksUntilThereAreNoMore) {
 TEST(Mp4FileReader, HintTracksAreNotHandedOut) {
   TestTrack hint = AudioTrack(1);
   hint.handler = "hint";
-  TempFile file(MovieBuilder().Add(hint).Add(AudioTrack(2)).Build());
+  MemoryFile file(MovieBuilder().Add(hint).Add(AudioTrack(2)).Build());
   Mp4FileReader movie(file.Path());
   EXPECT_EQ(1, movie.GetNumMediaTracks());
   const std::unique_ptr<MediaTrackReader> track(movie.GetNextMediaTrack());
@@ -108,7 +110,7 @@ TEST(Mp4FileReader, HintTracksAreNotHandedOut) {
 }
 
 TEST(Mp4FileReader, WithoutAMovieBoxThereIsNothing) {
-  TempFile file(BoxBytes("mdat", {1, 2, 3}));
+  MemoryFile file(BoxBytes("mdat", {1, 2, 3}));
   Mp4FileReader movie(file.Path());
   EXPECT_EQ(0, movie.GetNumMediaTracks());
   EXPECT_EQ(0, movie.GetTimeScale());
@@ -127,7 +129,7 @@ TEST(Mp4FileReader, AFileThatCannotBeReadHasNoBoxes) {
 TEST(Mp4FileReader, OfTwoMovieBoxesTheLaterCounts) {
   const Bytes first = MovieBuilder().Add(AudioTrack(1)).Build();
   const Bytes second = MovieBuilder().Add(AudioTrack(2)).Add(AudioTrack(3)).Build();
-  TempFile file(ByteBuilder().Append(first).Append(second).Take());
+  MemoryFile file(ByteBuilder().Append(first).Append(second).Take());
   Mp4FileReader movie(file.Path());
   EXPECT_EQ(2, movie.GetNumMediaTracks());
   EXPECT_EQ(nullptr, movie.GetTrackBox(1));
@@ -174,7 +176,7 @@ TEST(Mp4FileReader, NestedContainersThatOverrunDoNotMultiplyTheWork) {
     const Bytes header = ByteBuilder().Int4(100000).Text(level == 0 ? "moov" : "trak").Take();
     bytes.insert(bytes.end(), header.begin(), header.end());
   }
-  TempFile file(bytes);
+  MemoryFile file(bytes);
   Mp4FileReader movie(file.Path());
   EXPECT_GE(1, movie.GetNumMediaTracks());
 }

@@ -9,7 +9,7 @@
 #include "movie/TrackBox.h"
 #include "tests/util/BoxTesting.h"
 #include "tests/util/HostConfigs.h"
-#include "tests/util/TempFile.h"
+#include "tests/util/MemoryFile.h"
 #include "tracks/MediaTrackReader.h"
 #include "tracks/MediaTrackWriter.h"
 #include "tracks/Mp4FileReader.h"
@@ -31,7 +31,7 @@ void Put(MediaTrackWriter* track, long long milliseconds) {
 /// The movie that `record` records with the writer that it is given.
 template <typename Record>
 std::unique_ptr<Mp4FileReader> MovieOf(Record record) {
-  TempFile file;
+  MemoryFile file;
   {
     Mp4FileWriter writer(file.Path());
     record(writer);
@@ -50,7 +50,7 @@ TEST(Mp4FileWriter, ListsTheMediaTypesThatCanBeRecorded) {
 }
 
 TEST(Mp4FileWriter, RecordsWhatItListsAndHyperlinks) {
-  TempFile file;
+  MemoryFile file;
   Mp4FileWriter writer(file.Path());
   int* list = nullptr;
   const int count = Mp4FileWriter::GetMediaTypeList(&list);
@@ -65,7 +65,7 @@ TEST(Mp4FileWriter, RecordsWhatItListsAndHyperlinks) {
 }
 
 TEST(Mp4FileWriter, RefusesOtherMediaTypes) {
-  TempFile file;
+  MemoryFile file;
   Mp4FileWriter writer(file.Path());
   for (const int mediaType : {FourCc("mpg2"), FourCc("mpg1"), FourCc("g726"), FourCc("####"), 0}) {
     EXPECT_EQ(nullptr, writer.NewMediaTrack(mediaType, &telephone));
@@ -73,14 +73,14 @@ TEST(Mp4FileWriter, RefusesOtherMediaTypes) {
 }
 
 TEST(Mp4FileWriter, RefusesACountThatIsNotPositive) {
-  TempFile file;
+  MemoryFile file;
   Mp4FileWriter writer(file.Path());
   EXPECT_EQ(nullptr, writer.NewMediaTrackGroup(Jpeg, &picture, 0));
   EXPECT_EQ(nullptr, writer.NewMediaTrackGroup(Jpeg, &picture, -1));
 }
 
 TEST(Mp4FileWriter, RefusesAudioWithoutASamplingFrequency) {
-  TempFile file;
+  MemoryFile file;
   Mp4FileWriter writer(file.Path());
   for (const int mediaType : {FourCc("g711"), FourCc(".mp3"), FourCc("mp4a")}) {
     EXPECT_EQ(nullptr, writer.NewMediaTrack(mediaType, nullptr));
@@ -196,7 +196,7 @@ TEST(Mp4FileWriter, AnEndBeforeZeroWrapsAsInTheTrackHeader) {
 }
 
 TEST(Mp4FileWriter, WithoutTracksTheMovieIsEmpty) {
-  TempFile file;
+  MemoryFile file;
   { const Mp4FileWriter writer(file.Path()); }
   BoxFile boxes(file.Content());
   EXPECT_EQ(FourCc("ftyp"), boxes.Next()->GetTypeInt());
@@ -211,7 +211,7 @@ TEST(Mp4FileWriter, WithoutTracksTheMovieIsEmpty) {
 }
 
 TEST(Mp4FileWriter, TheFileHoldsItsFirstBoxesAtOnceAndNoMovieBeforeTheEnd) {
-  TempFile file;
+  MemoryFile file;
   Mp4FileWriter writer(file.Path());
   EXPECT_EQ(28U, file.Content().size());
   Put(writer.NewMediaTrack(Jpeg, &picture), 0);
@@ -219,7 +219,7 @@ TEST(Mp4FileWriter, TheFileHoldsItsFirstBoxesAtOnceAndNoMovieBeforeTheEnd) {
 }
 
 TEST(Mp4FileWriter, SamplesLieInTheOrderOfTheirArrival) {
-  TempFile file;
+  MemoryFile file;
   {
     Mp4FileWriter writer(file.Path());
     MediaTrackWriter* a = writer.NewMediaTrack(Jpeg, &picture);

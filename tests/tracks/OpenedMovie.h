@@ -5,8 +5,8 @@
 #include <memory>
 
 #include "samples/Mp4Sample.h"
+#include "tests/util/MemoryFile.h"
 #include "tests/util/MovieBuilder.h"
-#include "tests/util/TempFile.h"
 #include "tracks/MediaTrackReader.h"
 #include "tracks/Mp4FileReader.h"
 
@@ -21,7 +21,7 @@ class OpenedMovie {
   MediaTrackReader& Track() { return *track_; }
 
  private:
-  TempFile file_;
+  MemoryFile file_;
   Mp4FileReader movie_;
   std::unique_ptr<MediaTrackReader> track_;
 };

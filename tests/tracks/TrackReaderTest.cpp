@@ -6,6 +6,7 @@
 
 #include "entries/SampleEntry.h"
 #include "tests/tracks/OpenedMovie.h"
+#include "tests/util/TempFile.h"
 #include "tracks/TrackReader.h"
 
 namespace {

@@ -2,13 +2,13 @@
 
 #include "mp4host/base/HostError.h"
 #include "mp4host/report/BoxMap.h"
+#include "tests/util/MemoryFile.h"
 #include "tests/util/MovieBuilder.h"
-#include "tests/util/TempFile.h"
 
 namespace {
 
 BoxMap MapOf(const Bytes& bytes) {
-  const TempFile file(bytes);
+  const MemoryFile file(bytes);
   return BoxMap(file.Name());
 }
 

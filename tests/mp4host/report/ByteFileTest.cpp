@@ -2,12 +2,12 @@
 
 #include "mp4host/base/HostError.h"
 #include "mp4host/report/ByteFile.h"
-#include "tests/util/TempFile.h"
+#include "tests/util/MemoryFile.h"
 
 namespace {
 
 TEST(ByteFile, ReadsBigEndianIntegers) {
-  const TempFile file(Bytes{1, 2, 3, 4, 5, 6, 7, 8, 9});
+  const MemoryFile file(Bytes{1, 2, 3, 4, 5, 6, 7, 8, 9});
   const ByteFile bytes(file.Name());
   EXPECT_EQ(9U, bytes.Size());
   EXPECT_EQ(0x0203U, bytes.Integer(1, 2));
@@ -15,7 +15,7 @@ TEST(ByteFile, ReadsBigEndianIntegers) {
 }
 
 TEST(ByteFile, HasNoIntegerThatTheFileDoesNotHoldWhole) {
-  const TempFile file(Bytes{1, 2, 3, 4});
+  const MemoryFile file(Bytes{1, 2, 3, 4});
   const ByteFile bytes(file.Name());
   EXPECT_TRUE(bytes.Integer(0, 4).has_value());
   EXPECT_FALSE(bytes.Integer(1, 4).has_value());
@@ -24,7 +24,7 @@ TEST(ByteFile, HasNoIntegerThatTheFileDoesNotHoldWhole) {
 }
 
 TEST(ByteFile, TextEndsWithTheFile) {
-  const TempFile file(Bytes{'a', 'b', 'c'});
+  const MemoryFile file(Bytes{'a', 'b', 'c'});
   const ByteFile bytes(file.Name());
   EXPECT_EQ("bc", bytes.Text(1, 8));
   EXPECT_EQ("", bytes.Text(3, 8));

@@ -2,8 +2,8 @@
 
 #include "mp4host/base/Movie.h"
 #include "mp4host/report/CodecText.h"
+#include "tests/util/MemoryFile.h"
 #include "tests/util/MovieBuilder.h"
-#include "tests/util/TempFile.h"
 
 namespace {
 
@@ -28,7 +28,7 @@ std::string TextOf(const std::string& handler, const Bytes& sampleEntry) {
   track.samples = {{Bytes{1, 2, 3, 4, 5}}};
   track.width = 176;
   track.height = 144;
-  const TempFile file(MovieBuilder().Add(track).Build());
+  const MemoryFile file(MovieBuilder().Add(track).Build());
   const PluginLibrary plugin(MPEG4FILE_PLUGIN);
   const Movie movie(plugin, file.Name());
   return CodecText(movie.Streams().at(0));

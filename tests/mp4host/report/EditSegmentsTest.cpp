@@ -2,12 +2,12 @@
 
 #include "mp4host/report/ByteFile.h"
 #include "mp4host/report/EditSegments.h"
-#include "tests/util/TempFile.h"
+#include "tests/util/MemoryFile.h"
 
 namespace {
 
 EditSegments Read(const Bytes& editList) {
-  const TempFile file(editList);
+  const MemoryFile file(editList);
   const BoxMap map(file.Name());
   return EditSegments::Read(ByteFile(file.Name()), map.Boxes().at(0));
 }

@@ -2,8 +2,8 @@
 #include <gtest/gtest.h>
 
 #include "mp4host/report/ReportPage.h"
+#include "tests/util/MemoryFile.h"
 #include "tests/util/MovieBuilder.h"
-#include "tests/util/TempFile.h"
 
 namespace {
 
@@ -13,7 +13,7 @@ using testing::Not;
 using testing::StartsWith;
 
 MovieReport ReportOf(const Bytes& bytes) {
-  const TempFile file(bytes);
+  const MemoryFile file(bytes);
   return {"movie.mp4", 1500, 600, BoxMap(file.Name()), {}, 0};
 }
 

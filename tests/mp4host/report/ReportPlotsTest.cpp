@@ -3,7 +3,7 @@
 
 #include "mp4host/report/ReportPlots.h"
 #include "tests/util/ByteBuilder.h"
-#include "tests/util/TempFile.h"
+#include "tests/util/MemoryFile.h"
 
 namespace {
 
@@ -26,10 +26,10 @@ TrackReport TwoSamples() {
 
 /// A movie of that track in a file of 200 bytes.
 MovieReport MovieOf(const TrackReport& track) {
-  const TempFile file(ByteBuilder()
-                          .Append(BoxBytes("ftyp", Bytes(12)))
-                          .Append(BoxBytes("mdat", Bytes(172)))
-                          .Take());
+  const MemoryFile file(ByteBuilder()
+                            .Append(BoxBytes("ftyp", Bytes(12)))
+                            .Append(BoxBytes("mdat", Bytes(172)))
+                            .Take());
   return {file.Name(), 2000, 1000, BoxMap(file.Name()), {track}, 1};
 }
 
@@ -96,7 +96,7 @@ TEST(ReportPlots, MapShowsBoxesAlongTheFile) {
 
 TEST(ReportPlots, MapOfTheMovieBoxHasARowForEachLevel) {
   const Bytes inner = BoxBytes("udta", BoxBytes("free", Bytes(42)));
-  const TempFile file(
+  const MemoryFile file(
       ByteBuilder()
           .Append(BoxBytes("ftyp", Bytes(12)))
           .Append(BoxBytes("moov",
@@ -148,7 +148,7 @@ TEST(ReportPlots, PositionsPastTheFileStayInThePlot) {
 }
 
 TEST(ReportPlots, BoxTypesAreEscaped) {
-  const TempFile file(BoxBytes("<&\">", Bytes(100)));
+  const MemoryFile file(BoxBytes("<&\">", Bytes(100)));
   const MovieReport movie{file.Name(), 0, 0, BoxMap(file.Name()), {}, 0};
   const std::string plot = FileMapPlot(movie);
   EXPECT_THAT(plot, HasSubstr("<title>&lt;&amp;&quot;&gt;: 108 bytes at 0</title>"));

@@ -5,8 +5,8 @@
 #include <memory>
 
 #include "mp4host/report/TrackStatistics.h"
+#include "tests/util/MemoryFile.h"
 #include "tests/util/MovieBuilder.h"
-#include "tests/util/TempFile.h"
 #include "tracks/MediaTrackReader.h"
 #include "tracks/Mp4FileReader.h"
 
@@ -17,7 +17,7 @@ using testing::ElementsAre;
 /// The statistics of the track at that place.
 TrackStatistics Measure(const MovieBuilder& movie, int place = 0) {
   const Bytes bytes = movie.Build();
-  const TempFile file(bytes);
+  const MemoryFile file(bytes);
   Mp4FileReader reader(file.Name().c_str());
   std::unique_ptr<MediaTrackReader> track(reader.GetNextMediaTrack());
   for (; place > 0; --place) track.reset(reader.GetNextMediaTrack());

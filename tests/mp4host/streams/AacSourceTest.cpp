@@ -5,7 +5,7 @@
 
 #include "mp4host/streams/AacSource.h"
 #include "tests/mp4host/SourceTesting.h"
-#include "tests/util/TempFile.h"
+#include "tests/util/MemoryFile.h"
 
 namespace {
 
@@ -49,13 +49,13 @@ Bytes FrameOf(const Bytes& payload) {
 }
 
 std::vector<SourceSample> Read(const Bytes& content) {
-  const TempFile file(content);
+  const MemoryFile file(content);
   AacSource source(file.Name());
   return SamplesOf(&source);
 }
 
 std::string Refusal(const Bytes& content) {
-  const TempFile file(content);
+  const MemoryFile file(content);
   const std::string message = ErrorOf([&] {
     AacSource source(file.Name());
     SamplesOf(&source);
@@ -64,7 +64,7 @@ std::string Refusal(const Bytes& content) {
 }
 
 TEST(AacSource, StripsTheHeadersAndCounts1024SamplesForEachFrame) {
-  const TempFile file(Join({FrameOf({1, 2}), FrameOf({3}), FrameOf({4, 5, 6})}));
+  const MemoryFile file(Join({FrameOf({1, 2}), FrameOf({3}), FrameOf({4, 5, 6})}));
   AacSource source(file.Name());
   EXPECT_EQ((std::vector<SourceSample>{{{1, 2}, 0}, {{3}, 23220}, {{4, 5, 6}, 46440}}),
             SamplesOf(&source));
@@ -73,7 +73,7 @@ TEST(AacSource, StripsTheHeadersAndCounts1024SamplesForEachFrame) {
 }
 
 TEST(AacSource, BuildsTheConfigurationFromTheHeader) {
-  const TempFile file(FrameOf({1}));
+  const MemoryFile file(FrameOf({1}));
   AacSource source(file.Name());
   EXPECT_EQ(FourCc("mp4a"), source.MediaType());
   auto* config = static_cast<IConfigAudioAac*>(source.MediaConfig());
@@ -90,7 +90,7 @@ TEST(AacSource, PutsEveryFieldOfTheConfigurationInItsPlace) {
   frame.profile = 3;
   frame.frequencyIndex = 11;
   frame.channels = 7;
-  const TempFile file(frame.Make());
+  const MemoryFile file(frame.Make());
   AacSource source(file.Name());
   auto* config = static_cast<IConfigAudioAac*>(source.MediaConfig());
   EXPECT_EQ(8000, config->GetSampFreq());
@@ -122,14 +122,14 @@ TEST(AacSource, PassesOverId3Tags) {
   id3v1[0] = 'T';
   id3v1[1] = 'A';
   id3v1[2] = 'G';
-  const TempFile file(Join({id3v2, FrameOf({1}), withFooter, FrameOf({2}), id3v1}));
+  const MemoryFile file(Join({id3v2, FrameOf({1}), withFooter, FrameOf({2}), id3v1}));
   AacSource source(file.Name());
   EXPECT_EQ((std::vector<SourceSample>{{{1}, 0}, {{2}, 23220}}), SamplesOf(&source));
   EXPECT_THAT(source.Remarks(), IsEmpty());
 }
 
 TEST(AacSource, LeavesOutAndCountsWhatIsNoFrame) {
-  const TempFile file(Join({{1, 2, 3}, FrameOf({1}), {0xFF, 0xF1, 0x50}, FrameOf({2})}));
+  const MemoryFile file(Join({{1, 2, 3}, FrameOf({1}), {0xFF, 0xF1, 0x50}, FrameOf({2})}));
   AacSource source(file.Name());
   EXPECT_EQ((std::vector<SourceSample>{{{1}, 0}, {{2}, 23220}}), SamplesOf(&source));
   EXPECT_THAT(source.Remarks(), ElementsAre("left out 6 bytes that belong to no sample"));

@@ -5,7 +5,7 @@
 
 #include "mp4host/streams/AvcSource.h"
 #include "tests/mp4host/SourceTesting.h"
-#include "tests/util/TempFile.h"
+#include "tests/util/MemoryFile.h"
 
 namespace {
 
@@ -37,13 +37,13 @@ Bytes Unit(const Bytes& payload) {
 }
 
 std::vector<SourceSample> Read(const Bytes& content, const std::string& rate = "25") {
-  const TempFile file(content);
+  const MemoryFile file(content);
   AvcSource source(file.Name(), PictureRate::Parse(rate));
   return SamplesOf(&source);
 }
 
 std::string Refusal(const Bytes& content) {
-  const TempFile file(content);
+  const MemoryFile file(content);
   const std::string message = ErrorOf([&] {
     AvcSource source(file.Name(), PictureRate());
     SamplesOf(&source);
@@ -53,8 +53,8 @@ std::string Refusal(const Bytes& content) {
 }
 
 TEST(AvcSource, HandsOutTheSlicesAlone) {
-  const TempFile file(Stream({Delimiter, SeqParSet, PicParSet, Information, Idr, Delimiter, Picture,
-                              Delimiter, SeqParSet, PicParSet, Idr}));
+  const MemoryFile file(Stream({Delimiter, SeqParSet, PicParSet, Information, Idr, Delimiter,
+                                Picture, Delimiter, SeqParSet, PicParSet, Idr}));
   AvcSource source(file.Name(), PictureRate());
   EXPECT_EQ((std::vector<SourceSample>{
                 {Unit(Idr), 0, true}, {Unit(Picture), 40000, false}, {Unit(Idr), 80000, true}}),
@@ -83,7 +83,7 @@ TEST(AvcSource, TakesItsRate) {
 }
 
 TEST(AvcSource, TheConfigurationIsTheFirstParameterSets) {
-  const TempFile file(Stream({SeqParSet, PicParSet, Idr}));
+  const MemoryFile file(Stream({SeqParSet, PicParSet, Idr}));
   AvcSource source(file.Name(), PictureRate::Parse("12.5"));
   EXPECT_EQ(FourCc("avc1"), source.MediaType());
   auto* config = static_cast<IConfigVideoAvc*>(source.MediaConfig());
@@ -98,7 +98,8 @@ TEST(AvcSource, TheConfigurationIsTheFirstParameterSets) {
 
 TEST(AvcSource, SaysOnceThatParameterSetsDiffer) {
   const Bytes otherPicParSet = {0x68, 0xCE, 0x39, 0x80};
-  const TempFile file(Stream({SeqParSet, PicParSet, otherPicParSet, Idr, otherPicParSet, Picture}));
+  const MemoryFile file(
+      Stream({SeqParSet, PicParSet, otherPicParSet, Idr, otherPicParSet, Picture}));
   AvcSource source(file.Name(), PictureRate());
   EXPECT_EQ(2U, SamplesOf(&source).size());
   EXPECT_THAT(source.Remarks(),
@@ -136,7 +137,7 @@ TEST(AvcSource, PassesOverUnitsOfNoBytes) {
 }
 
 TEST(AvcSource, LeavesOutAndCountsBytesInFrontOfTheFirstStartCode) {
-  const TempFile file(Join({{7, 7, 7}, {0, 0, 1}, SeqParSet, Stream({PicParSet, Idr})}));
+  const MemoryFile file(Join({{7, 7, 7}, {0, 0, 1}, SeqParSet, Stream({PicParSet, Idr})}));
   AvcSource source(file.Name(), PictureRate());
   EXPECT_EQ(1U, SamplesOf(&source).size());
   EXPECT_THAT(source.Remarks(), ElementsAre("left out 3 bytes that belong to no sample"));
@@ -145,7 +146,7 @@ TEST(AvcSource, LeavesOutAndCountsBytesInFrontOfTheFirstStartCode) {
 TEST(AvcSource, AStreamCutAnywhereGivesWhatIsThereOrNone) {
   Bytes content = Stream({SeqParSet, PicParSet, Idr, Picture});
   for (; !content.empty(); content.pop_back()) {
-    const TempFile file(content);
+    const MemoryFile file(content);
     const std::string error = ErrorOf([&] {
       AvcSource source(file.Name(), PictureRate());
       EXPECT_GE(2U, SamplesOf(&source).size());

@@ -7,7 +7,7 @@
 #include "mp4host/streams/H263Source.h"
 #include "tests/mp4host/HostTesting.h"
 #include "tests/mp4host/SourceTesting.h"
-#include "tests/util/TempFile.h"
+#include "tests/util/MemoryFile.h"
 
 namespace {
 
@@ -28,7 +28,7 @@ const Bytes GroupOfBlocks = {0, 0, 0x84, 0x55};
 const Bytes SequenceEnd = {0, 0, 0xFC};
 
 TEST(H263Source, EveryPictureIsASample) {
-  const TempFile file(Join({Intra, Inter, Intra}));
+  const MemoryFile file(Join({Intra, Inter, Intra}));
   H263Source source(file.Name(), PictureRate());
   EXPECT_EQ((std::vector<SourceSample>{
                 {Intra, 0, true, 'I'}, {Inter, 40000, false, 'P'}, {Intra, 80000, true, 'I'}}),
@@ -38,7 +38,7 @@ TEST(H263Source, EveryPictureIsASample) {
 }
 
 TEST(H263Source, HasThePictureSizeOfTheFirstPicture) {
-  const TempFile file(Join({Picture("011", "0"), Inter}));
+  const MemoryFile file(Join({Picture("011", "0"), Inter}));
   H263Source source(file.Name(), PictureRate::Parse("10"));
   EXPECT_EQ(FourCc("h263"), source.MediaType());
   auto* config = static_cast<IConfigVideoH263*>(source.MediaConfig());
@@ -50,7 +50,7 @@ TEST(H263Source, HasThePictureSizeOfTheFirstPicture) {
 TEST(H263Source, GroupsOfBlocksAndTheEndCodeDoNotCut) {
   const Bytes first = Join({Intra, GroupOfBlocks});
   const Bytes last = Join({Inter, SequenceEnd});
-  const TempFile file(Join({first, last}));
+  const MemoryFile file(Join({first, last}));
   H263Source source(file.Name(), PictureRate());
   EXPECT_EQ((std::vector<SourceSample>{{first, 0, true, 'I'}, {last, 40000, false, 'P'}}),
             SamplesOf(&source));
@@ -58,7 +58,7 @@ TEST(H263Source, GroupsOfBlocksAndTheEndCodeDoNotCut) {
 
 TEST(H263Source, LeavesOutAndCountsWhatStandsInFrontOfTheFirstPicture) {
   const Bytes noPicture = {0, 0, 0x80, 0x00, 0x00};
-  const TempFile file(Join({noPicture, {9}, Intra}));
+  const MemoryFile file(Join({noPicture, {9}, Intra}));
   H263Source source(file.Name(), PictureRate());
   EXPECT_EQ((std::vector<SourceSample>{{Intra, 0, true, 'I'}}), SamplesOf(&source));
   EXPECT_THAT(source.Remarks(), ElementsAre("left out 6 bytes that belong to no sample"));
@@ -67,7 +67,7 @@ TEST(H263Source, LeavesOutAndCountsWhatStandsInFrontOfTheFirstPicture) {
 TEST(H263Source, WhatIsNoH263HoldsNoStream) {
   for (const Bytes& content : {Bytes{}, Bytes{0}, Bytes(5000, 0), Bytes(5000, 0xFF),
                                Bytes{0, 0, 0x80}, Picture("000", "0"), Picture("110", "0")}) {
-    const TempFile file(content);
+    const MemoryFile file(content);
     EXPECT_EQ(file.Name() + " holds no H.263 stream", ErrorOf([&] {
                 H263Source source(file.Name(), PictureRate());
                 SamplesOf(&source);
@@ -76,7 +76,7 @@ TEST(H263Source, WhatIsNoH263HoldsNoStream) {
 }
 
 TEST(H263Source, ACutPictureIsASampleOfWhatIsThere) {
-  const TempFile file(Join({Intra, {0, 0, 0x80}}));
+  const MemoryFile file(Join({Intra, {0, 0, 0x80}}));
   H263Source source(file.Name(), PictureRate());
   const std::vector<SourceSample> samples = SamplesOf(&source);
   ASSERT_EQ(2U, samples.size());

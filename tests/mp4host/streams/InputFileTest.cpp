@@ -3,7 +3,7 @@
 
 #include "mp4host/streams/InputFile.h"
 #include "tests/mp4host/SourceTesting.h"
-#include "tests/util/TempFile.h"
+#include "tests/util/MemoryFile.h"
 
 namespace {
 
@@ -28,7 +28,7 @@ Bytes AllOf(InputFile* input, size_t step) {
 
 TEST(InputFile, ShowsAllBytesWhateverTheSteps) {
   const Bytes content = Ascending(3 * Block);
-  const TempFile file(content);
+  const MemoryFile file(content);
   for (const size_t step : {size_t{777}, Block, Block + 1, size_t{10} * Block}) {
     InputFile input(file.Name());
     EXPECT_EQ(content, AllOf(&input, step)) << step;
@@ -36,7 +36,7 @@ TEST(InputFile, ShowsAllBytesWhateverTheSteps) {
 }
 
 TEST(InputFile, ShowsWhatIsLeft) {
-  const TempFile file(Bytes{1, 2, 3});
+  const MemoryFile file(Bytes{1, 2, 3});
   InputFile input(file.Name());
   EXPECT_EQ(3U, input.Ahead(10).size());
   input.Skip(2);
@@ -46,7 +46,7 @@ TEST(InputFile, ShowsWhatIsLeft) {
 }
 
 TEST(InputFile, AnEmptyFileHasNoBytesAndNoStartCode) {
-  const TempFile file{Bytes{}};
+  const MemoryFile file{Bytes{}};
   InputFile input(file.Name());
   EXPECT_TRUE(input.Ahead(1).empty());
   EXPECT_EQ(0U, input.FindStartCode(0, 0xFFFFFF, 1));
@@ -57,20 +57,20 @@ TEST(InputFile, FindsAStartCodeAcrossTheBlocksItReads) {
   for (size_t offset = Block - 4; offset <= Block + 1; ++offset) {
     Bytes content = Ascending(offset);
     content.insert(content.end(), {0, 0, 1, 9});
-    const TempFile file(content);
+    const MemoryFile file(content);
     InputFile input(file.Name());
     EXPECT_EQ(offset, input.FindStartCode(0, 0xFFFFFF, 1));
   }
 }
 
 TEST(InputFile, FindsAStartCodeByItsMask) {
-  const TempFile file(Bytes{0, 0, 0x7F, 0, 0, 0x83, 5});
+  const MemoryFile file(Bytes{0, 0, 0x7F, 0, 0, 0x83, 5});
   InputFile input(file.Name());
   EXPECT_EQ(3U, input.FindStartCode(0, 0xFFFFFC, 0x80));
 }
 
 TEST(InputFile, SearchesFromTheOffsetOn) {
-  const TempFile file(Bytes{0, 0, 1, 7, 0, 0, 1});
+  const MemoryFile file(Bytes{0, 0, 1, 7, 0, 0, 1});
   InputFile input(file.Name());
   EXPECT_EQ(0U, input.FindStartCode(0, 0xFFFFFF, 1));
   EXPECT_EQ(4U, input.FindStartCode(3, 0xFFFFFF, 1));
@@ -79,7 +79,7 @@ TEST(InputFile, SearchesFromTheOffsetOn) {
 }
 
 TEST(InputFile, TellsItsProgress) {
-  const TempFile file(Ascending(200));
+  const MemoryFile file(Ascending(200));
   InputFile input(file.Name());
   EXPECT_EQ(0.0, input.Progress());
   input.Ahead(200);

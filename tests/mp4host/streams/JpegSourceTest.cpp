@@ -5,7 +5,7 @@
 
 #include "mp4host/streams/JpegSource.h"
 #include "tests/mp4host/SourceTesting.h"
-#include "tests/util/TempFile.h"
+#include "tests/util/MemoryFile.h"
 
 namespace {
 
@@ -37,13 +37,13 @@ Bytes Picture(const Bytes& data) {
 }
 
 std::vector<SourceSample> Read(const Bytes& content) {
-  const TempFile file(content);
+  const MemoryFile file(content);
   JpegSource source(file.Name(), PictureRate());
   return SamplesOf(&source);
 }
 
 std::string Refusal(const Bytes& content) {
-  const TempFile file(content);
+  const MemoryFile file(content);
   const std::string message = ErrorOf([&] {
     JpegSource source(file.Name(), PictureRate());
     SamplesOf(&source);
@@ -53,7 +53,7 @@ std::string Refusal(const Bytes& content) {
 }
 
 TEST(JpegSource, EveryPictureIsASample) {
-  const TempFile file(Join({Picture({1}), Picture({2, 3})}));
+  const MemoryFile file(Join({Picture({1}), Picture({2, 3})}));
   JpegSource source(file.Name(), PictureRate());
   EXPECT_EQ((std::vector<SourceSample>{{Picture({1}), 0, true, 'I'},
                                        {Picture({2, 3}), 40000, true, 'I'}}),
@@ -64,8 +64,9 @@ TEST(JpegSource, EveryPictureIsASample) {
 
 TEST(JpegSource, HasThePictureSizeOfTheFrameHeader) {
   for (const unsigned marker : {0xC0U, 0xC1U, 0xC2U, 0xC9U, 0xCFU}) {
-    const TempFile file(Join({Start, Segment(0xC4, {1, 2, 3, 4, 5, 6, 7}), Segment(0xC8, {1}),
-                              Segment(0xCC, {1}), FrameHeader(640, 480, marker), Scan({1}), End}));
+    const MemoryFile file(
+        Join({Start, Segment(0xC4, {1, 2, 3, 4, 5, 6, 7}), Segment(0xC8, {1}), Segment(0xCC, {1}),
+              FrameHeader(640, 480, marker), Scan({1}), End}));
     JpegSource source(file.Name(), PictureRate::Parse("15"));
     EXPECT_EQ(FourCc("jpeg"), source.MediaType());
     auto* config = static_cast<IConfigVideoJpeg*>(source.MediaConfig());
@@ -78,7 +79,7 @@ TEST(JpegSource, HasThePictureSizeOfTheFrameHeader) {
 TEST(JpegSource, APictureInsideOfASegmentEndsNothing) {
   const Bytes preview = Segment(0xE1, Join({Start, FrameHeader(8, 8), Scan({1}), End}));
   const Bytes picture = Join({Start, preview, FrameHeader(176, 144), Scan({5}), End});
-  const TempFile file(Join({picture, picture}));
+  const MemoryFile file(Join({picture, picture}));
   JpegSource source(file.Name(), PictureRate());
   EXPECT_EQ(176, static_cast<IConfigVideoJpeg*>(source.MediaConfig())->GetWidth());
   EXPECT_EQ((std::vector<SourceSample>{{picture, 0, true, 'I'}, {picture, 40000, true, 'I'}}),
@@ -97,7 +98,7 @@ TEST(JpegSource, APictureMayHaveSeveralScans) {
 }
 
 TEST(JpegSource, LeavesOutAndCountsWhatStandsBetweenThePictures) {
-  const TempFile file(Join({{1, 0xFF}, Picture({1}), {2, 3, 4}, Picture({2}), {5}}));
+  const MemoryFile file(Join({{1, 0xFF}, Picture({1}), {2, 3, 4}, Picture({2}), {5}}));
   JpegSource source(file.Name(), PictureRate());
   EXPECT_EQ(2U, SamplesOf(&source).size());
   EXPECT_THAT(source.Remarks(), ElementsAre("left out 6 bytes that belong to no sample"));

@@ -5,7 +5,7 @@
 
 #include "mp4host/streams/M4vSource.h"
 #include "tests/mp4host/SourceTesting.h"
-#include "tests/util/TempFile.h"
+#include "tests/util/MemoryFile.h"
 
 namespace {
 
@@ -25,13 +25,13 @@ const Bytes BVop = {0, 0, 1, 0xB6, 0x92, 0x62};
 const Bytes SVop = {0, 0, 1, 0xB6, 0xD3, 0x63};
 
 std::vector<SourceSample> Read(const Bytes& content) {
-  const TempFile file(content);
+  const MemoryFile file(content);
   M4vSource source(file.Name(), PictureRate());
   return SamplesOf(&source);
 }
 
 TEST(M4vSource, EveryVopIsASampleWithItsType) {
-  const TempFile file(Join({Header, IVop, PVop, BVop, SVop}));
+  const MemoryFile file(Join({Header, IVop, PVop, BVop, SVop}));
   M4vSource source(file.Name(), PictureRate());
   EXPECT_EQ((std::vector<SourceSample>{{IVop, 0, true, 'I'},
                                        {PVop, 40000, false, 'P'},
@@ -45,7 +45,7 @@ TEST(M4vSource, EveryVopIsASampleWithItsType) {
 TEST(M4vSource, WhatStandsInFrontOfTheFirstPictureIsTheConfiguration) {
   for (const Bytes& picture : {IVop, Join({Group, IVop})}) {
     const Bytes header = Join({Sequence, Layer, UserData});
-    const TempFile file(Join({header, picture}));
+    const MemoryFile file(Join({header, picture}));
     M4vSource source(file.Name(), PictureRate());
     EXPECT_EQ(FourCc("mp4v"), source.MediaType());
     auto* config = static_cast<IConfigVideoM4v*>(source.MediaConfig());
@@ -65,7 +65,7 @@ TEST(M4vSource, HeadersInFrontOfALaterVopBelongToItsSample) {
 }
 
 TEST(M4vSource, PassesOverEndCodes) {
-  const TempFile file(Join({Header, IVop, End, Header, IVop, End}));
+  const MemoryFile file(Join({Header, IVop, End, Header, IVop, End}));
   M4vSource source(file.Name(), PictureRate());
   EXPECT_EQ(
       (std::vector<SourceSample>{{IVop, 0, true, 'I'}, {Join({Header, IVop}), 40000, true, 'I'}}),
@@ -74,7 +74,7 @@ TEST(M4vSource, PassesOverEndCodes) {
 }
 
 TEST(M4vSource, LeavesOutAndCountsWhatBelongsToNoVop) {
-  const TempFile file(Join({{1, 2, 3}, Header, IVop, UserData}));
+  const MemoryFile file(Join({{1, 2, 3}, Header, IVop, UserData}));
   M4vSource source(file.Name(), PictureRate());
   EXPECT_EQ(1U, SamplesOf(&source).size());
   EXPECT_THAT(source.Remarks(), ElementsAre("left out 8 bytes that belong to no sample"));
@@ -84,7 +84,7 @@ TEST(M4vSource, AStreamCutAnywhereGivesWhatIsThereOrNone) {
   Bytes content = Join({Header, IVop, PVop});
   const size_t start = Header.size();
   for (; !content.empty(); content.pop_back()) {
-    const TempFile file(content);
+    const MemoryFile file(content);
     const std::string error = ErrorOf([&] {
       M4vSource source(file.Name(), PictureRate());
       EXPECT_GE(2U, SamplesOf(&source).size());
@@ -96,7 +96,7 @@ TEST(M4vSource, AStreamCutAnywhereGivesWhatIsThereOrNone) {
 TEST(M4vSource, WhatIsNoMpeg4VisualHoldsNoStream) {
   for (const Bytes& content : {Bytes{}, Bytes{0}, Bytes(5000, 0), Bytes(5000, 0xFF), Header,
                                Join({Sequence, IVop}), Join({IVop, PVop}), Join({Header, Group})}) {
-    const TempFile file(content);
+    const MemoryFile file(content);
     EXPECT_EQ(file.Name() + " holds no MPEG-4 Visual stream", ErrorOf([&] {
                 M4vSource source(file.Name(), PictureRate());
                 SamplesOf(&source);

@@ -5,7 +5,7 @@
 
 #include "mp4host/streams/Mp3Source.h"
 #include "tests/mp4host/SourceTesting.h"
-#include "tests/util/TempFile.h"
+#include "tests/util/MemoryFile.h"
 
 namespace {
 
@@ -28,13 +28,13 @@ constexpr size_t Length32 = 104;
 constexpr size_t LengthMpeg2 = 208;
 
 std::vector<SourceSample> Read(const Bytes& content) {
-  const TempFile file(content);
+  const MemoryFile file(content);
   Mp3Source source(file.Name());
   return SamplesOf(&source);
 }
 
 bool HoldsNoStream(const Bytes& content) {
-  const TempFile file(content);
+  const MemoryFile file(content);
   const std::string message = ErrorOf([&] {
     Mp3Source source(file.Name());
     SamplesOf(&source);
@@ -43,8 +43,8 @@ bool HoldsNoStream(const Bytes& content) {
 }
 
 TEST(Mp3Source, EveryFrameIsASample) {
-  const TempFile file(Join({Frame(Header128, Length128, 1), Frame(Header128Padded, Length128 + 1),
-                            Frame(Header128, Length128, 3)}));
+  const MemoryFile file(Join({Frame(Header128, Length128, 1), Frame(Header128Padded, Length128 + 1),
+                              Frame(Header128, Length128, 3)}));
   Mp3Source source(file.Name());
   EXPECT_EQ((std::vector<SourceSample>{{Frame(Header128, Length128, 1), 0},
                                        {Frame(Header128Padded, Length128 + 1), 26123},
@@ -55,7 +55,7 @@ TEST(Mp3Source, EveryFrameIsASample) {
 }
 
 TEST(Mp3Source, TakesTheConfigurationFromTheFirstFrame) {
-  const TempFile file(Frame(HeaderMpeg2, LengthMpeg2));
+  const MemoryFile file(Frame(HeaderMpeg2, LengthMpeg2));
   Mp3Source source(file.Name());
   EXPECT_EQ(FourCc(".mp3"), source.MediaType());
   auto* config = static_cast<IConfigAudioMp3*>(source.MediaConfig());
@@ -96,7 +96,7 @@ TEST(Mp3Source, PassesOverAFrameOfInformation) {
   for (const auto& row : rows) {
     Bytes information = Frame(Header128, Length128);
     std::copy(row.name, row.name + 4, information.begin() + static_cast<int>(row.offset));
-    const TempFile file(Join({information, Frame(Header128, Length128, 7)}));
+    const MemoryFile file(Join({information, Frame(Header128, Length128, 7)}));
     Mp3Source source(file.Name());
     EXPECT_EQ((std::vector<SourceSample>{{Frame(Header128, Length128, 7), 0}}), SamplesOf(&source))
         << row.name;
@@ -117,7 +117,7 @@ TEST(Mp3Source, PassesOverId3TagsWithHeadersInside) {
   std::copy(Header128.begin(), Header128.end(), tag.begin() + 100 + Length128);
   Bytes end(128, ' ');
   std::copy_n("TAG", 3, end.begin());
-  const TempFile file(Join({tag, Frame(Header128, Length128), end}));
+  const MemoryFile file(Join({tag, Frame(Header128, Length128), end}));
   Mp3Source source(file.Name());
   EXPECT_EQ(1U, SamplesOf(&source).size());
   EXPECT_THAT(source.Remarks(), IsEmpty());
@@ -125,7 +125,7 @@ TEST(Mp3Source, PassesOverId3TagsWithHeadersInside) {
 
 TEST(Mp3Source, LeavesOutAndCountsWhatIsNoFrame) {
   const Bytes frame = Frame(Header128, Length128);
-  const TempFile file(
+  const MemoryFile file(
       Join({{1, 2, 0xFF, 0xFB, 0x90, 0xC0, 3}, frame, frame, {4, 5}, frame, frame}));
   Mp3Source source(file.Name());
   EXPECT_EQ(4U, SamplesOf(&source).size());

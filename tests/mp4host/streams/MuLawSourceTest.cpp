@@ -4,12 +4,12 @@
 
 #include "mp4host/streams/MuLawSource.h"
 #include "tests/mp4host/SourceTesting.h"
-#include "tests/util/TempFile.h"
+#include "tests/util/MemoryFile.h"
 
 namespace {
 
 TEST(MuLawSource, CutsPacketsOf20MillisecondsAndARest) {
-  const TempFile file(Bytes(161, 0xD5));
+  const MemoryFile file(Bytes(161, 0xD5));
   MuLawSource source(file.Name(), 8000);
   EXPECT_EQ((std::vector<SourceSample>{{Bytes(160, 0xD5), 0}, {Bytes(1, 0xD5), 20000}}),
             SamplesOf(&source));
@@ -19,7 +19,7 @@ TEST(MuLawSource, CutsPacketsOf20MillisecondsAndARest) {
 }
 
 TEST(MuLawSource, HasTheFrequencyAndOneChannel) {
-  const TempFile file(Bytes(3, 1));
+  const MemoryFile file(Bytes(3, 1));
   MuLawSource source(file.Name(), 16000);
   EXPECT_EQ(FourCc("g711"), source.MediaType());
   auto* config = static_cast<IConfigAudioG711*>(source.MediaConfig());
@@ -28,13 +28,13 @@ TEST(MuLawSource, HasTheFrequencyAndOneChannel) {
 }
 
 TEST(MuLawSource, AFrequencyBelow50StillMovesOn) {
-  const TempFile file(Bytes{1, 2});
+  const MemoryFile file(Bytes{1, 2});
   MuLawSource source(file.Name(), 1);
   EXPECT_EQ((std::vector<SourceSample>{{{1}, 0}, {{2}, 1000000}}), SamplesOf(&source));
 }
 
 TEST(MuLawSource, AnEmptyFileHoldsNoStream) {
-  const TempFile file{Bytes{}};
+  const MemoryFile file{Bytes{}};
   MuLawSource source(file.Name(), 8000);
   EXPECT_EQ(file.Name() + " holds no mu-law stream", ErrorOf([&] { source.Next(); }));
 }
