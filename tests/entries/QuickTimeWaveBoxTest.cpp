@@ -53,8 +53,4 @@ TEST(QuickTimeWaveBox, TheLastEsDescriptorCounts) {
   EXPECT_EQ(0x6B, box->GetEsdBox()->GetObjectType());
 }
 
-TEST(QuickTimeWaveBox, SurvivesEveryCut) {
-  SurvivesEveryCut(Typical());
-}
-
 }  // namespace

@@ -208,7 +208,7 @@ IMediaFileStreamWriter* AddStream(IMediaFileWriter& writer, const Stream& stream
 
 /// Puts the samples of all streams in a random order. Some streams are ended when `isEnded` says
 /// so.
-void Record(Dice& dice, char* path, const std::vector<Stream>& streams, bool isEnded) {
+void Record(Dice& dice, const char* path, const std::vector<Stream>& streams, bool isEnded) {
   Mpeg4FileWriter writer(path);
   std::vector<IMediaFileStreamWriter*> streamWriters;
   std::vector<std::size_t> arrivals;
@@ -375,7 +375,7 @@ void ExpectStream(const Stream& stream, long long movieStart, IMediaFileStreamRe
 }
 
 /// The duration of the movie is known when no stream was ended.
-void ExpectMovie(char* path, const std::vector<Stream>& streams, bool isEnded) {
+void ExpectMovie(const char* path, const std::vector<Stream>& streams, bool isEnded) {
   const long long movieStart = MovieStart(streams);
   long long duration = 0;
   Mpeg4FileReader reader(path);

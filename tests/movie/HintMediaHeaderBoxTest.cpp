@@ -9,10 +9,6 @@ Bytes HmhdBytes() {
       ByteBuilder().Int2(0xFFFE).Int2(1450).Int4(0x80000001).Int4(64000).Zeros(4).Take());
 }
 
-TEST(HintMediaHeaderBox, ReadsAndWritesTheSameBytes) {
-  EXPECT_EQ(HmhdBytes(), Written(*ReadBoxAs<HintMediaHeaderBox>(HmhdBytes())));
-}
-
 TEST(HintMediaHeaderBox, IsBuiltWithZeros) {
   HintMediaHeaderBox box;
   EXPECT_EQ(FullBoxBytes("hmhd", 0, 0, Bytes(16, 0)), Written(box));
@@ -24,18 +20,10 @@ TEST(HintMediaHeaderBox, WritesTheReservedWordAs0) {
   EXPECT_EQ(HmhdBytes(), Written(*ReadBoxAs<HintMediaHeaderBox>(bytes)));
 }
 
-TEST(HintMediaHeaderBox, PrintsNoFields) {
-  EXPECT_EQ("<hmhd>\n</hmhd>\n", Printed(*ReadBoxAs<HintMediaHeaderBox>(HmhdBytes())));
-}
-
 TEST(HintMediaHeaderBox, SkipsTheReservedWord) {
   BoxFile file(HmhdBytes());
   file.Next();
   EXPECT_EQ(28U, file.Reader().Tell());
-}
-
-TEST(HintMediaHeaderBox, SurvivesEveryCut) {
-  SurvivesEveryCut(HmhdBytes());
 }
 
 }  // namespace

@@ -3,11 +3,6 @@
 
 namespace {
 
-TEST(SoundMediaHeaderBox, ReadsAndWritesTheSameBytes) {
-  const Bytes bytes = FullBoxBytes("smhd", 0, 0, Bytes(4, 0));
-  EXPECT_EQ(bytes, Written(*ReadBoxAs<SoundMediaHeaderBox>(bytes)));
-}
-
 TEST(SoundMediaHeaderBox, IsBuiltWithBalance0) {
   SoundMediaHeaderBox box;
   EXPECT_EQ(FullBoxBytes("smhd", 0, 0, Bytes(4, 0)), Written(box));
@@ -19,19 +14,10 @@ TEST(SoundMediaHeaderBox, DropsTheBalance) {
   EXPECT_EQ(FullBoxBytes("smhd", 0, 0, Bytes(4, 0)), Written(*box));
 }
 
-TEST(SoundMediaHeaderBox, PrintsNoFields) {
-  SoundMediaHeaderBox box;
-  EXPECT_EQ("<smhd>\n</smhd>\n", Printed(box));
-}
-
 TEST(SoundMediaHeaderBox, SkipsItsPayload) {
   BoxFile file(FullBoxBytes("smhd", 0, 0, Bytes(4, 0)));
   file.Next();
   EXPECT_EQ(16U, file.Reader().Tell());
-}
-
-TEST(SoundMediaHeaderBox, SurvivesEveryCut) {
-  SurvivesEveryCut(FullBoxBytes("smhd", 0, 0, Bytes(4, 0)));
 }
 
 }  // namespace

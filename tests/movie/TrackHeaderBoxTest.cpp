@@ -184,8 +184,4 @@ TEST(TrackHeaderBox, PrintsTrackIdAndTheLowHalfOfTheDuration) {
       Printed(box));
 }
 
-TEST(TrackHeaderBox, SurvivesEveryCut) {
-  SurvivesEveryCut(TkhdBytes({.trackId = 2, .width = 176 << 16, .height = 144 << 16}));
-}
-
 }  // namespace

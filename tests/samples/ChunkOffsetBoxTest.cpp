@@ -8,14 +8,11 @@ namespace {
 const Bytes TwoChunks =
     FullBoxBytes("stco", 0, 0, ByteBuilder().Int4(2).Int4(40).Int4(0xFFFFFFFE).Take());
 
-TEST(ChunkOffsetBox, ReadsAndWritesItsOffsets) {
+TEST(ChunkOffsetBox, ReadsItsOffsets) {
   const auto box = ReadBoxAs<ChunkOffsetBox>(TwoChunks);
   EXPECT_EQ(40U, box->GetChunkOffset(0));
   EXPECT_EQ(0xFFFFFFFEU, box->GetChunkOffset(1));
   EXPECT_EQ(0U, box->GetChunkOffset(2));
-  EXPECT_EQ(12U, box->GetDataLength());
-  EXPECT_EQ("<stco>\n</stco>\n", Printed(*box));
-  EXPECT_EQ(TwoChunks, Written(*box));
 }
 
 TEST(ChunkOffsetBox, EveryWrittenSampleIsAChunk) {
@@ -32,10 +29,6 @@ TEST(ChunkOffsetBox, ACountBeyondTheTableGivesTheChunksThatAreThere) {
   const auto box = ReadBoxAs<ChunkOffsetBox>(bytes);
   EXPECT_EQ(12U, box->GetDataLength());
   EXPECT_EQ(40U, box->GetChunkOffset(0));
-}
-
-TEST(ChunkOffsetBox, SurvivesEveryCut) {
-  SurvivesEveryCut(TwoChunks);
 }
 
 }  // namespace

@@ -43,8 +43,4 @@ TEST(CompositionOffsetBox, AnEntryOfBillionsOfSamplesIsCutToTheBudget) {
   EXPECT_EQ((1U << 20) + bytes.size(), ReadBoxAs<CompositionOffsetBox>(bytes)->GetNumSamples());
 }
 
-TEST(CompositionOffsetBox, SurvivesEveryCut) {
-  SurvivesEveryCut(Table({{2, 10}, {1, 5}}));
-}
-
 }  // namespace

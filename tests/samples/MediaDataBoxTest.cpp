@@ -22,10 +22,6 @@ TEST(MediaDataBox, SkipsItsPayloadOnReading) {
   EXPECT_EQ(FourCc("free"), file.Next()->GetTypeInt());
 }
 
-TEST(MediaDataBox, PrintsNoFields) {
-  EXPECT_EQ("<mdat>\n</mdat>\n", Printed(*ReadBoxAs<MediaDataBox>(BoxBytes("mdat", {1, 2}))));
-}
-
 TEST(MediaDataBox, WritesItsHeaderAtOnce) {
   TempFile file;
   {

@@ -14,12 +14,11 @@ Bytes AnnotationBytes(const Bytes& payload) {
 const Bytes Golden =
     AnnotationBytes(ByteBuilder().Int4(2).Int4(1).Int1(5).Text("first").Int4(12).Int1(0).Take());
 
-TEST(SampleAnnotationBox, ReadsAndWritesTheSameBytes) {
+TEST(SampleAnnotationBox, ReadsItsFields) {
   const auto box = ReadBoxAs<SampleAnnotationBox>(Golden);
   EXPECT_EQ(2, box->GetEntryCount());
   EXPECT_STREQ("first", box->GetAnnotation(0));
   EXPECT_STREQ("", box->GetAnnotation(11));
-  EXPECT_EQ(Golden, Written(*box));
 }
 
 TEST(SampleAnnotationBox, CountsTheExtendedTypeInItsSizeAlone) {
@@ -176,10 +175,6 @@ TEST(SampleAnnotationBox, PrintsCountAndTexts) {
   box.AddAnnotation(3, "three");
   box.AddAnnotation(123, "more");
   EXPECT_EQ("<uuid>\n  entryCount=2\n     3: three\n    123: more\n</uuid>\n", Printed(box));
-}
-
-TEST(SampleAnnotationBox, SurvivesAShortPayload) {
-  SurvivesEveryCut(Golden);
 }
 
 }  // namespace

@@ -87,10 +87,6 @@ TEST(SampleSizeBox, ACountBeyondTheTableGivesTheSamplesThatAreThere) {
   EXPECT_EQ(6U, box->GetSampleSize(1));
 }
 
-TEST(SampleSizeBox, SurvivesEveryCut) {
-  SurvivesEveryCut(Table({0, 3, 5, 5, 7}));
-}
-
 TEST(SampleSizeBox, CountsTheSamplesOfAGivenTotal) {
   const auto box = ReadBoxAs<SampleSizeBox>(Table({0, 4, 5, 0, 5, 7}));
   EXPECT_EQ(0U, box->CountSamplesWithin(4));

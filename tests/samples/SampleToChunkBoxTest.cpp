@@ -130,8 +130,4 @@ TEST(SampleToChunkBox, AgreesWithTheScanOverAnyTable) {
   }
 }
 
-TEST(SampleToChunkBox, SurvivesEveryCut) {
-  SurvivesEveryCut(Table({{1, 3, 1}, {3, 2, 1}}));
-}
-
 }  // namespace

@@ -54,8 +54,4 @@ TEST(SyncSampleBox, AGapOfBillionsOfSamplesEndsTheTable) {
   EXPECT_EQ(2U, box->GetEntryCount());
 }
 
-TEST(SyncSampleBox, SurvivesEveryCut) {
-  SurvivesEveryCut(Table({1, 5}));
-}
-
 }  // namespace

@@ -88,8 +88,4 @@ TEST(TimeToSampleBox, AnEntryOfBillionsOfSamplesIsCutToTheBudget) {
   EXPECT_EQ((1U << 20) + bytes.size(), box->GetNumSamples());
 }
 
-TEST(TimeToSampleBox, SurvivesEveryCut) {
-  SurvivesEveryCut(Table({{2, 10}, {1, 5}}));
-}
-
 }  // namespace

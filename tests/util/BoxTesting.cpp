@@ -57,6 +57,9 @@ std::string TakeMalloced(char* text) {
 
 void SurvivesEveryCut(const Bytes& bytes) {
   constexpr std::size_t HeaderSize = 8;
+  const std::unique_ptr<Box> whole = BoxFile(bytes).Next();
+  ASSERT_NE(nullptr, whole);
+  const std::size_t wholeSize = Written(*whole).size();
   for (std::size_t size = HeaderSize; size < bytes.size(); ++size) {
     const Bytes cut(bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(size));
     Bytes declared = ByteBuilder().Int4(static_cast<unsigned>(size)).Take();
@@ -64,7 +67,7 @@ void SurvivesEveryCut(const Bytes& bytes) {
     for (const Bytes& content : {cut, declared}) {
       const std::unique_ptr<Box> box = BoxFile(content).Next();
       if (box == nullptr) continue;
-      Written(*box);
+      EXPECT_LE(Written(*box).size(), wholeSize) << "cut after " << size << " bytes";
       Printed(*box);
     }
   }

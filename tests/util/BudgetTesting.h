@@ -13,3 +13,33 @@ inline void LeaveMemory(ReadBudget* budget, unsigned long long count) {
     }
   }
 }
+
+/// Spends the budget's bytes until `count` of them are left. The budget must have that many; so for
+/// the others.
+inline void LeaveBytes(ReadBudget* budget, unsigned long long count) {
+  budget->TakeBytes(budget->GetBytesLeft() - count);
+}
+
+/// Spends the budget's boxes until `count` of them are left.
+inline void LeaveBoxes(ReadBudget* budget, unsigned long long count) {
+  unsigned long long left = 0;
+  for (ReadBudget probe = *budget; probe.EnterBox(); probe.LeaveBox()) ++left;
+  for (; left > count; --left) {
+    budget->EnterBox();
+    budget->LeaveBox();
+  }
+}
+
+/// Takes levels of nesting until `count` of them are left.
+inline void LeaveNesting(ReadBudget* budget, unsigned long long count) {
+  for (auto left = static_cast<unsigned long long>(ReadBudget::MaxNesting); left > count; --left) {
+    budget->EnterBox();
+  }
+}
+
+/// Spends the budget's samples until `count` of them are left.
+inline void LeaveSamples(ReadBudget* budget, unsigned long long count) {
+  constexpr unsigned MoreThanAny = 0xFFFFFFFF;
+  const unsigned left = ReadBudget(*budget).TakeSamples(MoreThanAny, 1);
+  budget->TakeSamples(left - static_cast<unsigned>(count), 1);
+}

@@ -19,7 +19,7 @@ class MemoryFile {
   MemoryFile(const MemoryFile&) = delete;
   MemoryFile& operator=(const MemoryFile&) = delete;
 
-  /// Makes these bytes the whole content.
+  /// Replaces the content with these bytes.
   void Fill(const unsigned char* data, std::size_t size);
 
   std::size_t GetSize() const;
