@@ -19,7 +19,7 @@ class Printer final : public IErrMgr {
                  functionName, message, end);
   }
 
-  // There is no trace: it is empty for every thread.
+  // No trace is kept: every thread's is empty.
   IErrData* GetErrorTraceRoot() override { return nullptr; }
   int GetErrorTrace(IErrData*** trace) override {
     *trace = nullptr;

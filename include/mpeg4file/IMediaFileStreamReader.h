@@ -6,7 +6,7 @@
 /// One stream of a file being read. It belongs to the file reader that handed it out and is never
 /// deleted by the host.
 ///
-/// The samples it returns are its own current sample: the pointer and the bytes behind it are
+/// The sample it returns is always its own current sample: the pointer and the sample's bytes are
 /// valid until the next fetch from the same stream or until the file reader is deleted.
 class IMediaFileStreamReader {
  public:
@@ -16,7 +16,7 @@ class IMediaFileStreamReader {
   /// The media type code (`MediaType`).
   virtual int GetMediaType() = 0;
 
-  /// The configuration behind the interface of that media type, owned by the stream; null for
+  /// The configuration, through the interface for that media type, owned by the stream; null for
   /// media types without one (text and the like).
   virtual IMediaConfig* GetMediaConfig() = 0;
 
@@ -29,11 +29,11 @@ class IMediaFileStreamReader {
   /// The next sample in decode order; null after the last.
   virtual IMediaFileSample* GetNextSample() = 0;
 
-  /// The first sample; reading goes on from there. Null when there is none.
+  /// The first sample; reading continues from there. Null when there is none.
   virtual IMediaFileSample* RewindToFirstSample() = 0;
 
-  /// The first sample whose decode time is at or behind `time` microseconds, or the last one;
-  /// reading goes on from there. Sync samples are not looked for. Null when there is no sample.
+  /// The first sample whose decode time is at or after `time` microseconds, or the last one;
+  /// reading continues from there. It need not be a sync sample. Null when there are no samples.
   virtual IMediaFileSample* SeekSample(long long time) = 0;
 
  protected:

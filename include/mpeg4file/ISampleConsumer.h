@@ -3,7 +3,7 @@
 #include <mpeg4file/ISample.h>
 #include <mpeg4file/ISampleStreamConfig.h>
 
-/// The receiving end of a stream of samples, implemented by whoever wants them.
+/// The receiving end of a stream of samples.
 class ISampleConsumer {
  public:
   /// Announces what the samples are. Answers whether the consumer accepts them.

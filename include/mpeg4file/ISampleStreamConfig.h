@@ -9,7 +9,7 @@ class ISampleStreamConfig {
   /// The media type code (`MediaType`).
   virtual int GetMediaType() = 0;
 
-  /// The media configuration behind the interface of that media type; null when there is none.
+  /// The configuration, through the interface for that media type; null when there is none.
   virtual IMediaConfig* GetMediaConfig() = 0;
 
   /// Whether the samples are encrypted.

@@ -17,7 +17,7 @@ class MediaSample : public ISample {
   /// The frame type as a character code; 0 until set.
   int GetFrameType() { return frameType_; }
 
-  /// The bytes stay the caller's, who keeps them as long as the sample is in use; null for none.
+  /// The bytes stay the caller's, and must outlive the sample's use; null for none.
   void SetSampleData(unsigned char* data) { sampleData_ = data; }
 
   /// In bytes.

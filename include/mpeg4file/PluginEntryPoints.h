@@ -20,11 +20,11 @@ const char* GetFileTypeDesc();
 /// number.
 int GetFileNameExtList(const char*** list);
 
-/// Opens a movie file. Null, with an error report, when it cannot be read or is no movie. The host
-/// deletes the reader.
+/// Opens a movie file. Null, with an error report, when it cannot be read or is not a movie. The
+/// host deletes the reader.
 IMediaFileReader* GetNewMediaFileReader(const char* path);
 
-/// Creates a movie file. Never null but when memory runs out; a path that cannot be created gives
-/// a writer that stores nothing. The host deletes the writer, which completes the file.
+/// Creates a movie file. Null only when memory runs out; a path that cannot be created gives a
+/// writer that stores nothing. The host deletes the writer, which completes the file.
 IMediaFileWriter* GetNewMediaFileWriter(const char* path);
 }

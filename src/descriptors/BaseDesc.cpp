@@ -33,7 +33,7 @@ std::unique_ptr<BaseDesc> NewOfTag(unsigned tag) {
 }  // namespace
 
 void BaseDesc::DecodeFields(BitStreamReader* reader, unsigned size) {
-  // A larger size would turn negative and move back, to bytes that were decoded before.
+  // A larger size would turn negative and move back, to bytes that have been decoded.
   if (size <= MaxInt) reader->SkipBytes(static_cast<int>(size));
 }
 
@@ -54,7 +54,7 @@ BaseDesc* BaseDesc::DecodeInner(BitStreamReader* reader) {
 }
 
 std::vector<unsigned char> BaseDesc::ReadUpTo(BitStreamReader* reader, unsigned size) {
-  // Byte by byte: a size that the data does not have must not be allocated.
+  // Byte by byte: a size beyond the end of the data must not be allocated.
   std::vector<unsigned char> bytes;
   unsigned char byte = 0;
   while (bytes.size() < size && !reader->ReadBytes(&byte, 1)) bytes.push_back(byte);

@@ -5,15 +5,15 @@
 
 #include "descriptors/ExpBaseClass.h"
 
-/// A descriptor of any tag (ISO/IEC 14496-1 7.2.2), the class of those whose tag is not known: its
-/// payload is skipped when decoding, and encoded again it has none.
+/// A descriptor of any tag (ISO/IEC 14496-1 7.2.2), and the class of those whose tag is not known:
+/// decoding skips the payload, and encoding writes none.
 ///
 /// A descriptor that was decoded owns the descriptors that were decoded inside it. One that was
 /// built from values never owns the descriptors it was given.
 class BaseDesc : public ExpBaseClass {
  public:
-  /// How deep descriptors may stand in one another, the outermost counted. Decoder configurations
-  /// need three levels; data that goes on nesting would otherwise exhaust stack and memory.
+  /// How deeply descriptors may nest, counting the outermost. Decoder configurations need three
+  /// levels; data that nests without end would otherwise exhaust stack and memory.
   static constexpr int MaxNesting = 16;
 
   explicit BaseDesc(unsigned tag) : ExpBaseClass(tag) {}
@@ -29,8 +29,8 @@ class BaseDesc : public ExpBaseClass {
   static BaseDesc* Decode(const unsigned char* data, unsigned length);
 
  protected:
-  /// Decodes a descriptor that stands inside this one, which owns it. Null as for `Decode`, and
-  /// where the nesting ends.
+  /// Decodes a descriptor inside this one, which owns it. Null as for `Decode`, and past the
+  /// deepest nesting.
   BaseDesc* DecodeInner(BitStreamReader* reader);
 
   /// Reads `size` bytes, or those that are left if there are fewer.

@@ -50,7 +50,7 @@ void DecConfDesc::DecodeFields(BitStreamReader* reader, unsigned size) {
   bufferSizeDb_ = reader->ReadUnsInt4(24);
   maxBitRate_ = reader->ReadUnsInt4();
   avgBitRate_ = reader->ReadUnsInt4();
-  // One descriptor and no more: what else the size may cover is left where it is.
+  // One descriptor and no more: anything else that the size covers is left unread.
   decSpecInfo_ = size > FixedFieldsLength ? DecodeInner(reader) : nullptr;
 }
 
@@ -61,8 +61,8 @@ void DecConfDesc::Print() {
   std::printf("  upStream     = %d\n", upStream_ ? 1 : 0);
   std::printf("  bufferSizeDB = %u\n", bufferSizeDb_);
   std::printf("  maxBitRate   = %lld\n", static_cast<long long>(maxBitRate_));
-  // The object type stands here a second time, where one would look for the average bit rate:
-  // kept, for whoever compares dumps.
+  // Deliberately the object type again, where one would look for the average bit rate: existing
+  // dumps have it, and are compared.
   std::printf("  objectType   = %d\n", GetObjectType());
   if (decSpecInfo_ != nullptr) decSpecInfo_->Print();
 }

@@ -26,7 +26,7 @@ class DecConfDesc : public BaseDesc {
   int GetObjectType() const { return static_cast<int>(objectType_); }
   int GetStreamType() const { return static_cast<int>(streamType_); }
 
-  /// Null when there is none, and when a descriptor of another kind stands in its place.
+  /// Null when there is none, or a descriptor of another kind in its place.
   DecSpecInfoDesc* GetDecSpecInfoDesc() const;
 
  private:

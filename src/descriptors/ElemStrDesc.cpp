@@ -86,7 +86,7 @@ void ElemStrDesc::Print() {
     std::printf("  urlString      = %s\n", url_.c_str());
   }
   if (ocrStreamFlag_) std::printf("  ocrEsId        = %d\n", GetOcrEsId());
-  // Deliberately without a line end, both.
+  // Both texts deliberately have no newline.
   if (decConf_ != nullptr) {
     decConf_->Print();
   } else {

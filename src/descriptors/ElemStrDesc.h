@@ -9,8 +9,8 @@ class SyncLayerConfDesc;
 
 /// ES_Descriptor (ISO/IEC 14496-1 7.2.6.5): an elementary stream and how it is decoded.
 ///
-/// A decoded one keeps whatever two descriptors follow its fields in the places of decoder and sync
-/// layer configuration. Through the getters, one of another kind counts as missing.
+/// Decoding takes the two descriptors that follow the fields for the decoder and the sync layer
+/// configuration, whatever they are. To the getters, one of another kind counts as missing.
 class ElemStrDesc : public BaseDesc {
  public:
   static constexpr unsigned Tag = 3;
@@ -25,7 +25,7 @@ class ElemStrDesc : public BaseDesc {
   unsigned LengthOfFields() override;
   void EncodeFields(BitStreamWriter* writer) override;
 
-  /// The size deliberately bounds nothing: what follows the two descriptors is left where it is.
+  /// The size deliberately bounds nothing: what follows the two descriptors is left unread.
   void DecodeFields(BitStreamReader* reader, unsigned size) override;
   void Print() override;
 

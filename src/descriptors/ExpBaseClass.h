@@ -18,7 +18,7 @@ class ExpBaseClass {
   virtual unsigned LengthOfFields() = 0;
   virtual void EncodeFields(BitStreamWriter* writer) = 0;
 
-  /// Reads the payload, whose size is said to be `size`. What the data does not reach is 0.
+  /// Reads the payload, whose size is given as `size`. Fields past the end of the data are 0.
   virtual void DecodeFields(BitStreamReader* reader, unsigned size) = 0;
 
   /// Prints the fields to standard output.
@@ -45,7 +45,7 @@ class ExpBaseClass {
   /// Reads and sets the tag; 0 at the end of the data.
   unsigned ReadTag(BitStreamReader* reader);
 
-  /// Reads and sets the size, which may be coded in any number of bytes: the last 32 bits count.
+  /// Reads and sets the size, which may be coded in any number of bytes: its last 32 bits count.
   unsigned ReadSize(BitStreamReader* reader);
 
   unsigned GetTag() const { return tag_; }

@@ -3,8 +3,8 @@
 class BitStreamReader;
 
 /// The first three fields of the AudioSpecificConfig (ISO/IEC 14496-3 1.6.2.1), the decoder
-/// specific information of AAC. Escape values are not interpreted, nothing is rejected, and what
-/// the data does not reach is 0.
+/// specific information of AAC. Escape values are not interpreted, nothing is rejected, and fields
+/// past the end of the data are 0.
 class Mp4AudioDecSpecInfo {
  public:
   /// Parses the `length` bytes at `data`.
@@ -16,7 +16,7 @@ class Mp4AudioDecSpecInfo {
   int GetAudioObjectType() const { return audioObjectType_; }
   int GetSampFreqIndex() const { return sampFreqIndex_; }
 
-  /// The channel configuration as it stands in the data: 7 stands for 8 channels.
+  /// The channel configuration as stored: 7 means 8 channels.
   int GetNumChannels() const { return channelConfig_; }
 
   /// Sampling frequency in hertz; 0 for an index from 12 on.

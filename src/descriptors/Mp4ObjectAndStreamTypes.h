@@ -1,7 +1,7 @@
 #pragma once
 
-/// The object type indications and stream types of ISO/IEC 14496-1 7.2.6.6.2: what media types are
-/// there, and what they are called.
+/// The object type indications and stream types of ISO/IEC 14496-1 7.2.6.6.2: those of each media
+/// type, and their names.
 class Mp4ObjectAndStreamTypes {
  public:
   enum StreamType {

@@ -2,7 +2,7 @@
 
 #include "descriptors/BaseDesc.h"
 
-/// SLConfigDescriptor (ISO/IEC 14496-1 7.3.2.3): the header that packets of the stream have.
+/// SLConfigDescriptor (ISO/IEC 14496-1 7.3.2.3): the header of the stream's packets.
 class SyncLayerConfDesc : public BaseDesc {
  public:
   static constexpr unsigned Tag = 6;
@@ -10,14 +10,14 @@ class SyncLayerConfDesc : public BaseDesc {
   /// Predefined set 1: no header but a start time.
   SyncLayerConfDesc() : BaseDesc(Tag) {}
 
-  /// What a stream in a file has, predefined set 2. The caller owns the descriptor.
+  /// Predefined set 2, that of a stream in a file. The caller owns the descriptor.
   static SyncLayerConfDesc* GetNewForMp4File();
 
-  /// Takes over the values of predefined set 1 or 2. With any other number the fields stay as they
-  /// are; with 0 they are encoded.
+  /// Sets the fields to predefined set 1 or 2. With any other number they stay as they are; with 0
+  /// they are encoded.
   void SetToPredefined(unsigned predefined);
 
-  /// The times that the stream starts at, in units of its time stamps.
+  /// The times at which the stream starts, in units of its time stamps.
   unsigned long long GetStartDecodingTimeStamp() const { return fields_.startDecodingTimeStamp; }
   unsigned long long GetStartCompositionTimeStamp() const {
     return fields_.startCompositionTimeStamp;

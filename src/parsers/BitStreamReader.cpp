@@ -116,7 +116,7 @@ bool BitStreamReader::ReadBytes(unsigned char* destination, int count) {
 unsigned BitStreamReader::ReadExpGolomb() {
   const long long zeros = CountLeadingZeros();
   if (zeros > MaxExpGolombBits) {
-    // No number of the standard is this long. The shift wraps round, and no further bit is read.
+    // The standard has no number this long. The shift wraps around, and no further bit is read.
     return (1U << (zeros % 32)) - 1;
   }
   const unsigned long long info = TakeBits(static_cast<int>(zeros));

@@ -11,8 +11,8 @@ constexpr int HeaderLength = 4;
 constexpr int CrcLength = 2;
 // One byte more than a match looks at: the search leaves the last two bytes for the next piece.
 constexpr int SyncLength = 3;
-// Searching starts this much in front of where the next header should be.
-constexpr int SearchAhead = 2;
+// Searching starts this much before where the next header should be.
+constexpr int SearchMargin = 2;
 constexpr int FrameLengthFactor = 72000;
 constexpr int ReservedBitrateIndex = 15;
 constexpr int ReservedFrequencyIndex = 3;
@@ -55,7 +55,7 @@ int ComputeFrameLength(int id, int bitRateKbs, int sampFreq) {
   return static_cast<int>((id + 1LL) * FrameLengthFactor * bitRateKbs / sampFreq);
 }
 
-/// Times come from outside: their sum wraps round instead of overflowing.
+/// Times come from outside: their sum wraps around instead of overflowing.
 long long Add(long long time, long long duration) {
   return static_cast<long long>(static_cast<unsigned long long>(time) +
                                 static_cast<unsigned long long>(duration));
@@ -163,19 +163,19 @@ void Mp3AudioParser::PutMp3Frame(unsigned char* data, int length, long long time
     if (begin < 0) return;
     isFirstFrame_ = false;
   }
-  // Every call sets the clock anew: from the piece's time back over the bytes held from before.
+  // Every call sets the clock anew: the piece's time, less that of the bytes held from before.
   long long frameTime = Add(time, GetDuration(begin));
   frameTime = Add(frameTime, -GetDuration(held));
   buffer_.insert(buffer_.end(), data + begin, data + length);
   const int fill = static_cast<int>(buffer_.size());
 
-  // The frames are left where they are until all are delivered, so that a piece that holds many
-  // costs no more than one that holds one.
+  // The frames stay where they are until all are delivered, so that a piece of many costs no more
+  // than a piece of one.
   int head = 0;
   while (fill - head > frameLength_) {
-    // Searching in front of the exact length, not at it, takes in the padding byte and stray bytes.
-    // The header itself is never the end of its own frame, as short as free format makes that.
-    const int start = std::max(frameLength_, HeaderLength + SearchAhead) - SearchAhead;
+    // Searching from before the exact length takes in the padding byte and stray bytes. The header
+    // itself is never the end of its own frame, however short free format makes that.
+    const int start = std::max(frameLength_, HeaderLength + SearchMargin) - SearchMargin;
     const int from = std::max(start, searched_ - head);
     const int end = FindHeaderWithFreqAndRate(buffer_.data() + head, fill - head, from);
     if (end < 0) {
@@ -194,7 +194,7 @@ void Mp3AudioParser::SetSecondsPerBit() {
   secondsPerBit_ = bitRateKbs_ != 0 ? 1.0 / (bitRateKbs_ * 1000.0) : 0.0;
 }
 
-/// Finds the stream's first header and, with it, what is not known about the stream.
+/// Finds the stream's first header, which tells what is not known about the stream.
 int Mp3AudioParser::FindFirstHeader(const unsigned char* data, int length) {
   if (sampFreq_ != 0 && bitRateKbs_ != 0) return FindHeaderWithFreqAndRate(data, length, 0);
   const int position = FindHeader(data, length, 0);

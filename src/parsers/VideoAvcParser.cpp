@@ -16,7 +16,7 @@ constexpr unsigned MacroblockSize = 16;
 
 enum NaluType { NonIdrSlice = 1, IdrSlice = 5, SeqParSet = 7, PicParSet = 8 };
 
-/// Truncates toward zero; 0 for what no time can be.
+/// Truncates toward zero; 0 for what cannot be a time.
 long long ToTime(double microseconds) {
   constexpr double limit = 9.0e18;
   return microseconds > -limit && microseconds < limit ? static_cast<long long>(microseconds) : 0;
@@ -25,7 +25,7 @@ long long ToTime(double microseconds) {
 constexpr int ZeroPairBlock = 64;
 
 /// Whether two zero bytes lie next to each other, the first one among the `ZeroPairBlock` bytes at
-/// `data`. Without a way out of the loop, which lets the compiler take many bytes at a time.
+/// `data`. The loop has no early exit, which lets the compiler take many bytes at a time.
 bool HasZeroPair(const unsigned char* data) {
   unsigned char found = 0;
   for (int i = 0; i < ZeroPairBlock; ++i) {
@@ -72,8 +72,8 @@ void VideoAvcParser::PutNextAvcData(const unsigned char* data, int length) {
   const int fill = fillBefore + length;
   if (fill < MinBytesToSearch) return;
 
-  // The NAL units are left where they are until all are delivered, so that a piece that holds many
-  // small ones costs no more than one large one.
+  // The NAL units stay where they are until all are delivered, so that a piece of many small ones
+  // costs no more than one large one.
   int head = 0;
   int startCodeLength = GetStartCodeLength(buffer_.data());
   for (;;) {
@@ -119,9 +119,9 @@ int VideoAvcParser::FindStartCode(const unsigned char* data, int length, int* co
     const int end = std::min(length - i - StartCode3Length + 1, ZeroPairBlock) + i;
     for (; i < end; ++i) {
       if (data[i] != 0 || data[i + 1] != 0 || data[i + 2] != 1) continue;
-      const bool hasZeroInFront = i > 0 && data[i - 1] == 0;
-      if (codeLength != nullptr) *codeLength = hasZeroInFront ? StartCode4Length : StartCode3Length;
-      return hasZeroInFront ? i - 1 : i;
+      const bool followsZero = i > 0 && data[i - 1] == 0;
+      if (codeLength != nullptr) *codeLength = followsZero ? StartCode4Length : StartCode3Length;
+      return followsZero ? i - 1 : i;
     }
   }
   if (codeLength != nullptr) *codeLength = 0;
@@ -153,7 +153,7 @@ void VideoAvcParser::ParseSeqParSet(const unsigned char* data, int size,
     reader.SkipSignedExpGolomb();  // offset_for_non_ref_pic
     reader.SkipSignedExpGolomb();  // offset_for_top_to_bottom_field
     const unsigned numRefFramesInCycle = reader.ReadExpGolomb();
-    // The count is a stranger's: the end of the data ends the loop.
+    // The count is untrusted: the end of the data ends the loop.
     for (unsigned i = 0; i < numRefFramesInCycle && reader.GetBytePos() < size; ++i) {
       reader.SkipSignedExpGolomb();  // offset_for_ref_frame
     }

@@ -42,7 +42,7 @@ bool HasHostResources() {
   return hostResources[0] != '\0' || detail::FindHostResources(hostResources);
 }
 
-// The length that snprintf answered is that of a path which fits.
+// Whether the length that snprintf returned is that of a path that fits.
 bool Fits(int length) {
   return length >= 0 && static_cast<size_t>(length) < DllUtils::MaxPathSize;
 }

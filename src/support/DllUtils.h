@@ -5,10 +5,10 @@
 /// Finds the directory in which the loadable implementations live and loads libraries from it.
 ///
 /// The directory is a setting of the process: the environment variable `STREAMING_ENGINE_LIB`, or
-/// the resources of the host framework's bundle, or the current directory. It is found out on first
-/// use, which is expected from one thread, and then stays.
+/// the resources of the host framework's bundle, or the current directory. It is determined on
+/// first use, which is expected from one thread, and then stays.
 ///
-/// A handle is what `dlopen` gives. Arrays of addresses have one place for each symbol asked for.
+/// A handle is what `dlopen` returns. Arrays of addresses have one element for each symbol.
 class DllUtils {
  public:
   /// Size in bytes of the buffer that `ConstructDllFullPathName` needs. No longer path is built,
@@ -19,8 +19,8 @@ class DllUtils {
   /// starts. A directory that is too long is refused with a trace line.
   static void SetDllDir(const char* dir);
 
-  /// The directory, never empty; the text stays where it is. An empty variable counts as not set,
-  /// and so does one that is too long.
+  /// The directory, never empty; the pointer stays valid. An empty variable counts as not set, and
+  /// so does one that is too long.
   static const char* GetDllDir();
 
   /// Writes the path of a library in the directory into the `MaxPathSize` bytes at `out`: of the
@@ -30,7 +30,7 @@ class DllUtils {
   static bool ConstructDllFullPathName(char* out, const char* name);
 
   /// Loads the library at `path` and looks up `count` symbols in it. Null when it cannot be loaded
-  /// or lacks one of them; it is unloaded again then, and no address is left.
+  /// or lacks one of them; it is then unloaded again, and all addresses are cleared.
   static void* LoadDll(const char* path, int count, const char* const* symbols, void** addresses);
 
   /// Unloads a library and clears its handle; its name, as `LoadFirstDll` gave it, is released

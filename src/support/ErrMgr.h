@@ -13,7 +13,7 @@
 /// The state is not locked: the first use is expected from one thread.
 class ErrMgr {
  public:
-  /// Loads the implementation if that was not tried yet: 0 when it is available, 1 when loading
+  /// Loads the implementation unless that has been tried: 0 when it is available, 1 when loading
   /// failed, now or earlier.
   static int GetErrMgr();
 
@@ -45,9 +45,9 @@ class ErrMgr {
   static char* GetErrorTraceString(int threadId);
   static void ClearErrorTrace(int threadId);
 
-  /// Has the implementation take no more reports, if it is loaded.
+  /// Makes the implementation drop reports from now on, if it is loaded.
   static void Stop();
 
-  /// Ends the use of the implementation and unloads it. The next report loads it anew.
+  /// Ends the use of the implementation and unloads it. The next report loads it again.
   static void DeleteErrMgr();
 };

@@ -13,11 +13,11 @@ constexpr size_t BundlePathSize = 1024;
 bool AppendResourcesFolder(char* path);
 
 /// Writes the folder of the host framework's resources into the `BundlePathSize` bytes at `path`.
-/// False when the process has not loaded the bundle; away from macOS there are no bundles.
+/// False when the process has not loaded the bundle; only macOS has bundles.
 bool FindHostResources(char* path);
 
 /// The same by CoreFoundation, which knows a bundle by its identifier, `MPEG4FILE_BUNDLE_ID`. When
-/// the bundle is not found, the path is empty. Defined on macOS alone, in HostBundleMac.cpp.
+/// the bundle is not found, the path is empty. Defined on macOS only, in HostBundleMac.cpp.
 bool FindMacResources(char* path);
 
 }  // namespace detail

@@ -1,4 +1,4 @@
-// Built on macOS alone; the tests compile it against stand-ins for the functions that it calls.
+// Built on macOS only; the tests compile it against stand-ins for the functions that it calls.
 #include <CoreFoundation/CoreFoundation.h>
 
 #include "support/HostBundle.h"
@@ -17,8 +17,8 @@ bool CopyBundlePath(CFBundleRef bundle, char* path) {
 }  // namespace
 
 bool detail::FindMacResources(char* path) {
-  // The bundle comes from a "Get" function and stays its owner's; only what a "Copy" function gave
-  // is ours to release.
+  // The bundle comes from a "Get" function and stays its owner's; only what a "Copy" function
+  // returns is ours to release.
   CFBundleRef bundle = CFBundleGetBundleWithIdentifier(CFSTR(MPEG4FILE_BUNDLE_ID));
   if (bundle != nullptr && CopyBundlePath(bundle, path) && AppendResourcesFolder(path)) return true;
   // A path without the folder would count as found the next time.

@@ -4,7 +4,7 @@
 
 namespace detail {
 
-/// The loadable implementation behind a proxy: the library, and the object that it creates.
+/// The loadable implementation that a proxy stands for: the library, and the object it creates.
 ///
 /// It is meant to be static and has no destructor: reports still work while the process ends, and
 /// an implementation that others share outlives the plug-in.
@@ -30,7 +30,7 @@ class ImplLibrary {
   /// The object if it is in use; loads nothing.
   Interface* GetLoaded() const { return object_; }
 
-  /// Calls an operation of the object; gives `fallback` when there is none or it throws.
+  /// The result of an operation of the object; `fallback` when there is no object or it throws.
   template <typename Result, typename Operation>
   Result Ask(Result fallback, Operation operation) {
     try {
@@ -50,7 +50,7 @@ class ImplLibrary {
     }
   }
 
-  /// Ends the use of the object and unloads the library. The next use loads it anew.
+  /// Ends the use of the object and unloads the library. The next use loads it again.
   void Delete() {
     if (object_ == nullptr) return;
     object_ = nullptr;

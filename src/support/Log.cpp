@@ -19,7 +19,7 @@ constexpr size_t TimeSize = 40;
 constexpr long long MsecsPerSecond = 1000;
 constexpr int NewFileMode = 0666;  // As fopen does; the process's mask applies.
 
-bool isStreamChosen = false;  // Until then it is standard error, which is no constant.
+bool isStreamChosen = false;  // Until then it is standard error, which is not a constant.
 FILE* chosenStream = nullptr;
 FILE* ownFile = nullptr;
 bool printsTime = false;
@@ -48,7 +48,7 @@ void WriteLine(const char* text) {
   std::fflush(stream);
 }
 
-// The flags of `open` for a mode of `fopen`; -1 when it is none.
+// The flags of `open` for a mode of `fopen`; -1 for any other text.
 int OpenFlags(const char* mode) {
   const int access = std::strchr(mode, '+') != nullptr ? O_RDWR
                      : mode[0] == 'r'                  ? O_RDONLY

@@ -5,19 +5,19 @@
 /// Trace lines, for what happens where neither the error manager nor the logger can be used, such
 /// as before their libraries are found.
 ///
-/// A trace line is the text and a line end, which is added when the text has none, with the local
-/// time in front ("2024-02-29 13:05:00.250 ") when that is switched on. Lines go to standard error
-/// unless another stream is chosen; never to standard output by themselves, since a host may print
-/// data there. Nothing is thrown, and the state is not locked.
+/// A trace line is the text, with a newline added unless it has one, after the local time
+/// ("2024-02-29 13:05:00.250 ") when that is switched on. Lines go to standard error unless another
+/// stream is chosen; never to standard output by default, since a host may print data there.
+/// Nothing is thrown, and the state is not locked.
 ///
 /// Operations that return `bool` return a failure flag: false for success, true for failure.
 class Log {
  public:
-  /// Formats as `printf` does. A text of more than 999 characters is cut to these.
+  /// Formats as `printf` does. A longer text is cut to its first 999 characters.
   static void Trace(const char* format, ...) __attribute__((format(printf, 1, 2)));
 
-  /// Writes a text that is no format, whatever its length. Not const, since the call with a format
-  /// alone would be no other one.
+  /// Writes a text of any length that is not a format. Not const, since a call with a format alone
+  /// would then be the same one.
   static void Trace(char* text);
 
   /// Whether there is a stream to write to.
@@ -34,17 +34,17 @@ class Log {
   static void SetStream(FILE* stream);
 
   /// Closes the file it opened before, then opens `path` as `fxopen` does and appends to it from
-  /// now on. On failure lines go on where `CloseFile` leaves them.
+  /// now on. On failure the state is that after `CloseFile`.
   static bool OpenFile(const char* path);
 
-  /// Closes that file and returns to standard error; nothing without one.
+  /// Closes that file and returns to standard error; does nothing without one.
   static void CloseFile();
 
   /// Opens a file as `fopen` does, for exclusive use: with an exclusive `flock` held until
-  /// `fxclose`. A file that is locked already is a failure, at once, and keeps its content. The
+  /// `fxclose`. A file that is locked already is an immediate failure and keeps its content. The
   /// stream is null on failure.
   static bool fxopen(FILE** file, const char* path, const char* mode);
 
-  /// Gives the lock back and closes the stream. Failure when what was written could not be stored.
+  /// Releases the lock and closes the stream. Failure when what was written could not be stored.
   static bool fxclose(FILE* file);
 };

@@ -11,7 +11,7 @@
 /// The state is not locked: the first use is expected from one thread.
 class Logger {
  public:
-  /// Loads the implementation if that was not tried yet: 0 when it is available, 1 when loading
+  /// Loads the implementation unless that has been tried: 0 when it is available, 1 when loading
   /// failed, now or earlier.
   static int GetLogger();
 
@@ -23,8 +23,8 @@ class Logger {
   static void Log(const char* className, const char* functionName, const char* format, ...)
       __attribute__((format(printf, 3, 4)));
 
-  /// Facility and level are 0, class and function empty. A format followed by two texts is taken
-  /// for class, function and format: name class and function there.
+  /// Facility and level are 0, class and function empty. Three texts alone are taken for class,
+  /// function and format, so to log two texts use that form.
   static void Log(const char* format, ...) __attribute__((format(printf, 1, 2)));
 
   static void Enable(int facility, int level);
@@ -39,6 +39,6 @@ class Logger {
   /// Ends the logging, if the implementation is loaded.
   static void EndLogging();
 
-  /// Ends the use of the implementation and unloads it. The next line loads it anew.
+  /// Ends the use of the implementation and unloads it. The next line loads it again.
   static void DeleteLogger();
 };

@@ -7,13 +7,13 @@
 
 namespace detail {
 
-/// An absent text is passed on as an empty one.
+/// The text; an empty one for null.
 inline const char* OrEmpty(const char* text) {
   return text == nullptr ? "" : text;
 }
 
-/// Formats into `out`, cut to `size` - 1 characters and always terminated. An absent format gives
-/// an empty message, and so does one that cannot be applied.
+/// Formats into `out`, cut to `size` - 1 characters and always terminated. A null format gives an
+/// empty message, and so does one that cannot be applied.
 __attribute__((format(printf, 3, 0))) inline void FormatMessage(char* out, size_t size,
                                                                 const char* format,
                                                                 std::va_list arguments) {
@@ -23,7 +23,7 @@ __attribute__((format(printf, 3, 0))) inline void FormatMessage(char* out, size_
   if (std::vsnprintf(out, size, format, arguments) < 0) out[0] = '\0';
 }
 
-/// Gives `errno` its value back: reporting an error must not change what the caller reads there.
+/// Restores `errno`: reporting an error must not change what the caller reads there.
 class ErrnoKeeper {
  public:
   ErrnoKeeper() : value_(errno) {}

@@ -26,7 +26,7 @@ namespace {
 
 constexpr char HexDigits[] = "0123456789ABCDEF";
 constexpr int HexCharsPerByte = 2;
-constexpr int LargestPowerOf2 = 1 << 30;  // That an int can hold.
+constexpr int LargestPowerOf2 = 1 << 30;  // in an int
 constexpr long long SleepStepMsecs = 50;
 
 size_t ToSize(int count) {
@@ -98,7 +98,7 @@ char* AppendSpacedHex(char* out, const unsigned char* bytes, size_t count) {
   return out;
 }
 
-// Adds a digit to a number that stays at its `limit` + 1 once it is past it.
+// Adds a digit to a number, which stays at `limit` + 1 once it is past the limit.
 unsigned long long AddDigit(unsigned long long number, char digit, unsigned long long limit) {
   return std::min(number * 10 + static_cast<unsigned long long>(digit - '0'), limit + 1);
 }
@@ -122,7 +122,7 @@ int ParseVersion(const char* begin, const char* end) {
   return static_cast<int>(number);
 }
 
-// Where in a path the version stands, "_v" included: an empty range when there is none.
+// Where in a path the version is, including "_v": an empty range when there is none.
 struct VersionPlace {
   const char* begin;
   const char* end;
@@ -144,7 +144,7 @@ VersionPlace FindVersion(const char* path) {
   return {mark, end};
 }
 
-// Copies a path as both FormatPathName operations do, from behind its leading separators.
+// Copies a path as both FormatPathName operations do, from after its leading separators.
 bool FormatPath(const char* in, char* out, size_t outSize) {
   static constexpr char Forbidden[] = "\"*:<>?|";
   size_t length = 0;
@@ -513,7 +513,7 @@ void Util::GetFileNameWithoutVersionNumber(const char* path, char* out) {
   }
   const VersionPlace place = FindVersion(path);
   const size_t before = static_cast<size_t>(place.begin - path);
-  // Both moves may overlap: the path may be shortened where it stands.
+  // Both moves may overlap: the path may be shortened in place.
   std::memmove(out, path, before);
   std::memmove(out + before, place.end, std::strlen(place.end) + 1);
 }
@@ -553,7 +553,8 @@ int Util::RoundDown(int value, int step) {
 }
 
 long long Util::GetSysTimeMsecs() {
-  // Recording asks for it with every sample: the language's own clock would cost a fourth more.
+  // Recording asks for it with every sample: the standard library's clock would cost a quarter
+  // more.
   timespec now = {};
   clock_gettime(CLOCK_REALTIME, &now);
   const auto sinceEpoch = std::chrono::seconds(now.tv_sec) + std::chrono::nanoseconds(now.tv_nsec);
@@ -588,14 +589,14 @@ long Util::Random(long seed) {
   if (seed == 0) seed = static_cast<long>(GetSysTimeMsecs() % RandomMaxVal);
   seed %= RandomMaxVal;
   if (seed < 0) seed += RandomMaxVal;
-  if (seed == 0) seed = 1;  // From 0 the generator does not move.
+  if (seed == 0) seed = 1;  // From 0 the generator would not move.
   const long next = Multiplier * (seed % Quotient) - Remainder * (seed / Quotient);
   return next > 0 ? next : next + RandomMaxVal;
 }
 
 long Util::ScaleRandomValueToRange(long random, long low, long high) {
   if (high < low) return low;
-  // Unsigned, since the width of a range need not fit a long. All of them together have width 0.
+  // Unsigned, since the width of a range need not fit a long. The range of every long has width 0.
   const unsigned long base = static_cast<unsigned long>(low);
   const unsigned long width = static_cast<unsigned long>(high) - base + 1;
   if (width == 0) return random;

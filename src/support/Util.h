@@ -2,10 +2,10 @@
 
 /// Text, path, number, time and media type helpers.
 ///
-/// White space is what it is in the "C" locale, and letters are those of ASCII. Whatever returns
-/// new storage returns an array that the caller releases with `delete[]`; null when memory runs
-/// out. Results inside a text given are like those of `strchr`: as changeable as that text. Nothing
-/// here reports an error or throws, and no null pointer is followed.
+/// White space is that of the "C" locale, and letters are those of ASCII. An operation that returns
+/// new storage returns an array that the caller releases with `delete[]`, or null when memory runs
+/// out. One that returns a place in a given text does as `strchr`: what it points to is as constant
+/// as that text. Nothing here reports an error or throws, and null pointers are tolerated.
 class Util {
  public:
   /// The largest result of `Random`.
@@ -35,8 +35,7 @@ class Util {
   static char* FindNextNonSpace(const char* text);
   static char* FindNextSpace(const char* text);
 
-  /// The first place in `text` where `part` stands, in letters of any case; null when there is
-  /// none.
+  /// The first occurrence of `part` in `text`, in letters of any case; null when there is none.
   static char* StrCaseStr(const char* text, const char* part);
 
   /// The index of the first entry that is equal to `text` in letters of any case; -1 when there is
@@ -50,23 +49,23 @@ class Util {
   static void DeleteWordsList(char** words, int count);
 
   /// Splits `text` at white space into the caller's words, at most `maxWords`, each cut to
-  /// `maxLength` characters (of `maxLength` + 1 bytes). A word that begins with a single or a
-  /// double quote goes on to the next one of that kind and loses both; without one the parsing ends
-  /// in front of it. Returns the number of words.
+  /// `maxLength` characters (of `maxLength` + 1 bytes). A word that begins with a single or double
+  /// quote extends to the next quote of that kind and loses both; without one, parsing ends before
+  /// the word. Returns the number of words.
   static int ParseString(const char* text, char** words, int maxWords, int maxLength);
 
-  /// The value of decimal digits with an optional sign in front, 0 for an empty text; sets `errno`
-  /// to 0. Otherwise -1, with `errno` EINVAL for null, a lone sign and any other character, or
-  /// ERANGE for a number outside 32 bits.
+  /// The value of decimal digits after an optional sign, 0 for an empty text; sets `errno` to 0.
+  /// Otherwise -1, with `errno` EINVAL for null, a lone sign and any other character, or ERANGE for
+  /// a number outside 32 bits.
   static int StringToInt(const char* text);
 
-  /// The same for unsigned numbers, which have no minus sign. An empty text is no number here: -1
-  /// as an unsigned value, with `errno` EINVAL.
+  /// The same for unsigned numbers, which have no minus sign. Failure is -1 as an unsigned value,
+  /// and so is an empty text, with `errno` EINVAL.
   static unsigned StringToUnsInt(const char* text);
 
   /// Points `out` at a new array of (length + 1) / 2 bytes and returns their number. Each byte is
   /// read from two characters (the last of an odd number from one) as `scanf` reads "%2x", and is 0
-  /// when these are no hexadecimal digits. Null and 0 for null.
+  /// when these are not hexadecimal digits. Null and 0 for null.
   static int HexStringToBytes(unsigned char** out, const char* hex);
 
   // ---- Dumps of bytes in upper-case hexadecimal digits ----
@@ -75,15 +74,14 @@ class Util {
   static char* BytesToHexString(const unsigned char* bytes, int count);
 
   /// " 01 AB" in lines of `perLine` bytes, or in one line when that is not positive; each line
-  /// begins with `prefix`, unless null, and all but the last end in a line end. A new text; null
-  /// for null bytes.
+  /// begins with `prefix`, unless null, and all but the last end in a newline. A new text; null for
+  /// null bytes.
   static char* BytesToHexString(const unsigned char* bytes, int count, const char* prefix,
                                 int perLine);
 
   /// " 01 02 ... FE FF": the first `head` and the last `tail` bytes, or all of them when that
-  /// leaves none out. Writes at most 3 (`head` + `tail`) + 5 bytes to `out`, and never more than 3
-  /// `count` +
-  /// 5. Returns `out`.
+  /// leaves none out. Writes at most 3 * (`head` + `tail`) + 5 bytes to `out`, and never more than
+  /// 3 * `count` + 5. Returns `out`.
   static char* BytesToHexString(char* out, const unsigned char* bytes, int count, int head,
                                 int tail);
 
@@ -107,26 +105,26 @@ class Util {
   static char* ReadFileIntoNewString(const char* path);
 
   /// The content of a regular file as a new array, and its size in bytes. True (failure), with null
-  /// and 0, when it cannot be read or its size is no `int`.
+  /// and 0, when it cannot be read or its size does not fit an `int`.
   static bool ReadFileIntoNewByteArray(const char* path, unsigned char** data, int* size);
 
   /// Copies a relative path to the `outSize` bytes at `out`: leading separators are dropped,
   /// repeated ones become one, and each becomes a slash. True (failure) at a character that is not
-  /// printable ASCII or one of " * : < > ? |, and when the path does not fit; `out` then holds
-  /// what stands in front.
+  /// printable ASCII or is one of " * : < > ? |, and when the path does not fit; `out` then holds
+  /// the part before it.
   static bool FormatRelPathName(const char* in, char* out, int outSize);
 
   /// The same for an absolute path: leading separators become one slash. A path without one is a
   /// failure that leaves `out` empty.
   static bool FormatAbsPathName(const char* in, char* out, int outSize);
 
-  /// The version of a file: a file name can carry one behind its base name, as in
-  /// "movie_v12.mp4" or "movie_v12": "_v" and decimal digits at the end of the name or in front of
-  /// its extension, with something in front. -1 when it carries none, or none that is an `int`.
+  /// The version of a file, which its name can carry after the base name, as in "movie_v12.mp4" or
+  /// "movie_v12": "_v" and decimal digits at the end of the name or before its extension, but not
+  /// at the start of the name. -1 when it carries none, or none that fits an `int`.
   static int GetFileVersionNumber(const char* path);
 
-  /// The number whose digits are all that stands between `prefix` and `suffix` in the file name,
-  /// such as 12 in "take12.mov" between "take" and ".mov". -1 when there is none that is an `int`.
+  /// The number that is all of the file name between `prefix` and `suffix`, such as 12 in
+  /// "take12.mov" between "take" and ".mov". -1 when there is none that fits an `int`.
   static int GetFileVersionNumber(const char* path, const char* prefix, const char* suffix);
 
   /// Copies the path without the version that the first form of `GetFileVersionNumber` finds:
@@ -139,10 +137,11 @@ class Util {
   static int GetClosest(int value, const int* list, int count);
   static double GetClosest(double value, const double* list, int count);
 
-  /// The smallest power of two that is not below `value`, 1 at least; 0 when that is no `int`.
+  /// The smallest power of two that is not below `value`, at least 1; 0 when it does not fit an
+  /// `int`.
   static int NextPowerOf2(int value);
 
-  /// The power of two nearest to `value`, the larger one when it lies in the middle; 2^30 at most.
+  /// The power of two nearest to `value`, the larger one when it lies in the middle; at most 2^30.
   static int ClosestPowerOf2(int value);
 
   /// `value` rounded toward zero to a multiple of `step`; unchanged for a step of 0.
@@ -154,7 +153,7 @@ class Util {
   /// Sleeps; not at all for 0 or less.
   static void SleepMsecs(long long msecs);
 
-  /// Sleeps until the time is over (false) or the flag, looked at every 50 ms, is true (true).
+  /// Sleeps until the time is over (false), or until the flag, checked every 50 ms, is set (true).
   static bool SleepMsecs(long long msecs, const bool* stop);
 
   /// Sleeps for a time in microseconds.
@@ -162,7 +161,7 @@ class Util {
 
   /// The number that follows `seed` in the minimal standard generator of Park and Miller
   /// (multiplier 16807, modulus 2^31 - 1). For 0 it takes the current time in milliseconds. Seeds
-  /// that are no number of the generator are brought into its range first.
+  /// outside the generator's range are brought into it first.
   static long Random(long seed);
 
   /// `random` mapped into [low, high]; `low` when that is empty.

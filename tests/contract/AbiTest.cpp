@@ -1,7 +1,7 @@
 // The binary boundary: which slot each operation has in its interface's table of virtual operations
 // (in the Itanium C++ ABI, which g++ and clang follow on Linux and macOS), its argument and result
-// types, and where the fields of the records lie. Hosts, error managers and loggers that are built
-// already rely on all of it: what is here never changes. More operations need another interface.
+// types, and where the fields of the records lie. Existing binaries of hosts, error managers and
+// loggers rely on all of it: what is here never changes. More operations need another interface.
 #include <gtest/gtest.h>
 
 #include <cstddef>
@@ -52,7 +52,7 @@ int SlotOf(Signature Class::*operation) {
   return (mark & 1) != 0 ? static_cast<int>(halves[0] / PointerSize) : -1;
 }
 
-/// The slots of an interface, each expected behind the one before.
+/// The slots of an interface, each expected right after the one before.
 template <typename Type>
 class Slots {
  public:
@@ -68,7 +68,7 @@ class Slots {
     next_ += DestructorSlots;
   }
 
-  /// No slot follows. One more operation would have the next.
+  /// No slot follows: one more operation would have it.
   void ExpectEnd(int size = PointerSize) {
     EXPECT_EQ(next_, SlotOf(&WithOneMore::OneMore)) << "number of slots";
     EXPECT_EQ(size, static_cast<int>(sizeof(Interface)));

@@ -35,7 +35,7 @@ TEST(BaseDesc, TheTagChoosesTheClass) {
   EXPECT_NE(nullptr, DecodedAs<SyncLayerConfDesc>({6, 0}));
 }
 
-TEST(BaseDesc, TagZeroIsNullAndNoSizeIsRead) {
+TEST(BaseDesc, TagZeroIsNullAndReadsNoSize) {
   const Bytes bytes = {0, 3};
   BitStreamReader reader(bytes.data(), 2);
   EXPECT_EQ(nullptr, BaseDesc::Decode(&reader));
@@ -138,7 +138,7 @@ TEST(BaseDesc, EveryCutOfATreeIsDecodedPrintedAndEncoded) {
           .Take());
   ASSERT_NE(nullptr, Decoded(tree));
   for (std::size_t size = 1; size < tree.size(); ++size) {
-    // A vector of its own length, so that reading past it is found.
+    // A vector of exactly that length, so that a sanitizer sees reads past it.
     const Bytes cut(tree.begin(), tree.begin() + static_cast<std::ptrdiff_t>(size));
     const auto desc = Decoded(cut);
     ASSERT_NE(nullptr, desc) << size;

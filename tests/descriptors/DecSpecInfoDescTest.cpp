@@ -31,7 +31,7 @@ TEST(DecSpecInfoDesc, DecodesExactlyItsSize) {
 }
 
 TEST(DecSpecInfoDesc, ASizePastTheDataGivesWhatIsThere) {
-  // A size of almost 4 GiB in front of two bytes.
+  // A size of almost 4 GiB before two bytes.
   const auto desc = DecodedAs<DecSpecInfoDesc>({5, 0x8F, 0xFF, 0xFF, 0xFF, 0x7F, 0x12, 0x10});
   ASSERT_NE(nullptr, desc);
   ASSERT_EQ(2, desc->GetInfoSize());

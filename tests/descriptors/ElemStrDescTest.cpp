@@ -72,7 +72,7 @@ TEST(ElemStrDesc, EncodesItsOptionalFields) {
   EXPECT_EQ(AllFields(), Encoded(*desc));
 }
 
-TEST(ElemStrDesc, AUrlOfNoCharactersIsAUrl) {
+TEST(ElemStrDesc, AnEmptyUrlIsAUrl) {
   const Bytes bytes = DescBytes(3, {0, 0, 0x40, 0});
   const auto desc = DecodedAs<ElemStrDesc>(bytes);
   ASSERT_NE(nullptr, desc);

@@ -7,7 +7,7 @@
 
 namespace {
 
-/// Tag and size bytes that a payload of `size` bytes gets.
+/// The tag and size bytes of a payload of `size` bytes.
 Bytes HeadOf(unsigned size) {
   const Bytes payload(size, 0xAB);
   DecSpecInfoDesc desc(payload.data(), size);

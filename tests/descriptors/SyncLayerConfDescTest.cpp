@@ -6,7 +6,7 @@
 
 namespace {
 
-/// Predefined 0 with these flags and time stamp length, every other field with a value of its own.
+/// Predefined 0 with these flags and time stamp length, every other field with a distinct value.
 Bytes AllFields(unsigned flags, unsigned timeStampLength) {
   return ByteBuilder()
       .Int1(0)

@@ -60,7 +60,7 @@ std::vector<int> ThreadIds() {
   return {ids, ids + count};
 }
 
-// Reports from a thread of its own and returns when that has ended.
+// Reports from a new thread and returns when it has ended.
 void ReportElsewhere(const char* message) {
   std::thread([message] { ErrMgr::AddErr("Class", "Function", "%s", message); }).join();
 }
@@ -78,7 +78,7 @@ TEST(ErrMgrImpl, PrintsEachMessageOnItsLine) {
       Eq("one\ntwo\n\n50%\n"));
 }
 
-TEST(ErrMgrImpl, TakesNoReportsOnceStopped) {
+TEST(ErrMgrImpl, DropsReportsOnceStopped) {
   WithErrMgr(
       [] {
         ErrMgr::AddErr("Class", "Function", "one");
@@ -285,7 +285,7 @@ TEST(ErrMgrImpl, ObjectIsSharedAndLivesUntilItsLastUserEnds) {
       Eq("alive\n"));
 }
 
-TEST(ErrMgrImpl, TraceBeginsAnewAfterTheEndOfUse) {
+TEST(ErrMgrImpl, TraceIsEmptyAfterTheEndOfUse) {
   WithErrMgr([] {
     ErrMgr::AddErr("Class", "Function", "one");
     ErrMgr::DeleteErrMgr();

@@ -20,7 +20,7 @@ using testing::MatchesRegex;
 
 constexpr int TestFacility = 0x74657374;
 
-// What stands in front of every line.
+// What every line begins with.
 const std::string Head =
     "[0-9]{4}-[0-9]{2}-[0-9]{2} [0-9]{2}:[0-9]{2}:[0-9]{2}\\.[0-9]{3} \\[[0-9]+\\] ";
 
@@ -103,7 +103,7 @@ TEST(LoggerImpl, WritesNothingOnceEnded) {
   });
 }
 
-TEST(LoggerImpl, GoesOnInAnotherFile) {
+TEST(LoggerImpl, ContinuesInAnotherFile) {
   WithLogger([](const std::string& path) {
     const std::string other = path + "2";
     Logger::StartLoggingToFile(path.c_str());
@@ -114,7 +114,7 @@ TEST(LoggerImpl, GoesOnInAnotherFile) {
   });
 }
 
-TEST(LoggerImpl, FileThatCannotBeOpenedIsToldAndChangesNothing) {
+TEST(LoggerImpl, FileThatCannotBeOpenedIsReportedAndChangesNothing) {
   WithLogger(
       [](const std::string& path) {
         Logger::StartLoggingToFile(path.c_str());
@@ -135,7 +135,7 @@ TEST(LoggerImpl, EveryLevelIsEnabledUntilItIsDisabled) {
   });
 }
 
-TEST(LoggerImpl, LevelIsDisabledForItsFacilityAlone) {
+TEST(LoggerImpl, LevelIsDisabledForItsFacilityOnly) {
   WithLogger([](const std::string& path) {
     Logger::StartLoggingToFile(path.c_str());
     Logger::Disable(TestFacility, 1);

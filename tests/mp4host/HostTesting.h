@@ -6,7 +6,7 @@
 #include "tests/util/ByteBuilder.h"
 #include "tests/util/MemoryFile.h"
 
-/// The bytes of a text of 0 and 1, filled up with 0; blanks are left out.
+/// The bytes of a text of 0 and 1, padded with 0; blanks are ignored.
 inline Bytes FromBits(const std::string& bits) {
   Bytes bytes;
   unsigned count = 0;

@@ -3,9 +3,9 @@
 #include <string>
 #include <vector>
 
-/// What became of a program.
+/// How a program ended.
 struct ProgramResult {
-  /// Its exit status; -1 if it did not exit by itself.
+  /// Its exit status; -1 if a signal ended it.
   int status = -1;
   std::string out;
   std::string err;

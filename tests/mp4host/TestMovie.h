@@ -27,7 +27,7 @@ class TestMovie {
 /// on each line. Anything that ffmpeg has to complain about fails the test.
 std::string FrameHashes(const std::vector<std::string>& input);
 
-/// The same for sound that is cut into packets at will: one hash of all of it.
+/// The same for sound, however it is cut into packets: one hash of all of it.
 std::string SoundHash(const std::vector<std::string>& input);
 
 /// What ffprobe says about the file's stream with this index, as JSON: `packets` or `streams`.

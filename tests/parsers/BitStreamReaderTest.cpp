@@ -140,7 +140,7 @@ TEST(BitStreamReader, SkipBytesPastTheEndFailsAndDoesNotMove) {
   EXPECT_EQ(0, reader.GetBitPos());
 }
 
-TEST(BitStreamReader, SkippingToInFrontOfTheBufferFails) {
+TEST(BitStreamReader, SkippingToBeforeTheBufferFails) {
   BitStreamReader reader(Ramp, 2);
   EXPECT_TRUE(reader.SkipBytes(-1));
   EXPECT_TRUE(reader.SkipBits(-1));

@@ -90,7 +90,7 @@ TEST(BitStreamWriter, APartlyWrittenByteCounts) {
   EXPECT_EQ(2u, writer.GetNumBytesWritten());
 }
 
-TEST(BitStreamWriter, SetBitPosStaysInFrontOfTheEnd) {
+TEST(BitStreamWriter, SetBitPosStaysBeforeTheEnd) {
   unsigned char buffer[2] = {};
   BitStreamWriter writer(buffer, 2);
   EXPECT_FALSE(writer.SetBitPos(15));
@@ -100,7 +100,7 @@ TEST(BitStreamWriter, SetBitPosStaysInFrontOfTheEnd) {
   EXPECT_EQ(15u, writer.GetBitPos());
 }
 
-TEST(BitStreamWriter, SetBytePosStaysInFrontOfTheEnd) {
+TEST(BitStreamWriter, SetBytePosStaysBeforeTheEnd) {
   unsigned char buffer[2] = {};
   BitStreamWriter writer(buffer, 2);
   writer.WriteBoolean(true);

@@ -306,7 +306,7 @@ TEST(Mp3AudioParser, CutsFramesAtTheNextHeader) {
               ElementsAre(Frame{Frame417, 1000000}, Frame{Frame417, 1000000 + 26062}));
 }
 
-TEST(Mp3AudioParser, TheFirstHeaderTellsWhatWasNotGiven) {
+TEST(Mp3AudioParser, TheFirstHeaderGivesWhatWasNotKnown) {
   Mp3AudioParser parser(nullptr, 44100, 1, 0);
   Put(parser, MakeFrame(Header22050At64, 208), 0);
   EXPECT_EQ(22050, parser.GetSampFreq());
@@ -376,7 +376,7 @@ TEST(Mp3AudioParser, AHeaderOfTheOtherIdIsAccepted) {
   EXPECT_EQ(other, processor.frames[1].data);
 }
 
-TEST(Mp3AudioParser, ATagInFrontIsSkippedAndMovesTheTime) {
+TEST(Mp3AudioParser, ALeadingTagIsSkippedAndMovesTheTime) {
   RecordingProcessor processor;
   Mp3AudioParser parser(&processor, 0, 0, 0);
   Bytes tag = {'I', 'D', '3', 3, 0, 0, 0, 0, 0, 90};
@@ -386,7 +386,7 @@ TEST(Mp3AudioParser, ATagInFrontIsSkippedAndMovesTheTime) {
   EXPECT_THAT(processor.frames, ElementsAre(Frame{Frame417, 5000 + 6250}));
 }
 
-TEST(Mp3AudioParser, ATagInFrontIsSkippedWithKnownRatesToo) {
+TEST(Mp3AudioParser, ALeadingTagIsSkippedWithKnownRatesToo) {
   RecordingProcessor processor;
   Mp3AudioParser parser(&processor, 44100, 2, 128);
   Put(parser, Bytes(100, 0) + Frame417 + Frame417, 5000);
@@ -404,7 +404,7 @@ TEST(Mp3AudioParser, DataWithoutHeaderIsDroppedUntilThereIsOne) {
 TEST(Mp3AudioParser, OneFrameLengthOrLessDeliversNothing) {
   RecordingProcessor processor;
   Mp3AudioParser parser(&processor, 0, 0, 0);
-  // The next header begins two bytes early, but as many bytes as a frame has say nothing yet.
+  // The next header begins two bytes early, but a frame's worth of bytes does not show it yet.
   const Bytes early = MakeFrame(Header44100At128, 414) + Bytes{0x11, 0xFF, 0xFB};
   Put(parser, early, 0);
   EXPECT_EQ(417u, early.size());

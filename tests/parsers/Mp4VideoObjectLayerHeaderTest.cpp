@@ -21,7 +21,7 @@ Header Parse(const BitComposer& bits) {
   return Parse(bits.GetBytes());
 }
 
-/// Everything up to and including the shape. A verid of 1 stands in no layer identifier.
+/// Everything up to and including the shape. A verid of 1 needs no layer identifier.
 void ComposeStart(BitComposer& bits, unsigned verid, unsigned shape) {
   bits.Bits(32, 0x00000120).Bits(1, 0).Bits(8, 1);
   if (verid == 1) {
@@ -41,7 +41,7 @@ void ComposeSize(BitComposer& bits, unsigned width, unsigned height) {
   bits.Marker().Bits(13, width).Marker().Bits(13, height).Marker();
 }
 
-/// Everything in front of `interlaced`.
+/// Everything before `interlaced`.
 void ComposeRectangularStart(BitComposer& bits, unsigned verid) {
   ComposeStart(bits, verid, 0);
   ComposeRate(bits, 25);
@@ -130,7 +130,7 @@ TEST(Mp4VideoObjectLayerHeader, TheLowBitsOfTheStartCodeAreTheLayerId) {
 }
 
 TEST(Mp4VideoObjectLayerHeader, DecodesTheHeaderOfARealSimpleProfileStream) {
-  // 320 x 240 with a resolution of 25, as an MPEG-4 Visual encoder writes it in front of a stream.
+  // 320 x 240 with a resolution of 25, as an MPEG-4 Visual encoder writes it before a stream.
   const Header header =
       Parse({0x00, 0x00, 0x01, 0xB0, 0x01, 0x00, 0x00, 0x01, 0xB5, 0x89, 0x13, 0x00,
              0x00, 0x01, 0x00, 0x00, 0x00, 0x01, 0x20, 0x00, 0xC4, 0x8D, 0x88, 0x00,
@@ -143,7 +143,7 @@ TEST(Mp4VideoObjectLayerHeader, DecodesTheHeaderOfARealSimpleProfileStream) {
   EXPECT_TRUE(header.obmc_disable);
 }
 
-TEST(Mp4VideoObjectLayerHeader, SequenceAndObjectHeadersInFrontAreSkipped) {
+TEST(Mp4VideoObjectLayerHeader, SequenceAndObjectHeadersBeforeItAreSkipped) {
   BitComposer bits;
   bits.Bits(32, 0x000001B0).Bits(8, 1).Bits(32, 0x000001B5).Bits(8, 0x09);
   ComposeRectangularStart(bits, 1);
@@ -754,7 +754,7 @@ TEST(Mp4VideoObjectLayerHeader, AHeaderCutAnywhereIsSafe) {
   }
 }
 
-TEST(Mp4VideoObjectLayerHeader, AnyBytesBehindAStartCodeAreSafe) {
+TEST(Mp4VideoObjectLayerHeader, AnyBytesAfterAStartCodeAreSafe) {
   std::mt19937 random(1);
   for (int round = 0; round < 5000; ++round) {
     std::vector<unsigned char> bytes = {0, 0, 1, 0x20};

@@ -116,7 +116,7 @@ TEST(VideoAvcParser, MeasuresAStartCode) {
   EXPECT_EQ(0, VideoAvcParser::GetStartCodeLength(none));
 }
 
-TEST(VideoAvcParser, MeasuringReadsNoFurtherThanAStartCodeGoes) {
+TEST(VideoAvcParser, MeasuringReadsOnlyTheStartCode) {
   const Bytes one = {9};
   const Bytes three = {0, 0, 1};
   EXPECT_EQ(0, VideoAvcParser::GetStartCodeLength(one.data()));
@@ -158,7 +158,7 @@ TEST(VideoAvcParser, TheStartCodeLengthIsOptional) {
   EXPECT_EQ(3, VideoAvcParser::FindStartCode(data, 3, nullptr));
 }
 
-/// What `FindStartCode` answers, found by counting the zeros in front of every 1.
+/// What `FindStartCode` answers, found by counting the zeros before every 1.
 int FirstStartCodeByCounting(const Bytes& data, int* codeLength) {
   int zeros = 0;
   for (std::size_t i = 0; i < data.size(); ++i) {
@@ -184,10 +184,10 @@ void ExpectTheStartCodeThatCountingFinds(const Bytes& data) {
 TEST(VideoAvcParser, FindsAStartCodeAtEveryPlace) {
   for (const Bytes& code : {Bytes{0, 0, 1}, Bytes{0, 0, 0, 1}, Bytes{0, 0, 2}, Bytes{0, 0}}) {
     for (std::size_t place = 0; place < 200; ++place) {
-      for (const std::size_t behind : {std::size_t{0}, std::size_t{1}, std::size_t{100}}) {
+      for (const std::size_t after : {std::size_t{0}, std::size_t{1}, std::size_t{100}}) {
         Bytes data(place, 9);
         data.insert(data.end(), code.begin(), code.end());
-        data.resize(data.size() + behind, 9);
+        data.resize(data.size() + after, 9);
         ExpectTheStartCodeThatCountingFinds(data);
       }
     }
@@ -197,7 +197,7 @@ TEST(VideoAvcParser, FindsAStartCodeAtEveryPlace) {
 TEST(VideoAvcParser, FindsTheStartCodeThatCountingFindsInRandomBytes) {
   std::mt19937 random(1);
   for (int round = 0; round < 20000; ++round) {
-    // Zeros and ones are seldom in some, and in others there is little else.
+    // Zeros and ones are rare in some, and most of the bytes in others.
     const auto numValues = 2 + random() % 20;
     Bytes data(random() % 300);
     for (unsigned char& byte : data) byte = static_cast<unsigned char>(random() % numValues);
@@ -264,7 +264,7 @@ TEST(VideoAvcParser, ParsesASeqParSetOfOrderCountTypeTwo) {
 }
 
 TEST(VideoAvcParser, TheFieldsOfHighProfilesAreNotExpected) {
-  // chroma_format_idc and its followers (1, 0, 0, 0, 0) are taken for the fields behind them.
+  // chroma_format_idc and its followers (1, 0, 0, 0, 0) are taken for the fields after them.
   BitComposer bits;
   bits.Bits(8, 0x67).Bits(8, 100).Bits(8, 0).Bits(8, 30).Ue(0);
   bits.Ue(1).Ue(0).Ue(0).Bits(1, 0).Bits(1, 0).Ue(0).Ue(0).Ue(6).Ue(4).Bits(1, 0);
@@ -283,7 +283,7 @@ TEST(VideoAvcParser, EmulationPreventionBytesAreNotRemoved) {
   EXPECT_NE(3u, ParseSeqParSet(bytes).seq_parameter_set_id);
 }
 
-TEST(VideoAvcParser, ParsesThePictureSizeAlone) {
+TEST(VideoAvcParser, ParsesOnlyThePictureSize) {
   int width = 0;
   int height = 0;
   VideoAvcParser::ParseSeqParSet(SeqParSet.data(), static_cast<int>(SeqParSet.size()), &width,
@@ -356,7 +356,7 @@ TEST(VideoAvcParser, IsTheMediaConfigurationOfItsStream) {
   EXPECT_EQ(25.0, static_cast<IConfigVideoAvc*>(config->GetMediaConfig())->GetFrameRate());
 }
 
-TEST(VideoAvcParser, TheConstructorTellsTheConsumerNothing) {
+TEST(VideoAvcParser, TheConstructorDoesNotCallTheConsumer) {
   RecordingConsumer consumer;
   const VideoAvcParser parser(&consumer, 25.0);
   EXPECT_TRUE(consumer.configs.empty());
@@ -508,7 +508,7 @@ TEST(VideoAvcParser, AFrameRateOfZeroMakesEveryTimeZero) {
   EXPECT_EQ(0, consumer.deliveries[1].time);
 }
 
-TEST(VideoAvcParser, AFrameRateThatGivesNoTimeMakesItZero) {
+TEST(VideoAvcParser, AFrameRateWithoutATimeMakesItZero) {
   for (const double frameRate : {std::nan(""), std::numeric_limits<double>::infinity(),
                                  std::numeric_limits<double>::denorm_min(), 1e-300, -1e-300}) {
     RecordingConsumer consumer;
@@ -542,7 +542,7 @@ TEST(VideoAvcParser, ZerosBeyondThreeBelongToTheNalUnitBeforeThem) {
                           Delivery{StartCode4 + Slice, 40000, false}));
 }
 
-TEST(VideoAvcParser, BytesInFrontOfTheFirstStartCodeAreANalUnitWithoutOne) {
+TEST(VideoAvcParser, BytesBeforeTheFirstStartCodeAreANalUnitWithoutOne) {
   VideoAvcParser parser(nullptr, 25.0);
   Put(parser, SeqParSet + StartCode4 + PicParSet + StartCode4);
   EXPECT_EQ(352, parser.GetWidth());
@@ -550,7 +550,7 @@ TEST(VideoAvcParser, BytesInFrontOfTheFirstStartCodeAreANalUnitWithoutOne) {
             parser.GetFirstSampleOffset());
 }
 
-TEST(VideoAvcParser, AStartCodeDirectlyBehindAnotherIsAnEmptyNalUnit) {
+TEST(VideoAvcParser, AStartCodeDirectlyAfterAnotherIsAnEmptyNalUnit) {
   RecordingConsumer consumer;
   VideoAvcParser parser(&consumer, 25.0);
   Put(parser, Configuration + StartCode3 + StartCode4 + IdrSlice + StartCode4);

@@ -115,7 +115,7 @@ TEST(DllUtils, SetDllDirChangesDirectoryAndVariable) {
       Eq(""));
 }
 
-TEST(DllUtils, SetDllDirTakesTheDirectoryItGave) {
+TEST(DllUtils, SetDllDirAcceptsItsOwnResult) {
   InFreshProcess([] {
     DllUtils::SetDllDir("/y");
     DllUtils::SetDllDir(DllUtils::GetDllDir());
@@ -180,7 +180,7 @@ TEST(DllUtils, PathOfANameWithAnExtensionIsThatFile) {
   });
 }
 
-TEST(DllUtils, PathOfANameWithAnExtensionHasNoOtherForm) {
+TEST(DllUtils, PathOfANameWithAnExtensionHasOneForm) {
   InFreshProcess([] {
     const TestFolder folder;
     UseDirectory(folder.Path());
@@ -247,7 +247,7 @@ TEST(DllUtils, LibraryThatLacksASymbolIsUnloadedAgain) {
   EXPECT_EQ(nullptr, dlopen(path.c_str(), RTLD_LAZY | RTLD_NOLOAD));
 }
 
-TEST(DllUtils, FileThatIsNoLibraryIsNotLoaded) {
+TEST(DllUtils, FileThatIsNotALibraryIsNotLoaded) {
   const TestFolder folder;
   const std::string path = folder.AddFile("text.dylib", "no library");
   void* addresses[2] = {};

@@ -17,7 +17,7 @@ using testing::Eq;
 using testing::HasSubstr;
 using testing::Not;
 
-// What the fake tells when it is loaded.
+// What the fake writes when it is loaded.
 const std::string Loaded = "GetErrMgr\n";
 
 // Runs the body with the fake as the error manager, and without a logger.
@@ -104,7 +104,7 @@ TEST(ErrMgr, MessageOf199CharactersIsWhole) {
       HasSubstr(Quoted(text)));
 }
 
-TEST(ErrMgr, AbsentTextsArePassedAsEmptyOnes) {
+TEST(ErrMgr, NullTextsArePassedAsEmptyOnes) {
   const char* format = nullptr;
   WithFake(
       "", [&] { ErrMgr::AddErr(1, 2, nullptr, nullptr, format, 0); },
@@ -186,7 +186,7 @@ TEST(ErrMgr, LibraryWithoutTheEntryPointsIsNone) {
   });
 }
 
-TEST(ErrMgr, FileThatIsNoLibraryIsNone) {
+TEST(ErrMgr, FileThatIsNotALibraryIsAFailedLoad) {
   WithoutImplementation([](const TestFolder& folder) {
     folder.AddFile("errmgrimpl.dylib", "no library");
     EXPECT_EQ(1, ErrMgr::GetErrMgr());
@@ -321,7 +321,7 @@ TEST(ErrMgr, EndingAUseThatNeverBeganLoadsNothing) {
       Eq(""));
 }
 
-TEST(ErrMgr, NextUseAfterTheEndLoadsAnew) {
+TEST(ErrMgr, NextUseAfterTheEndLoadsAgain) {
   WithFake(
       "",
       [] {

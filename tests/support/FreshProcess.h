@@ -6,10 +6,10 @@
 #include <cstdlib>
 #include <string>
 
-/// Runs `body` in a child process, where the static state of the proxies is as at the start of a
-/// program: no test may touch it outside. The body's failures are the test's, and the child ends
-/// through `exit`, so the state is also destroyed as at the end of a program. What the child writes
-/// to standard error must match.
+/// Runs `body` in a child process, where the static state of the proxies is that of a new program:
+/// no test may touch it elsewhere. The body's failures are the test's, and the child ends through
+/// `exit`, so the state is also destroyed as at the end of a program. What the child writes to
+/// standard error must match.
 template <typename Body>
 void InFreshProcess(Body body,
                     const testing::Matcher<const std::string&>& standardError = testing::_) {

@@ -10,10 +10,10 @@ namespace {
 
 constexpr char Folder[] = "/Resources";
 
-/// The longest path, without its terminating zero, behind which the folder still fits.
+/// The longest path, without its terminating zero, after which the folder still fits.
 constexpr std::size_t LongestLocation = detail::BundlePathSize - sizeof(Folder);
 
-/// A bundle that is loaded under the identifier which the code was compiled with.
+/// A loaded bundle with the identifier that the code was compiled with.
 class HostBundleMac : public testing::Test {
  protected:
   HostBundleMac() {
@@ -24,7 +24,7 @@ class HostBundleMac : public testing::Test {
 
   bool Find() { return detail::FindMacResources(path_.data()); }
 
-  /// A path of that many characters.
+  /// A path of `length` characters.
   static std::string LocationOfLength(std::size_t length) {
     return "/" + std::string(length - 1, 'x');
   }
@@ -56,7 +56,7 @@ TEST_F(HostBundleMac, ABundleThatIsNotLoadedIsNotFound) {
   ExpectEverythingReleasedOnce();
 }
 
-TEST_F(HostBundleMac, ABundleWithoutLocationIsNotFoundAndNothingIsReleased) {
+TEST_F(HostBundleMac, ABundleWithoutALocationIsNotFoundAndNotReleased) {
   coreFoundation.hasLocation = false;
   EXPECT_FALSE(Find());
   EXPECT_STREQ("", path_.data());

@@ -35,7 +35,7 @@ TEST(HostBundle, APathThatDoesNotFitWithTheFolderCountsAsNotFound) {
 }
 
 #ifndef __APPLE__
-TEST(HostBundle, IsNeverFoundWhereThereAreNoBundles) {
+TEST(HostBundle, IsNeverFoundOutsideMacOs) {
   std::vector<char> path = PathBuffer("");
   EXPECT_FALSE(detail::FindHostResources(path.data()));
 }

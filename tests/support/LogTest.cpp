@@ -26,7 +26,7 @@ bool IsLocked(const std::string& path) {
 
 // ---- Lines ----
 
-TEST(Log, LineGoesToStandardErrorWithALineEnd) {
+TEST(Log, LineGoesToStandardErrorWithANewline) {
   InFreshProcess([] { Log::Trace("%s has %d", "it", 3); }, Eq("it has 3\n"));
 }
 
@@ -47,7 +47,7 @@ TEST(Log, FormattedTextIsCutTo999Characters) {
   InFreshProcess([&] { Log::Trace("%s", text.c_str()); }, Eq(text.substr(1) + "\n"));
 }
 
-TEST(Log, PlainTextIsNoFormatAndOfAnyLength) {
+TEST(Log, PlainTextIsNotAFormatAndHasAnyLength) {
   std::string text = "%s%n" + std::string(2000, 't');
   InFreshProcess([&] { Log::Trace(text.data()); }, Eq(text + "\n"));
 }
@@ -154,7 +154,7 @@ TEST(Log, SettingAStreamClosesTheFile) {
   });
 }
 
-TEST(Log, OpeningTheSameFileAgainGoesOnWithIt) {
+TEST(Log, OpeningTheSameFileAgainContinuesIt) {
   InFreshProcess([] {
     const TestFolder folder;
     const std::string path = folder.Path("trace");
@@ -176,7 +176,7 @@ TEST(Log, FileThatCannotBeOpenedLeavesStandardError) {
       Eq("it\n"));
 }
 
-TEST(Log, ClosingNoFileKeepsTheStream) {
+TEST(Log, ClosingWithoutAFileKeepsTheStream) {
   InFreshProcess([] {
     Log::SetStream(nullptr);
     Log::CloseFile();

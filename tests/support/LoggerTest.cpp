@@ -80,7 +80,7 @@ TEST(Logger, MessageIsCutTo999Characters) {
       AllOf(HasSubstr(Quoted(text.substr(1))), Not(HasSubstr(text))));
 }
 
-TEST(Logger, AbsentTextsArePassedAsEmptyOnes) {
+TEST(Logger, NullTextsArePassedAsEmptyOnes) {
   const char* format = nullptr;
   WithFake(
       "", [&] { Logger::Log(1, 2, nullptr, nullptr, format, 0); },

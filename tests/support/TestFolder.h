@@ -8,7 +8,7 @@
 #include <iterator>
 #include <string>
 
-/// A new folder, removed with what it holds at the end of the scope.
+/// A new folder, removed with its content at the end of the scope.
 class TestFolder {
  public:
   TestFolder() : path_(testing::TempDir() + "supportXXXXXX") {

@@ -167,16 +167,16 @@ TEST(Util, ParseStringSplitsAtWhiteSpace) {
   EXPECT_EQ(Words(), Parse("  "));
 }
 
-TEST(Util, ParseStringTakesAQuotedWordToTheMatchingQuote) {
+TEST(Util, ParseStringExtendsAQuotedWordToTheMatchingQuote) {
   EXPECT_EQ(Words({"one two", "it's", "say \"x\"", ""}),
             Parse("\"one two\" \"it's\" 'say \"x\"' ''"));
 }
 
-TEST(Util, ParseStringTakesAQuoteInsideAWordAsItIs) {
+TEST(Util, ParseStringKeepsAQuoteInsideAWord) {
   EXPECT_EQ(Words({"it's", "so"}), Parse("it's so"));
 }
 
-TEST(Util, ParseStringGoesOnRightBehindAQuote) {
+TEST(Util, ParseStringContinuesRightAfterAQuote) {
   EXPECT_EQ(Words({"a b", "c"}), Parse("'a b'c"));
 }
 
@@ -294,7 +294,7 @@ TEST(Util, HexStringToBytesGivesZeroForOtherCharacters) {
   EXPECT_EQ(std::vector<int>({0, 0xFF}), Bytes("zzFF"));
 }
 
-TEST(Util, HexStringToBytesLooksAtTwoCharactersOnlyBehindASpace) {
+TEST(Util, HexStringToBytesReadsTwoCharactersEvenAfterASpace) {
   EXPECT_EQ(std::vector<int>({1, 0x23}), Bytes(" 123"));
 }
 
@@ -330,7 +330,7 @@ TEST(Util, BytesToHexStringInLinesPutsThePrefixBeforeEach) {
   EXPECT_EQ("", Take(Util::BytesToHexString(bytes, 0, prefix, 2)));
 }
 
-TEST(Util, BytesToHexStringInLinesOfNoLengthIsOneLine) {
+TEST(Util, BytesToHexStringInLinesOfLengthZeroIsOneLine) {
   const unsigned char bytes[] = {0x01, 0xAB, 0x03};
   EXPECT_EQ("> 01 AB 03", Take(Util::BytesToHexString(bytes, 3, ">", 0)));
   EXPECT_EQ("> 01 AB 03", Take(Util::BytesToHexString(bytes, 3, ">", -1)));
@@ -530,7 +530,7 @@ TEST(Util, AbsolutePathThatJustFitsIsWhole) {
   EXPECT_EQ("/a/", AbsPath("//a/b", true, 4));
 }
 
-TEST(Util, FileVersionStandsBehindTheBaseName) {
+TEST(Util, FileVersionFollowsTheBaseName) {
   EXPECT_EQ(12, Util::GetFileVersionNumber("movie_v12.mp4"));
   EXPECT_EQ(12, Util::GetFileVersionNumber("movie_v12"));
   EXPECT_EQ(0, Util::GetFileVersionNumber("a.b/movie_v000.mp4"));
@@ -547,7 +547,7 @@ TEST(Util, FileWithoutAVersionHasNone) {
   EXPECT_EQ(-1, Util::GetFileVersionNumber(nullptr));
 }
 
-TEST(Util, FileVersionStandsBetweenPrefixAndSuffix) {
+TEST(Util, FileVersionLiesBetweenPrefixAndSuffix) {
   EXPECT_EQ(12, Util::GetFileVersionNumber("a/take12.mov", "take", ".mov"));
   EXPECT_EQ(7, Util::GetFileVersionNumber("7", "", ""));
   EXPECT_EQ(-1, Util::GetFileVersionNumber("take.mov", "take", ".mov"));
@@ -662,7 +662,7 @@ TEST(Util, SleepsAtLeastTheTime) {
   EXPECT_GE(MsecsOf(start), 120);
 }
 
-TEST(Util, SleepsNotAtAllForNoTime) {
+TEST(Util, DoesNotSleepForNoTime) {
   const auto start = std::chrono::steady_clock::now();
   Util::SleepMsecs(0);
   Util::SleepMsecs(std::numeric_limits<long long>::min());

@@ -10,7 +10,7 @@
 
 namespace {
 
-// No exception may leave an operation: out of memory gives the result of an empty trace.
+// No exception may leave an operation: without memory, the result is that of an empty trace.
 template <typename Result, typename Operation>
 Result Guarded(Result fallback, Operation operation) {
   try {

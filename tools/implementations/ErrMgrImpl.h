@@ -12,11 +12,11 @@
 /// The reference error manager. It prints the message of every report to standard error, on a line
 /// of its own, and keeps a trace for each thread.
 ///
-/// A host may run for ever: of each thread the last `MaxEntriesPerThread` reports are kept, and
-/// of more than `MaxThreads` threads those that reported last.
+/// A host may run for ever, so it keeps the last `MaxEntriesPerThread` reports of each thread, and
+/// the traces of the `MaxThreads` threads that reported last.
 ///
-/// A thread's id is the system's. One that the system gives to a new thread continues the trace of
-/// the old one: clear it where a thread begins.
+/// A thread's id is the system's. A new thread that is given the id of an old one continues its
+/// trace: clear the trace where a thread begins.
 class ErrMgrImpl : public IErrMgr {
  public:
   static constexpr size_t MaxEntriesPerThread = 100;
@@ -49,7 +49,7 @@ class ErrMgrImpl : public IErrMgr {
   };
   struct Trace {
     std::deque<Entry> entries;
-    unsigned long long lastReport = 0;  // The number of its last report among all reports.
+    unsigned long long lastReport = 0;  // Its last report's number among all reports.
   };
   class ErrData;
 

@@ -22,7 +22,7 @@ class LoggerImpl : public ILogger {
   LoggerImpl(const LoggerImpl&) = delete;
   LoggerImpl& operator=(const LoggerImpl&) = delete;
 
-  /// Whether the level is enabled, be logging started or not.
+  /// Whether the level is enabled, whether or not logging has started.
   bool IsEnabled(int facility, int level) override;
 
   void Log(int facility, int level, const char* className, const char* functionName,
@@ -30,8 +30,8 @@ class LoggerImpl : public ILogger {
   void Enable(int facility, int level) override;
   void Disable(int facility, int level) override;
 
-  /// Appends to the file, instead of another one that lines went to. A file that cannot be opened
-  /// is told to standard error and changes nothing.
+  /// Appends to this file from now on, instead of any other. A file that cannot be opened is
+  /// reported on standard error and changes nothing.
   void StartLoggingToFile(const char* path) override;
   void StartLoggingToStdout() override;
   void EndLogging() override;

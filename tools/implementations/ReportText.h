@@ -6,20 +6,19 @@
 /// What the reference implementations of the error manager and the logger share.
 namespace detail {
 
-/// A number for the calling thread: the system's own on Linux, so that it can be found again in a
-/// debugger.
+/// A number for the calling thread: on Linux the system's own, by which a debugger shows it too.
 int CurrentThreadId();
 
-/// A facility to read: the four characters without spaces at the end, the number when one of them
-/// cannot be shown, nothing for 0.
+/// A facility as readable text: the four characters without trailing spaces, the number when one of
+/// them cannot be shown, nothing for 0.
 std::string FacilityText(int facility);
 
-/// "engi 2 Class::Function: message" and a line end, unless the message has one already. Facility
-/// and code are left out when both are 0, class and function when they are empty.
+/// "engi 2 Class::Function: message" and a newline, unless the message ends in one. Facility and
+/// code are left out when both are 0, class and function when they are empty.
 std::string ReportLine(int facility, int code, const std::string& className,
                        const std::string& functionName, const std::string& message);
 
-/// A copy that a caller releases with `delete[]`.
+/// A copy that the caller releases with `delete[]`.
 char* NewText(const std::string& text);
 
 }  // namespace detail

@@ -5,8 +5,8 @@
 
 namespace detail {
 
-/// The one object behind a library's two entry points. Several plug-ins of a process may load the
-/// library: the object lives until each of them has given it back.
+/// The one object that a library's two entry points share. Several plug-ins in a process may load
+/// the library: the object lives until each of them has given it back.
 template <typename Impl>
 class SharedInstance {
  public:

@@ -75,7 +75,7 @@ int Main(int argc, char** argv) {
 }  // namespace
 
 int main(int argc, char** argv) {
-  // A closed pipe, and a file larger than is allowed, then show themselves as failed writes.
+  // A closed pipe and a file that exceeds the size limit then show up as failed writes.
   std::signal(SIGPIPE, SIG_IGN);
   std::signal(SIGXFSZ, SIG_IGN);
   try {

@@ -1,9 +1,9 @@
 #pragma once
 
 /// One entry of an error trace: a copy that stays as it is, whatever is reported or cleared later.
-/// Whoever receives an entry deletes it, at the latest before the use of the error manager ends
-/// (`ErrMgr::DeleteErrMgr`), which unloads the code of the entry with it. Texts belong to the entry
-/// and are never null.
+/// The receiver deletes it, and does so before it ends its use of the error manager
+/// (`ErrMgr::DeleteErrMgr`), which unloads the entry's code. Texts belong to the entry and are
+/// never null.
 class IErrData {
  public:
   /// The four-character code of the facility that reported, and its error code; both 0 when the

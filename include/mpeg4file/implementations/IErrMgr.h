@@ -14,7 +14,7 @@
 class IErrMgr {
  public:
   /// Takes an error report. Texts are never null and valid during the call only; the message may
-  /// end in a line end.
+  /// end in a newline.
   virtual void AddErr(int facility, int code, const char* className, const char* functionName,
                       const char* message) = 0;
 

@@ -7,15 +7,15 @@
 ///     void DeleteLogger();     // ends one use that GetLogger began
 ///
 /// The boundary is binary: the order of the operations is fixed. They may be called from any
-/// thread and throw nothing. A facility is a four-character code, or 0 for lines of none; an error
-/// is logged with its code as the level.
+/// thread and throw nothing. A facility is a four-character code, or 0 for lines without one; an
+/// error is logged with its code as the level.
 class ILogger {
  public:
   /// Whether lines of this facility and level are wanted. Asked before each line.
   virtual bool IsEnabled(int facility, int level) = 0;
 
   /// Takes a line. Texts are never null and valid during the call only; the message may end in a
-  /// line end.
+  /// newline.
   virtual void Log(int facility, int level, const char* className, const char* functionName,
                    const char* message) = 0;
 

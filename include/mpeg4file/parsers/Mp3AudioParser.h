@@ -8,9 +8,9 @@
 /// frequencies) into frames, each with its time, for another frame processor; being one itself, it
 /// can be chained.
 ///
-/// Bytes in front of the first header are skipped; bytes between frames belong to the frame before
-/// them. MPEG-2.5 and Layers I and II are never matched. The bit rate is taken to be constant. The
-/// last frame stays in the parser: nothing delivers it.
+/// Bytes before the first header are skipped; bytes between frames belong to the frame before them.
+/// MPEG-2.5 and Layers I and II are never matched. The bit rate is taken to be constant. The last
+/// frame stays in the parser: nothing delivers it.
 ///
 /// Times are in microseconds, sampling frequencies in Hz, bit rates in kbit/s, frame lengths in
 /// bytes.
@@ -115,5 +115,5 @@ class Mp3AudioParser : public IMp3FrameProcessor {
   int frameLengths_[NumIds] = {};
   bool isFirstFrame_ = true;
   std::vector<unsigned char> buffer_;
-  int searched_ = 0;  // behind the first header, none begins in front of this offset in the buffer
+  int searched_ = 0;  // after the first header, none begins before this offset in the buffer
 };

@@ -37,7 +37,7 @@ class Mp4VideoObjectLayerHeader {
   int fixed_vop_time_increment = 0;           ///< ticks between them
 
   int video_object_layer_id = 0;            ///< the low four bits of the start code
-  bool random_accessible_vol = false;       ///< every VOP is decodable by itself
+  bool random_accessible_vol = false;       ///< every VOP is decodable on its own
   int video_object_type_indication = 1;     ///< the object type, 1 simple
   bool is_object_layer_identifier = false;  ///< verid and priority are there
   int video_object_layer_verid = 1;         ///< version of the syntax

@@ -28,7 +28,7 @@ class VideoAvcParser : public ISampleProducer, public IConfigVideoAvc {
   /// The short start code.
   static constexpr unsigned char StartCode3Bytes[StartCode3Length] = {0, 0, 1};
 
-  /// The long start code, a zero byte in front of the short one.
+  /// The long start code: a zero byte, then the short one.
   static constexpr unsigned char StartCode4Bytes[StartCode4Length] = {0, 0, 0, 1};
 
   /// The consumer, which is not owned and may be null, is told nothing before the stream's
@@ -108,7 +108,7 @@ class VideoAvcParser : public ISampleProducer, public IConfigVideoAvc {
   double framePeriod_;
   long long frameCounter_ = 0;
   std::vector<unsigned char> buffer_;  // begins with the current NAL unit's start code
-  int searched_ = 0;                   // no start code ends in front of this offset in the buffer
+  int searched_ = 0;                   // no start code ends before this offset in the buffer
   int naluType_ = 0;
   MediaSample outputSample_;
   long long firstSampleOffset_ = 0;

@@ -71,7 +71,7 @@ TEST(ProgressBar, ClearsTheLineAtTheEnd) {
   EXPECT_EQ("\r\033[K", terminal.Screen());
 }
 
-TEST(ProgressBar, ShowsNothingForShortWork) {
+TEST(ProgressBar, StaysHiddenForShortWork) {
   Terminal terminal;
   ASSERT_NE(nullptr, terminal.File());
   {

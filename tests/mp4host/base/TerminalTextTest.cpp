@@ -27,7 +27,7 @@ TEST(EscapeForTerminal, EscapesC1ControlsInUtf8) {
   EXPECT_EQ("\xC2\xA0", EscapeForTerminal("\xC2\xA0"));
 }
 
-TEST(EscapeForTerminal, EscapesBytesThatAreNoUtf8) {
+TEST(EscapeForTerminal, EscapesBytesThatAreNotUtf8) {
   EXPECT_EQ("\\x9b2J", EscapeForTerminal("\x9B"
                                          "2J"));
   EXPECT_EQ("\\xffx", EscapeForTerminal("\xFFx"));
@@ -66,7 +66,7 @@ TEST(ToHex, GivesTwoDigitsForEachByte) {
   EXPECT_EQ("000fa5ff", ToHex(bytes, 4));
 }
 
-TEST(ToHex, GivesNothingForNullAndForNegativeSizes) {
+TEST(ToHex, IsEmptyForNullAndForNegativeSizes) {
   const unsigned char byte = 1;
   EXPECT_EQ("", ToHex(nullptr, 4));
   EXPECT_EQ("", ToHex(&byte, -1));

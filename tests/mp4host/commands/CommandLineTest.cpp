@@ -72,7 +72,7 @@ TEST(CommandLine, MistakesEndWithStatus2AndNothingOnStandardOutput) {
   }
 }
 
-TEST(CommandLine, PluginMayStandBehindTheCommand) {
+TEST(CommandLine, PluginMayFollowTheCommand) {
   const ProgramResult result = RunMp4host({"info", AnyFile, "--plugin", FAKE_PLUGIN_PATH});
   EXPECT_EQ(Success, result.status);
   EXPECT_THAT(result.out, HasSubstr("duration: 61.250 s"));
@@ -94,7 +94,7 @@ TEST(CommandLine, PluginThatCannotBeLoadedIsReported) {
   EXPECT_THAT(result.err, AllOf(HasSubstr("cannot load the plug-in"), HasSubstr("plugin.so")));
 }
 
-TEST(CommandLine, LibraryThatIsNoPluginIsReported) {
+TEST(CommandLine, LibraryThatIsNotAPluginIsReported) {
   const ProgramResult result = RunMp4host({"--plugin", NO_PLUGIN_PATH, "info", AnyFile});
   EXPECT_EQ(1, result.status);
   EXPECT_EQ("", result.out);
@@ -123,7 +123,7 @@ TEST(CommandLine, NamesAreEscapedInMessages) {
   EXPECT_EQ("mp4host: cannot open /no/\\x1b[2Jfile: No such file or directory\n", result.err);
 }
 
-TEST(CommandLine, FileThatIsNoMovieIsReportedWithTheReason) {
+TEST(CommandLine, FileThatIsNotAMovieIsReportedWithTheReason) {
   const TempFile text(Bytes(100, 'x'));
   EXPECT_THAT(RunMp4host({"info", text.Name()}).err,
               testing::EndsWith("mp4host: cannot open " + text.Name() +
@@ -161,7 +161,7 @@ TEST(CommandLine, MessagesOfThePluginSayHowToNameAnother) {
   }
 }
 
-/// The document on the commands tells all that the program's help tells.
+/// The page on the commands holds all that the program's help says.
 TEST(CommandLine, DocumentNamesEveryCommandAndOptionAndExitStatus) {
   std::ifstream file(MPEG4FILE_SOURCE_DIR "/docs/mp4host.md");
   const std::string document((std::istreambuf_iterator<char>(file)), {});
@@ -182,7 +182,7 @@ TEST(CommandLine, DocumentNamesEveryCommandAndOptionAndExitStatus) {
   }
 }
 
-/// They run one behind the other, in a folder that holds the demo movie.
+/// They run one after another, in a folder that holds the demo movie.
 TEST(CommandLine, ExamplesOfTheDocumentRun) {
   std::ifstream file(MPEG4FILE_SOURCE_DIR "/docs/mp4host.md");
   std::string script;

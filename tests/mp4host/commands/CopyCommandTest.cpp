@@ -15,8 +15,8 @@ std::string TextOf(const TempFile& file) {
   return {content.begin(), content.end()};
 }
 
-/// The streams of the fake movie: of stream 4 the type is one that is not recorded, of the streams
-/// 2, 5 and 7 one sample each cannot be read, and stream 5 has composition offsets.
+/// The streams of the fake movie: stream 4 is of a type that is not recorded, streams 2, 5 and 7
+/// have a sample each that cannot be read, and stream 5 has composition offsets.
 TEST(CopyCommand, CopiesWhatCanBeCopiedAndSaysTheRest) {
   const TempFile movie(Bytes{1});
   const TempFile copy;

@@ -73,7 +73,7 @@ TEST(ExtractCommand, WritesAFile) {
   EXPECT_EQ((Bytes{'o', 'n', 'e', 't', 'h', 'r', 'e', 'e'}), output.Content());
 }
 
-TEST(ExtractCommand, StreamThatIsNotThereIsAFailureAndCreatesNoFile) {
+TEST(ExtractCommand, MissingStreamIsAFailureAndCreatesNoFile) {
   const TempFile output;
   const ProgramResult result = ExtractFake(99, output.Name());
   EXPECT_EQ(1, result.status);

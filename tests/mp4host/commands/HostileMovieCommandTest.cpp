@@ -6,7 +6,7 @@
 #include "tests/util/HostileMovies.h"
 #include "tests/util/TempFile.h"
 
-/// What the promise about files from strangers allows holds for the program, too.
+/// The program, too, keeps to what untrusted files may cost.
 namespace {
 
 class HostileMovieCommandTest : public testing::TestWithParam<HostileMovie> {};

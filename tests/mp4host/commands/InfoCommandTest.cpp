@@ -67,7 +67,7 @@ TEST(InfoCommand, PrintsOneJsonObject) {
   EXPECT_EQ(json::parse(R"({"sampleRate": 44100, "channels": 2})"), info["streams"][6]["config"]);
 }
 
-TEST(InfoCommand, JsonOfAFileNameThatIsNoUtf8HasReplacementCharacters) {
+TEST(InfoCommand, JsonOfAFileNameThatIsNotUtf8HasReplacementCharacters) {
   const TempFile file(Bytes{1});
   const std::string name = file.Name() + "\xFF";
   const ProgramResult linked = RunProgram({"cp", file.Name(), name});

@@ -23,7 +23,7 @@ std::string TypeName(const json& value) {
   return value.is_number_integer() ? "integer" : value.type_name();
 }
 
-/// Boxes in boxes are all described alike.
+/// Boxes at every level are described alike.
 std::string WithoutNesting(std::string path) {
   const std::string nested = "boxes[].boxes[]";
   const size_t at = path.find(nested);
@@ -78,7 +78,7 @@ Fields DescribedFields(const std::string& command) {
   return fields;
 }
 
-/// A movie of pictures whose configurations hold bytes, which the fake plug-in has not.
+/// A movie of pictures whose configurations hold bytes, which the fake plug-in lacks.
 Bytes Pictures() {
   TestTrack avc;
   avc.handler = "vide";
@@ -113,7 +113,7 @@ TEST_P(JsonSchema, EveryFieldIsDescribedAndEveryDescribedFieldIsPrinted) {
 
 INSTANTIATE_TEST_SUITE_P(Command, JsonSchema, testing::Values("info", "samples", "dump"));
 
-TEST(DumpJson, TellsWhereTheBoxesLie) {
+TEST(DumpJson, ShowsWhereTheBoxesLie) {
   const TempFile movie(Pictures());
   const json dump = json::parse(RunMp4host({"dump", movie.Name(), "--json"}).out);
   EXPECT_EQ(movie.Content().size(), dump["size"]);

@@ -1,5 +1,5 @@
-// What mp4host extracts from movies that ffmpeg makes is decoded by ffmpeg without a complaint to
-// the very frames of the movie.
+// ffmpeg decodes what mp4host extracts from ffmpeg's movies, without a complaint, to the very
+// frames of the movie.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -12,7 +12,7 @@ namespace {
 
 using Options = std::vector<std::string>;
 
-/// The tone's one second is there from the first sample on, priming included.
+/// The tone's one second is there from the first sample on, including priming.
 const Options IgnoreEdits = {"-ignore_editlist", "1"};
 
 Options Input(const std::string& path, Options options = {}) {

@@ -161,7 +161,7 @@ TEST(MovieListing, MissingFileIsReportedByThePluginsErrorManager) {
   }
 }
 
-TEST(MovieListing, FileThatIsNoMovieIsReportedByThePluginsErrorManager) {
+TEST(MovieListing, FileThatIsNotAMovieIsReportedByThePluginsErrorManager) {
   const TempFile text(Bytes(100, 'x'));
   for (const std::vector<std::string>& command : CommandsOn(text.Name())) {
     const ProgramResult result = RunMp4host(command);

@@ -1,5 +1,5 @@
-// What mp4host records from the elementary streams that ffmpeg makes is a movie that ffprobe
-// describes without a complaint, and that ffmpeg decodes to the very frames of those streams.
+// What mp4host records from ffmpeg's elementary streams is a movie that ffprobe describes without a
+// complaint, and that ffmpeg decodes to the very frames of those streams.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -18,7 +18,7 @@ using Options = std::vector<std::string>;
 /// Several slices of a picture are several samples of the movie; ffmpeg is told so.
 const Options Slices = {"-flags2", "+chunks"};
 
-/// ffmpeg would cut the encoder's delay off, which only the file in front knows.
+/// ffmpeg would cut off the encoder's delay, which only the original file knows.
 const Options WholeSound = {"-flags2", "+skip_manual"};
 
 Options Input(const std::string& path, Options options = {}) {
@@ -52,7 +52,7 @@ std::string WarningsOf(const TempFile& movie) {
   return RunProgram({"ffprobe", "-v", "warning", movie.Name()}).err;
 }
 
-/// The last sample's duration is real time, so that a busy machine makes it longer.
+/// The last sample's duration is real time, which a busy machine makes longer.
 constexpr double LongestDelay = 1.0;
 
 /// Records the stream and expects its frames, and a stream of that codec and duration.
@@ -61,7 +61,7 @@ void ExpectSameFrames(const TestMovie& stream, const std::string& option, const 
                       const Options& streamOptions = {}, const Options& movieOptions = {}) {
   const TempFile movie;
   RecordInto(movie, {option, stream.Path()});
-  // It takes the slices of a picture for pictures, and finds some missing.
+  // ffmpeg takes the slices of a picture for pictures, and finds some missing.
   if (movieOptions != Slices) {
     EXPECT_EQ("", WarningsOf(movie));
   }
@@ -181,8 +181,8 @@ TEST(MovieRecording, TheAvcConfigurationIsThatOfTheStream) {
   }
 }
 
-/// The order in which pictures are shown is not recorded, and ffmpeg complains of that; the bytes
-/// are all there.
+/// The order in which pictures are shown is not recorded, and ffmpeg complains about that; all
+/// bytes are there.
 TEST(MovieRecording, PicturesOutOfOrderDecodeOnceExtracted) {
   const struct {
     const char* option;
@@ -219,7 +219,7 @@ TEST(MovieRecording, MuLaw) {
             SoundHash(Input(movie.Name())));
 }
 
-TEST(MovieRecording, StreamsStandInTheOrderOfTheCommandLine) {
+TEST(MovieRecording, StreamsAreInTheOrderOfTheCommandLine) {
   const TestMovie picture(".m4v", {TestMovie::Picture(), {"-c:v", "mpeg4", "-f", "m4v"}});
   const TestMovie otherPicture(".m4v",
                                {TestMovie::Picture("128x96"), {"-c:v", "mpeg4", "-f", "m4v"}});

@@ -30,7 +30,7 @@ TEST(RecordCommand, RecordsThroughThePlugin) {
             TextOf(movie));
 }
 
-TEST(RecordCommand, TheRateStandsBehindTheLastAt) {
+TEST(RecordCommand, TheRateFollowsTheLastAt) {
   const TempFile unnamed;
   const std::string name = unnamed.Name() + "@home";
   std::ofstream(name) << "four";

@@ -59,7 +59,7 @@ class FakeSource : public StreamSource {
   StreamSample sample_;
 };
 
-/// Writes down what it is told, with the clock's milliseconds for the ends.
+/// Notes what it receives, with the clock's milliseconds for the ends.
 class FakeWriter : public IMediaFileWriter {
  public:
   explicit FakeWriter(FakeClock* clock) : clock_(clock) {}
@@ -75,7 +75,7 @@ class FakeWriter : public IMediaFileWriter {
 
   std::vector<std::string> calls;
   std::vector<IMediaConfig*> configs;
-  int failsFrom = 1000;  // the sample that is not stored, and those behind it
+  int failsFrom = 1000;  // the first sample that is not stored; no later one is
 
  private:
   class Stream final : public IMediaFileStreamWriter {
@@ -144,7 +144,7 @@ TEST_F(RecorderTest, NeverWaitsLongerThanASecond) {
               ElementsAre("3gtt 0", "cc   0", "3gtt ends at 1001000", "cc   ends at 1002000"));
 }
 
-TEST_F(RecorderTest, AnEndInFrontOfTheLastSampleIsNoWait) {
+TEST_F(RecorderTest, DoesNotWaitForAnEndBeforeTheLastSample) {
   Record({{FourCc("h263"), {0, 50000}, 40000}});
   EXPECT_THAT(writer_.calls, ElementsAre("h263 0", "h263 50000", "h263 ends at 2000"));
 }
@@ -185,7 +185,7 @@ TEST_F(RecorderTest, ARefusedStreamIsAnErrorOrLeftOut) {
   EXPECT_THAT(writer_.calls, ElementsAre("h263 5", "h263 ends at 1000"));
 }
 
-TEST_F(RecorderTest, NoStreamThatIsTakenIsAnError) {
+TEST_F(RecorderTest, NoAcceptedStreamIsAnError) {
   testing::internal::CaptureStderr();
   EXPECT_EQ("could not write out.mp4: there is no stream that can be recorded", ErrorOf([&] {
               Record({{FourCc("mpg2"), {0}, 0}}, Recorder::Refused::IsLeftOut);

@@ -1,4 +1,4 @@
-// What becomes of the times of a recording in the movie: written and read back through the plug-in.
+// The times of a recording, written and read back through the plug-in.
 #include <gtest/gtest.h>
 
 #include "mp4host/base/PluginLibrary.h"

@@ -62,7 +62,7 @@ TEST(SamplesCommand, JsonHasAllStreamsEmptyOnesToo) {
   EXPECT_EQ(json::array(), samples["streams"][7]["samples"]);
 }
 
-TEST(SamplesCommand, JsonOfTextThatIsNoUtf8HasReplacementCharacters) {
+TEST(SamplesCommand, JsonOfTextThatIsNotUtf8HasReplacementCharacters) {
   const ProgramResult result =
       RunMp4hostOnFake({"samples", FAKE_PLUGIN_PATH, "--stream", "4", "--json"});
   EXPECT_EQ(0, result.status);

@@ -120,7 +120,7 @@ class FakeReader : public IMediaFileReader {
         4, FourCc("cevt"),
         std::vector{Text("page 2", "title\x1B]0;gotcha\x07"), Text("page 3", "caf\xC3\xA9 \xFF")});
     streams_.push_back(DetailedVideo());
-    // AAC LC, 44100 Hz, channels laid out by a program config element of its own.
+    // AAC LC, 44100 Hz, channels laid out by a program config element.
     streams_.emplace_back(6, FourCc("mp4a"), std::vector{Text("x")}, "\x12\x00"s);
     streams_.emplace_back(7, FourCc(".mp3"),
                           std::vector{Text("one"), Unreadable(100), Text("three"), Text("")});

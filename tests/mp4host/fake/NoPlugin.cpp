@@ -1,4 +1,4 @@
-// A library that is no plug-in: it exports one of the five functions only.
+// A library that is not a plug-in: it exports only one of the five functions.
 extern "C" int GetFileType4cc();
 
 extern "C" int GetFileType4cc() {

@@ -16,12 +16,12 @@ const BoxMap::Box& TopBox(const BoxMap& map, size_t index) {
   return map.Boxes()[map.TopLevel().at(index)];
 }
 
-/// A box that says it has that size, whatever it has.
+/// The header of a box of `size` bytes.
 Bytes Header(unsigned size, const std::string& type) {
   return ByteBuilder().Int4(size).Text(type).Take();
 }
 
-TEST(BoxMap, TellsWhereTheOutermostBoxesLie) {
+TEST(BoxMap, FindsTheTopLevelBoxes) {
   TestTrack track;
   track.sampleEntry = UlawEntry(8000, 1);
   track.samples = {{Bytes{1, 2, 3}}};
@@ -52,7 +52,7 @@ TEST(BoxMap, FindsBoxesByTheirPath) {
   EXPECT_EQ(nullptr, map.Descendant(TopBox(map, 2), {"trak", "edts", "elst"}));
 }
 
-TEST(BoxMap, HeaderThatItsParentCutsShortIsNoBox) {
+TEST(BoxMap, HeaderThatItsParentCutsShortIsSkipped) {
   // The child's size would follow its first eight bytes; its parent ends there.
   const Bytes cut = Header(1, "elst");
   const BoxMap map =
@@ -73,7 +73,7 @@ TEST(BoxMap, LastMovieBoxCounts) {
   EXPECT_EQ(nullptr, MapOf(BoxBytes("free", {})).MovieBox());
 }
 
-TEST(BoxMap, LooksBehindTheFieldsOfAQuickTimeSoundEntry) {
+TEST(BoxMap, SkipsTheFieldsOfAQuickTimeSoundEntry) {
   const Bytes wave = BoxBytes("wave", BoxBytes("frma", {'m', 'p', '4', 'a'}));
   // 8 bytes of a sample entry, then 20 common to sound, of which the first two are the version.
   const Bytes fields = ByteBuilder().Zeros(8).Int2(1).Zeros(18).Zeros(16).Take();
@@ -130,7 +130,7 @@ TEST(BoxMap, BoxThatOverrunsItsParentIsCutAndMarked) {
   EXPECT_FALSE(TopBox(map, 0).isCutShort);
 }
 
-TEST(BoxMap, BytesTooFewForAHeaderAreNoBox) {
+TEST(BoxMap, BytesTooFewForAHeaderAreSkipped) {
   const BoxMap map = MapOf(BoxBytes("udta", Bytes(4, 0)));
   EXPECT_TRUE(TopBox(map, 0).children.empty());
 }

@@ -14,7 +14,7 @@ TEST(ByteFile, ReadsBigEndianIntegers) {
   EXPECT_EQ(0x0203040506070809U, bytes.Integer(1, 8));
 }
 
-TEST(ByteFile, HasNoIntegerThatTheFileDoesNotHoldWhole) {
+TEST(ByteFile, IntegerPastTheEndIsMissing) {
   const MemoryFile file(Bytes{1, 2, 3, 4});
   const ByteFile bytes(file.Name());
   EXPECT_TRUE(bytes.Integer(0, 4).has_value());

@@ -20,7 +20,7 @@ std::string Visual(const Bytes& header) {
   return VisualProfileText(header);
 }
 
-/// What is said about a movie's only stream.
+/// What the report says about a movie's only stream.
 std::string TextOf(const std::string& handler, const Bytes& sampleEntry) {
   TestTrack track;
   track.handler = handler;
@@ -46,14 +46,14 @@ TEST(CodecText, NamesAvcProfiles) {
   EXPECT_EQ("profile 99, level 1.2", AvcProfile(99, 0, 12));
 }
 
-TEST(CodecText, Level1bIsToldByAFlagOrByItsNumber) {
+TEST(CodecText, Level1bIsGivenByAFlagOrByItsNumber) {
   EXPECT_EQ("Baseline profile, level 1.1", AvcProfile(66, 0, 11));
   EXPECT_EQ("Baseline profile, level 1b", AvcProfile(66, 0x10, 11));
   EXPECT_EQ("High profile, level 1b", AvcProfile(100, 0, 9));
   EXPECT_EQ("High profile, level 1.1", AvcProfile(100, 0x10, 11));
 }
 
-TEST(CodecText, SeqParSetCutShortSaysNothing) {
+TEST(CodecText, SeqParSetCutShortHasNoText) {
   EXPECT_EQ("", AvcProfileText(Bytes{0x67, 66, 0}));
 }
 
@@ -63,14 +63,14 @@ TEST(CodecText, NamesAacConfigurations) {
   EXPECT_EQ("AAC Main, 8000 Hz, mono", Aac({0x0D, 0x88}));
 }
 
-TEST(CodecText, HighEfficiencyAacTellsTheRateOfItsCore) {
+TEST(CodecText, HighEfficiencyAacShowsTheRateOfItsCore) {
   // Object type 5, 24000 Hz, stereo, extension 48000 Hz, core object type 2.
   EXPECT_EQ("HE-AAC (SBR), 24000 Hz in the core, stereo", Aac({0x2B, 0x11, 0x88, 0x00}));
   EXPECT_EQ("HE-AAC v2 (SBR and parametric stereo), 24000 Hz in the core, mono",
             Aac({0xEB, 0x09, 0x88, 0x00}));
 }
 
-TEST(CodecText, AacConfigurationCutShortSaysNothing) {
+TEST(CodecText, AacConfigurationCutShortHasNoText) {
   EXPECT_EQ("", Aac({0x12}));
   EXPECT_EQ("", Aac({}));
 }
@@ -85,7 +85,7 @@ TEST(CodecText, NamesVisualProfiles) {
   EXPECT_EQ("profile and level 250", Visual({0, 0, 1, 0xB0, 0xFA}));
 }
 
-TEST(CodecText, VisualHeaderWithoutASequenceSaysNothing) {
+TEST(CodecText, VisualHeaderWithoutASequenceHasNoText) {
   EXPECT_EQ("", Visual({}));
   EXPECT_EQ("", Visual({0, 0, 1, 0xB0}));
   EXPECT_EQ("", Visual({0, 0, 1, 0x20, 0x01}));

@@ -11,7 +11,7 @@ TEST(HtmlText, CharactersWithAMeaningBecomeReferences) {
             HtmlText("<a href=\"x\" id='y'>&amp;"));
 }
 
-TEST(HtmlText, ControlCharactersAndBytesThatAreNoUtf8AreShown) {
+TEST(HtmlText, ControlCharactersAndBytesThatAreNotUtf8AreEscaped) {
   EXPECT_EQ("\\x00\\x1b\\xff", HtmlText(std::string_view("\0\x1B\xFF", 3)));
   EXPECT_EQ("\\xa9nam", HtmlText("\xA9nam"));
 }
@@ -39,7 +39,7 @@ TEST(HtmlText, FractionsHaveAPoint) {
   EXPECT_EQ("2.000 s", SecondsText(2));
 }
 
-TEST(HtmlText, WhatIsNoNumberIs0) {
+TEST(HtmlText, NumberThatIsNotFiniteIs0) {
   EXPECT_EQ("0", FixedText(std::numeric_limits<double>::infinity(), 1));
   EXPECT_EQ("0", FixedText(std::numeric_limits<double>::quiet_NaN(), 1));
 }

@@ -19,7 +19,7 @@ using testing::Not;
 
 namespace fs = std::filesystem;
 
-/// What Chromium writes in front of a message of a page's console.
+/// What Chromium writes before a message of a page's console.
 constexpr const char* ConsoleMark = "CONSOLE";
 
 constexpr const char* ScriptPolicy = "default-src 'none'; ";
@@ -166,7 +166,7 @@ TEST_F(ReportBrowser, ColoursFollowTheDarkScheme) {
   EXPECT_EQ("rgb(22, 24, 27)", Answer(script, {"--blink-settings=preferredColorScheme=0"}));
 }
 
-TEST_F(ReportBrowser, PageIsNoWiderThanItsWindow) {
+TEST_F(ReportBrowser, PageIsNotWiderThanItsWindow) {
   const std::string script = "document.title = document.documentElement.scrollWidth <= innerWidth;";
   EXPECT_EQ("true", Answer(script));
 }

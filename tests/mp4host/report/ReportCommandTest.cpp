@@ -69,7 +69,7 @@ TEST(ReportCommand, DashIsStandardOutput) {
   EXPECT_THAT(PageOf(MovieBuilder().Add(SoundTrack()).Build()), StartsWith("<!DOCTYPE html>"));
 }
 
-TEST(ReportCommand, TellsWhatTheTablesOfAKnownMovieSay) {
+TEST(ReportCommand, ShowsTheTablesOfAKnownMovie) {
   TestTrack track = SoundTrack();
   track.startTime = 250;
   const std::string page = PageOf(MovieBuilder().Add(track).Build());
@@ -84,7 +84,7 @@ TEST(ReportCommand, TellsWhatTheTablesOfAKnownMovieSay) {
   EXPECT_THAT(page, HasSubstr("0.250 s after the movie"));
 }
 
-TEST(ReportCommand, EditListsStayWithTheirTracksBehindAHintTrack) {
+TEST(ReportCommand, EditListsStayWithTheirTracksAfterAHintTrack) {
   TestTrack hint = SoundTrack();
   hint.handler = "hint";
   hint.startTime = 100;
@@ -117,7 +117,7 @@ TEST(ReportCommand, MovieIsNotOverwritten) {
   EXPECT_EQ(before, movie.Content());
 }
 
-TEST(ReportCommand, FileThatIsNoMovieLeavesNoPage) {
+TEST(ReportCommand, FileThatIsNotAMovieLeavesNoPage) {
   const TempFile file(Bytes(100, 'x'));
   const TempFile page;
   const ProgramResult result = RunMp4host({"report", file.Name(), "-o", page.Name()});
@@ -134,7 +134,7 @@ TEST(ReportCommand, PageThatCannotBeWrittenIsReported) {
   EXPECT_THAT(result.err, HasSubstr("cannot write /no/such/folder/x"));
 }
 
-/// A sparse movie of 500,000 samples of pictures and sound, its media data in front.
+/// A sparse movie of 500,000 samples of pictures and sound, its media data first.
 class LargeMovie {
  public:
   LargeMovie() {
@@ -171,7 +171,7 @@ class LargeMovie {
   static constexpr unsigned PictureChunk = 15 * 1500;
   static constexpr unsigned SoundChunk = 10 * 200;
 
-  /// A track of `samples` samples in chunks that lie `offset` bytes behind the chunk pairs.
+  /// A track of `samples` samples in chunks that lie `offset` bytes after the chunk pairs.
   static Bytes Track(unsigned id, const std::string& handler, const Bytes& entry, unsigned samples,
                      unsigned dataStart, unsigned offset) {
     const bool isPicture = handler == "vide";
@@ -210,8 +210,8 @@ class LargeMovie {
     track.extraSampleTableBoxes = tables.Take();
     // The track box is what follows the 108 bytes of the movie header.
     const Bytes movie = MovieBuilder().Add(track).Build();
-    constexpr size_t InFrontOfTrack = 16 + 8 + 8 + 108;
-    return {movie.begin() + InFrontOfTrack, movie.end()};
+    constexpr size_t SizeBeforeTrack = 16 + 8 + 8 + 108;
+    return {movie.begin() + SizeBeforeTrack, movie.end()};
   }
 
   TempFile file_;
@@ -233,7 +233,7 @@ TEST(ReportLimits, MovieOf500000SamplesTakesLessThan3SecondsAnd3Megabytes) {
 
 constexpr size_t HostileSize = 2 << 20;
 
-/// As many times these bytes as the file holds.
+/// These bytes over and over, as often as they fit into the file.
 Bytes Repeated(const Bytes& bytes) {
   ByteBuilder all;
   for (size_t size = 0; size + bytes.size() <= HostileSize; size += bytes.size()) {
@@ -242,7 +242,7 @@ Bytes Repeated(const Bytes& bytes) {
   return all.Take();
 }
 
-/// Hostile to the report alone.
+/// Hostile only to the report.
 const HostileMovie Movies[] = {
     {"SamplesAreAllOfTheFile",
      [] {

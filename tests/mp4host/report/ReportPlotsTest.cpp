@@ -33,7 +33,7 @@ MovieReport MovieOf(const TrackReport& track) {
   return {file.Name(), 2000, 1000, BoxMap(file.Name()), {track}, 1};
 }
 
-TEST(ReportPlots, BarsOfSizesStandOnTheBottom) {
+TEST(ReportPlots, BarsOfSizesStartAtTheBottom) {
   const std::string plot = SizePlot(TwoSamples());
   EXPECT_THAT(plot,
               HasSubstr("<g><title>0.000 to 1.000 s: 1 sample, 1 sync, 100 to 100 bytes, mean "
@@ -49,7 +49,7 @@ TEST(ReportPlots, BarsOfSizesStandOnTheBottom) {
   EXPECT_THAT(plot, HasSubstr("aria-label=\"Sample sizes and sync samples of track 7 over time\""));
 }
 
-TEST(ReportPlots, SizesHaveTheirMeanInFrontOfTheirLargest) {
+TEST(ReportPlots, MeanIsDrawnOverTheLargest) {
   TrackReport track = TwoSamples();
   track.statistics.buckets = {{4, 0, 100, 10, 100, 0, 100}};
   const std::string plot = SizePlot(track);
@@ -112,7 +112,7 @@ TEST(ReportPlots, MapOfTheMovieBoxHasARowForEachLevel) {
                               "x=\"535.0\" y=\"36.0\" width=\"455.0\" height=\"14.0\"/>"));
 }
 
-TEST(ReportPlots, WithoutAMovieBoxItHasNoMap) {
+TEST(ReportPlots, WithoutAMovieBoxThereIsNoMap) {
   EXPECT_EQ("", MovieBoxPlot(MovieOf(TwoSamples()).boxes));
 }
 

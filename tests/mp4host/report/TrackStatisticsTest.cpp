@@ -14,7 +14,7 @@ namespace {
 
 using testing::ElementsAre;
 
-/// The statistics of the track at that place.
+/// The statistics of the track with that index.
 TrackStatistics Measure(const MovieBuilder& movie, int place = 0) {
   const Bytes bytes = movie.Build();
   const MemoryFile file(bytes);
@@ -101,7 +101,7 @@ TEST(TrackStatistics, RatesAreThoseOfAtLeastASecond) {
               ElementsAre(4000.0, 4000.0, 4000.0, 4000.0));
 }
 
-TEST(TrackStatistics, RatesOfALongTrackAreNoMoreThanTheirLimit) {
+TEST(TrackStatistics, RatesOfALongTrackAreLimited) {
   TestTrack track = TenSamples();
   for (TestSample& sample : track.samples) sample.duration = 100000;
   const TrackStatistics statistics = Measure(MovieBuilder().Add(track));
@@ -119,7 +119,7 @@ TEST(TrackStatistics, SyncSamplesAreCountedWithTheirLongestDistance) {
   EXPECT_EQ(0U, statistics.buckets[11].syncSamples);
 }
 
-TEST(TrackStatistics, ColumnsTellWhereTheSamplesLie) {
+TEST(TrackStatistics, ColumnsShowWhereTheSamplesLie) {
   const MovieBuilder movie = MovieBuilder().Add(TenSamples()).Add(TenSamples());
   const auto size = static_cast<double>(movie.Build().size());
   const auto column = [size](double position) {

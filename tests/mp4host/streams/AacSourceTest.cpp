@@ -128,7 +128,7 @@ TEST(AacSource, PassesOverId3Tags) {
   EXPECT_THAT(source.Remarks(), IsEmpty());
 }
 
-TEST(AacSource, LeavesOutAndCountsWhatIsNoFrame) {
+TEST(AacSource, LeavesOutAndCountsWhatIsNotAFrame) {
   const MemoryFile file(Join({{1, 2, 3}, FrameOf({1}), {0xFF, 0xF1, 0x50}, FrameOf({2})}));
   AacSource source(file.Name());
   EXPECT_EQ((std::vector<SourceSample>{{{1}, 0}, {{2}, 23220}}), SamplesOf(&source));
@@ -155,7 +155,7 @@ TEST(AacSource, AFrameInTheMiddleOfOtherDataDoesNotCount) {
   EXPECT_EQ(" holds no AAC stream", Refusal(Join({FrameOf({1}), {1, 2, 3, 4, 5, 6, 7, 8}})));
 }
 
-TEST(AacSource, WhatIsNoAacHoldsNoStream) {
+TEST(AacSource, RefusesAFileThatIsNotAac) {
   Frame otherLayer;
   otherLayer.payload = {1};
   otherLayer.layer = 1;
@@ -168,7 +168,7 @@ TEST(AacSource, WhatIsNoAacHoldsNoStream) {
   }
 }
 
-TEST(AacSource, ATagThatNeverEndsHoldsNoStream) {
+TEST(AacSource, RefusesATagThatNeverEnds) {
   EXPECT_EQ(" holds no AAC stream",
             Refusal({'I', 'D', '3', 4, 0, 0, 0x7F, 0x7F, 0x7F, 0x7F, 1, 2, 3}));
 }

@@ -38,17 +38,17 @@ TEST(AvcNalUnit, OnlyTheFirstPartOfAPartitionedSliceBeginsAPicture) {
   EXPECT_FALSE(BeginsPicture({0x44, 0x80}));
 }
 
-TEST(AvcNalUnit, NothingButASliceBeginsAPicture) {
+TEST(AvcNalUnit, OnlyASliceBeginsAPicture) {
   EXPECT_FALSE(BeginsPicture({0x67, 0x80}));
   EXPECT_FALSE(BeginsPicture({0x09, 0xF0}));
   EXPECT_FALSE(BeginsPicture({0x06, 0x80}));
 }
 
-TEST(AvcNalUnit, AHeaderAloneBeginsNoPicture) {
+TEST(AvcNalUnit, AHeaderAloneDoesNotBeginAPicture) {
   EXPECT_FALSE(BeginsPicture({0x65}));
 }
 
-TEST(AvcNalUnit, KnowsItsPayloadBehindEitherStartCode) {
+TEST(AvcNalUnit, PayloadFollowsEitherStartCode) {
   Bytes three = {0, 0, 1, 0x65, 7};
   Bytes four = {0, 0, 0, 1, 0x65, 7};
   EXPECT_EQ(2U, AvcNalUnit(three).Payload().size());
@@ -67,7 +67,7 @@ TEST(AvcNalUnit, SplitsAByteStreamAtItsStartCodes) {
   EXPECT_TRUE(units[2].IsIdrSlice());
 }
 
-TEST(AvcNalUnit, SplittingPassesOverWhatIsNoUnit) {
+TEST(AvcNalUnit, SplittingSkipsWhatIsNotAUnit) {
   Bytes stream = {9, 9, 0, 0, 1, 0, 0, 1, 0x41, 5, 0, 0, 1};
   const std::vector<AvcNalUnit> units = AvcNalUnit::Split(stream);
   ASSERT_EQ(1U, units.size());

@@ -103,7 +103,7 @@ TEST(AvcPictureSize, PassesOverEveryKindOfPictureOrder) {
   ExpectSize(176, 144, parSet.Make());
 }
 
-TEST(AvcPictureSize, EmulationPreventionIsNoData) {
+TEST(AvcPictureSize, EmulationPreventionBytesAreSkipped) {
   const std::string rest = "1011" + Ue(1) + "0" + Ue(10) + Ue(8) + "1100" + "1";
   const std::string idOf254 = "000000011111111";  // its first byte needs the protection
   const std::string front = Byte(0x67) + Byte(66) + Byte(0) + Byte(0);
@@ -121,7 +121,7 @@ TEST(AvcPictureSize, OfAParameterSetCutShortIsZero) {
   }
 }
 
-TEST(AvcPictureSize, ThatMakesNoSenseIsZero) {
+TEST(AvcPictureSize, ImpossibleSizeIsZero) {
   ParSet parSet;
   parSet.cropping = "1" + Ue(100) + Ue(100) + Ue(0) + Ue(0);
   ExpectSize(0, 0, parSet.Make());

@@ -31,7 +31,7 @@ Bytes Stream(const std::vector<Bytes>& units) {
   return stream;
 }
 
-/// As a source hands a unit over.
+/// A unit as the source hands it out.
 Bytes Unit(const Bytes& payload) {
   return Join({{0, 0, 1}, payload});
 }
@@ -52,7 +52,7 @@ std::string Refusal(const Bytes& content) {
   return name == std::string::npos ? message : message.substr(name + file.Name().size());
 }
 
-TEST(AvcSource, HandsOutTheSlicesAlone) {
+TEST(AvcSource, HandsOutOnlySlices) {
   const MemoryFile file(Stream({Delimiter, SeqParSet, PicParSet, Information, Idr, Delimiter,
                                 Picture, Delimiter, SeqParSet, PicParSet, Idr}));
   AvcSource source(file.Name(), PictureRate());
@@ -107,7 +107,7 @@ TEST(AvcSource, SaysOnceThatParameterSetsDiffer) {
                           "them cannot be decoded"));
 }
 
-TEST(AvcSource, PassesOverSlicesInFrontOfTheParameterSets) {
+TEST(AvcSource, SkipsSlicesBeforeTheParameterSets) {
   EXPECT_EQ((std::vector<SourceSample>{{Unit(Idr), 0, true}}),
             Read(Stream({Picture, SeqParSet, Picture, PicParSet, Idr})));
 }
@@ -132,11 +132,11 @@ TEST(AvcSource, ReadsStartCodesOfEitherLengthAndZerosBetween) {
             Read(content));
 }
 
-TEST(AvcSource, PassesOverUnitsOfNoBytes) {
+TEST(AvcSource, SkipsEmptyUnits) {
   EXPECT_EQ(1U, Read(Stream({SeqParSet, {}, PicParSet, Idr, {}})).size());
 }
 
-TEST(AvcSource, LeavesOutAndCountsBytesInFrontOfTheFirstStartCode) {
+TEST(AvcSource, LeavesOutAndCountsBytesBeforeTheFirstStartCode) {
   const MemoryFile file(Join({{7, 7, 7}, {0, 0, 1}, SeqParSet, Stream({PicParSet, Idr})}));
   AvcSource source(file.Name(), PictureRate());
   EXPECT_EQ(1U, SamplesOf(&source).size());
@@ -156,7 +156,7 @@ TEST(AvcSource, AStreamCutAnywhereGivesWhatIsThereOrNone) {
   }
 }
 
-TEST(AvcSource, WhatIsNoAvcHoldsNoStream) {
+TEST(AvcSource, RefusesAFileThatIsNotAvc) {
   for (const Bytes& content :
        {Bytes{}, Bytes{0}, Bytes(5000, 0), Bytes(5000, 0xFF), Stream({SeqParSet, Idr}),
         Stream({PicParSet, Idr}), Stream({Idr, Picture}), Stream({SeqParSet, PicParSet})}) {

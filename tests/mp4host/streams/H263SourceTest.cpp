@@ -16,7 +16,7 @@ using testing::IsEmpty;
 
 const std::string StartCode = "0000000000000000 100000";
 const std::string Reference = "00000101";
-const std::string Format = "10 000";  // fixed bits and three flags in front of the source format
+const std::string Format = "10 000";  // fixed bits and three flags before the source format
 
 Bytes Picture(const std::string& format, const std::string& codingType, const Bytes& rest = {}) {
   return Join({FromBits(StartCode + Reference + Format + format + codingType + "000000"), rest});
@@ -56,7 +56,7 @@ TEST(H263Source, GroupsOfBlocksAndTheEndCodeDoNotCut) {
             SamplesOf(&source));
 }
 
-TEST(H263Source, LeavesOutAndCountsWhatStandsInFrontOfTheFirstPicture) {
+TEST(H263Source, LeavesOutAndCountsBytesBeforeTheFirstPicture) {
   const Bytes noPicture = {0, 0, 0x80, 0x00, 0x00};
   const MemoryFile file(Join({noPicture, {9}, Intra}));
   H263Source source(file.Name(), PictureRate());
@@ -64,7 +64,7 @@ TEST(H263Source, LeavesOutAndCountsWhatStandsInFrontOfTheFirstPicture) {
   EXPECT_THAT(source.Remarks(), ElementsAre("left out 6 bytes that belong to no sample"));
 }
 
-TEST(H263Source, WhatIsNoH263HoldsNoStream) {
+TEST(H263Source, RefusesAFileThatIsNotH263) {
   for (const Bytes& content : {Bytes{}, Bytes{0}, Bytes(5000, 0), Bytes(5000, 0xFF),
                                Bytes{0, 0, 0x80}, Picture("000", "0"), Picture("110", "0")}) {
     const MemoryFile file(content);

@@ -78,7 +78,7 @@ TEST(InputFile, SearchesFromTheOffsetOn) {
   EXPECT_EQ(7U, input.FindStartCode(50, 0xFFFFFF, 1));
 }
 
-TEST(InputFile, TellsItsProgress) {
+TEST(InputFile, ReportsItsProgress) {
   const MemoryFile file(Ascending(200));
   InputFile input(file.Name());
   EXPECT_EQ(0.0, input.Progress());

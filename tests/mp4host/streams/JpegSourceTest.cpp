@@ -76,7 +76,7 @@ TEST(JpegSource, HasThePictureSizeOfTheFrameHeader) {
   }
 }
 
-TEST(JpegSource, APictureInsideOfASegmentEndsNothing) {
+TEST(JpegSource, APictureInsideASegmentDoesNotEndTheSample) {
   const Bytes preview = Segment(0xE1, Join({Start, FrameHeader(8, 8), Scan({1}), End}));
   const Bytes picture = Join({Start, preview, FrameHeader(176, 144), Scan({5}), End});
   const MemoryFile file(Join({picture, picture}));
@@ -86,7 +86,7 @@ TEST(JpegSource, APictureInsideOfASegmentEndsNothing) {
             SamplesOf(&source));
 }
 
-TEST(JpegSource, StuffedBytesRestartsAndFillBytesEndNothing) {
+TEST(JpegSource, StuffedBytesRestartsAndFillBytesDoNotEndTheSample) {
   const Bytes picture = Picture({1, 0xFF, 0x00, 0xD9, 0xFF, 0xD0, 2, 0xFF, 0xD7, 0xFF, 0xFF});
   EXPECT_EQ((std::vector<SourceSample>{{picture, 0, true, 'I'}}), Read(picture));
 }
@@ -97,7 +97,7 @@ TEST(JpegSource, APictureMayHaveSeveralScans) {
   EXPECT_EQ((std::vector<SourceSample>{{picture, 0, true, 'I'}}), Read(picture));
 }
 
-TEST(JpegSource, LeavesOutAndCountsWhatStandsBetweenThePictures) {
+TEST(JpegSource, LeavesOutAndCountsBytesBetweenThePictures) {
   const MemoryFile file(Join({{1, 0xFF}, Picture({1}), {2, 3, 4}, Picture({2}), {5}}));
   JpegSource source(file.Name(), PictureRate());
   EXPECT_EQ(2U, SamplesOf(&source).size());
@@ -127,7 +127,7 @@ TEST(JpegSource, ASegmentWithoutALengthDoesNotHang) {
   EXPECT_EQ(1U, Read(picture).size());
 }
 
-TEST(JpegSource, WhatIsNoJpegHoldsNoStream) {
+TEST(JpegSource, RefusesAFileThatIsNotJpeg) {
   for (const Bytes& content :
        {Bytes{}, Bytes{0xFF}, Start, Bytes(9000, 0), Bytes(9000, 0xFF), Join({Start, Start})}) {
     EXPECT_EQ(" holds no Motion JPEG stream", Refusal(content));

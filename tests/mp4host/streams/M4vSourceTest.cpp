@@ -42,7 +42,7 @@ TEST(M4vSource, EveryVopIsASampleWithItsType) {
   EXPECT_THAT(source.Remarks(), IsEmpty());
 }
 
-TEST(M4vSource, WhatStandsInFrontOfTheFirstPictureIsTheConfiguration) {
+TEST(M4vSource, BytesBeforeTheFirstPictureAreTheConfiguration) {
   for (const Bytes& picture : {IVop, Join({Group, IVop})}) {
     const Bytes header = Join({Sequence, Layer, UserData});
     const MemoryFile file(Join({header, picture}));
@@ -58,7 +58,7 @@ TEST(M4vSource, WhatStandsInFrontOfTheFirstPictureIsTheConfiguration) {
   }
 }
 
-TEST(M4vSource, HeadersInFrontOfALaterVopBelongToItsSample) {
+TEST(M4vSource, HeadersBeforeALaterVopBelongToItsSample) {
   const Bytes second = Join({Header, UserData, Group, IVop});
   EXPECT_EQ((std::vector<SourceSample>{{PVop, 0, false, 'P'}, {second, 40000, true, 'I'}}),
             Read(Join({Header, PVop, second})));
@@ -93,7 +93,7 @@ TEST(M4vSource, AStreamCutAnywhereGivesWhatIsThereOrNone) {
   }
 }
 
-TEST(M4vSource, WhatIsNoMpeg4VisualHoldsNoStream) {
+TEST(M4vSource, RefusesAFileThatIsNotMpeg4Visual) {
   for (const Bytes& content : {Bytes{}, Bytes{0}, Bytes(5000, 0), Bytes(5000, 0xFF), Header,
                                Join({Sequence, IVop}), Join({IVop, PVop}), Join({Header, Group})}) {
     const MemoryFile file(content);

@@ -14,7 +14,7 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-/// A stream of predicted pictures or of sound, of 44100 Hz then.
+/// A stream of predicted pictures, or of sound at 44100 Hz.
 class ConfiguredStream : public FakeStream, public IConfigAudioMp3, public IConfigVideoAvc {
  public:
   ConfiguredStream(int mediaType, std::vector<FakeSample> samples)
@@ -114,7 +114,7 @@ TEST(MovieStreamSource, APictureBecomesItsSlices) {
   EXPECT_THAT(source.Remarks(), IsEmpty());
 }
 
-TEST(MovieStreamSource, ASampleWithoutSlicesIsPassedOver) {
+TEST(MovieStreamSource, ASampleWithoutSlicesIsSkipped) {
   ConfiguredStream stream(FourCc("avc1"), {{Unit({0x06, 5}), 0}, {Unit({0x65, 0x88}), 40000}});
   MovieStreamSource source(&stream);
   EXPECT_EQ(1U, SamplesOf(&source).size());

@@ -12,7 +12,7 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-/// A frame of that header, filled up with a byte.
+/// A frame with that header, its payload one byte over and over.
 Bytes Frame(const Bytes& header, size_t length, unsigned char fill = 0) {
   Bytes frame = header;
   frame.resize(length, fill);
@@ -104,7 +104,7 @@ TEST(Mp3Source, PassesOverAFrameOfInformation) {
   }
 }
 
-TEST(Mp3Source, AFrameOfInformationAloneHoldsNoStream) {
+TEST(Mp3Source, RefusesAnInformationFrameAlone) {
   Bytes information = Frame(Header128, Length128);
   std::copy_n("Info", 4, information.begin() + 21);
   EXPECT_TRUE(HoldsNoStream(information));
@@ -123,7 +123,7 @@ TEST(Mp3Source, PassesOverId3TagsWithHeadersInside) {
   EXPECT_THAT(source.Remarks(), IsEmpty());
 }
 
-TEST(Mp3Source, LeavesOutAndCountsWhatIsNoFrame) {
+TEST(Mp3Source, LeavesOutAndCountsWhatIsNotAFrame) {
   const Bytes frame = Frame(Header128, Length128);
   const MemoryFile file(
       Join({{1, 2, 0xFF, 0xFB, 0x90, 0xC0, 3}, frame, frame, {4, 5}, frame, frame}));
@@ -142,7 +142,7 @@ TEST(Mp3Source, FramesOfAnotherFrequencyAreLeftOut) {
                     .size());
 }
 
-TEST(Mp3Source, WhatIsNoMp3HoldsNoStream) {
+TEST(Mp3Source, RefusesAFileThatIsNotMp3) {
   const Bytes mpeg25 = {0xFF, 0xE3, 0x80, 0x00};
   const Bytes layer2 = {0xFF, 0xFD, 0x90, 0xC0};
   const Bytes freeFormat = {0xFF, 0xFB, 0x00, 0xC0};

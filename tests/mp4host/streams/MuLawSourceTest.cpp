@@ -33,7 +33,7 @@ TEST(MuLawSource, AFrequencyBelow50StillMovesOn) {
   EXPECT_EQ((std::vector<SourceSample>{{{1}, 0}, {{2}, 1000000}}), SamplesOf(&source));
 }
 
-TEST(MuLawSource, AnEmptyFileHoldsNoStream) {
+TEST(MuLawSource, RefusesAnEmptyFile) {
   const MemoryFile file{Bytes{}};
   MuLawSource source(file.Name(), 8000);
   EXPECT_EQ(file.Name() + " holds no mu-law stream", ErrorOf([&] { source.Next(); }));

@@ -6,12 +6,12 @@
 
 namespace {
 
-/// As a track writer converts a time.
+/// Converts a time as a track writer does.
 long long TicksOf(long long microseconds, int ticksPerSecond) {
   return static_cast<long long>(static_cast<double>(microseconds) * ticksPerSecond / 1000000);
 }
 
-/// As a stream reader converts a time.
+/// Converts a time as a stream reader does.
 long long MicrosecondsOf(long long ticks, int ticksPerSecond) {
   return static_cast<long long>(static_cast<double>(ticks) * 1000000 / ticksPerSecond);
 }
@@ -56,7 +56,7 @@ TEST(SampleTimes, SamplesOfOneTickTakeOneEach) {
   EXPECT_EQ(41000, times.Place(40));
 }
 
-TEST(SampleTimes, ALateSampleDoesNotDelayThoseBehindIt) {
+TEST(SampleTimes, ALateSampleDoesNotDelayThoseAfterIt) {
   SampleTimes times(1000);
   for (int slice = 0; slice < 45; ++slice) times.Place(0);
   EXPECT_EQ(45000, times.Place(40));

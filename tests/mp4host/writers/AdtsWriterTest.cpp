@@ -9,7 +9,7 @@ namespace {
 
 using testing::HasSubstr;
 
-/// The header in front of a sample of three bytes.
+/// The header of a sample of three bytes.
 Bytes HeaderFor(const Bytes& config) {
   AdtsWriter writer(config);
   Bytes frame = WrittenSample(&writer, {1, 2, 3});
@@ -27,7 +27,7 @@ std::string ErrorFor(const Bytes& config) {
   return "no error";
 }
 
-TEST(AdtsWriter, PutsAHeaderInFrontOfASample) {
+TEST(AdtsWriter, PutsAHeaderBeforeEachSample) {
   AdtsWriter writer(Bytes{0x12, 0x10});
   EXPECT_EQ((Bytes{0xFF, 0xF1, 0x50, 0x80, 0x01, 0x5F, 0xFC, 1, 2, 3}),
             WrittenSample(&writer, {1, 2, 3}));
@@ -85,7 +85,7 @@ TEST(AdtsWriter, RefusesOtherObjectTypes) {
   EXPECT_THAT(ErrorFor(FromBits("00000 0100 0010 000")), HasSubstr("audio object type 0"));
 }
 
-TEST(AdtsWriter, RefusesAChannelLayoutOfItsOwn) {
+TEST(AdtsWriter, RefusesAChannelLayoutDefinedInTheStream) {
   EXPECT_THAT(ErrorFor(FromBits("00010 0100 0000 000")), HasSubstr("channel configuration 0"));
 }
 

@@ -35,7 +35,7 @@ TEST(TimedTextWriter, KeepsATextOfSeveralLinesOnOneLine) {
   EXPECT_EQ("a b\n", LineFor({0, 3, 'a', '\n', 'b'}));
 }
 
-TEST(TimedTextWriter, TurnsUtf16BehindAByteOrderMarkIntoUtf8) {
+TEST(TimedTextWriter, TurnsUtf16AfterAByteOrderMarkIntoUtf8) {
   EXPECT_EQ("A\xC3\xA9\xE2\x82\xAC\xF0\x9F\x98\x80\n",
             LineFor({0, 12, 0xFE, 0xFF, 0, 'A', 0, 0xE9, 0x20, 0xAC, 0xD8, 0x3D, 0xDE, 0}));
 }

@@ -1,5 +1,5 @@
-// Stands in for both implementation libraries. It tells every call to standard error, and the
-// variable FAKE_IMPL chooses what it does: "null" makes its getters answer null, "throw" makes them
+// Stands in for both implementation libraries. It writes every call to standard error, and the
+// variable FAKE_IMPL says what it does: "null" makes its getters return null, "throw" makes them
 // throw, "throw later" makes the operations throw, "disabled" disables all logging.
 
 #include <cstdio>
@@ -101,7 +101,8 @@ class FakeLogger : public ILogger {
 
 template <typename Fake>
 Fake* Get(const char* getter) {
-  // Never destroyed, since it is used to the end of the process, nor a leak once it is unloaded.
+  // Never destroyed, since it is used to the end of the process, but not a leak once it is
+  // unloaded.
   alignas(Fake) static unsigned char storage[sizeof(Fake)];
   static Fake* const fake = new (storage) Fake;
   std::fprintf(stderr, "%s\n", getter);

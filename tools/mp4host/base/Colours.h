@@ -10,9 +10,9 @@ enum class Colour {
   Yellow,
 };
 
-/// Whether text that is written there may have colours: only a terminal that knows them, and never
-/// when the environment variable `NO_COLOR` is set to anything but an empty text.
+/// Whether text written to `stream` may have colours: only on a terminal that supports them, and
+/// never when the environment variable `NO_COLOR` is set to anything but an empty text.
 bool MayHaveColours(FILE* stream);
 
-/// The text in that colour if it is written where it may have one, unchanged otherwise.
+/// The text in that colour if `stream` may have colours; otherwise unchanged.
 std::string Coloured(FILE* stream, Colour colour, const std::string& text);

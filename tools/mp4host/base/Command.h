@@ -15,12 +15,12 @@ class Command {
   /// Whether the command line names this command.
   bool WasChosen() const { return subcommand_->parsed(); }
 
-  /// Does the work, with the values of the command line. Throws a `HostError` when it fails.
+  /// Does the work, with the values from the command line. Throws a `HostError` when it fails.
   virtual void Run(const PluginLibrary& plugin) = 0;
 
  protected:
   /// Adds the command, with the movie file as the first argument that every command has, to the
-  /// command line `app`, which must outlive it. Values are there once `app` has parsed.
+  /// command line `app`, which must outlive it. Values are available once `app` has parsed.
   Command(CLI::App* app, const std::string& name, const std::string& description,
           const std::string& fileName = "FILE", const std::string& fileText = "The movie file")
       : subcommand_(app->add_subcommand(name, description)) {

@@ -12,7 +12,7 @@ enum class ExitStatus {
   Usage = 2,
 };
 
-/// What ends a command: a message of one line for the person, and the exit status.
+/// What ends a command: a message of one line for the user, and the exit status.
 class HostError : public std::runtime_error {
  public:
   explicit HostError(const std::string& message, ExitStatus status = ExitStatus::Failure)

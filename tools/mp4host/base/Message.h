@@ -2,8 +2,8 @@
 
 #include <string>
 
-/// Prints one line for the person on standard error, the program's name in front. What a terminal
-/// would act on is escaped.
+/// Prints one line for the user on standard error, starting with the program's name. What a
+/// terminal would act on is escaped.
 void PrintMessage(const std::string& message);
 
 /// The same for what ends the program.

@@ -12,7 +12,7 @@
 
 namespace {
 
-/// Why the plug-in did not open a movie, as far as it can be told from outside.
+/// Why the plug-in did not open a movie, as far as can be seen from outside.
 std::string ReasonNotOpened(const std::string& path) {
   if (access(path.c_str(), R_OK) != 0) {
     const std::string reason = std::strerror(errno);

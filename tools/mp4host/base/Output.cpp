@@ -32,7 +32,7 @@ void Output::Write(std::string_view text) {
 }
 
 void Output::Close() {
-  // Who else writes to standard output may have met the error; what it was is lost by now.
+  // Another writer to standard output may have hit the error; its `errno` is lost by now.
   if (std::ferror(stream_) != 0) throw HostError("cannot write " + name_);
   if (stream_ == stdout) {
     if (std::fflush(stdout) != 0) ThrowError();

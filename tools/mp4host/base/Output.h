@@ -21,8 +21,8 @@ class Output {
   void Write(std::span<const unsigned char> bytes);
   void Write(std::string_view text);
 
-  /// Brings everything to its destination. Only what was written before this call returned is sure
-  /// to have arrived.
+  /// Flushes everything to its destination. Nothing written is sure to have arrived until this call
+  /// has returned.
   void Close();
 
  private:

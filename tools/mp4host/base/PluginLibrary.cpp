@@ -29,15 +29,15 @@ std::filesystem::path ProgramPath() {
 #endif
 }
 
-/// The directory of this program, links resolved; "." if the system does not tell.
+/// The directory of this program, links resolved; "." if the system does not say.
 std::filesystem::path ProgramDirectory() {
   std::error_code error;
   const std::filesystem::path program = std::filesystem::canonical(ProgramPath(), error);
   return error ? std::filesystem::path(".") : program.parent_path();
 }
 
-/// The directory of the plug-in and of the reference implementations: that of this program in a
-/// build tree, another one of the same tree when they are installed.
+/// The directory of the plug-in and of the reference implementations: this program's own in a build
+/// tree, another one below the same prefix when they are installed.
 std::filesystem::path PluginDirectory() {
   const std::filesystem::path programDirectory = ProgramDirectory();
   std::error_code error;

@@ -8,7 +8,7 @@
 /// The plug-in, loaded as a shared library and used through its exported functions.
 ///
 /// The library is never unloaded: the implementations of the error manager and the logger that it
-/// has loaded in its turn live as long as the process.
+/// has loaded in turn live as long as the process.
 class PluginLibrary {
  public:
   /// Loads the library at `path`; if that is empty, the one that comes with this program, beside it

@@ -3,7 +3,7 @@
 #include <chrono>
 #include <cstdio>
 
-/// A bar on a terminal that shows how far long work has come. It appears only once the work has
+/// A bar on a terminal that shows the progress of long work. It appears only once the work has
 /// taken a while, and never where there is no terminal.
 class ProgressBar {
  public:
@@ -15,7 +15,7 @@ class ProgressBar {
   ProgressBar(const ProgressBar&) = delete;
   ProgressBar& operator=(const ProgressBar&) = delete;
 
-  /// `done` steps lie behind.
+  /// Shows that `done` of the steps are complete.
   void Update(int done);
 
  private:

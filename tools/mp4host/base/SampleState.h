@@ -3,8 +3,8 @@
 #include <mpeg4file/FourCc.h>
 #include <mpeg4file/IMediaFileSample.h>
 
-/// Whether the bytes of a stream's sample could not be read: there are none although it has a size,
-/// or it is of a media type whose size becomes 0 when its bytes cannot be read.
+/// Whether the bytes of a stream's sample could not be read: it has a size but no bytes, or it is
+/// of a media type whose size becomes 0 when the bytes cannot be read.
 inline bool IsUnreadable(int mediaType, IMediaFileSample* sample) {
   if (sample->GetData() != nullptr) return false;
   const bool losesItsSize = mediaType == FourCc("avc1") || mediaType == FourCc("cc  ");

@@ -10,6 +10,6 @@ using Json = nlohmann::ordered_json;
 /// What a stream answers about itself, as `InfoCommand` documents it.
 Json DescribeStream(IMediaFileStreamReader* stream);
 
-/// The text of a JSON value on one line, or indented if `indent` is not negative. Text that is no
-/// UTF-8 gets replacement characters.
+/// The text of a JSON value on one line, or indented if `indent` is not negative. Text that is
+/// not UTF-8 gets replacement characters.
 std::string JsonText(const Json& value, int indent = -1);

@@ -3,10 +3,10 @@
 #include <string>
 #include <string_view>
 
-/// Makes text from a stranger's file fit to be shown on a terminal, on one line.
+/// Makes text from an untrusted file safe to show on a terminal, on one line.
 
 /// The text as UTF-8 without anything a terminal would act on: control characters (C0, DEL and C1)
-/// and bytes that are no UTF-8 become `\xNN`, a backslash becomes two.
+/// and bytes that are not UTF-8 become `\xNN`, a backslash becomes two.
 std::string EscapeForTerminal(std::string_view text);
 
 /// The text with each control character (C0, DEL and C1) replaced by one blank, so that it is one

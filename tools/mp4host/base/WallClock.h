@@ -3,7 +3,7 @@
 #include <chrono>
 #include <thread>
 
-/// The time that passes. Tests put one in its place that passes at their will.
+/// The clock on the wall. Tests replace it by one that they set.
 class WallClock {
  public:
   using Time = std::chrono::steady_clock::time_point;

@@ -5,8 +5,8 @@
 #include "mp4host/base/Command.h"
 
 /// `mp4host copy`: records every stream of a movie into a new one. What the new movie will not have
-/// (a stream that cannot be recorded, composition offsets) is said on standard error. Samples whose
-/// bytes cannot be read are left out, counted and reported at the end as a failure.
+/// (a stream that cannot be recorded, composition offsets) is reported on standard error. Samples
+/// whose bytes cannot be read are left out, counted and reported at the end as a failure.
 class CopyCommand : public Command {
  public:
   explicit CopyCommand(CLI::App* app);

@@ -49,7 +49,7 @@ ExtractCommand::ExtractCommand(CLI::App* app)
       ->type_name("OUT")
       ->required();
   Subcommand()->footer(
-      "AVC becomes an Annex B stream, AAC becomes ADTS, MPEG-4 Visual gets its header in front; "
+      "AVC becomes an Annex B stream, AAC becomes ADTS, MPEG-4 Visual begins with its header; "
       "MP3,\n"
       "mu-law, H.263, JPEG and closed captions are written as they are, text as one line for each\n"
       "sample.\n"

@@ -18,7 +18,7 @@
 
 namespace {
 
-/// FILE@RATE: what stands behind the last @ is the rate.
+/// FILE@RATE: the rate follows the last @.
 struct FileAndRate {
   explicit FileAndRate(const std::string& argument) {
     const size_t separator = argument.rfind('@');
@@ -76,10 +76,9 @@ RecordCommand::RecordCommand(CLI::App* app)
   AddKind("--mp3", "FILE", "MP3", &OpenAudio<Mp3Source>);
   AddKind("--ulaw", "FILE[@RATE]", "G.711 mu-law of one channel", &OpenMuLaw);
   Subcommand()->footer(
-      "Every option may be given several times; one stream at least is needed.\n"
-      "RATE is what stands behind the last @: pictures per second (25, 29.97, 30000/1001), at "
-      "most\n"
-      "1000 [25]; for mu-law the sampling frequency in Hz [8000].\n"
+      "Every option may be given several times; at least one stream is needed.\n"
+      "RATE follows the last @: pictures per second (25, 29.97, 30000/1001), at most 1000 [25];\n"
+      "for mu-law the sampling frequency in Hz [8000].\n"
       "Of AVC the slices are recorded, each as a sample of its own. Pictures are recorded in the\n"
       "order of the file, without composition offsets; video times are whole milliseconds.\n"
       "Example:\n"

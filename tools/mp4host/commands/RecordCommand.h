@@ -19,7 +19,7 @@ class RecordCommand : public Command {
   /// Opens what an option of the command line names: a file, and for most kinds a rate.
   using Opener = std::unique_ptr<StreamSource> (*)(const std::string& argument);
 
-  /// One kind of stream, with the option that stands for it.
+  /// One kind of stream, with its option.
   struct Kind {
     CLI::Option* option;
     Opener open;

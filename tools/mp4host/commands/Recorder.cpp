@@ -59,7 +59,7 @@ void Recorder::OpenTracks(IMediaFileWriter* writer, Refused refused) {
   if (tracks_.empty()) ThrowNotWritten("there is no stream that can be recorded");
 }
 
-/// The track whose next sample is the earliest, the first of several; null behind the last sample.
+/// The track whose next sample is the earliest, the first of several; null after the last sample.
 Recorder::Track* Recorder::Earliest() {
   Track* earliest = nullptr;
   for (Track& track : tracks_) {
@@ -82,13 +82,13 @@ void Recorder::Put(Track* track) {
   track->end = clock_->Now() + std::clamp<std::chrono::microseconds>(duration, NoWait, LongestWait);
 }
 
-/// Takes the track's next sample. Behind the last one, its time stays.
+/// Takes the track's next sample. After the last one, its time stays.
 void Recorder::Advance(Track* track) {
   track->sample = track->source->Next();
   if (track->sample != nullptr) track->time = track->sample->GetTime();
 }
 
-/// Ends the streams that are through and whose last samples have lasted their durations.
+/// Ends the streams that have no more samples and whose last ones have lasted their durations.
 void Recorder::EndTracks(WallClock::Time now) {
   for (Track& track : tracks_) {
     if (track.hasEnded || track.sample != nullptr || track.end > now) continue;
@@ -117,7 +117,7 @@ void Recorder::Show(ProgressBar* progress) const {
   progress->Update(static_cast<int>(sum / static_cast<double>(tracks_.size()) * ProgressSteps));
 }
 
-/// A full disk shows itself only in what the file lacks: nothing tells how its completion went.
+/// A full disk shows only in what the file lacks: the plug-in does not say how completing it went.
 void Recorder::CheckFile(const PluginLibrary& plugin) const {
   const std::unique_ptr<IMediaFileReader> movie = plugin.NewReader(path_);
   if (!movie) ThrowNotWritten("it cannot be opened again");

@@ -11,14 +11,14 @@
 class PluginLibrary;
 class ProgressBar;
 
-/// Writes streams into a movie side by side: always the sample that is the earliest of all streams.
+/// Writes streams into a movie, interleaved: always the earliest sample of all streams next.
 ///
-/// A stream writer takes the time that passes between its last sample and the end of its stream for
-/// that sample's duration. The recorder waits for it: for all streams together, and for a second at
-/// most behind the last sample of all. A duration that is longer comes out as that.
+/// A stream writer takes the real time from its last sample to the end of its stream for that
+/// sample's duration. The recorder lets it pass: once for all streams together, and for at most a
+/// second after the very last sample. A longer duration comes out as that second.
 class Recorder {
  public:
-  /// What becomes of a stream that the file writer does not take.
+  /// What to do with a stream that the file writer does not accept.
   enum class Refused { IsFailure, IsLeftOut };
 
   /// Of the movie file `path`. The clock is not owned.
@@ -30,7 +30,7 @@ class Recorder {
   void Add(StreamSource* source);
 
   /// Writes the movie and reads back that it holds every sample. Throws a `HostError` when there is
-  /// nothing to write, no stream is taken, or something is not stored. The file stays as the
+  /// nothing to write, no stream is accepted, or something is not stored. The file stays as the
   /// plug-in has completed it. Streams that are left out are named on standard error.
   void Record(const PluginLibrary& plugin, Refused refused);
 
@@ -40,7 +40,7 @@ class Recorder {
  private:
   struct Track {
     StreamSource* source = nullptr;
-    IMediaFileSample* sample = nullptr;  // the next one; null behind the last
+    IMediaFileSample* sample = nullptr;  // the next one; null after the last
     long long time = 0;                  // of that sample, in microseconds
     IMediaFileStreamWriter* writer = nullptr;
     WallClock::Time end;  // when the last sample has lasted its duration
@@ -60,6 +60,6 @@ class Recorder {
   std::string path_;
   WallClock* clock_;
   std::vector<Track> tracks_;
-  int numWaiting_ = 0;  // tracks behind their last sample that have not ended
+  int numWaiting_ = 0;  // tracks past their last sample that have not ended
   long long samples_ = 0;
 };

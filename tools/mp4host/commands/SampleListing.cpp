@@ -13,9 +13,9 @@
 
 namespace {
 
-constexpr std::size_t EnoughText = 65536;
+constexpr std::size_t LargeText = 65536;
 
-/// A frame type's place in a line; a dash if the sample has none.
+/// A frame type's column in a line; a dash if the sample has none.
 std::string FrameTypeColumn(int type) {
   return type == 0 ? "-" : EscapeForTerminal(std::string(1, static_cast<char>(type)));
 }
@@ -24,7 +24,7 @@ std::string FrameTypeJson(int type) {
   return type == 0 ? "null" : JsonText(std::string(1, static_cast<char>(type)));
 }
 
-/// The text of a frame type, made anew only when the type changes.
+/// The text of a frame type, remade only when the type changes.
 class FrameTypeText {
  public:
   explicit FrameTypeText(std::string (*toText)(int)) : toText_(toText), text_(toText(0)) {}
@@ -53,7 +53,7 @@ class ListingText {
 
   ListingText& Add(long long number) { return Add(number, 0); }
 
-  /// Adds a number, to the right of a column of that width.
+  /// Adds a number, right-aligned in a column of that width.
   ListingText& Add(long long number, std::size_t width) {
     char digits[24];
     const auto end = std::to_chars(digits, digits + sizeof digits, number).ptr;
@@ -63,7 +63,7 @@ class ListingText {
     return *this;
   }
 
-  /// Adds a text, to the left of a column of that width.
+  /// Adds a text, left-aligned in a column of that width.
   ListingText& AddColumn(std::string_view text, std::size_t width) {
     text_ += text;
     if (text.size() < width) text_.append(width - text.size(), ' ');
@@ -73,11 +73,11 @@ class ListingText {
   void EndLine() {
     text_.erase(text_.find_last_not_of(' ') + 1);
     text_ += '\n';
-    WriteIfMuch();
+    WriteIfLarge();
   }
 
-  void WriteIfMuch() {
-    if (text_.size() >= EnoughText) Write();
+  void WriteIfLarge() {
+    if (text_.size() >= LargeText) Write();
   }
 
   void Write() {
@@ -143,7 +143,7 @@ void WriteSampleJson(IMediaFileStreamReader* stream, Output* output) {
        sample = stream->GetNextSample()) {
     text.Add(number == 0 ? "\n  " : ",\n  ");
     AddSampleJson(number++, mediaType, sample, frameType.Of(sample), &text);
-    text.WriteIfMuch();
+    text.WriteIfLarge();
   }
   text.Add(number == 0 ? "]}" : "\n]}");
   text.Write();

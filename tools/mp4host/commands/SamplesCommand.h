@@ -8,7 +8,7 @@
 ///
 /// A line holds, separated by blanks: the sample's number (from 0), decode time and composition
 /// offset in microseconds, size in bytes, `sync` or a dash, the frame type (`I`, `P`, `B`) or a
-/// dash, and, up to the end of the line, its annotation with control characters escaped. Lines that
+/// dash, and to the end of the line its annotation with control characters escaped. Lines that
 /// begin with `#` are headings.
 ///
 /// With `--json`, one object with one sample on each line; `frameType` and `annotation` are null

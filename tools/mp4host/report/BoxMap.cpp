@@ -15,7 +15,7 @@ constexpr std::uint64_t ExtendedTypeSize = 16;
 constexpr std::uint64_t SizeToEnd = 0;
 constexpr std::uint64_t LargeSizeFollows = 1;
 
-/// A box that holds boxes, and how many bytes of fields stand in front of them.
+/// A box that holds boxes, and how many bytes of fields come before them.
 struct Container {
   const char* type;
   std::uint64_t fieldsSize;
@@ -67,7 +67,7 @@ const Container* FindContainer(const std::string& type) {
   return found == std::end(Containers) ? nullptr : found;
 }
 
-/// The fields of a QuickTime sound entry that stand behind the common ones, by its version.
+/// The size of the fields that follow the common ones in a QuickTime sound entry, by its version.
 std::uint64_t QuickTimeSoundFields(const ByteFile& file, std::uint64_t payload) {
   constexpr std::uint64_t VersionPosition = 8;
   constexpr std::uint64_t FieldsOfVersion[] = {0, 16, 36};

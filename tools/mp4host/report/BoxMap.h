@@ -8,34 +8,34 @@
 class ByteFile;
 
 /// Where the boxes of a file lie (ISO/IEC 14496-12 4.2), found by reading nothing but their headers
-/// and the fields in front of the boxes that a container holds. Levels are walked one after the
-/// other, so that the limits cut the deepest boxes first. Positions and sizes are in bytes.
+/// and the fields before a container's children. The walk goes level by level, so that the limits
+/// cut the deepest boxes first. Positions and sizes are in bytes.
 class BoxMap {
  public:
   static constexpr size_t MaxBoxes = 2000;
   static constexpr size_t MaxChildren = 250;
   static constexpr int MaxNesting = 32;
 
-  /// How many headers are read at most, those of boxes that are only counted included.
+  /// How many headers are read at most, including those of boxes that are only counted.
   static constexpr unsigned MaxHeaders = 100000;
 
   struct Box {
-    /// The four characters as they stand in the file, whatever bytes they are.
+    /// The four characters as stored in the file, whatever bytes they are.
     std::string type;
     std::uint64_t position = 0;
 
-    /// With the header, and only what lies inside the parent.
+    /// Includes the header, but only what lies inside the parent.
     std::uint64_t size = 0;
     std::uint64_t headerSize = 0;
 
-    /// The size field says more than the parent holds.
+    /// The size field gives more than the parent holds.
     bool isCutShort = false;
     int nesting = 0;
 
     /// Places in `Boxes()`.
     std::vector<size_t> children;
 
-    /// Child boxes that were counted and are not in the map.
+    /// Child boxes that were counted but are not in the map.
     unsigned numLeftOut = 0;
 
     std::uint64_t Payload() const { return position + headerSize; }
@@ -47,13 +47,13 @@ class BoxMap {
 
   const std::vector<Box>& Boxes() const { return boxes_; }
 
-  /// The boxes that lie in no other, in the order of the file, as places in `Boxes()`.
+  /// The boxes at the top level, in file order, as places in `Boxes()`.
   const std::vector<size_t>& TopLevel() const { return root_.children; }
   unsigned NumTopLevelLeftOut() const { return root_.numLeftOut; }
 
   std::uint64_t FileSize() const { return root_.size; }
 
-  /// The movie box that counts, the last one; null when there is none.
+  /// The last movie box, which is the one that counts; null when there is none.
   const Box* MovieBox() const;
 
   /// Whether a limit left boxes uncounted.

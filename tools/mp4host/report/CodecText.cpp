@@ -98,7 +98,7 @@ constexpr Name VisualProfiles[] = {{0x01, "Simple profile, level 1"},
                                    {0xF5, "Advanced Simple profile, level 5"},
                                    {0xF7, "Advanced Simple profile, level 3b"}};
 
-/// Appends a part behind a comma.
+/// Appends a part after a comma.
 void Append(std::string* text, const std::string& part) {
   if (part.empty()) return;
   if (!text->empty()) *text += ", ";

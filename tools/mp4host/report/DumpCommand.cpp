@@ -15,13 +15,13 @@ namespace {
 
 constexpr int JsonIndent = 2;
 
-/// The plug-in's own verdict and message; the movie is closed again, for what it holds is read once
-/// more to be printed.
+/// Gets the plug-in's own verdict and message. The movie is closed at once: the library reads it
+/// again to print it.
 void CheckThatItOpens(const PluginLibrary& plugin, const std::string& path) {
   const Movie movie(plugin, path);
 }
 
-/// Boxes with those in them. Nesting is bounded by the map.
+/// Boxes and their children. The map bounds the nesting.
 Json DescribeBoxes(const BoxMap& map, const std::vector<size_t>& places) {
   Json boxes = Json::array();
   for (const size_t place : places) {

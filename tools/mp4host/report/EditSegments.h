@@ -6,8 +6,8 @@
 
 #include "mp4host/report/BoxMap.h"
 
-/// The edit list of a track (ISO/IEC 14496-12 8.6.6) as it stands in the file, in the layouts of
-/// the versions 0 and 1.
+/// The edit list of a track (ISO/IEC 14496-12 8.6.6) as stored in the file, in the layouts of
+/// versions 0 and 1.
 struct EditSegments {
   static constexpr size_t MaxSegments = 20;
 

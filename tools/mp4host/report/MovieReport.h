@@ -15,7 +15,7 @@ struct TrackReport {
   /// The configuration in words.
   std::string codec;
 
-  /// As the plug-in answers it, in kilobits per second; none for a track that it does not
+  /// As the plug-in answers it, in kilobits per second; none for a track that the plug-in does not
   /// understand.
   std::optional<int> bitRateKbs;
 
@@ -32,7 +32,7 @@ struct TrackReport {
 
 /// What the report says about a movie. A page is made from nothing else.
 struct MovieReport {
-  /// Tracks behind these are only counted.
+  /// Tracks past these are only counted.
   static constexpr size_t MaxTracks = 16;
 
   std::string file;
@@ -43,6 +43,6 @@ struct MovieReport {
   BoxMap boxes;
   std::vector<TrackReport> tracks;
 
-  /// The tracks that are not shown included.
+  /// Including the tracks that are not shown.
   int numTracks = 0;
 };

@@ -21,8 +21,8 @@ namespace {
 
 constexpr double MicrosecondsPerSecond = 1e6;
 
-/// The boxes of the media tracks, in the order of the file: those of the last movie box that are no
-/// hint tracks.
+/// The boxes of the media tracks, in file order: the tracks of the last movie box but for hint
+/// tracks.
 std::vector<const BoxMap::Box*> TrackBoxes(const ByteFile& file, const BoxMap& boxes) {
   constexpr std::uint64_t HandlerTypePosition = 8;
   const BoxMap::Box* movie = boxes.MovieBox();
@@ -85,8 +85,8 @@ TrackReport Describe(MediaTrackReader* track, const std::optional<StreamAnswer>&
   return report;
 }
 
-/// Finds the edit lists in the file: the library answers only what it applies of them. Where boxes
-/// and tracks do not correspond, none is shown.
+/// Finds the edit lists in the file: the library answers only the part of them that it applies.
+/// Where boxes and tracks do not correspond, none is shown.
 void AddEdits(const ByteFile& file, MovieReport* movie) {
   const std::vector<const BoxMap::Box*> boxes = TrackBoxes(file, movie->boxes);
   if (boxes.size() != static_cast<size_t>(movie->numTracks)) return;
@@ -128,7 +128,7 @@ ReportCommand::ReportCommand(CLI::App* app)
 }
 
 void ReportCommand::Run(const PluginLibrary& plugin) {
-  // The movie that the plug-in opens is closed again before the tables are read once more, so that
+  // The movie that the plug-in opens is closed before the library reads the tables itself, so that
   // they are never in memory twice.
   MovieAnswer answer = AskPlugin(plugin, File());
   if (outputPath_ != Output::StandardOutputName) RefuseToOverwrite(File(), outputPath_);

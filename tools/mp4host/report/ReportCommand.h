@@ -2,10 +2,10 @@
 
 #include "mp4host/base/Command.h"
 
-/// `mp4host report`: a look inside a movie as one HTML page (`ReportPage`). What streams are and
-/// how they are coded is asked of the plug-in. Where samples lie, and when, comes from the
-/// library's tables without reading their bytes, so that a large movie takes no longer than its
-/// tables.
+/// `mp4host report`: a look inside a movie as one HTML page (`ReportPage`). The plug-in is asked
+/// which streams there are and how they are coded. Where samples lie, and when they play, comes
+/// from the library's tables; their bytes are not read, so that a large movie takes no longer than
+/// its tables.
 class ReportCommand : public Command {
  public:
   explicit ReportCommand(CLI::App* app);

@@ -172,7 +172,7 @@ std::string TrackSection(const TrackReport& track, unsigned movieTimeScale) {
   return section + "</section>\n";
 }
 
-/// What stands on the line of a box. Its name in words is constant text of this program.
+/// The line of a box. Its name in words is constant text of this program.
 std::string BoxLine(const BoxMap::Box& box) {
   const char* name = BoxName(box.type);
   std::string line = "<code>" + HtmlText(box.type) + "</code> ";

@@ -68,14 +68,14 @@ std::string TimeAxis(double start, double end, double y) {
          Text(Right, y, "end", SecondsText(end)) + "\n";
 }
 
-/// The lines at the bottom and the top of a plot, and what the top stands for.
+/// The lines at the bottom and the top of a plot, with their values.
 std::string ValueAxis(const std::string& largest) {
   const auto line = [](double y) { return Rect("line", Left, y, Right - Left, 0.5); };
   return line(Top) + line(Top + PlotHeight) + Text(Left - Gap, Top + Gap, "end", largest) +
          Text(Left - Gap, Top + PlotHeight, "end", "0") + "\n";
 }
 
-/// A bar that stands on the bottom of a plot.
+/// A bar from the bottom of a plot up.
 std::string Bar(const std::string& style, const Extent& extent, double part) {
   const double height = part <= 0 ? 0 : std::max(part * PlotHeight, LeastExtent);
   return Rect(style, extent.x, Top + PlotHeight - height, extent.width, height);

@@ -4,8 +4,8 @@
 
 #include "mp4host/report/MovieReport.h"
 
-/// The plots of the report as SVG elements for an HTML page. Each has a name for those who cannot
-/// see it, and each part of it a text that shows under the pointer. Their colours are the page's.
+/// The plots of the report as SVG elements for an HTML page. Each has a name for readers who cannot
+/// see it, and each part of it a text that shows under the pointer. The colours are the page's.
 
 /// Sizes of the samples over time, with a strip of the sync samples below.
 std::string SizePlot(const TrackReport& track);

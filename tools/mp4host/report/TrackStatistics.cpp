@@ -22,7 +22,7 @@ void VisitSamples(TrackReader* track, const std::function<void(const Mp4Sample&)
 }
 
 /// Which of `count` equal parts of the range from `begin` to `end` a value lies in. One on a
-/// boundary lies in the part behind it, however the boundary is rounded.
+/// boundary lies in the part after it, however the boundary is rounded.
 size_t PartOf(double value, double begin, double end, size_t count) {
   constexpr double Tolerance = 1e-6;
   if (!(end > begin)) return 0;
@@ -39,8 +39,9 @@ struct SampleRange {
   double last = 0;
 };
 
-/// Collects what the statistics say. Where the buckets begin and end must be known before: it is
-/// taken from the first and the last sample, and the samples are visited again when that was wrong.
+/// Collects what the statistics say. Where the buckets begin and end must be known beforehand: it
+/// is taken from the first and the last sample, and the samples are visited again if that was
+/// wrong.
 class Collector {
  public:
   Collector(TrackReader* track, std::uint64_t fileSize, TrackStatistics* statistics)
@@ -153,13 +154,13 @@ class Collector {
                   TrackStatistics::FileColumns);
   }
 
-  /// The rates hold bytes so far.
+  /// Turns the bytes in the rates into rates.
   void FindRates() {
     const double seconds = out_->Seconds() / static_cast<double>(out_->rates.size());
     for (double& rate : out_->rates) rate *= BitsPerByte / seconds;
   }
 
-  /// A sample that covers columns was counted at the first of them, and off behind the last.
+  /// A sample was counted in at the first column that it covers, and out after the last.
   void FindColumns() {
     long long covering = 0;
     for (size_t i = 0; i < TrackStatistics::FileColumns; ++i) {

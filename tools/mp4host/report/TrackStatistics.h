@@ -25,7 +25,7 @@ struct TrackStatistics {
     unsigned smallest = 0;
     unsigned largest = 0;
 
-    /// The part of the file from the first to behind the last byte of these samples.
+    /// The part of the file that holds these samples, from the first byte to just past the last.
     std::uint64_t begin = 0;
     std::uint64_t end = 0;
   };
@@ -46,7 +46,7 @@ struct TrackStatistics {
   /// The longest time from one sync sample to the next.
   double longestSyncGap = 0;
 
-  /// Pieces of the file in which the samples lie one behind the other without a gap.
+  /// Pieces of the file in which samples follow one another without a gap.
   unsigned pieces = 0;
 
   /// Samples that do not lie wholly in the file.

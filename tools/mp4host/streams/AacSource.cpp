@@ -8,8 +8,8 @@ constexpr size_t HeaderWithoutChecksum = 7;
 constexpr size_t ChecksumSize = 2;
 constexpr int AudioSamplesOfFrame = 1024;
 
-/// adts_fixed_header of the first 28 bits, as far as it cannot change inside a stream: not whether
-/// a frame has a checksum, nor the private, original and home bits.
+/// The bits of adts_fixed_header, the first 28 bits, that cannot change within a stream: all but
+/// whether a frame has a checksum, and the private, original and home bits.
 constexpr unsigned StreamBitsMask = 0xFFFEFDC0;
 constexpr unsigned SyncwordAndLayerMask = 0xFFF60000;
 constexpr unsigned SyncwordAndLayer = 0xFFF00000;

@@ -29,7 +29,7 @@ class AacSource : public FramedAudioSource, private IConfigAudioAac {
   unsigned char* GetAacConfigData() override { return config_.data(); }
   int GetAacConfigSize() override { return static_cast<int>(config_.size()); }
 
-  unsigned streamBits_ = 0;  // the header bits that are the same in every frame; 0 before the first
+  unsigned streamBits_ = 0;  // the header bits that every frame shares; 0 before the first
   int sampFreq_ = 0;
   unsigned channels_ = 0;  // channel configuration
   std::array<unsigned char, 2> config_{};

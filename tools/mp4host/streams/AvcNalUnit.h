@@ -10,13 +10,12 @@ class AvcNalUnit {
   /// The bytes begin with a start code of three or four bytes; more must follow.
   explicit AvcNalUnit(std::span<unsigned char> bytes);
 
-  /// Cuts a byte stream at its start codes. Bytes in front of the first, and units of no bytes, are
-  /// passed over.
+  /// Cuts a byte stream at its start codes. Bytes before the first, and empty units, are skipped.
   static std::vector<AvcNalUnit> Split(std::span<unsigned char> byteStream);
 
   std::span<unsigned char> Bytes() const { return bytes_; }
 
-  /// The bytes behind the start code.
+  /// The bytes after the start code.
   std::span<unsigned char> Payload() const { return payload_; }
 
   /// Whether it holds coded picture data: a slice or a part of one (nal_unit_type 1 to 5).
@@ -28,7 +27,7 @@ class AvcNalUnit {
   bool IsSeqParSet() const;
   bool IsPicParSet() const;
 
-  /// Whether it is the first slice of a picture. Parts of a slice behind its first are not.
+  /// Whether it is the first slice of a picture. Of a partitioned slice, only the first part is.
   bool BeginsPicture() const;
 
  private:

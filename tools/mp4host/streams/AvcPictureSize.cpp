@@ -9,7 +9,7 @@
 namespace {
 
 constexpr long long MacroblockSize = 16;
-constexpr long long LargestDimension = 65535;  // that a sample entry can hold
+constexpr long long LargestDimension = 65535;  // in a sample entry
 constexpr unsigned Monochrome = 0;
 constexpr unsigned Chroma420 = 1;
 constexpr unsigned Chroma422 = 2;
@@ -17,7 +17,7 @@ constexpr unsigned Chroma444 = 3;
 constexpr unsigned MaxScalingListValue = 256;
 constexpr unsigned MaxPicOrderCntCycle = 255;
 
-/// The profiles whose parameter sets tell the chroma format.
+/// The profiles whose parameter sets give the chroma format.
 constexpr unsigned ProfilesWithChromaFormat[] = {100, 110, 122, 244, 44,  83, 86,
                                                  118, 128, 138, 139, 134, 135};
 

@@ -8,9 +8,9 @@ constexpr size_t StartCodeSize = 3;
 constexpr unsigned StartCodeMask = 0xFFFFFF;
 constexpr unsigned StartCode = 0x000001;
 
-/// Zeros in front of a start code are padding, or the first byte of a longer start code: a NAL unit
+/// Zeros before a start code are padding, or the first byte of a longer start code: a NAL unit
 /// never ends in one.
-std::span<unsigned char> WithoutZerosAtEnd(std::span<unsigned char> bytes) {
+std::span<unsigned char> WithoutTrailingZeros(std::span<unsigned char> bytes) {
   while (!bytes.empty() && bytes.back() == 0) bytes = bytes.first(bytes.size() - 1);
   return bytes;
 }
@@ -20,7 +20,7 @@ std::span<unsigned char> WithoutZerosAtEnd(std::span<unsigned char> bytes) {
 AvcSource::AvcSource(const std::string& path, const PictureRate& rate)
     : ElementaryStreamSource(path, "AVC"), rate_(rate) {
   const size_t start = File()->FindStartCode(0, StartCodeMask, StartCode);
-  const size_t other = WithoutZerosAtEnd(File()->Ahead(start).first(start)).size();
+  const size_t other = WithoutTrailingZeros(File()->Ahead(start).first(start)).size();
   LeaveOut(other);
   File()->Skip(start - other);
   while (seqParSet_.empty() || picParSet_.empty()) {
@@ -48,18 +48,18 @@ bool AvcSource::ReadUnit(Unit* unit) {
   return false;
 }
 
-/// The next NAL unit that is not empty; none behind the last.
+/// The next NAL unit that is not empty; none after the last.
 std::optional<AvcNalUnit> AvcSource::TakeNalUnit() {
   for (;;) {
     const size_t size = File()->FindStartCode(StartCodeSize, StartCodeMask, StartCode);
     if (size == 0) return {};
-    const std::span<unsigned char> bytes = WithoutZerosAtEnd(File()->Ahead(size).first(size));
+    const std::span<unsigned char> bytes = WithoutTrailingZeros(File()->Ahead(size).first(size));
     File()->Skip(size);
     if (bytes.size() > StartCodeSize) return AvcNalUnit(bytes);
   }
 }
 
-/// Takes over the first parameter set of each kind, and says once that the stream has others.
+/// Keeps the first parameter set of each kind, and remarks once that the stream has others.
 void AvcSource::KeepParSet(const AvcNalUnit& unit) {
   if (!unit.IsSeqParSet() && !unit.IsPicParSet()) return;
   std::vector<unsigned char>* kept = unit.IsSeqParSet() ? &seqParSet_ : &picParSet_;

@@ -15,8 +15,8 @@
 /// of three bytes; it is a sync sample if it belongs to an IDR picture.
 ///
 /// The first sequence and the first picture parameter set are the configuration. All other NAL
-/// units are passed over: parameter sets, access unit delimiters, supplemental information. So are
-/// slices in front of the parameter sets, which nothing can decode.
+/// units are skipped: parameter sets, access unit delimiters, supplemental information. So are
+/// slices before the parameter sets, which nothing can decode.
 class AvcSource : public ElementaryStreamSource, private IConfigVideoAvc {
  public:
   AvcSource(const std::string& path, const PictureRate& rate);

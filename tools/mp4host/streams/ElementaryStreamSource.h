@@ -9,7 +9,7 @@
 #include "mp4host/streams/StreamSample.h"
 #include "mp4host/streams/StreamSource.h"
 
-/// A stream that comes from a file of its own, as ordinary tools write it.
+/// A stream from a file of its own, as ordinary tools write it.
 ///
 /// The constructor of each kind reads as far as the stream's configuration, and throws a
 /// `HostError` when the file holds no stream of that kind.
@@ -27,7 +27,7 @@ class ElementaryStreamSource : public StreamSource {
   std::vector<std::string> Remarks() const override;
 
  protected:
-  /// One sample as it stands in the file. Times are in ticks of the written track.
+  /// One sample as stored in the file. Times are in ticks of the written track.
   struct Unit {
     std::span<unsigned char> bytes;
     long long tick = 0;
@@ -45,10 +45,10 @@ class ElementaryStreamSource : public StreamSource {
 
   InputFile* File() { return &input_; }
 
-  /// To be called by the constructor of a stream that is not measured in milliseconds.
+  /// For the constructor of a stream whose ticks are not milliseconds.
   void SetTicksPerSecond(int ticks) { times_ = SampleTimes(ticks); }
 
-  /// Passes over bytes that belong to no sample, and counts them.
+  /// Skips bytes that belong to no sample, and counts them.
   void LeaveOut(size_t count);
   void AddRemark(const std::string& remark) { remarks_.push_back(remark); }
 

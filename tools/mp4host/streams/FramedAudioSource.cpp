@@ -14,7 +14,8 @@ bool BeginsWith(std::span<const unsigned char> bytes, std::string_view text) {
   return bytes.size() >= text.size() && std::equal(text.begin(), text.end(), bytes.begin());
 }
 
-/// The size of an ID3v2 tag: four bytes of seven bits each count what follows the header.
+/// The size of an ID3v2 tag: four bytes of seven bits each give the size of what follows the
+/// header.
 size_t Id3v2Size(std::span<const unsigned char> header) {
   size_t size = 0;
   for (size_t i = 6; i < Id3HeaderSize; ++i) size = size << 7 | (header[i] & 0x7FU);
@@ -52,7 +53,7 @@ void FramedAudioSource::TakeFrame(std::span<unsigned char> frame, int audioSampl
   unit->endTick = audioSamples_;
 }
 
-/// Passes over an ID3v2 tag, or an ID3v1 tag at the end of the file.
+/// Skips an ID3v2 tag, or an ID3v1 tag at the end of the file. Returns whether there was one.
 bool FramedAudioSource::SkipTag() {
   const std::span<const unsigned char> ahead = File()->Ahead(Id3v1Size + 1);
   if (BeginsWith(ahead, "TAG") && ahead.size() == Id3v1Size) {

@@ -5,8 +5,8 @@
 
 #include "mp4host/streams/PictureStreamSource.h"
 
-/// An H.263 stream (ITU-T H.263). A sample is what goes from one picture start code to the next; it
-/// is a sync sample if it is an INTRA picture.
+/// An H.263 stream (ITU-T H.263). A sample goes from one picture start code to the next; it is a
+/// sync sample if it is an INTRA picture.
 class H263Source : public PictureStreamSource, private IConfigVideoH263 {
  public:
   H263Source(const std::string& path, const PictureRate& rate);

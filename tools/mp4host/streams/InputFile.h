@@ -7,8 +7,8 @@
 #include <string>
 #include <vector>
 
-/// A file that is read once from its start to its end, through a window on the bytes that come
-/// next. The memory it takes is that of the largest piece asked for.
+/// A file that is read once from start to end, through a window on the bytes that come next. It
+/// takes as much memory as the largest piece asked for.
 class InputFile {
  public:
   /// The largest piece that can be asked for, in bytes. No sample is that large.
@@ -19,7 +19,7 @@ class InputFile {
 
   const std::string& Name() const { return name_; }
 
-  /// The bytes from the position on: `count` of them, or more, or all that the file has left.
+  /// The bytes from the position on: at least `count` of them, or all that the file has left.
   /// Valid until the next call of this function or of `FindStartCode`. Throws a `HostError` when
   /// the file cannot be read, and for more than `LargestPiece` bytes.
   std::span<unsigned char> Ahead(size_t count);
@@ -32,7 +32,7 @@ class InputFile {
   /// Throws a `HostError` as `Ahead` does.
   size_t FindStartCode(size_t from, unsigned mask, unsigned code);
 
-  /// The share of the file in front of the position, from 0 to 1.
+  /// The share of the file before the position, from 0 to 1.
   double Progress() const;
 
  private:

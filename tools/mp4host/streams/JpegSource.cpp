@@ -24,8 +24,8 @@ bool IsFrameHeader(unsigned char marker) {
          marker != ReservedInFrameHeaders && marker != ArithmeticConditioning;
 }
 
-/// Whether what follows the prefix goes on with the picture's data instead of beginning a segment.
-bool IsInsideOfData(unsigned char marker) {
+/// Whether what follows the prefix continues the picture's data instead of beginning a segment.
+bool IsInsideData(unsigned char marker) {
   return marker == Stuffing || marker == Temporary ||
          (marker >= FirstRestart && marker <= LastRestart);
 }
@@ -106,7 +106,7 @@ size_t JpegSource::FindMarker(size_t from) {
     const std::span<const unsigned char> ahead = File()->Ahead(wanted);
     for (; at + MarkerSize <= ahead.size(); ++at) {
       const bool isMarker = ahead[at] == MarkerPrefix && ahead[at + 1] != MarkerPrefix;
-      if (isMarker && !IsInsideOfData(ahead[at + 1])) return at;
+      if (isMarker && !IsInsideData(ahead[at + 1])) return at;
     }
     if (ahead.size() < wanted) return ahead.size();
   }

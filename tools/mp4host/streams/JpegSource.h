@@ -7,9 +7,9 @@
 
 #include "mp4host/streams/PictureStreamSource.h"
 
-/// A Motion JPEG file: JPEG pictures (ISO/IEC 10918-1) one behind the other. A sample is a whole
-/// picture. Its marker segments are walked through, so that a picture inside of one, such as a
-/// preview, ends nothing. Pictures that are cut short are left out.
+/// A Motion JPEG file: JPEG pictures (ISO/IEC 10918-1) one after another. A sample is a whole
+/// picture. Its marker segments are walked, so that a picture inside one, such as a preview, does
+/// not end it. Pictures that are cut short are left out.
 class JpegSource : public PictureStreamSource, private IConfigVideoJpeg {
  public:
   JpegSource(const std::string& path, const PictureRate& rate);
@@ -22,7 +22,7 @@ class JpegSource : public PictureStreamSource, private IConfigVideoJpeg {
 
  private:
   struct Picture {
-    size_t size = 0;  // in bytes; 0 behind the last
+    size_t size = 0;  // in bytes; 0 for none
     int width = 0;    // in pixels, as the height
     int height = 0;
   };

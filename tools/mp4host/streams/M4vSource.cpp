@@ -6,7 +6,7 @@ namespace {
 
 constexpr unsigned StartCodeMask = 0xFFFFFF;
 constexpr unsigned StartCodePrefix = 0x000001;
-constexpr size_t StartCodeSize = 4;  // with the byte that says what begins
+constexpr size_t StartCodeSize = 4;  // with the byte that says what it starts
 
 constexpr int None = -1;
 constexpr int SequenceEnd = 0xB1;

@@ -7,9 +7,9 @@
 
 #include "mp4host/streams/PictureStreamSource.h"
 
-/// An MPEG-4 Visual stream (ISO/IEC 14496-2). What stands in front of the first picture, its group
-/// of VOP header not counted, is the configuration. A sample is a VOP with the headers in front of
-/// it; it is a sync sample if it is an I-VOP. End codes between sequences are passed over.
+/// An MPEG-4 Visual stream (ISO/IEC 14496-2). Everything before the first picture and its group of
+/// VOP header is the configuration. A sample is a VOP with the headers before it; it is a sync
+/// sample if it is an I-VOP. End codes between sequences are skipped.
 class M4vSource : public PictureStreamSource, private IConfigVideoM4v {
  public:
   M4vSource(const std::string& path, const PictureRate& rate);

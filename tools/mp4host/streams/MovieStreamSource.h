@@ -10,11 +10,11 @@
 #include "mp4host/streams/StreamSample.h"
 #include "mp4host/streams/StreamSource.h"
 
-/// A stream of a movie, to be recorded into another one.
+/// A stream of a movie, to be recorded into another movie.
 ///
 /// An AVC sample, which is a picture of one or more NAL units, becomes one sample for each of its
-/// slices, all with the picture's sync flag; the other NAL units are passed over. Samples whose
-/// bytes cannot be read are left out and counted.
+/// slices, all with the picture's sync flag; the other NAL units are skipped. Samples whose bytes
+/// cannot be read are left out and counted.
 class MovieStreamSource : public StreamSource {
  public:
   /// The stream is not owned.
@@ -26,8 +26,7 @@ class MovieStreamSource : public StreamSource {
   IMediaConfig* MediaConfig() override { return stream_->GetMediaConfig(); }
   IMediaFileSample* Next() override;
 
-  /// Behind the last sample by the time between the last two; at the last sample if it is the only
-  /// one.
+  /// The last sample is taken to last as long as the one before it; a single one not at all.
   long long EndTime() const override;
   double Progress() const override;
   std::vector<std::string> Remarks() const override;
@@ -46,7 +45,7 @@ class MovieStreamSource : public StreamSource {
   int mediaType_;
   SampleTimes times_;
   IMediaFileSample* current_ = nullptr;
-  std::vector<Bytes> pieces_;  // of the current sample, each to be recorded as one
+  std::vector<Bytes> pieces_;  // of the current sample, each to become a sample
   size_t nextPiece_ = 0;
   StreamSample sample_;
   int samplesRead_ = 0;

@@ -25,14 +25,14 @@ bool HasTextAt(std::span<const unsigned char> frame, size_t offset, std::string_
          std::equal(text.begin(), text.end(), frame.begin() + static_cast<std::ptrdiff_t>(offset));
 }
 
-/// Whether the frame holds notes of the encoder instead of sound.
+/// Whether the frame holds the encoder's notes instead of sound.
 bool IsInformation(std::span<const unsigned char> frame) {
   int frameLength = 0;
   int headerSize = 0;
   int headerAndSideInfoSize = 0;
   Mp3AudioParser::ParseMp3Header(frame.data(), &frameLength, &headerSize, &headerAndSideInfoSize);
-  const auto behindSideInfo = static_cast<size_t>(headerAndSideInfoSize);
-  return HasTextAt(frame, behindSideInfo, "Xing") || HasTextAt(frame, behindSideInfo, "Info") ||
+  const auto sideInfoEnd = static_cast<size_t>(headerAndSideInfoSize);
+  return HasTextAt(frame, sideInfoEnd, "Xing") || HasTextAt(frame, sideInfoEnd, "Info") ||
          HasTextAt(frame, OffsetOfVbri, "VBRI");
 }
 

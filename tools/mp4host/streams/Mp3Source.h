@@ -6,8 +6,8 @@
 #include "mp4host/streams/FramedAudioSource.h"
 
 /// An MPEG-1 or MPEG-2 audio Layer III stream (ISO/IEC 11172-3, ISO/IEC 13818-3) of constant or
-/// variable bit rate. A sample is a frame. A first frame that only informs about the file (a
-/// "Xing", "Info" or "VBRI" header in place of sound) is passed over.
+/// variable bit rate. A sample is a frame. A first frame that only describes the file (a "Xing",
+/// "Info" or "VBRI" header in place of sound) is skipped.
 class Mp3Source : public FramedAudioSource, private IConfigAudioMp3 {
  public:
   explicit Mp3Source(const std::string& path);

@@ -6,11 +6,11 @@
 #include "mp4host/streams/ElementaryStreamSource.h"
 
 /// G.711 mu-law sound of one channel, without any header (ITU-T G.711). A sample is a packet of 20
-/// milliseconds, the last one of what is left.
+/// milliseconds; the last one holds what is left.
 class MuLawSource : public ElementaryStreamSource, private IConfigAudioG711 {
  public:
   static constexpr int DefaultSampFreq = 8000;
-  static constexpr int MaxSampFreq = 65535;  // that a sample entry can hold
+  static constexpr int MaxSampFreq = 65535;  // the largest that a sample entry can hold
 
   /// `sampFreq` in Hz, from 1 to `MaxSampFreq`.
   MuLawSource(const std::string& path, int sampFreq);

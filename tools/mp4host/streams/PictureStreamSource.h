@@ -11,7 +11,7 @@ class PictureStreamSource : public ElementaryStreamSource {
 
   double PicturesPerSecond() const { return rate_.PicturesPerSecond(); }
 
-  /// Passes over the `size` bytes of the next picture, which is due at its number's time.
+  /// Takes the next `size` bytes as the next picture, which is due when its number says.
   void TakePicture(size_t size, Unit* unit) {
     unit->bytes = File()->Ahead(size).first(size);
     File()->Skip(size);

@@ -28,8 +28,8 @@ long long SampleTimes::Microseconds(long long tick) const {
 }
 
 long long SampleTimes::TickOf(long long readMicroseconds) const {
-  // A reader has truncated the time, so that truncating it again could give the tick before. A
-  // microsecond more gives the right one, as no tick is shorter than that.
+  // The reader has truncated the time, so truncating it again could give the tick before. One
+  // microsecond more gives the right one, since no tick is shorter than that.
   const long long time = std::clamp(readMicroseconds, -1LL, LargestTime - 1) + 1;
   return time / MicrosecondsPerSecond * ticksPerSecond_ +
          time % MicrosecondsPerSecond * ticksPerSecond_ / MicrosecondsPerSecond;

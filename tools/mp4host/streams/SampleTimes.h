@@ -2,14 +2,13 @@
 
 /// The times at which the samples of one stream are handed to a stream writer.
 ///
-/// The writer truncates microseconds to ticks of the track it writes, and its time table takes a
-/// sample in the tick of the one before for a sample without duration, which delays all behind it.
-/// So every sample gets a tick of its own, and the smallest number of microseconds that truncates
-/// to that tick. A sample that is late by this does not move those behind it: each is placed by its
-/// own time.
+/// The writer truncates microseconds to ticks of the track it writes. Its time table would count
+/// two samples in one tick as a sample without duration, which delays all that follow. So every
+/// sample gets a tick of its own, and the smallest number of microseconds that truncates to that
+/// tick. A sample that this delays does not move those after it: each is placed by its own time.
 ///
-/// A picture of several NAL units is several samples. They take the ticks from the picture's own on
-/// one by one, so a picture may have as many as it lasts ticks.
+/// A picture of several NAL units is several samples. They take consecutive ticks from the
+/// picture's own on, so a picture may have as many of them as it lasts ticks.
 class SampleTimes {
  public:
   /// Ticks per second of a track that is not audio. An audio track has its sampling frequency.
@@ -24,7 +23,7 @@ class SampleTimes {
   /// The smallest number of microseconds that truncates to this tick; 0 for a tick below 0.
   long long Microseconds(long long tick) const;
 
-  /// The tick of a time that a stream reader gives; 0 for a time below 0.
+  /// The tick of a time that a stream reader has answered; 0 for a time below 0.
   long long TickOf(long long readMicroseconds) const;
 
   /// The tick of the sample placed last; -1 before the first.

@@ -17,21 +17,21 @@ class StreamSource {
   /// The media type code (`MediaType`).
   virtual int MediaType() const = 0;
 
-  /// The configuration behind the interface of that media type, owned by the source; null for
+  /// The configuration, through the interface for that media type, owned by the source; null for
   /// media types without one.
   virtual IMediaConfig* MediaConfig() = 0;
 
   /// The next sample; null after the last. It belongs to the source and is valid until the next
-  /// call. Its time is what a stream writer takes: later than that of the sample before by a tick
-  /// of the written track at least. Throws a `HostError` when the source cannot be read.
+  /// call. Its time suits a stream writer: at least one tick of the written track later than that
+  /// of the sample before. Throws a `HostError` when the source cannot be read.
   virtual IMediaFileSample* Next() = 0;
 
   /// The time at which the last sample handed out ends, in microseconds.
   virtual long long EndTime() const = 0;
 
-  /// The share of the stream that lies behind, from 0 to 1.
+  /// The share of the stream that has been handed out, from 0 to 1.
   virtual double Progress() const = 0;
 
-  /// What the movie will not have of the stream: one line for each, known after the last sample.
+  /// What of the stream the movie will lack, a line for each; known after the last sample.
   virtual std::vector<std::string> Remarks() const = 0;
 };

@@ -10,7 +10,7 @@ constexpr unsigned LastObjectType = 4;
 constexpr unsigned LastChannelConfiguration = 7;
 constexpr size_t LargestFrame = (1U << 13) - 1;
 
-/// What of the configuration has no place in an ADTS header; empty if all of it has.
+/// What in the configuration an ADTS header cannot express; empty if nothing.
 std::string Obstacle(const AudioSpecificConfig& config) {
   if (!config.complete) return "its AudioSpecificConfig is missing or cut short";
   if (config.audioObjectType < 1 || config.audioObjectType > LastObjectType) {

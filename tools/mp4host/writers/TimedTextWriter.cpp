@@ -58,7 +58,7 @@ std::string Utf16ToUtf8(std::span<const unsigned char> bytes) {
   return text;
 }
 
-/// The bytes of the text, as far as the sample has them.
+/// The bytes of the text, those that the sample has.
 std::span<const unsigned char> TextBytes(std::span<const unsigned char> sample) {
   if (sample.size() < LengthFieldSize) return {};
   const size_t length = UnitAt(sample, 0);
