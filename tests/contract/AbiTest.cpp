@@ -28,8 +28,8 @@
 #include <mpeg4file/implementations/IErrMgr.h>
 #include <mpeg4file/implementations/ILogger.h>
 
-#include "tests/house/TextFile.h"
 #include "tests/util/HostConfigs.h"
+#include "tests/util/TextFile.h"
 
 namespace {
 

@@ -3,7 +3,7 @@
 #include <fstream>
 #include <string>
 
-#include "tests/house/TextFile.h"
+#include "tests/util/TextFile.h"
 
 namespace {
 

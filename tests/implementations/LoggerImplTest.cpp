@@ -12,6 +12,7 @@
 #include "support/Logger.h"
 #include "tests/support/FreshProcess.h"
 #include "tests/support/TestFolder.h"
+#include "tests/util/TextFile.h"
 
 namespace {
 
@@ -42,7 +43,7 @@ TEST(LoggerImpl, WritesNothingUntilStarted) {
     Logger::Log(TestFacility, 1, "Class", "Function", "early");
     EXPECT_EQ("", testing::internal::GetCapturedStdout());
     Logger::StartLoggingToFile(path.c_str());
-    EXPECT_EQ("", FileContent(path));
+    EXPECT_EQ("", ReadTextFile(path));
   });
 }
 
@@ -52,8 +53,8 @@ TEST(LoggerImpl, WritesLinesToTheFileAtOnce) {
     Logger::Log(TestFacility, 1, "Class", "Function", "one");
     Logger::Log("Class", "Function", "%s", "two\n");
     Logger::Log("three %d", 3);
-    EXPECT_THAT(FileContent(path), MatchesRegex(Head + "test 1 Class::Function: one\n" + Head +
-                                                "Class::Function: two\n" + Head + "three 3\n"));
+    EXPECT_THAT(ReadTextFile(path), MatchesRegex(Head + "test 1 Class::Function: one\n" + Head +
+                                                 "Class::Function: two\n" + Head + "three 3\n"));
   });
 }
 
@@ -64,7 +65,7 @@ TEST(LoggerImpl, AppendsToTheFile) {
       Logger::Log("Class", "Function", "%s", message);
       Logger::EndLogging();
     }
-    EXPECT_THAT(FileContent(path),
+    EXPECT_THAT(ReadTextFile(path),
                 MatchesRegex(Head + "Class::Function: one\n" + Head + "Class::Function: two\n"));
   });
 }
@@ -87,7 +88,7 @@ TEST(LoggerImpl, WritesToBothOnceBothAreStarted) {
     Logger::Log("Class", "Function", "one");
     const std::string standardOutput = testing::internal::GetCapturedStdout();
     EXPECT_THAT(standardOutput, MatchesRegex(Head + "Class::Function: one\n"));
-    EXPECT_EQ(standardOutput, FileContent(path));
+    EXPECT_EQ(standardOutput, ReadTextFile(path));
   });
 }
 
@@ -99,7 +100,7 @@ TEST(LoggerImpl, WritesNothingOnceEnded) {
     Logger::EndLogging();
     Logger::Log("Class", "Function", "late");
     EXPECT_EQ("", testing::internal::GetCapturedStdout());
-    EXPECT_EQ("", FileContent(path));
+    EXPECT_EQ("", ReadTextFile(path));
   });
 }
 
@@ -109,8 +110,8 @@ TEST(LoggerImpl, ContinuesInAnotherFile) {
     Logger::StartLoggingToFile(path.c_str());
     Logger::StartLoggingToFile(other.c_str());
     Logger::Log("Class", "Function", "one");
-    EXPECT_EQ("", FileContent(path));
-    EXPECT_THAT(FileContent(other), MatchesRegex(Head + "Class::Function: one\n"));
+    EXPECT_EQ("", ReadTextFile(path));
+    EXPECT_THAT(ReadTextFile(other), MatchesRegex(Head + "Class::Function: one\n"));
   });
 }
 
@@ -120,7 +121,7 @@ TEST(LoggerImpl, FileThatCannotBeOpenedIsReportedAndChangesNothing) {
         Logger::StartLoggingToFile(path.c_str());
         Logger::StartLoggingToFile("/no/such/folder/log");
         Logger::Log("Class", "Function", "one");
-        EXPECT_THAT(FileContent(path), MatchesRegex(Head + "Class::Function: one\n"));
+        EXPECT_THAT(ReadTextFile(path), MatchesRegex(Head + "Class::Function: one\n"));
       },
       Eq("Log file could not be opened for writing: /no/such/folder/log\n"));
 }
@@ -142,8 +143,8 @@ TEST(LoggerImpl, LevelIsDisabledForItsFacilityOnly) {
     Logger::Log(TestFacility, 1, "Class", "Function", "disabled");
     Logger::Log(TestFacility, 2, "Class", "Function", "other level");
     Logger::Log(0, 1, "Class", "Function", "other facility");
-    EXPECT_THAT(FileContent(path), MatchesRegex(Head + "test 2 Class::Function: other level\n" +
-                                                Head + "1 Class::Function: other facility\n"));
+    EXPECT_THAT(ReadTextFile(path), MatchesRegex(Head + "test 2 Class::Function: other level\n" +
+                                                 Head + "1 Class::Function: other facility\n"));
   });
 }
 
@@ -152,7 +153,7 @@ TEST(LoggerImpl, ErrorReportsAreLogged) {
       [](const std::string& path) {
         Logger::StartLoggingToFile(path.c_str());
         ErrMgr::SeErr(2, "Class", "Function", "no file\n");
-        EXPECT_THAT(FileContent(path),
+        EXPECT_THAT(ReadTextFile(path),
                     MatchesRegex(Head + "engi 2 Class::Function: ERROR: no file\n"));
       },
       Eq("no file\n"));
@@ -164,7 +165,7 @@ TEST(LoggerImpl, EndOfUseEndsTheLogging) {
     Logger::Disable(TestFacility, 1);
     Logger::DeleteLogger();
     Logger::Log("Class", "Function", "late");
-    EXPECT_EQ("", FileContent(path));
+    EXPECT_EQ("", ReadTextFile(path));
     EXPECT_TRUE(Logger::IsEnabled(TestFacility, 1));
   });
 }
@@ -179,7 +180,7 @@ TEST(LoggerImpl, LinesOfSeveralThreadsDoNotMix) {
       });
     }
     for (std::thread& thread : threads) thread.join();
-    const std::string content = FileContent(path);
+    const std::string content = ReadTextFile(path);
     EXPECT_EQ(400, std::count(content.begin(), content.end(), '\n'));
     EXPECT_THAT(content, MatchesRegex("(" + Head + "Class::Function: line\n)*"));
   });

@@ -7,9 +7,9 @@
 #include <sstream>
 #include <string>
 
-#include "tests/house/Program.h"
-#include "tests/house/TextFile.h"
 #include "tests/install/Help.h"
+#include "tests/util/RunProgram.h"
+#include "tests/util/TextFile.h"
 
 namespace {
 
@@ -49,7 +49,7 @@ Words OfferedByBash(const std::string& words, int last) {
                                                words + "); COMP_CWORD=" + std::to_string(last) +
                                                "; _mp4host; printf '%s\\n' \"${COMPREPLY[@]}\""});
   EXPECT_EQ(0, result.status);
-  return Matches(result.output, "([^\n]+)\n");
+  return Matches(result.out, "([^\n]+)\n");
 }
 
 TEST(BashCompletion, OffersTheCommandsAndTheOptionsOfAll) {

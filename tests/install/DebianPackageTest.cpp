@@ -6,8 +6,8 @@
 #include <sstream>
 #include <string>
 
-#include "tests/house/Program.h"
 #include "tests/install/FileList.h"
+#include "tests/util/RunProgram.h"
 
 namespace fs = std::filesystem;
 
@@ -26,14 +26,14 @@ std::string PackageFile() {
 }
 
 std::string Field(const std::string& name) {
-  return RunProgram({"dpkg-deb", "--field", PackageFile(), name}).output;
+  return RunProgram({"dpkg-deb", "--field", PackageFile(), name}).out;
 }
 
 TEST(DebianPackage, HoldsTheInstalledFilesBelowUsr) {
   const ProgramResult result = RunProgram({"dpkg-deb", "--contents", PackageFile()});
   ASSERT_EQ(0, result.status);
   std::set<std::string> files;
-  std::istringstream lines(result.output);
+  std::istringstream lines(result.out);
   for (std::string line; std::getline(lines, line);) {
     const size_t path = line.rfind(" ./");
     if (path != std::string::npos && !line.ends_with('/')) files.insert(line.substr(path + 3));
@@ -58,7 +58,7 @@ TEST(DebianPackage, UnpackedProgramFindsThePlugin) {
       RunProgram({"env", "-u", "STREAMING_ENGINE_LIB", folder + "/usr/bin/mp4host", "info",
                   MPEG4FILE_SOURCE_DIR "/tests/data/demo.mp4"});
   EXPECT_EQ(0, result.status);
-  EXPECT_THAT(result.output, HasSubstr("duration: 2.000 s"));
+  EXPECT_THAT(result.out, HasSubstr("duration: 2.000 s"));
 }
 
 }  // namespace

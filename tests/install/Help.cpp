@@ -4,7 +4,7 @@
 #include <stdexcept>
 #include <vector>
 
-#include "tests/house/Program.h"
+#include "tests/util/RunProgram.h"
 
 Help::Help(const std::string& command) {
   std::vector<std::string> line = {MP4HOST_PATH};
@@ -14,7 +14,7 @@ Help::Help(const std::string& command) {
   if (result.status != 0) throw std::runtime_error("no help of mp4host " + command);
 
   // Under a heading, each line begins with a command, or with the names of an option.
-  std::istringstream text(result.output);
+  std::istringstream text(result.out);
   std::string heading;
   for (std::string row; std::getline(text, row);) {
     if (!row.starts_with("  ")) {

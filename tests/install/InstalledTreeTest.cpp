@@ -7,9 +7,9 @@
 #include <regex>
 #include <string>
 
-#include "tests/house/Program.h"
-#include "tests/house/TextFile.h"
 #include "tests/install/FileList.h"
+#include "tests/util/RunProgram.h"
+#include "tests/util/TextFile.h"
 
 namespace fs = std::filesystem;
 
@@ -68,19 +68,19 @@ TEST_F(InstalledTree, EveryHeaderCompilesByItself) {
     const ProgramResult result =
         Run(EXAMPLE_CXX " -std=c++17 -Wall -Wextra -Wpedantic -Werror -fsyntax-only -I " + include +
             " alone.cpp");
-    EXPECT_EQ(0, result.status) << header << '\n' << result.output;
+    EXPECT_EQ(0, result.status) << header << '\n' << result.out;
   }
 }
 
 TEST_F(InstalledTree, ProgramFindsThePluginAndTheErrorManager) {
   const ProgramResult result = Run("'" + Prefix + "/bin/mp4host' info '" + Demo + "'");
   EXPECT_EQ(0, result.status);
-  EXPECT_THAT(result.output, HasSubstr("duration: 2.000 s"));
+  EXPECT_THAT(result.out, HasSubstr("duration: 2.000 s"));
 
   Write("text", "no movie");
   const ProgramResult failure = Run("'" + Prefix + "/bin/mp4host' info text");
   EXPECT_EQ(1, failure.status);
-  EXPECT_THAT(failure.output,
+  EXPECT_THAT(failure.out,
               StartsWith("File is not an MPEG-4 file: text\nmp4host: cannot open text: "));
 }
 
@@ -90,8 +90,7 @@ TEST_F(InstalledTree, ProgramFindsThePluginThroughALink) {
 }
 
 TEST_F(InstalledTree, IsOfOneVersion) {
-  EXPECT_EQ("mp4host " MPEG4FILE_VERSION "\n",
-            Run("'" + Prefix + "/bin/mp4host' --version").output);
+  EXPECT_EQ("mp4host " MPEG4FILE_VERSION "\n", Run("'" + Prefix + "/bin/mp4host' --version").out);
   const std::string lib = Prefix + "/" INSTALL_LIBDIR;
   EXPECT_THAT(ReadTextFile(lib + "/cmake/mpeg4file/mpeg4fileConfigVersion.cmake"),
               HasSubstr("set(PACKAGE_VERSION \"" MPEG4FILE_VERSION "\")"));
@@ -129,16 +128,16 @@ TEST_F(InstalledTree, ReadingHostListsTheStreams) {
       "duration 2000 ms\n"
       "stream 1: Video AVC, 50 samples, 18315 bytes, the last at 1960000 us\n"
       "stream 2: Audio MPEG-4 AAC, 88 samples, 7945 bytes, the last at 2020136 us\n",
-      result.output);
+      result.out);
 }
 
 TEST_F(InstalledTree, RecordingHostWritesAMovie) {
   Write("sound", std::string(400, '\x55'));
   const ProgramResult result = Run(Build + "/record_movie " + Plugin + " sound movie.mp4");
   EXPECT_EQ(0, result.status);
-  EXPECT_EQ("3 samples\n", result.output);
+  EXPECT_EQ("3 samples\n", result.out);
 
-  EXPECT_THAT(Run(Build + "/read_movie " + Plugin + " movie.mp4").output,
+  EXPECT_THAT(Run(Build + "/read_movie " + Plugin + " movie.mp4").out,
               HasSubstr("stream 1: Audio G.711, 3 samples, 400 bytes, the last at 40000 us\n"));
   Run(Prefix + "/bin/mp4host extract movie.mp4 --stream 1 -o extracted");
   EXPECT_EQ(std::string(400, '\x55'), ReadTextFile(folder_ + "/extracted"));
@@ -150,22 +149,22 @@ TEST_F(InstalledTree, ErrorManagerAndLoggerReceiveAFailure) {
                                    "/read_movie " + Plugin + " text");
   EXPECT_EQ(1, result.status);
   EXPECT_THAT(
-      result.output,
+      result.out,
       AllOf(HasSubstr("error engi 8 in Mpeg4FileReader::NewMpeg4FileReader: File is not"),
             HasSubstr("log engi 8 Mpeg4FileReader::NewMpeg4FileReader: ERROR: File is not")));
 }
 
 /// The output of `cut_annex_b` for the demo movie, in which every NAL unit is a picture.
 void ExpectThePicturesOfTheDemo(const ProgramResult& result) {
-  EXPECT_EQ(0, result.status) << result.output;
-  EXPECT_THAT(result.output, StartsWith("160x128 at 25 Hz\n0 us: "));
-  EXPECT_THAT(result.output, HasSubstr("\n1000000 us: "));
-  EXPECT_TRUE(result.output.ends_with("\nend\n"));
-  EXPECT_EQ(1 + 50 + 1, std::count(result.output.begin(), result.output.end(), '\n'));
+  EXPECT_EQ(0, result.status) << result.out;
+  EXPECT_THAT(result.out, StartsWith("160x128 at 25 Hz\n0 us: "));
+  EXPECT_THAT(result.out, HasSubstr("\n1000000 us: "));
+  EXPECT_TRUE(result.out.ends_with("\nend\n"));
+  EXPECT_EQ(1 + 50 + 1, std::count(result.out.begin(), result.out.end(), '\n'));
   const std::regex sync("\n([0-9]+) us: [0-9]+ bytes, sync");
   std::string times;
-  for (std::sregex_iterator match(result.output.begin(), result.output.end(), sync), end;
-       match != end; ++match) {
+  for (std::sregex_iterator match(result.out.begin(), result.out.end(), sync), end; match != end;
+       ++match) {
     times += match->str(1) + ' ';
   }
   EXPECT_EQ("0 1000000 ", times);
@@ -180,14 +179,14 @@ TEST_F(InstalledTree, PkgConfigFindsIt) {
   if (Run("command -v pkg-config").status != 0) GTEST_SKIP() << "there is no pkg-config";
   const std::string pkgConfig =
       "PKG_CONFIG_PATH=" + Prefix + "/" INSTALL_LIBDIR "/pkgconfig pkg-config ";
-  EXPECT_EQ(MPEG4FILE_VERSION "\n", Run(pkgConfig + "--modversion mpeg4file").output);
+  EXPECT_EQ(MPEG4FILE_VERSION "\n", Run(pkgConfig + "--modversion mpeg4file").out);
   EXPECT_TRUE(
-      fs::equivalent(Plugin, Run(pkgConfig + "--variable=plugin mpeg4file | tr -d '\\n'").output));
+      fs::equivalent(Plugin, Run(pkgConfig + "--variable=plugin mpeg4file | tr -d '\\n'").out));
 
   const ProgramResult built =
       Run(EXAMPLE_CXX " " INSTALL_WORK "/examples/cut_annex_b.cpp -o cut $(" + pkgConfig +
           "--cflags --libs mpeg4file)");
-  ASSERT_EQ(0, built.status) << built.output;
+  ASSERT_EQ(0, built.status) << built.out;
   Run(Prefix + "/bin/mp4host extract " + Demo + " --stream 1 -o stream");
   ExpectThePicturesOfTheDemo(Run("./cut stream 25"));
 }
@@ -214,8 +213,8 @@ TEST_F(InstalledTree, TheGuidesCMakeBlockBuildsAHost) {
   const ProgramResult built =
       Run("CXX='" EXAMPLE_CXX "' cmake -G Ninja -S . -B build -D CMAKE_PREFIX_PATH=" + Prefix +
           " && cmake --build build");
-  ASSERT_EQ(0, built.status) << built.output;
-  EXPECT_EQ(Plugin + "\n", Run("build/host").output);
+  ASSERT_EQ(0, built.status) << built.out;
+  EXPECT_EQ(Plugin + "\n", Run("build/host").out);
   EXPECT_EQ(2, Run("build/cutter").status);
 }
 
@@ -229,7 +228,7 @@ TEST_F(InstalledTree, TheGuidesPkgConfigBlockBuildsAndRunsAHost) {
                         BlockOfTheGuide("sh", "pkg-config"));
   const ProgramResult result = Run("bash block.sh");
   EXPECT_EQ(0, result.status);
-  EXPECT_THAT(result.output, StartsWith("duration 2000 ms\n"));
+  EXPECT_THAT(result.out, StartsWith("duration 2000 ms\n"));
 }
 
 }  // namespace

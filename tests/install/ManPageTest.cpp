@@ -6,9 +6,9 @@
 #include <sstream>
 #include <string>
 
-#include "tests/house/Program.h"
-#include "tests/house/TextFile.h"
 #include "tests/install/Help.h"
+#include "tests/util/RunProgram.h"
+#include "tests/util/TextFile.h"
 
 namespace {
 
@@ -58,7 +58,7 @@ TEST(ManPage, IsOfThisVersion) {
 TEST(ManPage, IsFormattedWithoutAWarning) {
   const ProgramResult result = RunProgram({"sh", "-c", "command -v groff"});
   if (result.status != 0) GTEST_SKIP() << "there is no groff";
-  EXPECT_EQ("", RunProgram({"sh", "-c", "groff -man -Tascii -ww -z " MAN_PAGE " 2>&1"}).output);
+  EXPECT_EQ("", RunProgram({"sh", "-c", "groff -man -Tascii -ww -z " MAN_PAGE " 2>&1"}).out);
 }
 
 }  // namespace

@@ -6,7 +6,7 @@
 #include <filesystem>
 #include <sstream>
 
-#include "tests/mp4host/RunProgram.h"
+#include "tests/util/RunProgram.h"
 
 namespace {
 

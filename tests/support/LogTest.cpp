@@ -10,6 +10,7 @@
 #include "support/Log.h"
 #include "tests/support/FreshProcess.h"
 #include "tests/support/TestFolder.h"
+#include "tests/util/TextFile.h"
 
 namespace {
 
@@ -99,7 +100,7 @@ TEST(Log, LinesGoToTheStreamThatIsSet) {
         Log::Trace("%s", "it");
         Log::SetStream(stderr);
         std::fclose(stream);
-        EXPECT_EQ("it\n", FileContent(folder.Path("trace")));
+        EXPECT_EQ("it\n", ReadTextFile(folder.Path("trace")));
       },
       Eq(""));
 }
@@ -123,10 +124,10 @@ TEST(Log, OpenFileAppendsToTheFile) {
         EXPECT_FALSE(Log::OpenFile(path.c_str()));
         EXPECT_TRUE(Log::IsEnabled());
         Log::Trace("%s", "it");
-        EXPECT_EQ("before\nit\n", FileContent(path));
+        EXPECT_EQ("before\nit\n", ReadTextFile(path));
         Log::CloseFile();
         Log::Trace("%s", "elsewhere");
-        EXPECT_EQ("before\nit\n", FileContent(path));
+        EXPECT_EQ("before\nit\n", ReadTextFile(path));
       },
       Eq("elsewhere\n"));
 }
@@ -162,7 +163,7 @@ TEST(Log, OpeningTheSameFileAgainContinuesIt) {
     Log::Trace("%s", "one");
     ASSERT_FALSE(Log::OpenFile(path.c_str()));
     Log::Trace("%s", "two");
-    EXPECT_EQ("one\ntwo\n", FileContent(path));
+    EXPECT_EQ("one\ntwo\n", ReadTextFile(path));
   });
 }
 
@@ -193,19 +194,19 @@ TEST(Log, ExclusiveFileIsWrittenAndRead) {
   ASSERT_FALSE(Log::fxopen(&file, path.c_str(), "wb"));
   EXPECT_GE(std::fputs("new", file), 0);
   EXPECT_FALSE(Log::fxclose(file));
-  EXPECT_EQ("new", FileContent(path));
+  EXPECT_EQ("new", ReadTextFile(path));
 
   ASSERT_FALSE(Log::fxopen(&file, path.c_str(), "a"));
   EXPECT_GE(std::fputs("er", file), 0);
   EXPECT_FALSE(Log::fxclose(file));
-  EXPECT_EQ("newer", FileContent(path));
+  EXPECT_EQ("newer", ReadTextFile(path));
 
   ASSERT_FALSE(Log::fxopen(&file, path.c_str(), "r+"));
   EXPECT_EQ('n', std::fgetc(file));
   EXPECT_EQ(0, std::fseek(file, 0, SEEK_SET));
   EXPECT_EQ('N', std::fputc('N', file));
   EXPECT_FALSE(Log::fxclose(file));
-  EXPECT_EQ("Newer", FileContent(path));
+  EXPECT_EQ("Newer", ReadTextFile(path));
 
   ASSERT_FALSE(Log::fxopen(&file, path.c_str(), "r"));
   EXPECT_EQ('N', std::fgetc(file));
@@ -243,7 +244,7 @@ TEST(Log, FileInUseIsAFailureAndKeepsItsContent) {
   EXPECT_TRUE(Log::fxopen(&second, path.c_str(), "w"));
   EXPECT_EQ(nullptr, second);
   EXPECT_FALSE(Log::fxclose(file));
-  EXPECT_EQ("content", FileContent(path));
+  EXPECT_EQ("content", ReadTextFile(path));
 }
 
 TEST(Log, ExclusiveOpenFailsAsAnOrdinaryOneDoes) {

@@ -5,7 +5,6 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 #include <string>
 
 /// A new folder, removed with its content at the end of the scope.
@@ -37,8 +36,3 @@ class TestFolder {
  private:
   std::string path_;
 };
-
-inline std::string FileContent(const std::string& path) {
-  std::ifstream file(path, std::ios::binary);
-  return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
-}

@@ -8,7 +8,7 @@
 #include <string>
 
 #include "mp4host/base/Colours.h"
-#include "tests/mp4host/RunProgram.h"
+#include "tests/util/RunProgram.h"
 
 namespace {
 

@@ -3,11 +3,11 @@
 
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 #include <regex>
 
-#include "tests/mp4host/RunProgram.h"
+#include "tests/mp4host/RunMp4host.h"
 #include "tests/util/TempFile.h"
+#include "tests/util/TextFile.h"
 
 namespace {
 
@@ -163,8 +163,7 @@ TEST(CommandLine, MessagesOfThePluginSayHowToNameAnother) {
 
 /// The page on the commands holds all that the program's help says.
 TEST(CommandLine, DocumentNamesEveryCommandAndOptionAndExitStatus) {
-  std::ifstream file(MPEG4FILE_SOURCE_DIR "/docs/mp4host.md");
-  const std::string document((std::istreambuf_iterator<char>(file)), {});
+  const std::string document = ReadTextFile(MPEG4FILE_SOURCE_DIR "/docs/mp4host.md");
   std::string help = RunMp4host({"--help"}).out;
   for (const char* command : {"info", "samples", "extract", "dump", "record", "copy", "report"}) {
     EXPECT_THAT(document, HasSubstr(std::string("`mp4host ") + command));

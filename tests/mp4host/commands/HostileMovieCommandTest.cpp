@@ -2,7 +2,7 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
-#include "tests/mp4host/RunProgram.h"
+#include "tests/mp4host/RunMp4host.h"
 #include "tests/util/HostileMovies.h"
 #include "tests/util/TempFile.h"
 

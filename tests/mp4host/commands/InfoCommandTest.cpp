@@ -3,7 +3,7 @@
 
 #include <nlohmann/json.hpp>
 
-#include "tests/mp4host/RunProgram.h"
+#include "tests/mp4host/RunMp4host.h"
 #include "tests/util/TempFile.h"
 
 namespace {

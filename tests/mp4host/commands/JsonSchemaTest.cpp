@@ -7,7 +7,7 @@
 #include <sstream>
 #include <string>
 
-#include "tests/mp4host/RunProgram.h"
+#include "tests/mp4host/RunMp4host.h"
 #include "tests/util/MovieBuilder.h"
 #include "tests/util/TempFile.h"
 

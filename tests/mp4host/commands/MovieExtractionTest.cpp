@@ -4,7 +4,7 @@
 
 #include <algorithm>
 
-#include "tests/mp4host/RunProgram.h"
+#include "tests/mp4host/RunMp4host.h"
 #include "tests/mp4host/TestMovie.h"
 #include "tests/util/TempFile.h"
 

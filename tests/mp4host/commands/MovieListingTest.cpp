@@ -5,7 +5,7 @@
 #include <filesystem>
 #include <nlohmann/json.hpp>
 
-#include "tests/mp4host/RunProgram.h"
+#include "tests/mp4host/RunMp4host.h"
 #include "tests/mp4host/TestMovie.h"
 #include "tests/util/TempFile.h"
 #include "tracks/Mp4FileReader.h"

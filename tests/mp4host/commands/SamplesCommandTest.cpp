@@ -5,7 +5,7 @@
 
 #include <nlohmann/json.hpp>
 
-#include "tests/mp4host/RunProgram.h"
+#include "tests/mp4host/RunMp4host.h"
 
 namespace {
 

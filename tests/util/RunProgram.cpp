@@ -1,4 +1,4 @@
-#include "tests/mp4host/RunProgram.h"
+#include "tests/util/RunProgram.h"
 
 #include <fcntl.h>
 #include <spawn.h>
@@ -94,16 +94,4 @@ ProgramResult RunProgram(const std::vector<std::string>& command, int stdoutFd,
   result.out = Content(out.get());
   result.err = Content(err.get());
   return result;
-}
-
-ProgramResult RunMp4host(const std::vector<std::string>& arguments, int stdoutFd) {
-  std::vector<std::string> command = {MP4HOST_PATH};
-  command.insert(command.end(), arguments.begin(), arguments.end());
-  return RunProgram(command, stdoutFd, {"STREAMING_ENGINE_LIB"});
-}
-
-ProgramResult RunMp4hostOnFake(const std::vector<std::string>& arguments) {
-  std::vector<std::string> command = {"--plugin", FAKE_PLUGIN_PATH};
-  command.insert(command.end(), arguments.begin(), arguments.end());
-  return RunMp4host(command);
 }

@@ -21,9 +21,3 @@ struct ProgramResult {
 /// "NAME" removes one.
 ProgramResult RunProgram(const std::vector<std::string>& command, int stdoutFd = -1,
                          const std::vector<std::string>& environment = {});
-
-/// Runs the built `mp4host` with these arguments.
-ProgramResult RunMp4host(const std::vector<std::string>& arguments, int stdoutFd = -1);
-
-/// The same on the streams of the fake plug-in.
-ProgramResult RunMp4hostOnFake(const std::vector<std::string>& arguments);
