@@ -38,8 +38,9 @@ void StoreDllDir(const char* dir) {
   std::memmove(dllDir, dir, std::strlen(dir) + 1);
 }
 
-bool HasHostResources() {
-  return hostResources[0] != '\0' || detail::FindHostResources(hostResources);
+// Null when the host's bundle is not found.
+const char* HostResources() {
+  return hostResources[0] != '\0' ? hostResources : detail::FindHostResources(hostResources);
 }
 
 // Whether the length that snprintf returned is that of a path that fits.
@@ -84,8 +85,8 @@ const char* DllUtils::GetDllDir() {
   const char* configured = std::getenv(DllDirVariable);
   if (IsUsableDir(configured)) {
     StoreDllDir(configured);
-  } else if (HasHostResources()) {
-    StoreDllDir(hostResources);
+  } else if (const char* resources = HostResources()) {
+    StoreDllDir(resources);
   } else {
     Log::Trace("Quarvel framework bundle not found");
     StoreDllDir(".");

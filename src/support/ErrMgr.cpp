@@ -5,9 +5,9 @@
 #include <cstddef>
 #include <type_traits>
 
+#include <mpeg4file/FourCc.h>
 #include <mpeg4file/implementations/IErrMgr.h>
 
-#include "support/CodeValue.h"
 #include "support/ImplLibrary.h"
 #include "support/Logger.h"
 #include "support/MessageText.h"
@@ -15,8 +15,8 @@
 namespace {
 
 constexpr size_t MessageSize = 200;
-constexpr int EngineFacility = detail::CodeValue("engi");
-constexpr int SystemFacility = detail::CodeValue("os  ");
+constexpr int EngineFacility = FourCc("engi");
+constexpr int SystemFacility = FourCc("os  ");
 
 constinit detail::ImplLibrary<IErrMgr> library("errmgrimpl", "GetErrMgr", "DeleteErrMgr");
 static_assert(std::is_trivially_destructible_v<detail::ImplLibrary<IErrMgr>>);

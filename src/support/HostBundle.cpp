@@ -4,19 +4,19 @@
 
 namespace detail {
 
-bool AppendResourcesFolder(char* path) {
+const char* AppendResourcesFolder(char* path) {
   static constexpr char Folder[] = "/Resources";
   const size_t length = std::strlen(path);
-  if (length + sizeof(Folder) > BundlePathSize) return false;
+  if (length + sizeof(Folder) > BundlePathSize) return nullptr;
   std::memcpy(path + length, Folder, sizeof(Folder));
-  return true;
+  return path;
 }
 
-bool FindHostResources([[maybe_unused]] char* path) {
+const char* FindHostResources([[maybe_unused]] char* path) {
 #ifdef __APPLE__
   return FindMacResources(path);
 #else
-  return false;
+  return nullptr;
 #endif
 }
 

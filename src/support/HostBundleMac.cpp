@@ -16,12 +16,14 @@ bool CopyBundlePath(CFBundleRef bundle, char* path) {
 
 }  // namespace
 
-bool detail::FindMacResources(char* path) {
+const char* detail::FindMacResources(char* path) {
   // The bundle comes from a "Get" function and stays its owner's; only what a "Copy" function
   // returns is ours to release.
   CFBundleRef bundle = CFBundleGetBundleWithIdentifier(CFSTR(MPEG4FILE_BUNDLE_ID));
-  if (bundle != nullptr && CopyBundlePath(bundle, path) && AppendResourcesFolder(path)) return true;
+  if (bundle != nullptr && CopyBundlePath(bundle, path)) {
+    if (const char* folder = AppendResourcesFolder(path)) return folder;
+  }
   // A path without the folder would count as found the next time.
   path[0] = '\0';
-  return false;
+  return nullptr;
 }

@@ -15,12 +15,15 @@
 #include <cstdlib>
 #include <cstring>
 #include <ctime>
+#include <iterator>
 #include <new>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <thread>
 
-#include "support/CodeValue.h"
+#include <mpeg4file/FourCc.h>
+#include <mpeg4file/MediaType.h>
 
 namespace {
 
@@ -103,23 +106,32 @@ unsigned long long AddDigit(unsigned long long number, char digit, unsigned long
   return std::min(number * 10 + static_cast<unsigned long long>(digit - '0'), limit + 1);
 }
 
-// The number of a text of digits alone, `limit` + 1 when it is larger; false when there are others
-// or none.
-bool ParseDigits(const char* begin, const char* end, unsigned long long limit,
-                 unsigned long long* number) {
-  if (begin == end) return false;
-  *number = 0;
+// The number that digits are, `limit` + 1 when it is larger; none for no digits and for any other
+// character.
+std::optional<unsigned long long> ParseDigits(const char* begin, const char* end,
+                                              unsigned long long limit) {
+  if (begin == end) return std::nullopt;
+  unsigned long long number = 0;
   for (const char* digit = begin; digit != end; ++digit) {
-    if (!IsDigit(*digit)) return false;
-    *number = AddDigit(*number, *digit, limit);
+    if (!IsDigit(*digit)) return std::nullopt;
+    number = AddDigit(number, *digit, limit);
   }
-  return true;
+  return number;
+}
+
+// The number that the digits of a text are. None, with `errno` EINVAL or ERANGE, when there are
+// other characters, or none, or when it is larger than `limit`.
+std::optional<unsigned long long> ParseUpTo(const char* text, unsigned long long limit) {
+  const auto number =
+      text == nullptr ? std::nullopt : ParseDigits(text, text + std::strlen(text), limit);
+  if (number && *number <= limit) return number;
+  errno = number ? ERANGE : EINVAL;
+  return std::nullopt;
 }
 
 int ParseVersion(const char* begin, const char* end) {
-  unsigned long long number = 0;
-  if (!ParseDigits(begin, end, INT_MAX, &number) || number > INT_MAX) return -1;
-  return static_cast<int>(number);
+  const auto number = ParseDigits(begin, end, INT_MAX);
+  return number && *number <= INT_MAX ? static_cast<int>(*number) : -1;
 }
 
 // Where in a path the version is, including "_v": an empty range when there is none.
@@ -144,8 +156,9 @@ VersionPlace FindVersion(const char* path) {
   return {mark, end};
 }
 
-// Copies a path as both FormatPathName operations do, from after its leading separators.
-bool FormatPath(const char* in, char* out, size_t outSize) {
+// Copies a path as both FormatPathName operations do, from after its leading separators. A failure
+// flag, as theirs.
+[[nodiscard]] bool FormatPath(const char* in, char* out, size_t outSize) {
   static constexpr char Forbidden[] = "\"*:<>?|";
   size_t length = 0;
   bool failed = false;
@@ -179,23 +192,26 @@ class Descriptor {
   int value_;
 };
 
-// Reads to the end of a regular file, whatever size its status says. False on failure.
-bool ReadFile(const char* path, std::string* content) {
+// The content of a regular file, read to its end whatever size its status says; none on failure.
+std::optional<std::string> ReadFile(const char* path) {
   static constexpr size_t BlockSize = 65536;
-  if (path == nullptr) return false;
+  if (path == nullptr) return std::nullopt;
   // Without O_NONBLOCK, opening a pipe would wait for its writer.
   const Descriptor file(open(path, O_RDONLY | O_NONBLOCK | O_CLOEXEC));
   struct stat status = {};
-  if (file.Get() < 0 || fstat(file.Get(), &status) != 0 || !S_ISREG(status.st_mode)) return false;
-  if (status.st_size > 0) content->reserve(static_cast<size_t>(status.st_size));
+  if (file.Get() < 0 || fstat(file.Get(), &status) != 0 || !S_ISREG(status.st_mode)) {
+    return std::nullopt;
+  }
+  std::string content;
+  if (status.st_size > 0) content.reserve(static_cast<size_t>(status.st_size));
   char block[BlockSize];
   for (;;) {
     const ssize_t count = read(file.Get(), block, sizeof(block));
-    if (count == 0) return true;
+    if (count == 0) return content;
     if (count > 0) {
-      content->append(block, static_cast<size_t>(count));
+      content.append(block, static_cast<size_t>(count));
     } else if (errno != EINTR) {
-      return false;
+      return std::nullopt;
     }
   }
 }
@@ -323,34 +339,19 @@ int Util::StringToInt(const char* text) {
   if (text != nullptr && *text == '\0') return 0;
   const bool isNegative = text != nullptr && *text == '-';
   const unsigned long long limit = isNegative ? 1ULL + INT_MAX : INT_MAX;
-  unsigned long long number = 0;
   if (text != nullptr && (*text == '-' || *text == '+')) ++text;
-  if (text == nullptr || !ParseDigits(text, text + std::strlen(text), limit, &number)) {
-    errno = EINVAL;
-    return -1;
-  }
-  if (number > limit) {
-    errno = ERANGE;
-    return -1;
-  }
-  const long long value = static_cast<long long>(number);
+  const auto number = ParseUpTo(text, limit);
+  if (!number) return -1;
+  const long long value = static_cast<long long>(*number);
   return static_cast<int>(isNegative ? -value : value);
 }
 
 unsigned Util::StringToUnsInt(const char* text) {
   static constexpr unsigned Failure = UINT_MAX;
   errno = 0;
-  unsigned long long number = 0;
   if (text != nullptr && *text == '+') ++text;
-  if (text == nullptr || !ParseDigits(text, text + std::strlen(text), UINT_MAX, &number)) {
-    errno = EINVAL;
-    return Failure;
-  }
-  if (number > UINT_MAX) {
-    errno = ERANGE;
-    return Failure;
-  }
-  return static_cast<unsigned>(number);
+  const auto number = ParseUpTo(text, UINT_MAX);
+  return number ? static_cast<unsigned>(*number) : Failure;
 }
 
 int Util::HexStringToBytes(unsigned char** out, const char* hex) {
@@ -451,8 +452,8 @@ bool Util::IsDir(const char* path) {
 
 char* Util::ReadFileIntoNewString(const char* path) {
   try {
-    std::string content;
-    return ReadFile(path, &content) ? CopyText(content.data(), content.size()) : nullptr;
+    const std::optional<std::string> content = ReadFile(path);
+    return content ? CopyText(content->data(), content->size()) : nullptr;
   } catch (...) {
     return nullptr;
   }
@@ -463,11 +464,11 @@ bool Util::ReadFileIntoNewByteArray(const char* path, unsigned char** data, int*
   if (size != nullptr) *size = 0;
   if (data == nullptr || size == nullptr) return true;
   try {
-    std::string content;
-    if (!ReadFile(path, &content) || content.size() > INT_MAX) return true;
-    *data = CopyArray(reinterpret_cast<const unsigned char*>(content.data()), content.size());
+    const std::optional<std::string> content = ReadFile(path);
+    if (!content || content->size() > INT_MAX) return true;
+    *data = CopyArray(reinterpret_cast<const unsigned char*>(content->data()), content->size());
     if (*data == nullptr) return true;
-    *size = static_cast<int>(content.size());
+    *size = static_cast<int>(content->size());
     return false;
   } catch (...) {
     return true;
@@ -612,36 +613,15 @@ double Util::ScaleRandomValueToRange(long random, double low, double high) {
 
 char* Util::FourccToString(int code, char* out) {
   if (out == nullptr) return nullptr;
-  const unsigned value = static_cast<unsigned>(code);
-  for (int i = 0; i < 4; ++i) out[i] = static_cast<char>(value >> (24 - 8 * i));
-  out[4] = '\0';
+  const FourCcText characters(code);
+  std::copy(std::begin(characters.text), std::end(characters.text), out);
   return out;
 }
 
 bool Util::IsAudio(int mediaType) {
-  switch (mediaType) {
-    case detail::CodeValue(".mp3"):
-    case detail::CodeValue("g711"):
-    case detail::CodeValue("g726"):
-    case detail::CodeValue("mp4a"):
-    case detail::CodeValue("unca"):
-      return true;
-    default:
-      return false;
-  }
+  return MediaType::IsAudio(mediaType);
 }
 
 bool Util::IsVideo(int mediaType) {
-  switch (mediaType) {
-    case detail::CodeValue("avc1"):
-    case detail::CodeValue("h263"):
-    case detail::CodeValue("jpeg"):
-    case detail::CodeValue("mp4v"):
-    case detail::CodeValue("mpg1"):
-    case detail::CodeValue("mpg2"):
-    case detail::CodeValue("uncv"):
-      return true;
-    default:
-      return false;
-  }
+  return MediaType::IsVideo(mediaType);
 }

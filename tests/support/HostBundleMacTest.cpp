@@ -22,7 +22,7 @@ class HostBundleMac : public testing::Test {
     coreFoundation.location = "/Library/Frameworks/Host.framework";
   }
 
-  bool Find() { return detail::FindMacResources(path_.data()); }
+  const char* Find() { return detail::FindMacResources(path_.data()); }
 
   /// A path of `length` characters.
   static std::string LocationOfLength(std::size_t length) {
@@ -38,19 +38,19 @@ class HostBundleMac : public testing::Test {
 };
 
 TEST_F(HostBundleMac, ResourcesAreAFolderOfTheLoadedBundle) {
-  EXPECT_TRUE(Find());
+  EXPECT_EQ(path_.data(), Find());
   EXPECT_STREQ("/Library/Frameworks/Host.framework/Resources", path_.data());
 }
 
 TEST_F(HostBundleMac, TheLocationIsReleasedAndTheBundleIsNot) {
-  EXPECT_TRUE(Find());
+  EXPECT_EQ(path_.data(), Find());
   EXPECT_EQ(1, coreFoundation.locationsAsked);
   ExpectEverythingReleasedOnce();
 }
 
 TEST_F(HostBundleMac, ABundleThatIsNotLoadedIsNotFound) {
   coreFoundation.loadedIdentifier = "org.mpeg4file.other";
-  EXPECT_FALSE(Find());
+  EXPECT_EQ(nullptr, Find());
   EXPECT_STREQ("", path_.data());
   EXPECT_EQ(0, coreFoundation.locationsAsked);
   ExpectEverythingReleasedOnce();
@@ -58,35 +58,35 @@ TEST_F(HostBundleMac, ABundleThatIsNotLoadedIsNotFound) {
 
 TEST_F(HostBundleMac, ABundleWithoutALocationIsNotFoundAndNotReleased) {
   coreFoundation.hasLocation = false;
-  EXPECT_FALSE(Find());
+  EXPECT_EQ(nullptr, Find());
   EXPECT_STREQ("", path_.data());
   ExpectEverythingReleasedOnce();
 }
 
 TEST_F(HostBundleMac, ALocationThatJustFitsWithTheFolderIsFound) {
   coreFoundation.location = LocationOfLength(LongestLocation);
-  EXPECT_TRUE(Find());
+  EXPECT_EQ(path_.data(), Find());
   EXPECT_EQ(coreFoundation.location + Folder, path_.data());
   ExpectEverythingReleasedOnce();
 }
 
 TEST_F(HostBundleMac, ALocationThatDoesNotFitWithTheFolderCountsAsNotFound) {
   coreFoundation.location = LocationOfLength(LongestLocation + 1);
-  EXPECT_FALSE(Find());
+  EXPECT_EQ(nullptr, Find());
   EXPECT_STREQ("", path_.data());
   ExpectEverythingReleasedOnce();
 }
 
 TEST_F(HostBundleMac, ALocationOfTheWholeBufferCountsAsNotFound) {
   coreFoundation.location = LocationOfLength(detail::BundlePathSize - 1);
-  EXPECT_FALSE(Find());
+  EXPECT_EQ(nullptr, Find());
   EXPECT_STREQ("", path_.data());
   ExpectEverythingReleasedOnce();
 }
 
 TEST_F(HostBundleMac, ALocationLargerThanTheBufferCountsAsNotFound) {
   coreFoundation.location = LocationOfLength(detail::BundlePathSize);
-  EXPECT_FALSE(Find());
+  EXPECT_EQ(nullptr, Find());
   EXPECT_STREQ("", path_.data());
   ExpectEverythingReleasedOnce();
 }

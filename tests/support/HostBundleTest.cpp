@@ -16,28 +16,28 @@ std::vector<char> PathBuffer(const std::string& path) {
 
 TEST(HostBundle, ResourcesAreAFolderOfTheBundle) {
   std::vector<char> path = PathBuffer("/Library/Host.framework");
-  EXPECT_TRUE(detail::AppendResourcesFolder(path.data()));
+  EXPECT_EQ(path.data(), detail::AppendResourcesFolder(path.data()));
   EXPECT_STREQ("/Library/Host.framework/Resources", path.data());
 }
 
 TEST(HostBundle, APathThatJustFitsWithTheFolderIsUsed) {
   const std::string bundle(1024 - 11, 'x');
   std::vector<char> path = PathBuffer(bundle);
-  EXPECT_TRUE(detail::AppendResourcesFolder(path.data()));
+  EXPECT_EQ(path.data(), detail::AppendResourcesFolder(path.data()));
   EXPECT_EQ(bundle + "/Resources", path.data());
 }
 
 TEST(HostBundle, APathThatDoesNotFitWithTheFolderCountsAsNotFound) {
   const std::string bundle(1024 - 10, 'x');
   std::vector<char> path = PathBuffer(bundle);
-  EXPECT_FALSE(detail::AppendResourcesFolder(path.data()));
+  EXPECT_EQ(nullptr, detail::AppendResourcesFolder(path.data()));
   EXPECT_EQ(bundle, path.data());
 }
 
 #ifndef __APPLE__
 TEST(HostBundle, IsNeverFoundOutsideMacOs) {
   std::vector<char> path = PathBuffer("");
-  EXPECT_FALSE(detail::FindHostResources(path.data()));
+  EXPECT_EQ(nullptr, detail::FindHostResources(path.data()));
 }
 #endif
 

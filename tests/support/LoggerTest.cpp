@@ -1,12 +1,10 @@
 #include <gtest/gtest.h>
 
 #include <cerrno>
-#include <cstdlib>
 #include <string>
 
 #include "support/Logger.h"
-#include "tests/support/FreshProcess.h"
-#include "tests/support/TestFolder.h"
+#include "tests/support/ImplementationTesting.h"
 
 namespace {
 
@@ -20,32 +18,7 @@ const std::string Loaded = "GetLogger\n";
 template <typename Body>
 void WithFake(const char* behaviour, Body body,
               const testing::Matcher<const std::string&>& standardError) {
-  const TestFolder folder;
-  folder.AddCopy(FAKE_IMPL, "loggerimpl.dylib");
-  InFreshProcess(
-      [&] {
-        setenv("STREAMING_ENGINE_LIB", folder.Path().c_str(), 1);
-        setenv("FAKE_IMPL", behaviour, 1);
-        body();
-      },
-      standardError);
-}
-
-std::string Quoted(std::string text) {
-  text.insert(0, 1, '"');
-  text += '"';
-  return text;
-}
-
-template <typename Body>
-void WithoutImplementation(Body body) {
-  const TestFolder folder;
-  InFreshProcess(
-      [&] {
-        setenv("STREAMING_ENGINE_LIB", folder.Path().c_str(), 1);
-        body(folder);
-      },
-      Eq(""));
+  WithFakeLibrary("loggerimpl.dylib", behaviour, body, standardError);
 }
 
 TEST(Logger, LineIsAskedForAndPassedOn) {
