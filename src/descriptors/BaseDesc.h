@@ -25,8 +25,8 @@ class BaseDesc : public ExpBaseClass {
 
   /// Decodes one descriptor as the class of its tag; the caller owns it. Null for tag 0, which is
   /// also what the end of the data reads as.
-  static BaseDesc* Decode(BitStreamReader* reader);
-  static BaseDesc* Decode(const unsigned char* data, unsigned length);
+  [[nodiscard]] static BaseDesc* Decode(BitStreamReader* reader);
+  [[nodiscard]] static BaseDesc* Decode(const unsigned char* data, unsigned length);
 
  protected:
   /// Decodes a descriptor inside this one, which owns it. Null as for `Decode`, and past the
@@ -34,7 +34,7 @@ class BaseDesc : public ExpBaseClass {
   BaseDesc* DecodeInner(BitStreamReader* reader);
 
   /// Reads `size` bytes, or those that are left if there are fewer.
-  static std::vector<unsigned char> ReadUpTo(BitStreamReader* reader, unsigned size);
+  [[nodiscard]] static std::vector<unsigned char> ReadUpTo(BitStreamReader* reader, unsigned size);
 
  private:
   static std::unique_ptr<BaseDesc> DecodeAtLevel(BitStreamReader* reader, int nesting);

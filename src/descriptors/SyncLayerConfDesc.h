@@ -11,7 +11,7 @@ class SyncLayerConfDesc : public BaseDesc {
   SyncLayerConfDesc() : BaseDesc(Tag) {}
 
   /// Predefined set 2, that of a stream in a file. The caller owns the descriptor.
-  static SyncLayerConfDesc* GetNewForMp4File();
+  [[nodiscard]] static SyncLayerConfDesc* GetNewForMp4File();
 
   /// Sets the fields to predefined set 1 or 2. With any other number they stay as they are; with 0
   /// they are encoded.

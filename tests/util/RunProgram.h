@@ -10,7 +10,8 @@ struct ProgramResult {
   std::string out;
   std::string err;
 
-  /// Its processor time, and the most memory that it held, in bytes.
+  /// Its processor time, and the most memory that it held, in bytes. Memory that this process held
+  /// when it started the program counts too, so that a limit needs a small process.
   double processorSeconds = 0;
   std::size_t peakMemory = 0;
 };

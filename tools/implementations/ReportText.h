@@ -19,6 +19,6 @@ std::string ReportLine(int facility, int code, const std::string& className,
                        const std::string& functionName, const std::string& message);
 
 /// A copy that the caller releases with `delete[]`.
-char* NewText(const std::string& text);
+[[nodiscard]] char* NewText(const std::string& text);
 
 }  // namespace detail

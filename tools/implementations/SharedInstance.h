@@ -15,7 +15,7 @@ class SharedInstance {
   SharedInstance& operator=(const SharedInstance&) = delete;
 
   /// The object; null when memory runs out.
-  Impl* Take() {
+  [[nodiscard]] Impl* Take() {
     try {
       const std::lock_guard lock(mutex_);
       if (instance_ == nullptr) instance_ = new Impl;

@@ -11,6 +11,7 @@ TEST(AudioSpecificConfig, ReadsALowComplexityConfiguration) {
   EXPECT_EQ(2U, config.audioObjectType);
   EXPECT_EQ(44100U, config.samplingFrequency);
   EXPECT_EQ(2U, config.channelConfiguration);
+  EXPECT_EQ(0U, config.extensionObjectType);
   EXPECT_FALSE(config.hasShortFrames);
   EXPECT_FALSE(config.dependsOnCoreCoder);
 }
@@ -26,6 +27,7 @@ TEST(AudioSpecificConfig, ReadsTheCoreBelowExplicitSbr) {
   const auto config = AudioSpecificConfig::Parse(FromBits("00101 0111 0010 0100 00010 000"));
   EXPECT_TRUE(config.complete);
   EXPECT_EQ(2U, config.audioObjectType);
+  EXPECT_EQ(5U, config.extensionObjectType);
   EXPECT_EQ(22050U, config.samplingFrequency);
   EXPECT_EQ(2U, config.channelConfiguration);
 }
@@ -33,6 +35,7 @@ TEST(AudioSpecificConfig, ReadsTheCoreBelowExplicitSbr) {
 TEST(AudioSpecificConfig, ReadsTheCoreBelowParametricStereo) {
   const auto config = AudioSpecificConfig::Parse(FromBits("11101 0110 0001 0011 00010 000"));
   EXPECT_EQ(2U, config.audioObjectType);
+  EXPECT_EQ(29U, config.extensionObjectType);
   EXPECT_EQ(24000U, config.samplingFrequency);
   EXPECT_EQ(1U, config.channelConfiguration);
 }

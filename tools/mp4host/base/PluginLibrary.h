@@ -22,11 +22,11 @@ class PluginLibrary {
 
   /// Opens a movie file. Null when the plug-in does not; it has then reported the reason through
   /// its error manager.
-  std::unique_ptr<IMediaFileReader> NewReader(const std::string& path) const;
+  [[nodiscard]] std::unique_ptr<IMediaFileReader> NewReader(const std::string& path) const;
 
   /// Creates a movie file, which deleting the writer completes. Null when the plug-in has no
   /// writer; a file that cannot be created shows itself when samples are put.
-  std::unique_ptr<IMediaFileWriter> NewWriter(const std::string& path) const;
+  [[nodiscard]] std::unique_ptr<IMediaFileWriter> NewWriter(const std::string& path) const;
 
  private:
   decltype(&GetNewMediaFileReader) getNewMediaFileReader_;

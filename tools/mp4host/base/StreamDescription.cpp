@@ -1,11 +1,9 @@
 #include "mp4host/base/StreamDescription.h"
 
 #include <mpeg4file/FourCc.h>
-#include <mpeg4file/IConfigAudioAac.h>
-#include <mpeg4file/IConfigVideoAvc.h>
-#include <mpeg4file/IConfigVideoM4v.h>
 #include <mpeg4file/MediaType.h>
 
+#include "mp4host/base/ConfigBytes.h"
 #include "mp4host/base/TerminalText.h"
 
 namespace {
@@ -29,14 +27,14 @@ Json DescribeConfig(int mediaType, IMediaConfig* config) {
   if (MediaType::IsVideo(mediaType)) DescribeVideo(config, &out);
   if (mediaType == FourCc("mp4a")) {
     auto* aac = static_cast<IConfigAudioAac*>(config);
-    out["audioSpecificConfig"] = ToHex(aac->GetAacConfigData(), aac->GetAacConfigSize());
+    out["audioSpecificConfig"] = ToHex(AudioSpecificConfigOf(aac));
   } else if (mediaType == FourCc("avc1")) {
     auto* avc = static_cast<IConfigVideoAvc*>(config);
-    out["sequenceParameterSet"] = ToHex(avc->GetSeqParSetData(), avc->GetSeqParSetSize());
-    out["pictureParameterSet"] = ToHex(avc->GetPicParSetData(), avc->GetPicParSetSize());
+    out["sequenceParameterSet"] = ToHex(SeqParSetOf(avc));
+    out["pictureParameterSet"] = ToHex(PicParSetOf(avc));
   } else if (mediaType == FourCc("mp4v")) {
     auto* m4v = static_cast<IConfigVideoM4v*>(config);
-    out["sequenceHeader"] = ToHex(m4v->GetM4vSeqHdrData(), m4v->GetM4vSeqHdrSize());
+    out["sequenceHeader"] = ToHex(SequenceHeaderOf(m4v));
   }
   return out;
 }

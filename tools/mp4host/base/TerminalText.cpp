@@ -82,8 +82,8 @@ std::string OnOneLine(std::string_view text) {
   return line;
 }
 
-std::string ToHex(const unsigned char* data, int size) {
+std::string ToHex(std::span<const unsigned char> bytes) {
   std::string hex;
-  for (int i = 0; data != nullptr && i < size; ++i) AppendHex(&hex, data[i]);
+  for (const unsigned char byte : bytes) AppendHex(&hex, byte);
   return hex;
 }

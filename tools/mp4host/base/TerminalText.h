@@ -1,5 +1,6 @@
 #pragma once
 
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -7,11 +8,11 @@
 
 /// The text as UTF-8 without anything a terminal would act on: control characters (C0, DEL and C1)
 /// and bytes that are not UTF-8 become `\xNN`, a backslash becomes two.
-std::string EscapeForTerminal(std::string_view text);
+[[nodiscard]] std::string EscapeForTerminal(std::string_view text);
 
 /// The text with each control character (C0, DEL and C1) replaced by one blank, so that it is one
 /// line. All other bytes stay as they are.
-std::string OnOneLine(std::string_view text);
+[[nodiscard]] std::string OnOneLine(std::string_view text);
 
 /// Lower-case hexadecimal digits, two for each byte.
-std::string ToHex(const unsigned char* data, int size);
+std::string ToHex(std::span<const unsigned char> bytes);

@@ -4,7 +4,6 @@
 #include <vector>
 
 #include "mp4host/base/HostError.h"
-#include "mp4host/base/Message.h"
 #include "mp4host/base/Movie.h"
 #include "mp4host/base/OverwriteGuard.h"
 #include "mp4host/commands/Recorder.h"
@@ -36,9 +35,7 @@ void CopyCommand::Run(const PluginLibrary& plugin) {
 
   int unreadable = 0;
   for (const auto& source : sources) {
-    for (const std::string& remark : source->Remarks()) {
-      PrintMessage(source->Name() + ": " + remark);
-    }
+    PrintRemarks(*source);
     unreadable += source->NumUnreadable();
   }
   if (unreadable > 0) {

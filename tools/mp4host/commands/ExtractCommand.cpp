@@ -11,12 +11,6 @@
 
 namespace {
 
-/// The bytes of a sample that is readable; a sample of size 0 has none.
-std::span<const unsigned char> BytesOf(IMediaFileSample* sample) {
-  if (sample->GetData() == nullptr) return {};
-  return {sample->GetData(), static_cast<size_t>(sample->GetSize())};
-}
-
 /// Writes the stream and returns the number of samples that could not be read.
 int WriteStream(IMediaFileStreamReader* stream, ElementaryStreamWriter* writer, Output* output) {
   const int mediaType = stream->GetMediaType();

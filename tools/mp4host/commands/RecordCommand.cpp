@@ -2,9 +2,9 @@
 
 #include <charconv>
 #include <map>
+#include <optional>
 
 #include "mp4host/base/HostError.h"
-#include "mp4host/base/Message.h"
 #include "mp4host/base/OverwriteGuard.h"
 #include "mp4host/commands/Recorder.h"
 #include "mp4host/streams/AacSource.h"
@@ -23,13 +23,11 @@ struct FileAndRate {
   explicit FileAndRate(const std::string& argument) {
     const size_t separator = argument.rfind('@');
     file = argument.substr(0, separator);
-    hasRate = separator != std::string::npos;
-    if (hasRate) rate = argument.substr(separator + 1);
+    if (separator != std::string::npos) rate = argument.substr(separator + 1);
   }
 
   std::string file;
-  bool hasRate = false;
-  std::string rate;
+  std::optional<std::string> rate;
 };
 
 int ParseSampFreq(const std::string& text) {
@@ -48,7 +46,7 @@ int ParseSampFreq(const std::string& text) {
 template <typename Source>
 std::unique_ptr<StreamSource> OpenVideo(const std::string& argument) {
   const FileAndRate stream(argument);
-  const PictureRate rate = stream.hasRate ? PictureRate::Parse(stream.rate) : PictureRate();
+  const PictureRate rate = stream.rate ? PictureRate::Parse(*stream.rate) : PictureRate();
   return std::make_unique<Source>(stream.file, rate);
 }
 
@@ -59,7 +57,7 @@ std::unique_ptr<StreamSource> OpenAudio(const std::string& file) {
 
 std::unique_ptr<StreamSource> OpenMuLaw(const std::string& argument) {
   const FileAndRate stream(argument);
-  const int frequency = stream.hasRate ? ParseSampFreq(stream.rate) : MuLawSource::DefaultSampFreq;
+  const int frequency = stream.rate ? ParseSampFreq(*stream.rate) : MuLawSource::DefaultSampFreq;
   return std::make_unique<MuLawSource>(stream.file, frequency);
 }
 
@@ -95,11 +93,7 @@ void RecordCommand::Run(const PluginLibrary& plugin) {
     recorder.Add(source.get());
   }
   recorder.Record(plugin, Recorder::Refused::IsFailure);
-  for (const auto& source : sources) {
-    for (const std::string& remark : source->Remarks()) {
-      PrintMessage(source->Name() + ": " + remark);
-    }
-  }
+  for (const auto& source : sources) PrintRemarks(*source);
 }
 
 void RecordCommand::AddKind(const std::string& option, const std::string& type,

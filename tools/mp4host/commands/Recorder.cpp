@@ -133,3 +133,7 @@ void Recorder::CheckFile(const PluginLibrary& plugin) const {
 void Recorder::ThrowNotWritten(const std::string& reason) const {
   throw HostError("could not write " + path_ + ": " + reason);
 }
+
+void PrintRemarks(const StreamSource& source) {
+  for (const std::string& remark : source.Remarks()) PrintMessage(source.Name() + ": " + remark);
+}

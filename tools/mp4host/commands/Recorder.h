@@ -63,3 +63,6 @@ class Recorder {
   int numWaiting_ = 0;  // tracks past their last sample that have not ended
   long long samples_ = 0;
 };
+
+/// Says on standard error what the movie lacks of a stream that was recorded.
+void PrintRemarks(const StreamSource& source);

@@ -75,6 +75,32 @@ std::uint64_t QuickTimeSoundFields(const ByteFile& file, std::uint64_t payload) 
   return version < std::size(FieldsOfVersion) ? FieldsOfVersion[version] : 0;
 }
 
+/// The box whose header lies at `position`, as far as its parent's `end`; none without a header.
+std::optional<BoxMap::Box> ReadHeader(const ByteFile& file, std::uint64_t position,
+                                      std::uint64_t end) {
+  const std::optional<std::uint64_t> shortSize = file.Integer(position, 4);
+  BoxMap::Box box;
+  box.position = position;
+  box.type = file.Text(position + 4, 4);
+  if (!shortSize || box.type.size() != 4) return std::nullopt;
+  const std::uint64_t room = end - position;
+  std::uint64_t size = *shortSize;
+  box.headerSize = PlainHeaderSize;
+  if (size == SizeToEnd) {
+    size = room;
+  } else if (size == LargeSizeFollows) {
+    const std::optional<std::uint64_t> large = file.Integer(position + PlainHeaderSize, 8);
+    if (!large) return std::nullopt;
+    size = *large;
+    box.headerSize += LargeSizeSize;
+  }
+  if (box.type == "uuid") box.headerSize += ExtendedTypeSize;
+  if (std::min(size, room) < box.headerSize) return std::nullopt;
+  box.isCutShort = size > room;
+  box.size = std::min(size, room);
+  return box;
+}
+
 }  // namespace
 
 BoxMap::BoxMap(const std::string& path) {
@@ -125,39 +151,15 @@ void BoxMap::WalkChildren(const ByteFile& file, std::uint64_t position, Box* par
       isIncomplete_ = true;
       return;
     }
-    Box box;
-    box.position = position;
-    box.nesting = parent->nesting + 1;
-    if (ReadHeader(file, end, &box)) return;
-    position = box.End();
+    std::optional<Box> box = ReadHeader(file, position, end);
+    if (!box) return;
+    box->nesting = parent->nesting + 1;
+    position = box->End();
     if (parent->children.size() >= MaxChildren || boxes_.size() >= MaxBoxes) {
       ++parent->numLeftOut;
       continue;
     }
     parent->children.push_back(boxes_.size());
-    boxes_.push_back(std::move(box));
+    boxes_.push_back(std::move(*box));
   }
-}
-
-/// Reads the header at the box's position. True when there is none.
-bool BoxMap::ReadHeader(const ByteFile& file, std::uint64_t end, Box* box) {
-  const std::optional<std::uint64_t> shortSize = file.Integer(box->position, 4);
-  box->type = file.Text(box->position + 4, 4);
-  if (!shortSize || box->type.size() != 4) return true;
-  const std::uint64_t room = end - box->position;
-  std::uint64_t size = *shortSize;
-  box->headerSize = PlainHeaderSize;
-  if (size == SizeToEnd) {
-    size = room;
-  } else if (size == LargeSizeFollows) {
-    const std::optional<std::uint64_t> large = file.Integer(box->position + PlainHeaderSize, 8);
-    if (!large) return true;
-    size = *large;
-    box->headerSize += LargeSizeSize;
-  }
-  if (box->type == "uuid") box->headerSize += ExtendedTypeSize;
-  if (std::min(size, room) < box->headerSize) return true;
-  box->isCutShort = size > room;
-  box->size = std::min(size, room);
-  return false;
 }

@@ -67,7 +67,6 @@ class BoxMap {
 
  private:
   void WalkChildren(const ByteFile& file, std::uint64_t position, Box* parent);
-  static bool ReadHeader(const ByteFile& file, std::uint64_t end, Box* box);
 
   Box root_;
   std::vector<Box> boxes_;

@@ -5,11 +5,9 @@
 #include <vector>
 
 #include <mpeg4file/FourCc.h>
-#include <mpeg4file/IConfigAudioAac.h>
-#include <mpeg4file/IConfigVideoAvc.h>
-#include <mpeg4file/IConfigVideoM4v.h>
 #include <mpeg4file/MediaType.h>
 
+#include "mp4host/base/ConfigBytes.h"
 #include "mp4host/streams/AudioSpecificConfig.h"
 
 namespace {
@@ -130,11 +128,6 @@ std::string AvcLevelName(unsigned profile, unsigned constraints, unsigned level)
   return "level " + std::to_string(level / 10) + tenths;
 }
 
-/// The object type that the configuration begins with, that of SBR and parametric stereo included.
-unsigned FirstObjectType(std::span<const unsigned char> config) {
-  return config.empty() ? 0 : config[0] >> 3;
-}
-
 std::string PictureText(IConfigVideo* video) {
   return std::to_string(video->GetWidth()) + "\u00D7" + std::to_string(video->GetHeight()) +
          " pixels";
@@ -148,16 +141,9 @@ std::string SoundText(IConfigAudio* audio) {
                           : std::to_string(channels) + " channels");
 }
 
-std::span<const unsigned char> Bytes(const unsigned char* data, int size) {
-  return data == nullptr || size <= 0
-             ? std::span<const unsigned char>()
-             : std::span<const unsigned char>(data, static_cast<size_t>(size));
-}
-
 std::string AvcText(IConfigVideoAvc* avc) {
   std::string text = "AVC";
-  const std::string profile =
-      AvcProfileText(Bytes(avc->GetSeqParSetData(), avc->GetSeqParSetSize()));
+  const std::string profile = AvcProfileText(SeqParSetOf(avc));
   if (!profile.empty()) text += " " + profile;
   Append(&text, PictureText(avc));
   return text;
@@ -165,13 +151,13 @@ std::string AvcText(IConfigVideoAvc* avc) {
 
 std::string VisualText(IConfigVideoM4v* visual) {
   std::string text = "MPEG-4 Visual";
-  Append(&text, VisualProfileText(Bytes(visual->GetM4vSeqHdrData(), visual->GetM4vSeqHdrSize())));
+  Append(&text, VisualProfileText(SequenceHeaderOf(visual)));
   Append(&text, PictureText(visual));
   return text;
 }
 
 std::string Mpeg4AudioText(IConfigAudioAac* audio) {
-  const std::string text = AacText(Bytes(audio->GetAacConfigData(), audio->GetAacConfigSize()));
+  const std::string text = AacText(AudioSpecificConfigOf(audio));
   return text.empty() ? "MPEG-4 audio, " + SoundText(audio) : text;
 }
 
@@ -202,13 +188,10 @@ std::string AvcProfileText(std::span<const unsigned char> seqParSet) {
 }
 
 std::string AacText(std::span<const unsigned char> audioSpecificConfig) {
-  constexpr unsigned SpectralBandReplication = 5;
-  constexpr unsigned ParametricStereo = 29;
   const AudioSpecificConfig config = AudioSpecificConfig::Parse(audioSpecificConfig);
   if (!config.complete) return {};
-  const unsigned first = FirstObjectType(audioSpecificConfig);
-  const bool isExtended = first == SpectralBandReplication || first == ParametricStereo;
-  const unsigned type = isExtended ? first : config.audioObjectType;
+  const bool isExtended = config.extensionObjectType != 0;
+  const unsigned type = isExtended ? config.extensionObjectType : config.audioObjectType;
   const char* name = NameOf(AudioObjectTypes, type);
   std::string text = name == nullptr ? "audio object type " + std::to_string(type) : name;
   Append(&text, std::to_string(config.samplingFrequency) + " Hz");

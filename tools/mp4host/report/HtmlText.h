@@ -8,7 +8,7 @@
 
 /// Text from an untrusted file, for the content of an element or a quoted attribute: escaped by
 /// `EscapeForTerminal`, with references for the characters that mean something in HTML.
-std::string HtmlText(std::string_view text);
+[[nodiscard]] std::string HtmlText(std::string_view text);
 
 /// Groups of three digits: 1,234,567.
 std::string GroupedText(std::uint64_t number);

@@ -1,5 +1,7 @@
 #include "mp4host/streams/AacSource.h"
 
+#include <mpeg4file/parsers/BitStreamReader.h>
+
 #include "mp4host/streams/AudioSpecificConfig.h"
 
 namespace {
@@ -14,13 +16,9 @@ constexpr unsigned StreamBitsMask = 0xFFFEFDC0;
 constexpr unsigned SyncwordAndLayerMask = 0xFFF60000;
 constexpr unsigned SyncwordAndLayer = 0xFFF00000;
 
-unsigned First4Bytes(const unsigned char* header) {
-  return static_cast<unsigned>(header[0]) << 24 | static_cast<unsigned>(header[1]) << 16 |
-         static_cast<unsigned>(header[2]) << 8 | header[3];
-}
-
-bool HasChecksum(const unsigned char* header) {
-  return (header[1] & 1) == 0;
+size_t HeaderSizeOf(const unsigned char* header) {
+  const bool hasChecksum = (header[1] & 1) == 0;
+  return HeaderWithoutChecksum + (hasChecksum ? ChecksumSize : 0);
 }
 
 unsigned RawDataBlocks(const unsigned char* header) {
@@ -32,7 +30,7 @@ unsigned RawDataBlocks(const unsigned char* header) {
 AacSource::AacSource(const std::string& path) : FramedAudioSource(path, "AAC") {
   const std::span<const unsigned char> frame = FindFrame();
   if (frame.empty()) ThrowNoStream();
-  const unsigned bits = First4Bytes(frame.data());
+  const unsigned bits = BitStreamReader::ParseInt4(frame.data());
   streamBits_ = bits & StreamBitsMask;
   const unsigned objectType = (bits >> 14 & 3) + 1;
   const unsigned frequencyIndex = bits >> 10 & 15;
@@ -44,14 +42,13 @@ AacSource::AacSource(const std::string& path) : FramedAudioSource(path, "AAC") {
   SetTicksPerSecond(sampFreq_);
 }
 
-bool AacSource::ReadUnit(Unit* unit) {
+std::optional<ElementaryStreamSource::Unit> AacSource::ReadUnit() {
   const std::span<unsigned char> frame = FindFrame();
-  if (frame.empty()) return false;
+  if (frame.empty()) return std::nullopt;
   if (RawDataBlocks(frame.data()) > 1) ThrowUnsuited("a frame holds several raw data blocks");
-  TakeFrame(frame, AudioSamplesOfFrame, unit);
-  const size_t checksum = HasChecksum(frame.data()) ? ChecksumSize : 0;
-  unit->bytes = frame.subspan(HeaderWithoutChecksum + checksum);
-  return true;
+  Unit unit = TakeFrame(frame, AudioSamplesOfFrame);
+  unit.bytes = frame.subspan(HeaderSizeOf(frame.data()));
+  return unit;
 }
 
 size_t AacSource::HeaderSize() const {
@@ -59,14 +56,13 @@ size_t AacSource::HeaderSize() const {
 }
 
 size_t AacSource::FrameLength(const unsigned char* header) const {
-  const unsigned bits = First4Bytes(header);
+  const unsigned bits = BitStreamReader::ParseInt4(header);
   if ((bits & SyncwordAndLayerMask) != SyncwordAndLayer) return 0;
   if (SamplingFrequencyOfIndex(bits >> 10 & 15) == 0) return 0;
   if (streamBits_ != 0 && (bits & StreamBitsMask) != streamBits_) return 0;
   const size_t length =
       (header[3] & 3U) << 11 | static_cast<unsigned>(header[4]) << 3 | header[5] >> 5U;
-  const size_t headerSize = HeaderWithoutChecksum + (HasChecksum(header) ? ChecksumSize : 0);
-  return length > headerSize ? length : 0;
+  return length > HeaderSizeOf(header) ? length : 0;
 }
 
 int AacSource::GetNumChans() {

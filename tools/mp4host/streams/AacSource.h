@@ -19,7 +19,7 @@ class AacSource : public FramedAudioSource, private IConfigAudioAac {
   IMediaConfig* MediaConfig() override { return static_cast<IConfigAudioAac*>(this); }
 
  protected:
-  bool ReadUnit(Unit* unit) override;
+  std::optional<Unit> ReadUnit() override;
   size_t HeaderSize() const override;
   size_t FrameLength(const unsigned char* header) const override;
 

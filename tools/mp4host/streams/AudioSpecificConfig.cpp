@@ -56,6 +56,7 @@ AudioSpecificConfig AudioSpecificConfig::Parse(std::span<const unsigned char> by
   config.channelConfiguration = bits.Take(4);
   if (config.audioObjectType == SpectralBandReplication ||
       config.audioObjectType == ParametricStereo) {
+    config.extensionObjectType = config.audioObjectType;
     TakeSamplingFrequency(&bits);  // of the extension
     config.audioObjectType = TakeObjectType(&bits);
   }

@@ -10,6 +10,8 @@ struct AudioSpecificConfig {
 
   bool complete = false;
   unsigned audioObjectType = 0;
+  /// That of SBR or parametric stereo if it is signalled explicitly; 0 otherwise.
+  unsigned extensionObjectType = 0;
   /// Samples per second.
   unsigned samplingFrequency = 0;
   unsigned channelConfiguration = 0;

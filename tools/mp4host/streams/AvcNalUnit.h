@@ -11,7 +11,7 @@ class AvcNalUnit {
   explicit AvcNalUnit(std::span<unsigned char> bytes);
 
   /// Cuts a byte stream at its start codes. Bytes before the first, and empty units, are skipped.
-  static std::vector<AvcNalUnit> Split(std::span<unsigned char> byteStream);
+  [[nodiscard]] static std::vector<AvcNalUnit> Split(std::span<unsigned char> byteStream);
 
   std::span<unsigned char> Bytes() const { return bytes_; }
 

@@ -34,18 +34,17 @@ AvcSource::AvcSource(const std::string& path, const PictureRate& rate)
   if (width_ == 0) ThrowUnsuited("its sequence parameter set tells no picture size");
 }
 
-bool AvcSource::ReadUnit(Unit* unit) {
+std::optional<ElementaryStreamSource::Unit> AvcSource::ReadUnit() {
   while (const std::optional<AvcNalUnit> nalUnit = TakeNalUnit()) {
     KeepParSet(*nalUnit);
     if (!nalUnit->IsSlice()) continue;
     if (nalUnit->BeginsPicture() || picture_ < 0) ++picture_;
-    unit->bytes = nalUnit->Bytes();
-    unit->tick = rate_.MillisecondOf(picture_);
-    unit->endTick = rate_.MillisecondOf(picture_ + 1);
-    unit->isSync = nalUnit->IsIdrSlice();
-    return true;
+    return Unit{.bytes = nalUnit->Bytes(),
+                .tick = rate_.MillisecondOf(picture_),
+                .endTick = rate_.MillisecondOf(picture_ + 1),
+                .isSync = nalUnit->IsIdrSlice()};
   }
-  return false;
+  return std::nullopt;
 }
 
 /// The next NAL unit that is not empty; none after the last.

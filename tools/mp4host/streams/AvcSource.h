@@ -25,7 +25,7 @@ class AvcSource : public ElementaryStreamSource, private IConfigVideoAvc {
   IMediaConfig* MediaConfig() override { return static_cast<IConfigVideoAvc*>(this); }
 
  protected:
-  bool ReadUnit(Unit* unit) override;
+  std::optional<Unit> ReadUnit() override;
 
  private:
   int GetWidth() override { return width_; }

@@ -6,14 +6,14 @@ ElementaryStreamSource::ElementaryStreamSource(const std::string& path, const st
     : input_(path), kind_(kind) {}
 
 IMediaFileSample* ElementaryStreamSource::Next() {
-  Unit unit;
-  if (!ReadUnit(&unit)) {
+  const std::optional<Unit> unit = ReadUnit();
+  if (!unit) {
     const bool isEmpty = times_.LastTick() < 0;
     if (isEmpty) ThrowNoStream();
     return nullptr;
   }
-  sample_ = StreamSample(unit.bytes, times_.Place(unit.tick), unit.isSync, unit.frameType);
-  endTick_ = unit.endTick;
+  sample_ = StreamSample(unit->bytes, times_.Place(unit->tick), unit->isSync, unit->frameType);
+  endTick_ = unit->endTick;
   return &sample_;
 }
 

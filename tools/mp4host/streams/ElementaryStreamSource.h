@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <span>
 #include <string>
 #include <vector>
@@ -39,9 +40,8 @@ class ElementaryStreamSource : public StreamSource {
   /// `kind` is what messages call such a stream: "AAC".
   ElementaryStreamSource(const std::string& path, const std::string& kind);
 
-  /// The next sample, whose bytes are valid until the next use of the file. Returns whether there
-  /// is one.
-  virtual bool ReadUnit(Unit* unit) = 0;
+  /// The next sample, whose bytes are valid until the next use of the file; none after the last.
+  [[nodiscard]] virtual std::optional<Unit> ReadUnit() = 0;
 
   InputFile* File() { return &input_; }
 

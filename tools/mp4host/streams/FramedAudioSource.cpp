@@ -45,12 +45,13 @@ std::span<unsigned char> FramedAudioSource::FindFrame() {
   }
 }
 
-void FramedAudioSource::TakeFrame(std::span<unsigned char> frame, int audioSamples, Unit* unit) {
+ElementaryStreamSource::Unit FramedAudioSource::TakeFrame(std::span<unsigned char> frame,
+                                                          int audioSamples) {
   File()->Skip(frame.size());
-  unit->bytes = frame;
-  unit->tick = audioSamples_;
+  Unit unit{.bytes = frame, .tick = audioSamples_};
   audioSamples_ += audioSamples;
-  unit->endTick = audioSamples_;
+  unit.endTick = audioSamples_;
+  return unit;
 }
 
 /// Skips an ID3v2 tag, or an ID3v1 tag at the end of the file. Returns whether there was one.

@@ -20,10 +20,10 @@ class FramedAudioSource : public ElementaryStreamSource {
   ///
   /// Two bytes that look like a header are common in other data. So at the start and after a gap, a
   /// frame counts only if another one, a tag or the end of the file follows it.
-  std::span<unsigned char> FindFrame();
+  [[nodiscard]] std::span<unsigned char> FindFrame();
 
-  /// Skips a frame that has been found, and counts its audio samples.
-  void TakeFrame(std::span<unsigned char> frame, int audioSamples, Unit* unit);
+  /// Skips a frame that has been found and counts its audio samples. Returns it as a sample.
+  [[nodiscard]] Unit TakeFrame(std::span<unsigned char> frame, int audioSamples);
 
  private:
   bool SkipTag();

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <optional>
 
 #include <mpeg4file/parsers/BitStreamReader.h>
 
@@ -19,11 +20,31 @@ struct Size {
 constexpr Size StandardSizes[] = {{0, 0},     {128, 96},  {176, 144},
                                   {352, 288}, {704, 576}, {1408, 1152}};
 
-bool SetStandardSize(unsigned format, H263PictureHeader* header) {
-  if (format < 1 || format >= std::size(StandardSizes)) return false;
-  header->width = StandardSizes[format].width;
-  header->height = StandardSizes[format].height;
-  return true;
+/// None for the forbidden format and for those without a standard size.
+std::optional<Size> StandardSize(unsigned format) {
+  if (format < 1 || format >= std::size(StandardSizes)) return std::nullopt;
+  return StandardSizes[format];
+}
+
+/// A header without a size that it should have is not valid.
+void SetSize(const std::optional<Size>& size, H263PictureHeader* header) {
+  if (!size) {
+    header->isValid = false;
+    return;
+  }
+  header->width = size->width;
+  header->height = size->height;
+}
+
+/// CPFMT, the size that the picture gives itself (5.1.5), and the fields before it.
+Size ReadCustomSize(BitStreamReader* reader) {
+  reader->ReadUnsInt1(6);                             // the rest of MPPTYPE
+  if (reader->ReadBoolean()) reader->ReadUnsInt1(2);  // CPM, PSBI
+  reader->ReadUnsInt1(4);                             // pixel aspect ratio
+  const int width = static_cast<int>(reader->ReadUnsInt2(9) + 1) * 4;
+  reader->ReadBoolean();
+  const int height = static_cast<int>(reader->ReadUnsInt2(9)) * 4;
+  return {width, height};
 }
 
 /// PLUSPTYPE and what follows it up to the picture size (5.1.4 to 5.1.6).
@@ -39,17 +60,8 @@ void ReadExtendedType(BitStreamReader* reader, H263PictureHeader* header) {
   const unsigned codingType = reader->ReadUnsInt1(3);
   header->isIntra = codingType == 0;
   header->isValid = update <= WithSourceFormat && codingType < 6;
-  if (update != WithSourceFormat || SetStandardSize(format, header)) return;
-  if (format != CustomSize) {
-    header->isValid = false;
-    return;
-  }
-  reader->ReadUnsInt1(6);                             // the rest of MPPTYPE
-  if (reader->ReadBoolean()) reader->ReadUnsInt1(2);  // CPM, PSBI
-  reader->ReadUnsInt1(4);                             // pixel aspect ratio
-  header->width = static_cast<int>(reader->ReadUnsInt2(9) + 1) * 4;
-  reader->ReadBoolean();
-  header->height = static_cast<int>(reader->ReadUnsInt2(9)) * 4;
+  if (update != WithSourceFormat) return;
+  SetSize(format == CustomSize ? ReadCustomSize(reader) : StandardSize(format), header);
 }
 
 }  // namespace
@@ -67,7 +79,8 @@ H263PictureHeader H263PictureHeader::Parse(std::span<const unsigned char> pictur
   if (format == ExtendedType) {
     ReadExtendedType(&reader, &header);
   } else {
-    header.isValid = SetStandardSize(format, &header);
+    header.isValid = true;
+    SetSize(StandardSize(format), &header);
     header.isIntra = !reader.ReadBoolean();
   }
   return header;

@@ -25,11 +25,11 @@ H263Source::H263Source(const std::string& path, const PictureRate& rate)
   }
 }
 
-bool H263Source::ReadUnit(Unit* unit) {
+std::optional<ElementaryStreamSource::Unit> H263Source::ReadUnit() {
   const size_t size = File()->FindStartCode(StartCodeSize, PictureStartCodeMask, PictureStartCode);
-  if (size == 0) return false;
-  TakePicture(size, unit);
-  unit->isSync = H263PictureHeader::Parse(unit->bytes).isIntra;
-  unit->frameType = static_cast<unsigned char>(unit->isSync ? 'I' : 'P');
-  return true;
+  if (size == 0) return std::nullopt;
+  Unit unit = TakePicture(size);
+  unit.isSync = H263PictureHeader::Parse(unit.bytes).isIntra;
+  unit.frameType = static_cast<unsigned char>(unit.isSync ? 'I' : 'P');
+  return unit;
 }

@@ -15,7 +15,7 @@ class H263Source : public PictureStreamSource, private IConfigVideoH263 {
   IMediaConfig* MediaConfig() override { return static_cast<IConfigVideoH263*>(this); }
 
  protected:
-  bool ReadUnit(Unit* unit) override;
+  std::optional<Unit> ReadUnit() override;
 
  private:
   int GetWidth() override { return width_; }

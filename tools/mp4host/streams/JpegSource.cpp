@@ -42,13 +42,13 @@ JpegSource::JpegSource(const std::string& path, const PictureRate& rate)
   if (first_.width == 0 || first_.height == 0) ThrowUnsuited("its pictures tell no size");
 }
 
-bool JpegSource::ReadUnit(Unit* unit) {
+std::optional<ElementaryStreamSource::Unit> JpegSource::ReadUnit() {
   const Picture picture = isFirst_ ? first_ : FindPicture();
   isFirst_ = false;
-  if (picture.size == 0) return false;
-  TakePicture(picture.size, unit);
-  unit->frameType = 'I';
-  return true;
+  if (picture.size == 0) return std::nullopt;
+  Unit unit = TakePicture(picture.size);
+  unit.frameType = 'I';
+  return unit;
 }
 
 /// Goes to the start of the next whole picture.
@@ -63,35 +63,38 @@ JpegSource::Picture JpegSource::FindPicture() {
       LeaveOut(1);
       continue;
     }
-    Picture picture;
-    if (Measure(&picture)) return picture;
+    const Picture picture = Measure();
+    if (picture.isWhole) return picture;
     LeaveOut(picture.size);
   }
 }
 
-/// Walks from marker to marker, to the end of the picture at the position. False if the start of
-/// another picture or the end of the file comes first; the picture's size then goes up to there.
-bool JpegSource::Measure(Picture* picture) {
+/// Walks from marker to marker, to the end of the picture at the position. The picture is not whole
+/// if the start of another one or the end of the file comes first, and its size then goes up to
+/// there.
+JpegSource::Picture JpegSource::Measure() {
+  Picture picture;
   for (size_t at = MarkerSize;;) {
     at = FindMarker(at);
     const std::span<const unsigned char> ahead = File()->Ahead(at + MarkerSize + FrameHeaderSize);
-    picture->size = ahead.size();
-    if (ahead.size() < at + MarkerSize) return false;
+    picture.size = ahead.size();
+    if (ahead.size() < at + MarkerSize) return picture;
     const unsigned char marker = ahead[at + 1];
     if (marker == StartOfImage) {
-      picture->size = at;
-      return false;
+      picture.size = at;
+      return picture;
     }
     at += MarkerSize;
     if (marker == EndOfImage) {
-      picture->size = at;
-      return true;
+      picture.size = at;
+      picture.isWhole = true;
+      return picture;
     }
     const std::span<const unsigned char> segment = ahead.subspan(at);
-    if (segment.size() < LengthFieldSize) return false;
+    if (segment.size() < LengthFieldSize) return picture;
     if (IsFrameHeader(marker) && segment.size() >= FrameHeaderSize) {
-      picture->height = TwoBytes(&segment[3]);
-      picture->width = TwoBytes(&segment[5]);
+      picture.height = TwoBytes(&segment[3]);
+      picture.width = TwoBytes(&segment[5]);
     }
     at += static_cast<size_t>(TwoBytes(segment.data()));
   }

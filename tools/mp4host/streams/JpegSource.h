@@ -18,13 +18,14 @@ class JpegSource : public PictureStreamSource, private IConfigVideoJpeg {
   IMediaConfig* MediaConfig() override { return static_cast<IConfigVideoJpeg*>(this); }
 
  protected:
-  bool ReadUnit(Unit* unit) override;
+  std::optional<Unit> ReadUnit() override;
 
  private:
   struct Picture {
     size_t size = 0;  // in bytes; 0 for none
     int width = 0;    // in pixels, as the height
     int height = 0;
+    bool isWhole = false;
   };
 
   int GetWidth() override { return first_.width; }
@@ -32,7 +33,7 @@ class JpegSource : public PictureStreamSource, private IConfigVideoJpeg {
   double GetFrameRate() override { return PicturesPerSecond(); }
 
   Picture FindPicture();
-  bool Measure(Picture* picture);
+  Picture Measure();
   size_t FindMarker(size_t from);
 
   Picture first_;

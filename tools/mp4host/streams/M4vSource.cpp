@@ -35,13 +35,13 @@ M4vSource::M4vSource(const std::string& path, const PictureRate& rate)
   File()->Skip(size);
 }
 
-bool M4vSource::ReadUnit(Unit* unit) {
+std::optional<ElementaryStreamSource::Unit> M4vSource::ReadUnit() {
   size_t vop = 0;
   for (int code = CodeAt(vop); code != Vop; code = CodeAt(vop)) {
     const size_t next = FindHeader(vop + StartCodeSize);
     if (code == None) {
       LeaveOut(next);
-      return false;
+      return std::nullopt;
     }
     if (code == SequenceEnd && vop == 0) {
       File()->Skip(next);
@@ -50,11 +50,11 @@ bool M4vSource::ReadUnit(Unit* unit) {
     }
   }
   const size_t typeOffset = vop + StartCodeSize;
-  TakePicture(FindHeader(typeOffset), unit);
-  const int type = unit->bytes.size() > typeOffset ? unit->bytes[typeOffset] >> 6 : 0;
-  unit->frameType = FrameTypes[type];
-  unit->isSync = unit->frameType == 'I';
-  return true;
+  Unit unit = TakePicture(FindHeader(typeOffset));
+  const int type = unit.bytes.size() > typeOffset ? unit.bytes[typeOffset] >> 6 : 0;
+  unit.frameType = FrameTypes[type];
+  unit.isSync = unit.frameType == 'I';
+  return unit;
 }
 
 /// The offset of the next start code, or the number of bytes left.

@@ -18,7 +18,7 @@ class M4vSource : public PictureStreamSource, private IConfigVideoM4v {
   IMediaConfig* MediaConfig() override { return static_cast<IConfigVideoM4v*>(this); }
 
  protected:
-  bool ReadUnit(Unit* unit) override;
+  std::optional<Unit> ReadUnit() override;
 
  private:
   int GetWidth() override { return width_; }

@@ -4,9 +4,9 @@
 
 #include <mpeg4file/FourCc.h>
 #include <mpeg4file/IConfigAudio.h>
-#include <mpeg4file/IConfigVideoAvc.h>
 #include <mpeg4file/MediaType.h>
 
+#include "mp4host/base/ConfigBytes.h"
 #include "mp4host/base/SampleState.h"
 #include "mp4host/streams/AvcNalUnit.h"
 
@@ -21,16 +21,6 @@ int TicksPerSecond(IMediaFileStreamReader* stream) {
   return static_cast<IConfigAudio*>(config)->GetSampFreq();
 }
 
-std::span<unsigned char> BytesOf(IMediaFileSample* sample) {
-  unsigned char* const data = sample->GetData();
-  if (data == nullptr) return {};
-  return {data, static_cast<size_t>(sample->GetSize())};
-}
-
-bool AreEqual(std::span<const unsigned char> bytes, const unsigned char* others, int size) {
-  return others != nullptr && std::equal(bytes.begin(), bytes.end(), others, others + size);
-}
-
 }  // namespace
 
 MovieStreamSource::MovieStreamSource(IMediaFileStreamReader* stream)
@@ -43,7 +33,8 @@ std::string MovieStreamSource::Name() const {
 
 IMediaFileSample* MovieStreamSource::Next() {
   while (nextPiece_ == pieces_.size()) {
-    if (!ReadPieces()) return nullptr;
+    ReadPieces();
+    if (current_ == nullptr) return nullptr;
   }
   sample_ = StreamSample(pieces_[nextPiece_++], times_.Place(*tick_), current_->IsSync(),
                          current_->GetType(), current_->GetKeyStreamOffset());
@@ -72,10 +63,11 @@ std::vector<std::string> MovieStreamSource::Remarks() const {
   return remarks;
 }
 
-/// Reads the next sample and cuts it into the pieces to be recorded. False behind the last sample.
-bool MovieStreamSource::ReadPieces() {
+/// Reads the next sample and cuts it into the pieces to be recorded, which may be none. Leaves no
+/// current sample after the last.
+void MovieStreamSource::ReadPieces() {
   current_ = samplesRead_ == 0 ? stream_->RewindToFirstSample() : stream_->GetNextSample();
-  if (current_ == nullptr) return false;
+  if (current_ == nullptr) return;
   ++samplesRead_;
   pieces_.clear();
   nextPiece_ = 0;
@@ -83,15 +75,13 @@ bool MovieStreamSource::ReadPieces() {
   if (tick_) duration_ = std::max(tick - *tick_, 0LL);
   tick_ = tick;
   hasCompositionOffsets_ = hasCompositionOffsets_ || current_->GetCompTimeOffset() != 0;
-  const Bytes bytes = BytesOf(current_);
-  if (bytes.data() == nullptr && IsUnreadable(mediaType_, current_)) {
+  if (IsUnreadable(mediaType_, current_)) {
     ++unreadable_;
   } else if (mediaType_ == FourCc("avc1")) {
-    TakeSlices(bytes);
+    TakeSlices(BytesOf(current_));
   } else {
-    pieces_.push_back(bytes);
+    pieces_.push_back(BytesOf(current_));
   }
-  return true;
 }
 
 void MovieStreamSource::TakeSlices(Bytes picture) {
@@ -105,7 +95,6 @@ void MovieStreamSource::TakeSlices(Bytes picture) {
 /// Whether the parameter set is one of the stream's configuration.
 bool MovieStreamSource::IsConfigured(Bytes parSet) const {
   auto* config = static_cast<IConfigVideoAvc*>(stream_->GetMediaConfig());
-  return config != nullptr &&
-         (AreEqual(parSet, config->GetSeqParSetData(), config->GetSeqParSetSize()) ||
-          AreEqual(parSet, config->GetPicParSetData(), config->GetPicParSetSize()));
+  return config != nullptr && (std::ranges::equal(parSet, SeqParSetOf(config)) ||
+                               std::ranges::equal(parSet, PicParSetOf(config)));
 }

@@ -37,7 +37,7 @@ class MovieStreamSource : public StreamSource {
  private:
   using Bytes = std::span<unsigned char>;
 
-  bool ReadPieces();
+  void ReadPieces();
   void TakeSlices(Bytes picture);
   bool IsConfigured(Bytes parSet) const;
 

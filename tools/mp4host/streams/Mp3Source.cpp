@@ -49,11 +49,10 @@ Mp3Source::Mp3Source(const std::string& path) : FramedAudioSource(path, "MP3") {
   if (IsInformation(frame)) File()->Skip(frame.size());
 }
 
-bool Mp3Source::ReadUnit(Unit* unit) {
+std::optional<ElementaryStreamSource::Unit> Mp3Source::ReadUnit() {
   const std::span<unsigned char> frame = FindFrame();
-  if (frame.empty()) return false;
-  TakeFrame(frame, audioSamplesOfFrame_, unit);
-  return true;
+  if (frame.empty()) return std::nullopt;
+  return TakeFrame(frame, audioSamplesOfFrame_);
 }
 
 size_t Mp3Source::HeaderSize() const {

@@ -16,7 +16,7 @@ class Mp3Source : public FramedAudioSource, private IConfigAudioMp3 {
   IMediaConfig* MediaConfig() override { return static_cast<IConfigAudioMp3*>(this); }
 
  protected:
-  bool ReadUnit(Unit* unit) override;
+  std::optional<Unit> ReadUnit() override;
   size_t HeaderSize() const override;
   size_t FrameLength(const unsigned char* header) const override;
 

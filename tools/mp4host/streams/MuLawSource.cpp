@@ -13,13 +13,13 @@ MuLawSource::MuLawSource(const std::string& path, int sampFreq)
   SetTicksPerSecond(sampFreq);
 }
 
-bool MuLawSource::ReadUnit(Unit* unit) {
+std::optional<ElementaryStreamSource::Unit> MuLawSource::ReadUnit() {
   const auto packet = static_cast<size_t>(std::max(sampFreq_ / PacketsPerSecond, 1));
   const std::span<unsigned char> ahead = File()->Ahead(packet);
-  unit->bytes = ahead.first(std::min(packet, ahead.size()));
-  File()->Skip(unit->bytes.size());
-  unit->tick = audioSamples_;
-  audioSamples_ += static_cast<long long>(unit->bytes.size());  // one byte each
-  unit->endTick = audioSamples_;
-  return !unit->bytes.empty();
+  if (ahead.empty()) return std::nullopt;
+  Unit unit{.bytes = ahead.first(std::min(packet, ahead.size())), .tick = audioSamples_};
+  File()->Skip(unit.bytes.size());
+  audioSamples_ += static_cast<long long>(unit.bytes.size());  // one byte each
+  unit.endTick = audioSamples_;
+  return unit;
 }

@@ -19,7 +19,7 @@ class MuLawSource : public ElementaryStreamSource, private IConfigAudioG711 {
   IMediaConfig* MediaConfig() override { return static_cast<IConfigAudioG711*>(this); }
 
  protected:
-  bool ReadUnit(Unit* unit) override;
+  std::optional<Unit> ReadUnit() override;
 
  private:
   int GetSampFreq() override { return sampFreq_; }

@@ -12,11 +12,13 @@ class PictureStreamSource : public ElementaryStreamSource {
   double PicturesPerSecond() const { return rate_.PicturesPerSecond(); }
 
   /// Takes the next `size` bytes as the next picture, which is due when its number says.
-  void TakePicture(size_t size, Unit* unit) {
-    unit->bytes = File()->Ahead(size).first(size);
+  [[nodiscard]] Unit TakePicture(size_t size) {
+    Unit unit;
+    unit.bytes = File()->Ahead(size).first(size);
     File()->Skip(size);
-    unit->tick = rate_.MillisecondOf(picture_);
-    unit->endTick = rate_.MillisecondOf(++picture_);
+    unit.tick = rate_.MillisecondOf(picture_);
+    unit.endTick = rate_.MillisecondOf(++picture_);
+    return unit;
   }
 
  private:

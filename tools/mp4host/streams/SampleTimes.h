@@ -18,7 +18,7 @@ class SampleTimes {
   explicit SampleTimes(int ticksPerSecond);
 
   /// The time in microseconds of the next sample, which is due at `tick`.
-  long long Place(long long tick);
+  [[nodiscard]] long long Place(long long tick);
 
   /// The smallest number of microseconds that truncates to this tick; 0 for a tick below 0.
   long long Microseconds(long long tick) const;

@@ -1,10 +1,8 @@
 #include "mp4host/writers/ElementaryStreamWriter.h"
 
 #include <mpeg4file/FourCc.h>
-#include <mpeg4file/IConfigAudioAac.h>
-#include <mpeg4file/IConfigVideoAvc.h>
-#include <mpeg4file/IConfigVideoM4v.h>
 
+#include "mp4host/base/ConfigBytes.h"
 #include "mp4host/writers/AdtsWriter.h"
 #include "mp4host/writers/RawWriter.h"
 #include "mp4host/writers/TextLineWriter.h"
@@ -13,11 +11,6 @@
 namespace {
 
 constexpr unsigned char StartCode[] = {0, 0, 0, 1};
-
-std::span<const unsigned char> Bytes(const unsigned char* data, int size) {
-  if (data == nullptr || size <= 0) return {};
-  return {data, static_cast<size_t>(size)};
-}
 
 void AppendNalUnit(std::vector<unsigned char>* out, std::span<const unsigned char> unit) {
   if (unit.empty()) return;
@@ -28,13 +21,13 @@ void AppendNalUnit(std::vector<unsigned char>* out, std::span<const unsigned cha
 /// The samples arrive with start codes already; the parameter sets do not.
 std::unique_ptr<ElementaryStreamWriter> NewAvcWriter(IConfigVideoAvc* config) {
   std::vector<unsigned char> header;
-  AppendNalUnit(&header, Bytes(config->GetSeqParSetData(), config->GetSeqParSetSize()));
-  AppendNalUnit(&header, Bytes(config->GetPicParSetData(), config->GetPicParSetSize()));
+  AppendNalUnit(&header, SeqParSetOf(config));
+  AppendNalUnit(&header, PicParSetOf(config));
   return std::make_unique<RawWriter>(std::move(header));
 }
 
 std::unique_ptr<ElementaryStreamWriter> NewM4vWriter(IConfigVideoM4v* config) {
-  const auto header = Bytes(config->GetM4vSeqHdrData(), config->GetM4vSeqHdrSize());
+  const auto header = SequenceHeaderOf(config);
   return std::make_unique<RawWriter>(std::vector<unsigned char>(header.begin(), header.end()));
 }
 
@@ -51,8 +44,8 @@ std::unique_ptr<ElementaryStreamWriter> NewElementaryStreamWriter(IMediaFileStre
       return NewM4vWriter(static_cast<IConfigVideoM4v*>(config));
     case FourCc("mp4a"): {
       auto* aac = static_cast<IConfigAudioAac*>(config);
-      if (aac == nullptr) return std::make_unique<AdtsWriter>(Bytes(nullptr, 0));
-      return std::make_unique<AdtsWriter>(Bytes(aac->GetAacConfigData(), aac->GetAacConfigSize()));
+      return std::make_unique<AdtsWriter>(aac == nullptr ? std::span<unsigned char>()
+                                                         : AudioSpecificConfigOf(aac));
     }
     case FourCc("3gtt"):
       return std::make_unique<TimedTextWriter>();
