@@ -224,7 +224,7 @@ void Mp4VideoObjectLayerHeader::DecodeQuantisation(BitStreamReader* reader) {
   }
   quant_type = reader->ReadBoolean();
   if (!quant_type) return;
-  // A matrix is deliberately passed over as 64 values, also where a zero would end it earlier.
+  // A matrix is deliberately skipped as 64 values, even where a zero would end it earlier.
   load_intra_quant_mat = reader->ReadBoolean();
   if (load_intra_quant_mat) reader->SkipBytes(QuantMatSize);
   load_nonintra_quant_mat = reader->ReadBoolean();

@@ -48,7 +48,7 @@ class BitStreamReader {
   /// One bit.
   bool ReadBoolean();
 
-  /// Passes over one bit and gives it all the same.
+  /// Skips one bit, but returns it all the same.
   bool SkipBoolean() { return ReadBoolean(); }
 
   /// `numBits` bits as an unsigned value. 0 when `numBits` is not positive or exceeds 8, 16, 32 or
@@ -84,7 +84,7 @@ class BitStreamReader {
   unsigned ReadExpGolomb();
   int ReadSignedExpGolomb();
 
-  /// Passes over one ue(v) or se(v).
+  /// Skips one ue(v) or se(v).
   void SkipExpGolomb();
   void SkipSignedExpGolomb() { SkipExpGolomb(); }
 

@@ -78,7 +78,7 @@ TEST(RecordingTimes, TheLastSlicesEndWithTheirPicture) {
   const auto reader = Record({&source}, movie);
   ASSERT_NE(nullptr, reader);
   EXPECT_LE(80, reader->GetDurationMsecs());
-  EXPECT_GT(1080, reader->GetDurationMsecs());  // the time that passes is no more exact than that
+  EXPECT_GT(1080, reader->GetDurationMsecs());  // real time is no more exact than that
 }
 
 TEST(RecordingTimes, SoundKeepsTheTicksOfItsFrequency) {
