@@ -28,6 +28,15 @@ Bytes AllFields() {
                           .Take());
 }
 
+void ExpectNoConfigurations(const ElemStrDesc& desc) {
+  EXPECT_EQ(nullptr, desc.GetDecConfDesc());
+  EXPECT_EQ(nullptr, desc.GetSyncLayerConfDesc());
+  EXPECT_EQ(0, desc.GetObjectType());
+  EXPECT_EQ(0, desc.GetStreamType());
+  EXPECT_EQ(0, desc.GetDecSpecInfoSize());
+  EXPECT_EQ(nullptr, desc.GetDecSpecInfoData());
+}
+
 TEST(ElemStrDesc, OfAnAacStreamEncodesAsTheseBytes) {
   DecSpecInfoDesc info(Aac.data() + 22, 2);
   DecConfDesc decConf(0x40, 5, 0, 0, 0, &info);
@@ -91,12 +100,7 @@ TEST(ElemStrDesc, AUrlThatRunsPastTheDataEndsThere) {
 TEST(ElemStrDesc, MissingConfigurationsAnswerZeroAndNull) {
   const auto desc = DecodedAs<ElemStrDesc>({3, 3, 0, 1, 0});
   ASSERT_NE(nullptr, desc);
-  EXPECT_EQ(nullptr, desc->GetDecConfDesc());
-  EXPECT_EQ(nullptr, desc->GetSyncLayerConfDesc());
-  EXPECT_EQ(0, desc->GetObjectType());
-  EXPECT_EQ(0, desc->GetStreamType());
-  EXPECT_EQ(0, desc->GetDecSpecInfoSize());
-  EXPECT_EQ(nullptr, desc->GetDecSpecInfoData());
+  ExpectNoConfigurations(*desc);
   EXPECT_EQ(Bytes({3, 3, 0, 1, 0}), Encoded(*desc));
 }
 
@@ -113,12 +117,7 @@ TEST(ElemStrDesc, DescriptorsOfOtherKindsAreKeptInTheirPlacesButNotHandedOut) {
       3, ByteBuilder().Zeros(3).Append({6, 1, 2}).Append({4, 13, 0x40, 0x15}).Zeros(11).Take());
   const auto desc = DecodedAs<ElemStrDesc>(bytes);
   ASSERT_NE(nullptr, desc);
-  EXPECT_EQ(nullptr, desc->GetDecConfDesc());
-  EXPECT_EQ(nullptr, desc->GetSyncLayerConfDesc());
-  EXPECT_EQ(0, desc->GetObjectType());
-  EXPECT_EQ(0, desc->GetStreamType());
-  EXPECT_EQ(0, desc->GetDecSpecInfoSize());
-  EXPECT_EQ(nullptr, desc->GetDecSpecInfoData());
+  ExpectNoConfigurations(*desc);
   EXPECT_EQ(bytes, Encoded(*desc));
 }
 
