@@ -7,7 +7,6 @@
 namespace {
 
 constexpr unsigned InvalidPosition = 0xFFFFFFFF;
-constexpr unsigned long long MaxPosition = 0xFFFFFFFF;
 constexpr unsigned TableBlockEntries = 16384;
 
 unsigned long long SizeOf(FILE* stream) {

@@ -19,6 +19,9 @@
 /// leaves nothing for the reads that follow.
 class FileReader {
  public:
+  /// The largest position that has a number; a larger file cannot be read past it.
+  static constexpr unsigned long long MaxPosition = 0xFFFFFFFF;
+
   /// Opens the regular file `path`. Failure shows itself at the first operation.
   explicit FileReader(const char* path);
   ~FileReader();

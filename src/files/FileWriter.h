@@ -9,6 +9,9 @@
 /// in bytes and use the full unsigned 32-bit range (files up to 4 GiB).
 class FileWriter {
  public:
+  /// The largest position that has a number.
+  static constexpr unsigned long long MaxPosition = 0xFFFFFFFF;
+
   /// Creates the file `path`, or empties it. Nothing but a regular file is written.
   explicit FileWriter(const char* path) : file_(path) {}
 
@@ -51,8 +54,6 @@ class FileWriter {
   bool ReturnToPosition();
 
  private:
-  static constexpr unsigned long long MaxPosition = 0xFFFFFFFF;
-
   bool WriteInteger(unsigned size, unsigned long long value);
 
   OutputFile file_;

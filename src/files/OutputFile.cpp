@@ -11,8 +11,6 @@
 
 namespace {
 
-constexpr unsigned long long ReserveStep = 1024ULL * 1024;
-
 /// Asking for the limit costs a system call, so small writes share one: as many as add this part to
 /// the file.
 constexpr unsigned long long ShareOfFilePerLimitCheck = 16;

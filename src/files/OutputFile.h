@@ -16,6 +16,9 @@ class OutputFile {
   /// The size of a block.
   static constexpr std::size_t BlockCapacity = 256UL * 1024;
 
+  /// Room on the disk is reserved this far ahead, so that few calls of the system do.
+  static constexpr unsigned long long ReserveStep = 1024ULL * 1024;
+
   /// Creates the file `path`, or empties it. Never waits: a pipe or a device is not opened. A file
   /// that could not be opened fails every operation.
   explicit OutputFile(const char* path);

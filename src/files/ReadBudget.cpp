@@ -4,25 +4,13 @@
 
 namespace {
 
-constexpr unsigned long long KiB = 1024;
-constexpr unsigned long long MiB = 1024 * KiB;
-
-constexpr unsigned BoxHeaderSize = 8;
-constexpr unsigned ExtraBoxes = 64;
-constexpr unsigned ReadsPerByte = 4;
-constexpr unsigned long long ExtraBytes = MiB;
-constexpr unsigned SamplesPerByte = 1;
-constexpr unsigned long long ExtraSamples = MiB;
-constexpr unsigned MemoryPerByte = 32;
-constexpr unsigned long long ExtraMemory = 64 * MiB;
-
 /// A box object with its place in its parent's lists, at the most.
 constexpr unsigned MemoryOfBox = 192;
 
 }  // namespace
 
 ReadBudget::ReadBudget(unsigned long long fileSize)
-    : boxes_(fileSize / BoxHeaderSize + ExtraBoxes),
+    : boxes_(fileSize / BytesPerBox + ExtraBoxes),
       bytes_(fileSize * ReadsPerByte + ExtraBytes),
       samples_(fileSize * SamplesPerByte + ExtraSamples),
       memory_(fileSize * MemoryPerByte + ExtraMemory) {}

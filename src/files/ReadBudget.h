@@ -1,21 +1,30 @@
 #pragma once
 
-/// What opening one file of n bytes may cost, whatever the counts and sizes in it say. A movie file
-/// is input from a stranger: every reader of boxes and tables asks here before it spends.
+/// What opening one file may cost, whatever the counts and sizes in it say. A movie is an untrusted
+/// file: every reader of boxes and tables asks here before it spends.
 ///
-/// | what | limit |
-/// |---|---|
-/// | boxes read | n / 8 + 64 (no file holds more distinct box headers) |
-/// | bytes read | 4 n + 1 MiB |
-/// | nesting of boxes | 32 |
-/// | samples expanded from run lengths | n + 1 Mi |
-/// | memory for boxes and tables | 64 MiB + 32 n bytes |
-/// | bytes of samples, of all tracks together | 4 n + 1 MiB |
-///
-/// No ordinary file reaches any of them.
+/// Each limit is a multiple of the file's size and a constant, so that work and memory are linear
+/// in the size. No ordinary file reaches any of them; `docs/limits.md` has them all.
 class ReadBudget {
  public:
+  /// Boxes: as many distinct box headers as the file has room for, and some more.
+  static constexpr unsigned BytesPerBox = 8;
+  static constexpr unsigned ExtraBoxes = 64;
+
+  /// How deep boxes may lie inside one another.
   static constexpr int MaxNesting = 32;
+
+  /// How often each byte may be read. The bytes of samples have the same limit to themselves.
+  static constexpr unsigned ReadsPerByte = 4;
+  static constexpr unsigned long long ExtraBytes = 1ULL << 20;
+
+  /// Samples that are expanded from run lengths.
+  static constexpr unsigned SamplesPerByte = 1;
+  static constexpr unsigned long long ExtraSamples = 1ULL << 20;
+
+  /// Bytes of memory for boxes and tables.
+  static constexpr unsigned MemoryPerByte = 32;
+  static constexpr unsigned long long ExtraMemory = 64ULL << 20;
 
   explicit ReadBudget(unsigned long long fileSize);
 

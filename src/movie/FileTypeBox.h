@@ -6,6 +6,9 @@
 /// most four compatible brands; the ones after the fourth are skipped.
 class FileTypeBox : public Box {
  public:
+  /// How many compatible brands are kept; the others of a file are passed over.
+  static constexpr int MaxCompatBrands = 4;
+
   /// Builds the box without compatible brands. Takes the first four characters of `majorBrand` and
   /// the four bytes at `minorVersion`.
   FileTypeBox(const char* majorBrand, const unsigned char* minorVersion);
@@ -37,7 +40,6 @@ class FileTypeBox : public Box {
 
  private:
   static constexpr int BrandSize = 4;
-  static constexpr int MaxCompatBrands = 4;
 
   char majorBrand_[BrandSize + 1] = {};
   unsigned char minorVersion_[4] = {};

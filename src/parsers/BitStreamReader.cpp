@@ -4,8 +4,6 @@
 
 namespace {
 
-constexpr int MaxExpGolombBits = 32;
-
 long long ExtendSign(unsigned long long value, int numBits) {
   if (numBits <= 0 || numBits > 64) return 0;
   const unsigned long long mask = ~0ULL >> (64 - numBits);

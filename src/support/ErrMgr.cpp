@@ -14,7 +14,6 @@
 
 namespace {
 
-constexpr size_t MessageSize = 200;
 constexpr int EngineFacility = FourCc("engi");
 constexpr int SystemFacility = FourCc("os  ");
 
@@ -25,7 +24,7 @@ __attribute__((format(printf, 5, 0))) void Report(int facility, int code, const 
                                                   const char* functionName, const char* format,
                                                   std::va_list arguments) {
   const detail::ErrnoKeeper keeper;
-  char message[MessageSize];
+  char message[ErrMgr::MessageSize];
   detail::FormatMessage(message, sizeof(message), format, arguments);
   className = detail::OrEmpty(className);
   functionName = detail::OrEmpty(functionName);

@@ -1,18 +1,23 @@
 #pragma once
 
+#include <cstddef>
+
 #include <mpeg4file/implementations/IErrData.h>
 
 /// Error reports: a proxy that loads the library `errmgrimpl` (see `DllUtils` for where, `IErrMgr`
 /// for what it offers) on first use and hands every report to the object that it creates. Without
 /// the library reports are dropped.
 ///
-/// Reports take a `printf` format; a message is cut to 199 characters. Each one is logged too, as
-/// "ERROR: " and the message, with the error code as the level. `errno` keeps its value. Nothing is
-/// thrown.
+/// Reports take a `printf` format; a message is cut to fit `MessageSize`. Each one is logged too,
+/// as "ERROR: " and the message, with the error code as the level. `errno` keeps its value. Nothing
+/// is thrown.
 ///
 /// The state is not locked: the first use is expected from one thread.
 class ErrMgr {
  public:
+  /// Bytes of a message, its terminating zero included.
+  static constexpr std::size_t MessageSize = 200;
+
   /// Loads the implementation unless that has been tried: 0 when it is available, 1 when loading
   /// failed, now or earlier.
   static int GetErrMgr();

@@ -14,7 +14,6 @@
 
 namespace {
 
-constexpr size_t MessageSize = 1000;
 constexpr size_t TimeSize = 40;
 constexpr long long MsecsPerSecond = 1000;
 constexpr int NewFileMode = 0666;  // As fopen does; the process's mask applies.

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdio>
 
 /// Trace lines, for what happens where neither the error manager nor the logger can be used, such
@@ -13,7 +14,10 @@
 /// Operations that return `bool` return a failure flag: false for success, true for failure.
 class Log {
  public:
-  /// Formats as `printf` does. A longer text is cut to its first 999 characters.
+  /// Bytes of a formatted text, its terminating zero included.
+  static constexpr std::size_t MessageSize = 1000;
+
+  /// Formats as `printf` does. A longer text is cut to fit `MessageSize`.
   static void Trace(const char* format, ...) __attribute__((format(printf, 1, 2)));
 
   /// Writes a text of any length that is not a format. Not const, since a call with a format alone

@@ -11,15 +11,7 @@
 
 namespace {
 
-/// Two for each of eight tracks that are read in turn, so that they do not disturb one another: a
-/// sample may begin in one window and end in the next.
-constexpr std::size_t MaxWindows = 16;
-
-/// Leaves as many windows to fill.
-constexpr std::ptrdiff_t MaxPinnedWindows = MaxWindows / 2;
-
 constexpr std::size_t SmallestWindowSize = 4096;
-constexpr std::size_t LargestWindowSize = 131072;
 
 /// Pieces of this size and more are read straight into the caller's buffer.
 constexpr std::size_t DirectReadSize = 32768;

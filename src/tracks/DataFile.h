@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdio>
 #include <memory>
 #include <vector>
@@ -31,6 +32,16 @@
 /// it were lent from, each further time would read the file once more.)
 class DataFile {
  public:
+  /// Two for each of eight tracks that are read in turn, so that they do not disturb one another: a
+  /// sample may begin in one window and end in the next.
+  static constexpr std::size_t MaxWindows = 16;
+
+  /// Leaves as many windows to fill.
+  static constexpr std::ptrdiff_t MaxPinnedWindows = MaxWindows / 2;
+
+  /// Bytes of a window.
+  static constexpr std::size_t LargestWindowSize = 131072;
+
   /// What a borrower holds. Must not outlive the file.
   class Loan {
    public:

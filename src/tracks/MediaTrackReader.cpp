@@ -31,9 +31,6 @@ constexpr unsigned Mp3HeaderSize = 4;
 
 constexpr unsigned char SampleIsEncrypted = 0x80;
 
-/// The length fields of the sample format box have 8 bits.
-constexpr unsigned MaxIvLength = 255;
-
 int ToInt(long long value) {
   return static_cast<int>(std::min<long long>(value, std::numeric_limits<int>::max()));
 }

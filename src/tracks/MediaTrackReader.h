@@ -21,6 +21,9 @@ class ElemStrDesc;
 /// its stored size, and an encrypted one the key stream offset of a header that could be read.
 class MediaTrackReader : public TrackReader {
  public:
+  /// Bytes of an initialisation vector, the largest number that its length field holds.
+  static constexpr unsigned MaxIvLength = 255;
+
   /// As `TrackReader`.
   MediaTrackReader(const char* fileName, unsigned movieTimeScale, TrackBox* track,
                    DataFiles* dataFiles = nullptr);

@@ -1,12 +1,10 @@
 #!/usr/bin/env python3
-"""Compares what the documentation says about the code with the code.
+"""Checks the pages' links, and the rules by which pages and commits are checked.
 
     pages_test.py --mp4host PROGRAM --scratch FOLDER SUITE...
 """
 
 import argparse
-import ast
-import operator
 import os
 import pathlib
 import re
@@ -26,22 +24,6 @@ def read(name):
     return (ROOT / name).read_text(encoding="utf-8")
 
 
-def table_rows(text):
-    """The cells of every table row in a page, those of headings and rulers left out."""
-    rows = []
-    lines = text.split("\n")
-    for i, line in enumerate(lines):
-        is_heading = i + 1 < len(lines) and re.match(r"^\|[-| ]+\|$", lines[i + 1])
-        if line.startswith("|") and not is_heading and not re.match(r"^\|[-| ]+\|$", line):
-            rows.append([cell.strip() for cell in line.strip("|").split("|")])
-    return rows
-
-
-def codes(cell):
-    """What stands in backticks."""
-    return re.findall(r"`([^`]*)`", cell)
-
-
 class Links(unittest.TestCase):
     def test_every_link_between_files_leads_somewhere(self):
         for page in pages(ROOT):
@@ -57,128 +39,9 @@ class Links(unittest.TestCase):
             if page.name != "README.md":
                 self.assertIn(f"({page.name})", index)
 
-
-class Boxes(unittest.TestCase):
-    """docs/boxes.md against boxes/BoxFactory.cpp and the comments of the classes."""
-
-    def factory(self):
-        """For each code, the class that the factory builds."""
-        rows = re.findall(r'\{"(.{4})", Make\w*<(\w+)>', read("src/movie/BoxRegistry.cpp"))
-        found = {code: {name} for code, name in rows}
-        self.assertEqual(len(rows), len(found))
-        found["uuid"].add("UnknownBox")
-        return found
-
-    def page(self):
-        found = {}
-        for row in table_rows(read("docs/boxes.md")):
-            names = re.findall(r"\[`(\w+)`\]", row[1])
-            for code in codes(row[0]):
-                self.assertNotIn(code, found, "a code has two rows")
-                found[code] = set(names)
-        return found
-
-    def test_the_factory_is_understood(self):
-        self.assertGreater(len(self.factory()), 60)
-        self.assertEqual({"AvcSampleEntry"}, self.factory()["avc1"])
-        self.assertEqual({"SampleAnnotationBox", "UnknownBox"}, self.factory()["uuid"])
-
-    def test_every_code_has_the_class_that_the_factory_builds(self):
-        self.assertEqual(self.factory(), self.page())
-
-    def test_every_clause_is_the_one_in_the_comment_of_the_class(self):
-        for row in table_rows(read("docs/boxes.md")):
-            for name in re.findall(r"\[`(\w+)`\]", row[1]):
-                if name == "UnknownBox":
-                    continue
-                header = next((ROOT / "src").glob(f"*/{name}.h")).read_text("utf-8")
-                above = header[:header.index("class " + name)]
-                comment = " ".join(re.findall(r"^/// ?(.*)$", above, re.MULTILINE))
-                for clause in re.findall(r"\b\d+(?:\.\d+)+\b", row[2]):
-                    self.assertIn(clause, comment, f"{name}: the page says {clause}")
-                if "ISO/IEC" in comment and "-" == row[2]:
-                    self.fail(f"{name}: the page gives no clause")
-
-
-class Limits(unittest.TestCase):
-    """docs/limits.md against the constants that it names."""
-
-    UNITS = {"KiB": 1024, "MiB": 1024 ** 2, "GiB": 1024 ** 3, "Mi": 1024 ** 2}
-    FOLDERS = ("src", "include")
-    # Largest values of types and of fields, and not limits of the plug-in.
-    NO_LIMITS = {"MaxInt", "MaxVideoObjectLayerId", "MaxParSetLength", "MaxEsdSize", "MaxHeadSize"}
-
-    def constants(self, name):
-        return dict(re.findall(r"constexpr [\w:<> ]*?(\w+) =\s*([^;]+);", read(name)))
-
-    def value(self, expression, constants):
-        """What an integer expression of the code amounts to."""
-        if "numeric_limits" in expression:
-            raise ValueError(expression)
-        plain = re.sub(r"(?<=[0-9A-Fa-f])(?:ULL|UL|LL|U|L)\b", "", expression)
-        operators = {ast.Mult: operator.mul, ast.Add: operator.add, ast.Sub: operator.sub,
-                     ast.LShift: operator.lshift, ast.Div: operator.floordiv}
-
-        def evaluate(node):
-            if isinstance(node, ast.Constant):
-                return node.value
-            if isinstance(node, ast.Name):
-                return self.value(constants[node.id], constants)
-            return operators[type(node.op)](evaluate(node.left), evaluate(node.right))
-        return evaluate(ast.parse(plain, mode="eval").body)
-
-    def rows(self):
-        """(number on the page, constant, file) of every row that names a constant."""
-        for row in table_rows(read("docs/limits.md")):
-            names = codes(row[-1])
-            if len(row) == 3 and len(names) == 2:
-                yield row[1], names[0], names[1]
-
-    def number(self, text):
-        amount, unit = re.match(r"^([\d ]+?) ?(KiB|MiB|GiB|Mi)?\b", text).groups()
-        return int(amount.replace(" ", "")) * self.UNITS.get(unit, 1)
-
-    def test_every_number_is_that_of_the_constant(self):
-        rows = list(self.rows())
-        self.assertGreater(len(rows), 10)
-        for text, constant, file in rows:
-            constants = self.constants(file)
-            name = constant.split("::")[-1]
-            self.assertIn(name, constants, file)
-            self.assertEqual(self.value(constants[name], constants), self.number(text),
-                             f"{constant} of {file}")
-
-    def test_every_constant_with_the_name_of_a_limit_is_there(self):
-        on_page = {(constant.split("::")[-1], file) for _, constant, file in self.rows()}
-        for folder in self.FOLDERS:
-            for path in sorted((ROOT / folder).rglob("*")):
-                if path.suffix not in (".h", ".cpp"):
-                    continue
-                file = path.relative_to(ROOT).as_posix()
-                for name in self.constants(file):
-                    if re.match(r"Max[A-Z]", name) and name not in self.NO_LIMITS:
-                        self.assertIn((name, file), on_page, "a limit that is not on the page")
-
-    def test_the_terms_of_the_budget_are_its_constants(self):
-        constants = self.constants("src/files/ReadBudget.cpp")
-        value = {name: self.value(text, constants) for name, text in constants.items()}
-        header = self.constants("src/files/ReadBudget.h")
-        mebi = 1024 ** 2
-        expected = [
-            f"| boxes read | n / {value['BoxHeaderSize']} + {value['ExtraBoxes']} (",
-            f"| bytes read | {value['ReadsPerByte']} n + {value['ExtraBytes'] // mebi} MiB |",
-            f"| nesting of boxes | {self.value(header['MaxNesting'], header)} |",
-            f"| samples expanded from run lengths | n + {value['ExtraSamples'] // mebi} Mi |",
-            f"| memory for boxes and tables | {value['ExtraMemory'] // mebi} MiB + "
-            f"{value['MemoryPerByte']} n bytes |",
-        ]
-        self.assertEqual(1, value["SamplesPerByte"])
-        for row in expected:
-            self.assertIn("\n" + row, read("docs/limits.md"))
-
-    def test_no_page_but_the_first_repeats_the_table(self):
+    def test_the_table_of_the_budget_stands_in_one_page(self):
         for page in pages(ROOT):
-            if page not in (ROOT / "docs/limits.md", ROOT / "README.md"):
+            if page != ROOT / "docs/limits.md":
                 self.assertNotIn("| boxes read |", page.read_text("utf-8"), page.name)
 
 

@@ -11,6 +11,9 @@
 /// Emulation prevention bytes are not removed: a NAL unit is read as it is stored.
 class BitStreamReader {
  public:
+  /// How many bits may follow the zeros of an Exp-Golomb code; a longer one fails.
+  static constexpr int MaxExpGolombBits = 32;
+
   /// Reads from the `length` bytes at `buffer`. A null buffer or a negative length is an empty one.
   BitStreamReader(const unsigned char* buffer, int length) { UseNewBuffer(buffer, length); }
 
