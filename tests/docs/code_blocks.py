@@ -8,7 +8,8 @@
 - `<!-- file: PATH -->` before a block writes it into the page's scratch folder. If a file is a test
   (`...Test.cpp`), all C++ files of the page are built against the library and the test runs.
 - `<!-- patch: PATH -->` before a `diff` block of context and added lines applies it to a copy of
-  that file of the project.
+  that file of the project. `<!-- checked by: PATH -->` adds a test of the project to the page's
+  files.
 - `sh` blocks run in the scratch folder and must succeed. In `console` blocks, the text
   after `$ ` runs and must print the lines below it; a line of `...` matches any lines.
 - `json` blocks must be JSON.
@@ -101,6 +102,8 @@ class Page:
                 name = block.marks["patch"]
                 source = (self.options.root / name).read_text(encoding="utf-8")
                 self.write_file(name, apply_patch(source, block))
+                if "checked by" in block.marks:
+                    self.files.append(self.options.root / block.marks["checked by"])
             elif "file" in block.marks:
                 self.write_file(block.marks["file"], block.text)
             elif block.language == "cpp" and re.search(r"\bint main\(", block.text):

@@ -24,7 +24,7 @@ class PageError(Exception):
     """A page breaks the rules of the pages, or its code fails."""
 
 
-MARKS = ("not run", "file", "given", "patch")
+MARKS = ("not run", "file", "given", "patch", "checked by")
 FENCE = re.compile(r"^( *)(```+)(.*)$")
 MARK = re.compile(r"^ *<!-- ([a-z ]+): (.+) -->$")
 

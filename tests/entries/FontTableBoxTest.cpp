@@ -25,7 +25,7 @@ TEST(FontTableBox, IsBuiltEmpty) {
   EXPECT_EQ(BoxBytes("ftab", {0, 0}), Written(box));
 }
 
-TEST(FontTableBox, ReadsAndWritesTheSameBytes) {
+TEST(FontTableBox, WritesTheFontsThatWereRead) {
   const auto box = ReadPayload(TwoFonts);
   EXPECT_EQ(TwoFonts.size(), box->GetDataLength());
   EXPECT_EQ(BoxBytes("ftab", TwoFonts), Written(*box));

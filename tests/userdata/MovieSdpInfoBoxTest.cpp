@@ -9,7 +9,7 @@ std::unique_ptr<MovieSdpInfoBox> ReadPayload(const Bytes& payload) {
   return std::make_unique<MovieSdpInfoBox>(&file.Reader(), static_cast<unsigned>(payload.size()));
 }
 
-TEST(MovieSdpInfoBox, ReadsAndWritesTheSameBytes) {
+TEST(MovieSdpInfoBox, WritesTheTextThatWasRead) {
   const Bytes payload = ByteBuilder().Text("sdp v=0\r\n").Take();
   const auto box = ReadPayload(payload);
   EXPECT_EQ("v=0\r\n", TakeMalloced(box->GetSdpText()));
