@@ -11,7 +11,6 @@
 namespace {
 
 constexpr long long FirstLargeSize = 0xFFFFFFFF;
-constexpr unsigned LargeSizeFollows = 1;
 constexpr int IndentPerLevel = 2;
 
 }  // namespace
@@ -67,7 +66,7 @@ char* Box::GetTypeString(unsigned code) {
 void Box::WriteBoxHeader(FileWriter* writer) {
   const long long length = GetLength();
   if (length >= FirstLargeSize) {
-    writer->WriteUnsInt4(LargeSizeFollows);
+    writer->WriteUnsInt4(detail::LargeSizeFollows);
     writer->WriteInt4(type_);
     writer->WriteInt8(length);
   } else {

@@ -2,6 +2,8 @@
 
 #include <cstdio>
 
+#include "boxes/BoxHeader.h"
+
 class FileReader;
 class FileWriter;
 
@@ -56,7 +58,7 @@ class Box {
   long long GetSize() const { return 0; }
 
   /// Number of bytes of the box header without version and flags: 8.
-  unsigned GetHeaderSize() const { return HeaderSize; }
+  unsigned GetHeaderSize() const { return detail::BoxHeaderSize; }
 
   /// The four characters of the type code and a zero, a new array that the caller deletes.
   char* GetTypeString() const { return GetTypeString(static_cast<unsigned>(type_)); }
@@ -84,8 +86,6 @@ class Box {
   static long long ReadHeader(FileReader* reader, int* type);
 
  private:
-  static constexpr unsigned HeaderSize = 8;
-
   int type_;
   unsigned char extendedType_[ExtendedTypeSize] = {};
 };

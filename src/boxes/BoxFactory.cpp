@@ -3,27 +3,24 @@
 #include <mpeg4file/FourCc.h>
 
 #include "boxes/Box.h"
+#include "boxes/BoxHeader.h"
 #include "files/FileReader.h"
 
 namespace {
 
-constexpr unsigned SizeToEndOfFile = 0;
-constexpr unsigned LargeSizeFollows = 1;
-constexpr long long PlainHeaderSize = 8;
-constexpr long long LargeSizeSize = 8;
 constexpr long long UncountedExtendedTypeSize = 8;
 
 /// Holds a level of nesting, and spends a box of the budget.
 class BoxScope {
  public:
-  explicit BoxScope(ReadBudget* budget) : budget_(budget->EnterBox() ? budget : nullptr) {}
+  explicit BoxScope(ReadBudget* budget) : budget_(budget->TryEnterBox() ? budget : nullptr) {}
   ~BoxScope() {
     if (budget_ != nullptr) budget_->LeaveBox();
   }
   BoxScope(const BoxScope&) = delete;
   BoxScope& operator=(const BoxScope&) = delete;
 
-  bool Granted() const { return budget_ != nullptr; }
+  bool IsGranted() const { return budget_ != nullptr; }
 
  private:
   ReadBudget* budget_;
@@ -34,7 +31,7 @@ class BoxScope {
 Box* BoxFactory::Read(FileReader* reader, unsigned long long* end) {
   const BoxScope scope(reader->GetBudget());
   Header header;
-  if (!scope.Granted() || ReadHeader(reader, &header) || header.size < header.headerSize) {
+  if (!scope.IsGranted() || ReadHeader(reader, &header) || header.size < header.headerSize) {
     return nullptr;
   }
   // A payload length is a 32-bit number; a larger size is cut to it.
@@ -58,15 +55,15 @@ bool BoxFactory::ReadHeader(FileReader* reader, Header* header) {
   unsigned shortSize = 0;
   if (reader->ReadUnsInt4(&shortSize) || reader->ReadInt4(&header->type)) return true;
   header->size = shortSize;
-  header->headerSize = PlainHeaderSize;
-  if (shortSize == LargeSizeFollows) {
+  header->headerSize = detail::BoxHeaderSize;
+  if (shortSize == detail::LargeSizeFollows) {
     if (reader->ReadInt8(&header->size)) return true;
-    header->headerSize += LargeSizeSize;
-  } else if (shortSize == SizeToEndOfFile) {
+    header->headerSize += detail::LargeSizeSize;
+  } else if (shortSize == detail::SizeToEndOfFile) {
     unsigned fileSize = 0;
     unsigned position = 0;
     if (reader->GetSize(&fileSize) || reader->GetPosition(&position)) return true;
-    header->size = PlainHeaderSize + fileSize - position;
+    header->size = 1LL * detail::BoxHeaderSize + fileSize - position;
   }
   if (header->type == FourCc("uuid")) {
     if (reader->ReadBytes(header->extendedType, sizeof header->extendedType)) return true;

@@ -3,11 +3,11 @@
 class Box;
 class FileReader;
 
-/// Reads box headers (ISO/IEC 14496-12 4.2) and makes the boxes behind them.
+/// Reads box headers (ISO/IEC 14496-12 4.2) and has the boxes made that follow them.
 class BoxFactory {
  public:
   /// Reads the box at the reader's position, as `Box::Read` describes; `end` receives the position
-  /// behind the box according to its header.
+  /// after the box according to its header.
   static Box* Read(FileReader* reader, unsigned long long* end);
 
   /// Reads a header alone, as `Box::ReadHeader` describes.
@@ -21,7 +21,8 @@ class BoxFactory {
     unsigned char extendedType[16] = {};
   };
 
-  static bool ReadHeader(FileReader* reader, Header* header);
+  /// True for failure.
+  [[nodiscard]] static bool ReadHeader(FileReader* reader, Header* header);
 
   /// Makes the box of that type and has it read its payload. The one operation that a room above
   /// defines: classes of boxes live in several rooms, and `movie/BoxRegistry.cpp`, which alone

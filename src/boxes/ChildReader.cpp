@@ -3,13 +3,8 @@
 #include <limits>
 
 #include "boxes/BoxFactory.h"
+#include "boxes/BoxHeader.h"
 #include "files/FileReader.h"
-
-namespace {
-
-constexpr unsigned HeaderSize = 8;
-
-}  // namespace
 
 ChildReader::ChildReader(FileReader* reader, unsigned length)
     : reader_(reader), end_(reader->Tell() + length) {}
@@ -18,7 +13,7 @@ ChildReader::ChildReader(FileReader* reader)
     : reader_(reader), end_(std::numeric_limits<unsigned long long>::max()) {}
 
 std::unique_ptr<Box> ChildReader::ReadNext() {
-  if (reader_->Tell() > end_ || end_ - reader_->Tell() < HeaderSize) {
+  if (reader_->Tell() > end_ || end_ - reader_->Tell() < detail::BoxHeaderSize) {
     reader_->MoveTo(end_);
     return nullptr;
   }

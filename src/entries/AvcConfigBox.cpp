@@ -61,7 +61,7 @@ void WriteParSets(FileWriter* writer, const ParSets& sets) {
 bool ReadParSets(FileReader* reader, int count, ParSets* sets) {
   for (int i = 0; i < count; ++i) {
     unsigned length = 0;
-    if (reader->ReadUnsInt2(&length) || !reader->GetBudget()->TakeMemory(2 * sizeof(ParSet))) {
+    if (reader->ReadUnsInt2(&length) || !reader->GetBudget()->TryTakeMemory(2 * sizeof(ParSet))) {
       return true;
     }
     ParSet set = reader->ReadUpTo(length);

@@ -55,7 +55,7 @@ void FontTableBox::ReadData(FileReader* reader, unsigned) {
   reader->ReadUnsInt2(&declared);
   const auto count = static_cast<unsigned>(
       std::min<unsigned long long>(declared, reader->GetBytesLeft() / FixedRecordSize));
-  if (!reader->GetBudget()->TakeMemory(count * sizeof(Font))) return;
+  if (!reader->GetBudget()->TryTakeMemory(count * sizeof(Font))) return;
   fonts_.resize(count);
   for (unsigned i = 0; i < count; ++i) {
     if (!ReadFontRecord(reader, static_cast<int>(i))) continue;

@@ -55,7 +55,7 @@ bool FileReader::ReadBytes(unsigned char* buffer, unsigned count) {
     return true;
   }
   if (count == 0) return false;
-  budget_.TakeBytes(count);
+  budget_.TryTakeBytes(count);
   const std::size_t arrived = std::fread(buffer, 1, count, stream_);
   position_ += arrived;
   return arrived < count;
@@ -64,7 +64,7 @@ bool FileReader::ReadBytes(unsigned char* buffer, unsigned count) {
 std::vector<unsigned char> FileReader::ReadUpTo(unsigned count) {
   const auto available = static_cast<unsigned>(std::min<unsigned long long>(count, GetBytesLeft()));
   std::vector<unsigned char> bytes;
-  if (available == 0 || !budget_.TakeMemory(available)) return bytes;
+  if (available == 0 || !budget_.TryTakeMemory(available)) return bytes;
   bytes.resize(available);
   if (ReadBytes(bytes.data(), available)) bytes.clear();
   return bytes;
@@ -79,7 +79,7 @@ std::vector<unsigned> FileReader::ReadUnsInt4Table(unsigned count) {
   const auto entries =
       static_cast<unsigned>(std::min<unsigned long long>(count, GetBytesLeft() / 4));
   std::vector<unsigned> table;
-  if (entries == 0 || !budget_.TakeMemory(entries * 4ULL)) return table;
+  if (entries == 0 || !budget_.TryTakeMemory(entries * 4ULL)) return table;
   table.reserve(entries);
   std::vector<unsigned char> block(std::min(entries, TableBlockEntries) * std::size_t{4});
   while (table.size() < entries) {

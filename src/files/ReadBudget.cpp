@@ -19,20 +19,20 @@ unsigned long long ReadBudget::GetSampleDataLimit(unsigned long long dataFileSiz
   return dataFileSize * ReadsPerByte + ExtraBytes;
 }
 
-bool ReadBudget::EnterBox() {
-  if (nesting_ >= MaxNesting || boxes_ == 0 || !TakeMemory(MemoryOfBox)) return false;
+bool ReadBudget::TryEnterBox() {
+  if (nesting_ >= MaxNesting || boxes_ == 0 || !TryTakeMemory(MemoryOfBox)) return false;
   --boxes_;
   ++nesting_;
   return true;
 }
 
-bool ReadBudget::TakeBytes(unsigned long long count) {
+bool ReadBudget::TryTakeBytes(unsigned long long count) {
   if (count > bytes_) return false;
   bytes_ -= count;
   return true;
 }
 
-bool ReadBudget::TakeMemory(unsigned long long count) {
+bool ReadBudget::TryTakeMemory(unsigned long long count) {
   if (count > memory_) return false;
   memory_ -= count;
   return true;

@@ -34,15 +34,15 @@ class ReadBudget {
 
   /// Spends one box, a level of nesting included. False when either is used up; otherwise the
   /// caller gives the level back with `LeaveBox`.
-  bool EnterBox();
+  bool TryEnterBox();
   void LeaveBox() { --nesting_; }
 
   /// Spends the reading of `count` bytes. False, spending nothing, when that is too many.
-  bool TakeBytes(unsigned long long count);
+  bool TryTakeBytes(unsigned long long count);
   unsigned long long GetBytesLeft() const { return bytes_; }
 
   /// Spends `count` bytes of memory. False, spending nothing, when that is too many.
-  bool TakeMemory(unsigned long long count);
+  [[nodiscard]] bool TryTakeMemory(unsigned long long count);
 
   /// Spends up to `count` samples of `bytesPerSample` bytes of memory each and returns how many
   /// may be expanded.

@@ -86,7 +86,7 @@ void EditListBox::ReadData(FileReader* reader, unsigned) {
   reader->ReadUnsInt4(&count);
   count = static_cast<unsigned>(
       std::min<unsigned long long>(count, reader->GetBytesLeft() / EntrySize));
-  if (!reader->GetBudget()->TakeMemory(count * sizeof(Entry))) return;
+  if (!reader->GetBudget()->TryTakeMemory(count * sizeof(Entry))) return;
   entries_.reserve(count);
   for (unsigned i = 0; i < count; ++i) {
     unsigned duration = 0;

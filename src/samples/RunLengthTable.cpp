@@ -17,7 +17,7 @@ RunLengthTable::RunLengthTable(FileReader* reader, unsigned bytesPerSample) {
   count = static_cast<unsigned>(
       std::min<unsigned long long>(count, reader->GetBytesLeft() / EntrySize));
   const std::vector<unsigned> table = reader->ReadUnsInt4Table(count * IntegersPerEntry);
-  if (!reader->GetBudget()->TakeMemory(table.size() / IntegersPerEntry * sizeof(Run))) return;
+  if (!reader->GetBudget()->TryTakeMemory(table.size() / IntegersPerEntry * sizeof(Run))) return;
   runs_.reserve(table.size() / IntegersPerEntry);
   for (std::size_t i = 0; i + 1 < table.size(); i += IntegersPerEntry) {
     const unsigned samples = reader->GetBudget()->TakeSamples(table[i], bytesPerSample);

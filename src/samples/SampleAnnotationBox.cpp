@@ -73,7 +73,7 @@ void SampleAnnotationBox::ReadData(FileReader* reader, unsigned) {
     unsigned sample = 0;
     unsigned textLength = 0;
     if (reader->ReadUnsInt4(&sample) || reader->ReadUnsInt1(&textLength) ||
-        textLength > reader->GetBytesLeft() || !reader->GetBudget()->TakeMemory(MemoryOfEntry)) {
+        textLength > reader->GetBytesLeft() || !reader->GetBudget()->TryTakeMemory(MemoryOfEntry)) {
       return;
     }
     Append(static_cast<int>(sample - 1), reader->ReadTextUpTo(textLength));

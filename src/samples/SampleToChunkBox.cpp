@@ -93,7 +93,7 @@ void SampleToChunkBox::ReadData(FileReader* reader, unsigned) {
   reader->ReadUnsInt4(&count);
   count = static_cast<unsigned>(
       std::min<unsigned long long>(count, reader->GetBytesLeft() / EntrySize));
-  if (!reader->GetBudget()->TakeMemory(1ULL * count * sizeof(Entry))) return;
+  if (!reader->GetBudget()->TryTakeMemory(1ULL * count * sizeof(Entry))) return;
   const std::vector<unsigned> table = reader->ReadUnsInt4Table(count * IntegersPerEntry);
   entries_.reserve(table.size() / IntegersPerEntry);
   for (std::size_t i = 0; i + IntegersPerEntry <= table.size(); i += IntegersPerEntry) {

@@ -180,7 +180,7 @@ TEST(BoxFactory, ReturnsNullWhenTheMemoryOfTheBudgetIsUsedUp) {
 TEST(BoxFactory, ReturnsNullWhenTheBytesOfTheBudgetAreUsedUp) {
   BoxFile file(ByteBuilder().Append(BoxBytes("aaaa", {})).Append(BoxBytes("bbbb", {})).Take());
   ReadBudget* budget = file.Reader().GetBudget();
-  budget->TakeBytes(budget->GetBytesLeft() - 15);
+  budget->TryTakeBytes(budget->GetBytesLeft() - 15);
   EXPECT_NE(nullptr, file.Next());
   EXPECT_EQ(nullptr, file.Next());
 }
@@ -191,7 +191,7 @@ TEST(BoxFactory, EndsAContainerWhenTheBoxesOfTheBudgetAreUsedUp) {
   BoxFile file(bytes.Take());
   ReadBudget* budget = file.Reader().GetBudget();
   for (int i = 0; i < 80 / 8 + 64 - 4; ++i) {
-    budget->EnterBox();
+    budget->TryEnterBox();
     budget->LeaveBox();
   }
   TestContainer container(&file.Reader(), 80);

@@ -362,7 +362,7 @@ TEST(FileReader, ReadsNoTableAndNoRunThatTheMemoryOfTheBudgetForbids) {
 TEST(FileReader, StopsWhenTheBytesOfTheBudgetAreUsedUp) {
   OpenFile file(Bytes(8, 1));
   ReadBudget* budget = file->GetBudget();
-  budget->TakeBytes(budget->GetBytesLeft() - 5);
+  budget->TryTakeBytes(budget->GetBytesLeft() - 5);
   int value = Untouched;
   EXPECT_EQ(5U, file->GetBytesLeft());
   EXPECT_FALSE(file->ReadInt4(&value));

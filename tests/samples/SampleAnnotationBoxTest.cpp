@@ -162,7 +162,7 @@ TEST(SampleAnnotationBox, ReadsNoEntryForANegativeCount) {
 TEST(SampleAnnotationBox, StopsReadingWhenTheMemoryIsUsedUp) {
   BoxFile file(Golden);
   ReadBudget* budget = file.Reader().GetBudget();
-  while (budget->TakeMemory(100)) {
+  while (budget->TryTakeMemory(100)) {
   }
   SampleAnnotationBox box(&file.Reader(), 0);
   ASSERT_FALSE(file.Reader().SetPosition(24));

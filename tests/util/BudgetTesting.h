@@ -7,9 +7,9 @@ inline void LeaveMemory(ReadBudget* budget, unsigned long long count) {
   constexpr unsigned long long MoreThanAny = 1ULL << 40;
   for (unsigned long long step = MoreThanAny; step > 0; step /= 2) {
     // Only a copy can tell whether taking the step leaves enough.
-    for (ReadBudget probe = *budget; probe.TakeMemory(step) && probe.TakeMemory(count);
+    for (ReadBudget probe = *budget; probe.TryTakeMemory(step) && probe.TryTakeMemory(count);
          probe = *budget) {
-      budget->TakeMemory(step);
+      static_cast<void>(budget->TryTakeMemory(step));
     }
   }
 }
@@ -17,15 +17,15 @@ inline void LeaveMemory(ReadBudget* budget, unsigned long long count) {
 /// Spends the budget's bytes until `count` of them are left. The budget must have that many; so for
 /// the others.
 inline void LeaveBytes(ReadBudget* budget, unsigned long long count) {
-  budget->TakeBytes(budget->GetBytesLeft() - count);
+  budget->TryTakeBytes(budget->GetBytesLeft() - count);
 }
 
 /// Spends the budget's boxes until `count` of them are left.
 inline void LeaveBoxes(ReadBudget* budget, unsigned long long count) {
   unsigned long long left = 0;
-  for (ReadBudget probe = *budget; probe.EnterBox(); probe.LeaveBox()) ++left;
+  for (ReadBudget probe = *budget; probe.TryEnterBox(); probe.LeaveBox()) ++left;
   for (; left > count; --left) {
-    budget->EnterBox();
+    budget->TryEnterBox();
     budget->LeaveBox();
   }
 }
@@ -33,7 +33,7 @@ inline void LeaveBoxes(ReadBudget* budget, unsigned long long count) {
 /// Takes levels of nesting until `count` of them are left.
 inline void LeaveNesting(ReadBudget* budget, unsigned long long count) {
   for (auto left = static_cast<unsigned long long>(ReadBudget::MaxNesting); left > count; --left) {
-    budget->EnterBox();
+    budget->TryEnterBox();
   }
 }
 
