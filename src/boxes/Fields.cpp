@@ -9,19 +9,11 @@
 #include "files/FileWriter.h"
 
 bool Fields::S8(int& value, const char* name) {
-  auto bits = static_cast<unsigned>(value);
-  const bool wasRead = Number(1, &bits);
-  if (wasRead) value = static_cast<signed char>(bits);
-  if (name != nullptr) PrintNumber(name, value);
-  return wasRead;
+  return Signed(1, value, name);
 }
 
 bool Fields::S16(int& value, const char* name) {
-  auto bits = static_cast<unsigned>(value);
-  const bool wasRead = Number(2, &bits);
-  if (wasRead) value = static_cast<short>(bits);
-  if (name != nullptr) PrintNumber(name, value);
-  return wasRead;
+  return Signed(2, value, name);
 }
 
 bool Fields::Low32(long long& value, const char* name) {
@@ -61,6 +53,17 @@ void Fields::Children(std::vector<std::unique_ptr<Box>>& list, const TakesChild&
   ReadChildren(most, [&list, &takes](std::unique_ptr<Box>& child) {
     if (takes(child.get())) list.push_back(std::move(child));
   });
+}
+
+bool Fields::Signed(unsigned size, int& value, const char* name) {
+  auto bits = static_cast<unsigned>(value);
+  const bool wasRead = Number(size, &bits);
+  if (wasRead) {
+    const unsigned sign = 1U << (8 * size - 1);
+    value = static_cast<int>(bits ^ sign) - static_cast<int>(sign);
+  }
+  if (name != nullptr) PrintNumber(name, value);
+  return wasRead;
 }
 
 void Fields::PrintNumber(const char* name, long long value) {

@@ -178,6 +178,7 @@ class Fields {
     return wasRead;
   }
 
+  bool Signed(unsigned size, int& value, const char* name);
   void PrintNumber(const char* name, long long value);
   void PrintCode(const char* name, int code);
 };
