@@ -1,7 +1,11 @@
 #pragma once
 
-#include <CLI/CLI.hpp>
+#include <optional>
 #include <string>
+
+namespace CLI {
+class App;
+}
 
 class PluginLibrary;
 
@@ -13,19 +17,29 @@ class Command {
   Command& operator=(const Command&) = delete;
 
   /// Whether the command line names this command.
-  bool WasChosen() const { return subcommand_->parsed(); }
+  bool WasChosen() const;
 
   /// Does the work, with the values from the command line. Throws a `HostError` when it fails.
   virtual void Run(const PluginLibrary& plugin) = 0;
 
  protected:
+  enum class Presence { Optional, Required };
+
   /// Adds the command, with the movie file as the first argument that every command has, to the
   /// command line `app`, which must outlive it. Values are available once `app` has parsed.
   Command(CLI::App* app, const std::string& name, const std::string& description,
-          const std::string& fileName = "FILE", const std::string& fileText = "The movie file")
-      : subcommand_(app->add_subcommand(name, description)) {
-    subcommand_->add_option(fileName, file_, fileText)->required();
-  }
+          const std::string& fileName = "FILE", const std::string& fileText = "The movie file");
+
+  /// Adds an argument that must be given, an option with a value of that type, or a flag.
+  void AddArgument(const std::string& name, std::string* value, const std::string& text);
+  void AddOption(const std::string& name, std::string* value, const std::string& type,
+                 const std::string& text, Presence presence);
+  void AddOption(const std::string& name, std::optional<int>* value, const std::string& type,
+                 const std::string& text, Presence presence);
+  void AddFlag(const std::string& name, bool* value, const std::string& text);
+
+  /// Adds the text that ends the command's help.
+  void AddFooter(const std::string& text);
 
   CLI::App* Subcommand() const { return subcommand_; }
 

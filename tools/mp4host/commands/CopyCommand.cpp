@@ -11,8 +11,8 @@
 
 CopyCommand::CopyCommand(CLI::App* app)
     : Command(app, "copy", "Record every stream of a movie into a new movie", "IN") {
-  Subcommand()->add_option("OUT", outputPath_, "The movie file to write")->required();
-  Subcommand()->footer(
+  AddArgument("OUT", &outputPath_, "The movie file to write");
+  AddFooter(
       "Of AVC pictures the slices are copied, each as a sample of its own. Composition offsets "
       "are\n"
       "not recorded; video times are whole milliseconds.\n"

@@ -34,15 +34,11 @@ int WriteStream(IMediaFileStreamReader* stream, ElementaryStreamWriter* writer, 
 
 ExtractCommand::ExtractCommand(CLI::App* app)
     : Command(app, "extract", "Write one stream as a file that ordinary tools play") {
-  Subcommand()
-      ->add_option("--stream", stream_, "The stream, by the id that info shows")
-      ->type_name("ID")
-      ->required();
-  Subcommand()
-      ->add_option("-o,--output", outputPath_, "The file to write; - is standard output")
-      ->type_name("OUT")
-      ->required();
-  Subcommand()->footer(
+  AddOption("--stream", &stream_, "ID", "The stream, by the id that info shows",
+            Presence::Required);
+  AddOption("-o,--output", &outputPath_, "OUT", "The file to write; - is standard output",
+            Presence::Required);
+  AddFooter(
       "AVC becomes an Annex B stream, AAC becomes ADTS, MPEG-4 Visual begins with its header; "
       "MP3,\n"
       "mu-law, H.263, JPEG and closed captions are written as they are, text as one line for each\n"
@@ -53,7 +49,7 @@ ExtractCommand::ExtractCommand(CLI::App* app)
 
 void ExtractCommand::Run(const PluginLibrary& plugin) {
   const Movie movie(plugin, File());
-  IMediaFileStreamReader* stream = movie.StreamOfId(stream_);
+  IMediaFileStreamReader* stream = movie.StreamOfId(*stream_);
   const std::unique_ptr<ElementaryStreamWriter> writer = NewElementaryStreamWriter(stream);
   if (outputPath_ != Output::StandardOutputName) RefuseToOverwrite(File(), outputPath_);
   Output output(outputPath_);

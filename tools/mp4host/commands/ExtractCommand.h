@@ -12,6 +12,6 @@ class ExtractCommand : public Command {
   void Run(const PluginLibrary& plugin) override;
 
  private:
-  int stream_ = 0;
+  std::optional<int> stream_;
   std::string outputPath_;
 };

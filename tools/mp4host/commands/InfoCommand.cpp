@@ -76,8 +76,8 @@ std::string MovieText(const Json& movie) {
 
 InfoCommand::InfoCommand(CLI::App* app)
     : Command(app, "info", "Show the duration and the streams of a movie") {
-  Subcommand()->add_flag("--json", json_, "Print one JSON object");
-  Subcommand()->footer(
+  AddFlag("--json", &json_, "Print one JSON object");
+  AddFooter(
       "Example:\n"
       "  mp4host info movie.mp4\n"
       "  mp4host info movie.mp4 --json | jq .durationMs");

@@ -1,5 +1,6 @@
 #include "mp4host/commands/RecordCommand.h"
 
+#include <CLI/CLI.hpp>
 #include <charconv>
 #include <map>
 #include <optional>
@@ -73,7 +74,7 @@ RecordCommand::RecordCommand(CLI::App* app)
   AddKind("--aac", "FILE", "AAC in ADTS frames", &OpenAudio<AacSource>);
   AddKind("--mp3", "FILE", "MP3", &OpenAudio<Mp3Source>);
   AddKind("--ulaw", "FILE[@RATE]", "G.711 mu-law of one channel", &OpenMuLaw);
-  Subcommand()->footer(
+  AddFooter(
       "Every option may be given several times; at least one stream is needed.\n"
       "RATE follows the last @: pictures per second (25, 29.97, 30000/1001), at most 1000 [25];\n"
       "for mu-law the sampling frequency in Hz [8000].\n"

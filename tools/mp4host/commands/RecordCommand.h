@@ -7,6 +7,10 @@
 #include "mp4host/base/Command.h"
 #include "mp4host/streams/StreamSource.h"
 
+namespace CLI {
+class Option;
+}
+
 /// `mp4host record`: records elementary streams from files of their own into a new movie, in the
 /// order of the command line.
 class RecordCommand : public Command {

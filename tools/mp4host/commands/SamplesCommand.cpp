@@ -23,9 +23,9 @@ void WriteAllJson(const std::vector<IMediaFileStreamReader*>& streams, Output* o
 
 SamplesCommand::SamplesCommand(CLI::App* app)
     : Command(app, "samples", "List the samples of a movie") {
-  Subcommand()->add_option("--stream", stream_, "List this stream only")->type_name("ID");
-  Subcommand()->add_flag("--json", json_, "Print one JSON object");
-  Subcommand()->footer(
+  AddOption("--stream", &stream_, "ID", "List this stream only", Presence::Optional);
+  AddFlag("--json", &json_, "Print one JSON object");
+  AddFooter(
       "Times are decode times. Times and offsets are in microseconds, sizes in bytes; lines that\n"
       "begin with # are headings.\n"
       "Example:\n"

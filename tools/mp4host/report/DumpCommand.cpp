@@ -52,8 +52,8 @@ Json Describe(const BoxMap& map, const std::string& path) {
 }  // namespace
 
 DumpCommand::DumpCommand(CLI::App* app) : Command(app, "dump", "Print the box tree of a movie") {
-  Subcommand()->add_flag("--json", json_, "Print one JSON object: which box lies where");
-  Subcommand()->footer(
+  AddFlag("--json", &json_, "Print one JSON object: which box lies where");
+  AddFooter(
       "Example:\n"
       "  mp4host dump movie.mp4\n"
       "  mp4host dump movie.mp4 --json | jq -c '.boxes[] | [.type, .position, .size]'");

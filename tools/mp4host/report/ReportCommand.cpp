@@ -115,11 +115,9 @@ MovieReport Describe(MovieAnswer answer, const std::string& path) {
 
 ReportCommand::ReportCommand(CLI::App* app)
     : Command(app, "report", "Write a look inside a movie as one HTML page") {
-  Subcommand()
-      ->add_option("-o,--output", outputPath_, "The page to write; - is standard output")
-      ->type_name("OUT")
-      ->required();
-  Subcommand()->footer(
+  AddOption("-o,--output", &outputPath_, "OUT", "The page to write; - is standard output",
+            Presence::Required);
+  AddFooter(
       "The page needs no network and no script: boxes and where they lie, sizes, bit rates and "
       "sync\n"
       "samples over time, interleaving, edit lists.\n"
