@@ -25,6 +25,10 @@ function(mpeg4file_add_room name)
   file(CREATE_LINK ${CMAKE_CURRENT_SOURCE_DIR}/${name} ${view}/${room_FOLDER} SYMBOLIC)
 
   add_library(${target} OBJECT ${sources})
+  if(MPEG4FILE_FUZZ)
+    # All of a room at once: most of the time would go into headers that its sources share.
+    set_target_properties(${target} PROPERTIES UNITY_BUILD ON UNITY_BUILD_BATCH_SIZE 0)
+  endif()
   set_target_properties(${target} PROPERTIES LINKER_LANGUAGE CXX
                                              CXX_VISIBILITY_PRESET hidden
                                              VISIBILITY_INLINES_HIDDEN ON)

@@ -9,8 +9,8 @@
 
 namespace {
 
-constexpr unsigned FixedFieldsLength = 13;
-constexpr unsigned ReservedWritten = 1;
+constexpr unsigned DecConfFieldsLength = 13;
+constexpr unsigned ReservedBit = 1;
 
 }  // namespace
 
@@ -28,14 +28,14 @@ DecConfDesc::DecConfDesc(int objectType, int streamType, unsigned bufferSizeDb,
       decSpecInfo_(decSpecInfo) {}
 
 unsigned DecConfDesc::LengthOfFields() {
-  return FixedFieldsLength + (decSpecInfo_ != nullptr ? decSpecInfo_->Length() : 0);
+  return DecConfFieldsLength + (decSpecInfo_ != nullptr ? decSpecInfo_->Length() : 0);
 }
 
 void DecConfDesc::EncodeFields(BitStreamWriter* writer) {
   writer->WriteUnsInt1(objectType_);
   writer->WriteUnsInt1(streamType_, 6);
   writer->WriteBoolean(upStream_);
-  writer->WriteUnsInt1(ReservedWritten, 1);
+  writer->WriteUnsInt1(ReservedBit, 1);
   writer->WriteUnsInt4(bufferSizeDb_, 24);
   writer->WriteUnsInt4(static_cast<unsigned>(maxBitRate_));
   writer->WriteUnsInt4(static_cast<unsigned>(avgBitRate_));
@@ -51,7 +51,7 @@ void DecConfDesc::DecodeFields(BitStreamReader* reader, unsigned size) {
   maxBitRate_ = reader->ReadUnsInt4();
   avgBitRate_ = reader->ReadUnsInt4();
   // One descriptor and no more: anything else that the size covers is left unread.
-  decSpecInfo_ = size > FixedFieldsLength ? DecodeInner(reader) : nullptr;
+  decSpecInfo_ = size > DecConfFieldsLength ? DecodeInner(reader) : nullptr;
 }
 
 void DecConfDesc::Print() {

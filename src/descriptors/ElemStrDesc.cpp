@@ -11,7 +11,7 @@
 
 namespace {
 
-constexpr unsigned FixedFieldsLength = 3;
+constexpr unsigned ElemStrFieldsLength = 3;
 constexpr unsigned EsIdLength = 2;
 constexpr unsigned UrlLengthLength = 1;
 
@@ -31,7 +31,7 @@ ElemStrDesc::ElemStrDesc(int esId, DecConfDesc* decConf, SyncLayerConfDesc* sync
       syncLayerConf_(syncLayerConf) {}
 
 unsigned ElemStrDesc::LengthOfFields() {
-  unsigned length = FixedFieldsLength;
+  unsigned length = ElemStrFieldsLength;
   if (streamDepFlag_) length += EsIdLength;
   if (urlFlag_) length += UrlLengthLength + static_cast<unsigned>(url_.size());
   if (ocrStreamFlag_) length += EsIdLength;

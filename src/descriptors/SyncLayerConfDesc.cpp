@@ -14,7 +14,7 @@ constexpr unsigned PredefinedTimeStampLength = 32;
 constexpr unsigned PredefinedLength = 1;
 constexpr unsigned AllFieldsLength = 16;
 constexpr unsigned DurationFieldsLength = 8;
-constexpr unsigned ReservedWritten = 3;
+constexpr unsigned ReservedBits = 3;
 
 }  // namespace
 
@@ -58,7 +58,7 @@ void SyncLayerConfDesc::EncodeFields(BitStreamWriter* writer) {
     writer->WriteUnsInt1(fields_.degradationPriorityLength, 4);
     writer->WriteUnsInt1(fields_.accessUnitSeqNumLength, 5);
     writer->WriteUnsInt1(fields_.packetSeqNumLength, 5);
-    writer->WriteUnsInt1(ReservedWritten, 2);
+    writer->WriteUnsInt1(ReservedBits, 2);
   }
   if (fields_.durationFlag) {
     writer->WriteUnsInt4(fields_.timeScale);

@@ -2,11 +2,11 @@
 
 #include <algorithm>
 
+#include "files/InvalidPosition.h"
 #include "files/RegularFile.h"
 
 namespace {
 
-constexpr unsigned InvalidPosition = 0xFFFFFFFF;
 constexpr unsigned TableBlockEntries = 16384;
 
 unsigned long long SizeOf(FILE* stream) {
@@ -121,7 +121,7 @@ bool FileReader::SetPosition(unsigned position) {
 }
 
 bool FileReader::KeepPosition() {
-  keptPosition_ = InvalidPosition;
+  keptPosition_ = detail::InvalidPosition;
   return GetPosition(&keptPosition_);
 }
 

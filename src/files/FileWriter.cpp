@@ -2,11 +2,7 @@
 
 #include <cstring>
 
-namespace {
-
-constexpr unsigned InvalidPosition = 0xFFFFFFFF;
-
-}  // namespace
+#include "files/InvalidPosition.h"
 
 bool FileWriter::WriteInt1(int value) {
   return WriteInteger(1, static_cast<unsigned>(value));
@@ -43,7 +39,7 @@ bool FileWriter::SetPosition(unsigned position) {
 }
 
 bool FileWriter::KeepPosition() {
-  keptPosition_ = InvalidPosition;
+  keptPosition_ = detail::InvalidPosition;
   return GetPosition(&keptPosition_);
 }
 

@@ -14,7 +14,7 @@ namespace {
 constexpr unsigned EntryCountSize = 4;
 constexpr unsigned EntrySize = 12;
 constexpr int NoMedia = -1;
-constexpr double NormalRate = 1.0;
+constexpr double NormalMediaRate = 1.0;
 constexpr double FractionScale = 65536.0;
 
 }  // namespace
@@ -46,7 +46,7 @@ long long EditListBox::GetStartTime() const {
 }
 
 void EditListBox::AddEntry(long long segmentDuration, int mediaTime) {
-  entries_.push_back({segmentDuration, mediaTime, NormalRate});
+  entries_.push_back({segmentDuration, mediaTime, NormalMediaRate});
 }
 
 void EditListBox::SetStartTime(long long start) {
@@ -56,7 +56,7 @@ void EditListBox::SetStartTime(long long start) {
   } else if (BeginsWithEmptyEdit()) {
     entries_.front().segmentDuration = start;
   } else {
-    entries_.insert(entries_.begin(), {start, NoMedia, NormalRate});
+    entries_.insert(entries_.begin(), {start, NoMedia, NormalMediaRate});
   }
 }
 

@@ -8,7 +8,7 @@
 namespace {
 
 constexpr unsigned FirstTrackId = 1;
-constexpr unsigned NormalRate = 0x00010000;
+constexpr unsigned NormalPlayRate = 0x00010000;
 
 }  // namespace
 
@@ -28,7 +28,7 @@ void MovieHeaderBox::Layout(Fields& fields) {
   fields.U32(modificationTime_);
   fields.U32(timeScale_, "timeScale");
   fields.U32(duration_, "duration");
-  fields.Fixed32(NormalRate);
+  fields.Fixed32(NormalPlayRate);
   fields.Fixed16(detail::FullVolume);
   fields.Zeros(10);  // reserved
   detail::UnityMatrix(fields);

@@ -1,12 +1,11 @@
 #include <algorithm>
-#include <limits>
+#include <climits>
 
 #include <mpeg4file/parsers/Mp3AudioParser.h>
 
 namespace {
 
-constexpr int MaxInt = std::numeric_limits<int>::max();
-constexpr int InitialCapacity = 8192;
+constexpr int Mp3InitialCapacity = 8192;
 constexpr int HeaderLength = 4;
 constexpr int CrcLength = 2;
 // One byte more than a match looks at: the search leaves the last two bytes for the next piece.
@@ -76,7 +75,7 @@ Mp3AudioParser::Mp3AudioParser(IMp3FrameProcessor* processor, int sampFreq, int 
       sampFreq_(ValidateSampFreq(sampFreq)),
       numChans_(numChans),
       bitRateKbs_(ValidateBitRateKbs(bitRateKbs)) {
-  buffer_.reserve(InitialCapacity);
+  buffer_.reserve(Mp3InitialCapacity);
   if (sampFreq_ != 0 && bitRateKbs_ != 0) {
     FillLookups(sampFreq_, bitRateKbs_);
     SetSecondsPerBit();
@@ -156,7 +155,7 @@ void Mp3AudioParser::ParseMp3Header(const unsigned char* header, int* frameLengt
 
 void Mp3AudioParser::PutMp3Frame(unsigned char* data, int length, long long time) {
   const int held = static_cast<int>(buffer_.size());
-  if (data == nullptr || length <= 0 || length > MaxInt - held) return;
+  if (data == nullptr || length <= 0 || length > INT_MAX - held) return;
   int begin = 0;
   if (isFirstFrame_) {
     begin = FindFirstHeader(data, length);

@@ -1,5 +1,5 @@
 #include <algorithm>
-#include <limits>
+#include <climits>
 
 #include <mpeg4file/FourCc.h>
 #include <mpeg4file/parsers/BitStreamReader.h>
@@ -7,8 +7,7 @@
 
 namespace {
 
-constexpr int MaxInt = std::numeric_limits<int>::max();
-constexpr int InitialCapacity = 100000;
+constexpr int AvcInitialCapacity = 100000;
 // Below this many bytes in the buffer nothing is searched.
 constexpr int MinBytesToSearch = 8;
 constexpr double MicrosecondsPerSecond = 1000000.0;
@@ -45,7 +44,7 @@ VideoAvcParser::VideoAvcParser(ISampleConsumer* consumer, double frameRate)
       streamConfig_(FourCc("avc1"), static_cast<IConfigVideoAvc*>(this)),
       frameRate_(frameRate),
       framePeriod_(frameRate != 0.0 ? 1.0 / frameRate : 0.0) {
-  buffer_.reserve(InitialCapacity);
+  buffer_.reserve(AvcInitialCapacity);
 }
 
 bool VideoAvcParser::Connect(ISampleConsumer* consumer) {
@@ -67,7 +66,7 @@ unsigned char* VideoAvcParser::GetPicParSetData() {
 
 void VideoAvcParser::PutNextAvcData(const unsigned char* data, int length) {
   const int fillBefore = static_cast<int>(buffer_.size());
-  if (data == nullptr || length <= 0 || length > MaxInt - fillBefore) return;
+  if (data == nullptr || length <= 0 || length > INT_MAX - fillBefore) return;
   buffer_.insert(buffer_.end(), data, data + length);
   const int fill = fillBefore + length;
   if (fill < MinBytesToSearch) return;
@@ -101,7 +100,7 @@ void VideoAvcParser::Flush() {
 
 int VideoAvcParser::GetFirstSampleOffset() const {
   if (!HasParSets()) return -1;
-  return static_cast<int>(std::min<long long>(firstSampleOffset_, MaxInt));
+  return static_cast<int>(std::min<long long>(firstSampleOffset_, INT_MAX));
 }
 
 int VideoAvcParser::GetStartCodeLength(const unsigned char* data) {

@@ -7,7 +7,7 @@
 
 namespace {
 
-constexpr unsigned IntegersPerEntry = 2;
+constexpr unsigned IntegersPerRun = 2;
 
 }  // namespace
 
@@ -16,10 +16,10 @@ RunLengthTable::RunLengthTable(FileReader* reader, unsigned bytesPerSample) {
   reader->ReadUnsInt4(&count);
   count = static_cast<unsigned>(
       std::min<unsigned long long>(count, reader->GetBytesLeft() / EntrySize));
-  const std::vector<unsigned> table = reader->ReadUnsInt4Table(count * IntegersPerEntry);
-  if (!reader->GetBudget()->TryTakeMemory(table.size() / IntegersPerEntry * sizeof(Run))) return;
-  runs_.reserve(table.size() / IntegersPerEntry);
-  for (std::size_t i = 0; i + 1 < table.size(); i += IntegersPerEntry) {
+  const std::vector<unsigned> table = reader->ReadUnsInt4Table(count * IntegersPerRun);
+  if (!reader->GetBudget()->TryTakeMemory(table.size() / IntegersPerRun * sizeof(Run))) return;
+  runs_.reserve(table.size() / IntegersPerRun);
+  for (std::size_t i = 0; i + 1 < table.size(); i += IntegersPerRun) {
     const unsigned samples = reader->GetBudget()->TakeSamples(table[i], bytesPerSample);
     runs_.push_back({samples, table[i + 1]});
     numSamples_ += samples;

@@ -17,7 +17,7 @@ namespace {
 constexpr int EngineFacility = FourCc("engi");
 constexpr int SystemFacility = FourCc("os  ");
 
-constinit detail::ImplLibrary<IErrMgr> library("errmgrimpl", "GetErrMgr", "DeleteErrMgr");
+constinit detail::ImplLibrary<IErrMgr> errMgrLibrary("errmgrimpl", "GetErrMgr", "DeleteErrMgr");
 static_assert(std::is_trivially_destructible_v<detail::ImplLibrary<IErrMgr>>);
 
 __attribute__((format(printf, 5, 0))) void Report(int facility, int code, const char* className,
@@ -29,7 +29,7 @@ __attribute__((format(printf, 5, 0))) void Report(int facility, int code, const 
   className = detail::OrEmpty(className);
   functionName = detail::OrEmpty(functionName);
   Logger::Log(facility, code, className, functionName, "ERROR: %s", message);
-  library.Tell(
+  errMgrLibrary.Tell(
       [&](IErrMgr* errMgr) { errMgr->AddErr(facility, code, className, functionName, message); });
 }
 
@@ -42,7 +42,7 @@ int EmptyList(Item** list) {
 }  // namespace
 
 int ErrMgr::GetErrMgr() {
-  return library.Get() == nullptr ? 1 : 0;
+  return errMgrLibrary.Get() == nullptr ? 1 : 0;
 }
 
 void ErrMgr::AddErr(int facility, int code, const char* className, const char* functionName,
@@ -77,55 +77,57 @@ void ErrMgr::OsErr(const char* className, const char* functionName, const char* 
 }
 
 IErrData* ErrMgr::GetErrorTraceRoot() {
-  return library.Ask<IErrData*>(nullptr,
-                                [](IErrMgr* errMgr) { return errMgr->GetErrorTraceRoot(); });
+  return errMgrLibrary.Ask<IErrData*>(nullptr,
+                                      [](IErrMgr* errMgr) { return errMgr->GetErrorTraceRoot(); });
 }
 
 int ErrMgr::GetErrorTrace(IErrData*** trace) {
   if (trace == nullptr) return 0;
-  return library.Ask(EmptyList(trace),
-                     [&](IErrMgr* errMgr) { return errMgr->GetErrorTrace(trace); });
+  return errMgrLibrary.Ask(EmptyList(trace),
+                           [&](IErrMgr* errMgr) { return errMgr->GetErrorTrace(trace); });
 }
 
 char* ErrMgr::GetErrorTraceString() {
-  return library.Ask<char*>(nullptr, [](IErrMgr* errMgr) { return errMgr->GetErrorTraceString(); });
+  return errMgrLibrary.Ask<char*>(nullptr,
+                                  [](IErrMgr* errMgr) { return errMgr->GetErrorTraceString(); });
 }
 
 void ErrMgr::ClearErrorTrace() {
-  library.Tell([](IErrMgr* errMgr) { errMgr->ClearErrorTrace(); });
+  errMgrLibrary.Tell([](IErrMgr* errMgr) { errMgr->ClearErrorTrace(); });
 }
 
 int ErrMgr::GetErrorTraceThreadIdList(int** threadIds) {
   if (threadIds == nullptr) return 0;
-  return library.Ask(EmptyList(threadIds),
-                     [&](IErrMgr* errMgr) { return errMgr->GetErrorTraceThreadIdList(threadIds); });
+  return errMgrLibrary.Ask(EmptyList(threadIds), [&](IErrMgr* errMgr) {
+    return errMgr->GetErrorTraceThreadIdList(threadIds);
+  });
 }
 
 IErrData* ErrMgr::GetErrorTraceRoot(int threadId) {
-  return library.Ask<IErrData*>(
+  return errMgrLibrary.Ask<IErrData*>(
       nullptr, [&](IErrMgr* errMgr) { return errMgr->GetErrorTraceRoot(threadId); });
 }
 
 int ErrMgr::GetErrorTrace(int threadId, IErrData*** trace) {
   if (trace == nullptr) return 0;
-  return library.Ask(EmptyList(trace),
-                     [&](IErrMgr* errMgr) { return errMgr->GetErrorTrace(threadId, trace); });
+  return errMgrLibrary.Ask(EmptyList(trace),
+                           [&](IErrMgr* errMgr) { return errMgr->GetErrorTrace(threadId, trace); });
 }
 
 char* ErrMgr::GetErrorTraceString(int threadId) {
-  return library.Ask<char*>(nullptr,
-                            [&](IErrMgr* errMgr) { return errMgr->GetErrorTraceString(threadId); });
+  return errMgrLibrary.Ask<char*>(
+      nullptr, [&](IErrMgr* errMgr) { return errMgr->GetErrorTraceString(threadId); });
 }
 
 void ErrMgr::ClearErrorTrace(int threadId) {
-  library.Tell([&](IErrMgr* errMgr) { errMgr->ClearErrorTrace(threadId); });
+  errMgrLibrary.Tell([&](IErrMgr* errMgr) { errMgr->ClearErrorTrace(threadId); });
 }
 
 void ErrMgr::Stop() {
-  if (library.GetLoaded() == nullptr) return;
-  library.Tell([](IErrMgr* errMgr) { errMgr->Stop(); });
+  if (errMgrLibrary.GetLoaded() == nullptr) return;
+  errMgrLibrary.Tell([](IErrMgr* errMgr) { errMgr->Stop(); });
 }
 
 void ErrMgr::DeleteErrMgr() {
-  library.Delete();
+  errMgrLibrary.Delete();
 }

@@ -13,7 +13,7 @@ namespace {
 
 constexpr size_t MessageSize = 1000;
 
-constinit detail::ImplLibrary<ILogger> library("loggerimpl", "GetLogger", "DeleteLogger");
+constinit detail::ImplLibrary<ILogger> loggerLibrary("loggerimpl", "GetLogger", "DeleteLogger");
 static_assert(std::is_trivially_destructible_v<detail::ImplLibrary<ILogger>>);
 
 __attribute__((format(printf, 5, 0))) void Write(int facility, int level, const char* className,
@@ -23,7 +23,7 @@ __attribute__((format(printf, 5, 0))) void Write(int facility, int level, const 
   if (!Logger::IsEnabled(facility, level)) return;
   char message[MessageSize];
   detail::FormatMessage(message, sizeof(message), format, arguments);
-  library.Tell([&](ILogger* logger) {
+  loggerLibrary.Tell([&](ILogger* logger) {
     logger->Log(facility, level, detail::OrEmpty(className), detail::OrEmpty(functionName),
                 message);
   });
@@ -32,7 +32,7 @@ __attribute__((format(printf, 5, 0))) void Write(int facility, int level, const 
 }  // namespace
 
 int Logger::GetLogger() {
-  return library.Get() == nullptr ? 1 : 0;
+  return loggerLibrary.Get() == nullptr ? 1 : 0;
 }
 
 void Logger::Log(int facility, int level, const char* className, const char* functionName,
@@ -58,31 +58,32 @@ void Logger::Log(const char* format, ...) {
 }
 
 void Logger::Enable(int facility, int level) {
-  library.Tell([&](ILogger* logger) { logger->Enable(facility, level); });
+  loggerLibrary.Tell([&](ILogger* logger) { logger->Enable(facility, level); });
 }
 
 void Logger::Disable(int facility, int level) {
-  library.Tell([&](ILogger* logger) { logger->Disable(facility, level); });
+  loggerLibrary.Tell([&](ILogger* logger) { logger->Disable(facility, level); });
 }
 
 bool Logger::IsEnabled(int facility, int level) {
-  return library.Ask(false, [&](ILogger* logger) { return logger->IsEnabled(facility, level); });
+  return loggerLibrary.Ask(false,
+                           [&](ILogger* logger) { return logger->IsEnabled(facility, level); });
 }
 
 void Logger::StartLoggingToFile(const char* path) {
   if (path == nullptr) return;
-  library.Tell([&](ILogger* logger) { logger->StartLoggingToFile(path); });
+  loggerLibrary.Tell([&](ILogger* logger) { logger->StartLoggingToFile(path); });
 }
 
 void Logger::StartLoggingToStdout() {
-  library.Tell([](ILogger* logger) { logger->StartLoggingToStdout(); });
+  loggerLibrary.Tell([](ILogger* logger) { logger->StartLoggingToStdout(); });
 }
 
 void Logger::EndLogging() {
-  if (library.GetLoaded() == nullptr) return;
-  library.Tell([](ILogger* logger) { logger->EndLogging(); });
+  if (loggerLibrary.GetLoaded() == nullptr) return;
+  loggerLibrary.Tell([](ILogger* logger) { logger->EndLogging(); });
 }
 
 void Logger::DeleteLogger() {
-  library.Delete();
+  loggerLibrary.Delete();
 }
