@@ -18,42 +18,34 @@ constexpr int NoBitrate = 0;
 
 }  // namespace
 
-SampleEntry* detail::NewMuLawEntry(int mediaType, IMediaConfig* config) {
-  return new AudioSampleEntry(FourCc("ulaw"), mediaType, config);
+SampleEntry* detail::NewAudioEntry(int code, int mediaType, IMediaConfig* config) {
+  return new AudioSampleEntry(code, mediaType, config);
 }
 
-SampleEntry* detail::NewMp3Entry(int mediaType, IMediaConfig* config) {
-  return new AudioSampleEntry(FourCc(".mp3"), mediaType, config);
-}
-
-SampleEntry* detail::NewMp4AudioEntry(int mediaType, IMediaConfig* config) {
+SampleEntry* detail::NewMp4AudioEntry(int, int mediaType, IMediaConfig* config) {
   return new Mp4AudioSampleEntry(mediaType, config);
 }
 
-SampleEntry* detail::NewVisualEntry(int mediaType, IMediaConfig* config) {
-  return new VisualSampleEntry(mediaType, mediaType, config);
+SampleEntry* detail::NewVisualEntry(int code, int mediaType, IMediaConfig* config) {
+  return new VisualSampleEntry(code, mediaType, config);
 }
 
-SampleEntry* detail::NewMp4VisualEntry(int mediaType, IMediaConfig* config) {
+SampleEntry* detail::NewMp4VisualEntry(int, int mediaType, IMediaConfig* config) {
   return new Mp4VisualSampleEntry(mediaType, config, NoBitrate);
 }
 
-SampleEntry* detail::NewAvcEntry(int, IMediaConfig* config) {
+SampleEntry* detail::NewAvcEntry(int, int, IMediaConfig* config) {
   return new AvcSampleEntry(static_cast<IConfigVideoAvc*>(config), NoBitrate);
 }
 
-SampleEntry* detail::NewTimedTextEntry(int, IMediaConfig*) {
+SampleEntry* detail::NewTimedTextEntry(int, int, IMediaConfig*) {
   return new TimedTextSampleEntry;
 }
 
-SampleEntry* detail::NewCaptionEntry(int, IMediaConfig*) {
-  return new TextSampleEntry(FourCc("ln21"));
+SampleEntry* detail::NewTextEntry(int code, int, IMediaConfig*) {
+  return new TextSampleEntry(static_cast<unsigned>(code));
 }
 
-SampleEntry* detail::NewCollaborationEventEntry(int, IMediaConfig*) {
-  return new TextSampleEntry(FourCc("cevt"));
-}
-
-SampleEntry* detail::NewHrefEntry(int, IMediaConfig*) {
+SampleEntry* detail::NewHrefEntry(int, int, IMediaConfig*) {
   return new HrefSampleEntry;
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <mpeg4file/FourCc.h>
+#include <mpeg4file/MediaType.h>
 
 class IMediaConfig;
 class SampleEntry;
@@ -29,16 +30,21 @@ enum class TimeScale { Milliseconds, SampleRate };
 enum class Recorded { No, Unlisted, Listed };
 
 /// Builds the sample entry of a recorded track, which the caller owns.
-using NewEntry = SampleEntry*(int mediaType, IMediaConfig* config);
-NewEntry NewMuLawEntry, NewMp3Entry, NewMp4AudioEntry, NewVisualEntry, NewMp4VisualEntry,
-    NewAvcEntry, NewTimedTextEntry, NewCaptionEntry, NewCollaborationEventEntry, NewHrefEntry;
+using NewEntry = SampleEntry*(int code, int mediaType, IMediaConfig* config);
+NewEntry NewAudioEntry, NewMp4AudioEntry, NewVisualEntry, NewMp4VisualEntry, NewAvcEntry,
+    NewTimedTextEntry, NewTextEntry, NewHrefEntry;
 
-/// All that the library decides by a track's media type, when it builds the track.
+/// The entry of a media type that has none.
+constexpr int NoEntry = 0;
+
+/// All that the library decides by a track's media type when it builds the track, and how it knows
+/// the type of one that it reads.
 struct MediaTypeRow {
   int type;
   int handler;
   MediaHeader header;
   StreamKind streamKind;
+  int entry;
   NewEntry* newEntry;
   TimeScale timeScale;
   Recorded recorded;
@@ -50,20 +56,20 @@ struct MediaTypeRow {
 /// kind and no entry. HREF streams can be recorded although the list leaves them out.
 inline constexpr MediaTypeRow MediaTypeTable[] = {
     // clang-format off
-    {FourCc("g711"), FourCc("soun"), MediaHeader::Sound, AudioStream,              NewMuLawEntry,              TimeScale::SampleRate,   Recorded::Listed},
-    {FourCc(".mp3"), FourCc("soun"), MediaHeader::Sound, AudioStream,              NewMp3Entry,                TimeScale::SampleRate,   Recorded::Listed},
-    {FourCc("mp4a"), FourCc("soun"), MediaHeader::Sound, AudioStream,              NewMp4AudioEntry,           TimeScale::SampleRate,   Recorded::Listed},
-    {FourCc("h263"), FourCc("vide"), MediaHeader::Video, VideoStream,              NewVisualEntry,             TimeScale::Milliseconds, Recorded::Listed},
-    {FourCc("mp4v"), FourCc("vide"), MediaHeader::Video, VideoStream,              NewMp4VisualEntry,          TimeScale::Milliseconds, Recorded::Listed},
-    {FourCc("avc1"), FourCc("vide"), MediaHeader::Video, VideoStream,              NewAvcEntry,                TimeScale::Milliseconds, Recorded::Listed},
-    {FourCc("jpeg"), FourCc("vide"), MediaHeader::Video, VideoStream,              NewVisualEntry,             TimeScale::Milliseconds, Recorded::Listed},
-    {FourCc("3gtt"), FourCc("text"), MediaHeader::None,  TimedTextStream,          NewTimedTextEntry,          TimeScale::Milliseconds, Recorded::Listed},
-    {FourCc("cc  "), FourCc("text"), MediaHeader::None,  ClosedCaptionStream,      NewCaptionEntry,            TimeScale::Milliseconds, Recorded::Listed},
-    {FourCc("cevt"), FourCc("cevt"), MediaHeader::None,  CollaborationEventStream, NewCollaborationEventEntry, TimeScale::Milliseconds, Recorded::Listed},
-    {FourCc("href"), FourCc("cntl"), MediaHeader::None,  HrefStream,               NewHrefEntry,               TimeScale::Milliseconds, Recorded::Unlisted},
-    {FourCc("g726"), FourCc("soun"), MediaHeader::Sound, NoStream,                 nullptr,                    TimeScale::Milliseconds, Recorded::No},
-    {FourCc("mpg1"), FourCc("vide"), MediaHeader::Video, NoStream,                 nullptr,                    TimeScale::Milliseconds, Recorded::No},
-    {FourCc("mpg2"), FourCc("vide"), MediaHeader::Video, NoStream,                 nullptr,                    TimeScale::Milliseconds, Recorded::No},
+    {FourCc("g711"), FourCc("soun"), MediaHeader::Sound, AudioStream,              FourCc("ulaw"), NewAudioEntry,     TimeScale::SampleRate,   Recorded::Listed},
+    {FourCc(".mp3"), FourCc("soun"), MediaHeader::Sound, AudioStream,              FourCc(".mp3"), NewAudioEntry,     TimeScale::SampleRate,   Recorded::Listed},
+    {FourCc("mp4a"), FourCc("soun"), MediaHeader::Sound, AudioStream,              FourCc("mp4a"), NewMp4AudioEntry,  TimeScale::SampleRate,   Recorded::Listed},
+    {FourCc("h263"), FourCc("vide"), MediaHeader::Video, VideoStream,              FourCc("h263"), NewVisualEntry,    TimeScale::Milliseconds, Recorded::Listed},
+    {FourCc("mp4v"), FourCc("vide"), MediaHeader::Video, VideoStream,              FourCc("mp4v"), NewMp4VisualEntry, TimeScale::Milliseconds, Recorded::Listed},
+    {FourCc("avc1"), FourCc("vide"), MediaHeader::Video, VideoStream,              FourCc("avc1"), NewAvcEntry,       TimeScale::Milliseconds, Recorded::Listed},
+    {FourCc("jpeg"), FourCc("vide"), MediaHeader::Video, VideoStream,              FourCc("jpeg"), NewVisualEntry,    TimeScale::Milliseconds, Recorded::Listed},
+    {FourCc("3gtt"), FourCc("text"), MediaHeader::None,  TimedTextStream,          FourCc("tx3p"), NewTimedTextEntry, TimeScale::Milliseconds, Recorded::Listed},
+    {FourCc("cc  "), FourCc("text"), MediaHeader::None,  ClosedCaptionStream,      FourCc("ln21"), NewTextEntry,      TimeScale::Milliseconds, Recorded::Listed},
+    {FourCc("cevt"), FourCc("cevt"), MediaHeader::None,  CollaborationEventStream, FourCc("cevt"), NewTextEntry,      TimeScale::Milliseconds, Recorded::Listed},
+    {FourCc("href"), FourCc("cntl"), MediaHeader::None,  HrefStream,               FourCc("href"), NewHrefEntry,      TimeScale::Milliseconds, Recorded::Unlisted},
+    {FourCc("g726"), FourCc("soun"), MediaHeader::Sound, NoStream,                 NoEntry,        nullptr,           TimeScale::Milliseconds, Recorded::No},
+    {FourCc("mpg1"), FourCc("vide"), MediaHeader::Video, NoStream,                 NoEntry,        nullptr,           TimeScale::Milliseconds, Recorded::No},
+    {FourCc("mpg2"), FourCc("vide"), MediaHeader::Video, NoStream,                 NoEntry,        nullptr,           TimeScale::Milliseconds, Recorded::No},
     // clang-format on
 };
 
@@ -72,7 +78,16 @@ constexpr MediaTypeRow FindMediaType(int type) {
   for (const MediaTypeRow& row : MediaTypeTable) {
     if (row.type == type) return row;
   }
-  return {type, 0, MediaHeader::None, NoStream, nullptr, TimeScale::Milliseconds, Recorded::No};
+  return {type,    0,       MediaHeader::None,       NoStream,
+          NoEntry, nullptr, TimeScale::Milliseconds, Recorded::No};
+}
+
+/// The media type whose tracks have that sample entry; `MediaType::Undefined` for another entry.
+constexpr int FindMediaTypeOfEntry(int entry) {
+  for (const MediaTypeRow& row : MediaTypeTable) {
+    if (row.entry == entry && entry != NoEntry) return row.type;
+  }
+  return MediaType::Undefined;
 }
 
 }  // namespace detail

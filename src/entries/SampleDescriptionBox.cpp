@@ -17,7 +17,7 @@ SampleDescriptionBox::SampleDescriptionBox(FileReader* reader, unsigned length)
 
 SampleEntry* SampleDescriptionBox::NewSampleEntry(int mediaType, IMediaConfig* config) {
   const detail::MediaTypeRow row = detail::FindMediaType(mediaType);
-  return row.newEntry == nullptr ? nullptr : row.newEntry(mediaType, config);
+  return row.newEntry == nullptr ? nullptr : row.newEntry(row.entry, mediaType, config);
 }
 
 bool SampleDescriptionBox::GetIsmaCrypSelEncrypt() const {

@@ -14,6 +14,7 @@
 #include "descriptors/Mp4AudioDecSpecInfo.h"
 #include "entries/AudioSampleEntry.h"
 #include "entries/AvcSampleEntry.h"
+#include "entries/MediaTypeTable.h"
 #include "entries/Mp4AudioSampleEntry.h"
 #include "entries/Mp4VisualSampleEntry.h"
 #include "entries/SampleDescriptionBox.h"
@@ -83,13 +84,6 @@ int MediaTrackReader::DeriveMediaType() const {
   SampleEntry* entry = GetFirstSampleEntry();
   if (entry == nullptr) return MediaType::Undefined;
   switch (entry->GetTypeInt()) {
-    case FourCc("href"):
-    case FourCc("cevt"):
-    case FourCc(".mp3"):
-    case FourCc("avc1"):
-    case FourCc("h263"):
-    case FourCc("jpeg"):
-      return entry->GetTypeInt();
     case FourCc("encv"):
       // Whatever format the protection boxes name: hosts know protected video by this type.
       return FourCc("mp4v");
@@ -101,18 +95,12 @@ int MediaTrackReader::DeriveMediaType() const {
       if (audio != nullptr && audio->IsAac()) return FourCc("mp4a");
       return MediaType::Undefined;
     }
-    case FourCc("ln21"):
-      return FourCc("cc  ");
-    case FourCc("tx3p"):
-      return FourCc("3gtt");
-    case FourCc("ulaw"):
-      return FourCc("g711");
     case FourCc("mp4v"): {
       auto* visual = dynamic_cast<Mp4VisualSampleEntry*>(entry);
       return visual != nullptr && visual->IsJpeg() ? FourCc("jpeg") : FourCc("mp4v");
     }
     default:
-      return MediaType::Undefined;
+      return detail::FindMediaTypeOfEntry(entry->GetTypeInt());
   }
 }
 

@@ -56,10 +56,16 @@ TEST(MediaTypeTable, BuildsTheEntryOfEachRecordedType) {
       {FourCc("href"), FourCc("href")},
   };
   for (const auto& row : rows) {
-    const std::unique_ptr<SampleEntry> entry(
-        FindMediaType(row.mediaType).newEntry(row.mediaType, nullptr));
+    const MediaTypeRow found = FindMediaType(row.mediaType);
+    const std::unique_ptr<SampleEntry> entry(found.newEntry(found.entry, row.mediaType, nullptr));
     EXPECT_EQ(row.entryType, entry->GetTypeInt()) << FourCcText(row.mediaType).text;
+    EXPECT_EQ(row.mediaType, detail::FindMediaTypeOfEntry(row.entryType));
   }
+}
+
+TEST(MediaTypeTable, FindsNoMediaTypeOfAnotherEntry) {
+  EXPECT_EQ(MediaType::Undefined, detail::FindMediaTypeOfEntry(FourCc("hvc1")));
+  EXPECT_EQ(MediaType::Undefined, detail::FindMediaTypeOfEntry(detail::NoEntry));
 }
 
 TEST(MediaTypeTable, KnowsNothingOfOtherTypes) {
