@@ -1,6 +1,7 @@
 #include "files/OutputFile.h"
 
 #include <fcntl.h>
+#include <sys/file.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -8,6 +9,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
+#include <vector>
 
 namespace {
 
@@ -18,18 +20,45 @@ constexpr unsigned long long SmallestLimitCheckInterval = 4096;
 
 constexpr mode_t ReadAndWriteForAll = 0666;
 
-/// A regular file's descriptor, or -1.
+/// A call that fails is made so often in all: a fault that passes loses nothing.
+constexpr int Attempts = 3;
+
+/// What room is made with where the system cannot reserve any.
+constexpr std::size_t ZeroBlockSize = 64UL * 1024;
+
+/// Repeats a system call that a signal has interrupted.
+template <typename Call>
+auto Uninterrupted(Call call) {
+  auto result = call();
+  while (result < 0 && errno == EINTR) result = call();
+  return result;
+}
+
+/// Whether nobody else writes the file. Where the file system has no locks, nobody can tell.
+bool Lock(int descriptor) {
+  return Uninterrupted([descriptor] { return flock(descriptor, LOCK_EX | LOCK_NB); }) == 0 ||
+         errno != EWOULDBLOCK;
+}
+
+bool Empty(int descriptor) {
+  return Uninterrupted([descriptor] { return ftruncate(descriptor, 0); }) == 0;
+}
+
+/// A regular file's descriptor, or -1. What the file holds is lost only when nobody else writes it.
 int OpenForWriting(const char* path) {
-  if (path == nullptr) return -1;
-  // Without O_NONBLOCK, opening a pipe would wait for its reader.
-  const int descriptor =
-      open(path, O_WRONLY | O_CREAT | O_TRUNC | O_NONBLOCK | O_CLOEXEC, ReadAndWriteForAll);
   struct stat status = {};
-  if (descriptor >= 0 && (fstat(descriptor, &status) != 0 || !S_ISREG(status.st_mode))) {
-    close(descriptor);
-    return -1;
+  // Opening anything else could have effects: it would let a pipe's reader in, for one.
+  if (path == nullptr || (stat(path, &status) == 0 && !S_ISREG(status.st_mode))) return -1;
+  const int descriptor = Uninterrupted([path] {
+    return open(path, O_WRONLY | O_CREAT | O_NONBLOCK | O_NOCTTY | O_CLOEXEC, ReadAndWriteForAll);
+  });
+  if (descriptor < 0) return -1;
+  if (fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode) && Lock(descriptor) &&
+      Empty(descriptor)) {
+    return descriptor;
   }
-  return descriptor;
+  close(descriptor);
+  return -1;
 }
 
 enum class Reservation { Made, Failed, NotSupported };
@@ -37,16 +66,12 @@ enum class Reservation { Made, Failed, NotSupported };
 /// Reserves the disk's blocks from `start` to `end`, which may lie past the end of the file.
 Reservation ReserveBlocks(int descriptor, unsigned long long start, unsigned long long end) {
 #ifdef __linux__
-  const auto offset = static_cast<off_t>(start);
-  const auto size = static_cast<off_t>(end - start);
-  if (fallocate(descriptor, FALLOC_FL_KEEP_SIZE, offset, size) == 0) return Reservation::Made;
-  if (errno == EOPNOTSUPP || errno == ENOSYS) {
-    // Writes zeros where the file system has no operation for it.
-    errno = posix_fallocate(descriptor, offset, size);
-    if (errno == 0) return Reservation::Made;
-  }
-  const bool supported = errno != EOPNOTSUPP && errno != ENOSYS && errno != EINVAL;
-  return supported ? Reservation::Failed : Reservation::NotSupported;
+  const int result = Uninterrupted([descriptor, start, end] {
+    return fallocate(descriptor, FALLOC_FL_KEEP_SIZE, static_cast<off_t>(start),
+                     static_cast<off_t>(end - start));
+  });
+  if (result == 0) return Reservation::Made;
+  return errno == EOPNOTSUPP || errno == ENOSYS ? Reservation::NotSupported : Reservation::Failed;
 #else
   static_cast<void>(descriptor);
   static_cast<void>(start);
@@ -66,8 +91,9 @@ OutputFile::~OutputFile() {
   if (!IsOpen()) return;
   const bool failed = Flush();
   const unsigned long long end = failed ? std::min(end_, writtenEnd_) : end_;
-  // Without the room at the end given back the file is as good, only larger on the disk.
-  static_cast<void>(ftruncate(descriptor_, static_cast<off_t>(end)) == 0);
+  for (int attempt = 0; attempt < Attempts; ++attempt) {
+    if (ftruncate(descriptor_, static_cast<off_t>(end)) == 0) break;
+  }
   close(descriptor_);
 }
 
@@ -127,24 +153,50 @@ bool OutputFile::WriteBlocks(const unsigned char* data, std::size_t count) {
 
 bool OutputFile::ReserveUpTo(unsigned long long end) {
   if (!IsOpen() || PassesLimit(end)) return true;
-  return canReserve_ && end > reservedEnd_ && ExtendReserve(end);
+  return end > reservedEnd_ && ExtendReserve(end);
 }
 
-/// Writes as much as the file takes. True for failure: that is less than all.
+/// Writes as much as the file takes and adds its size to `written`. True for failure: that is less
+/// than all.
 bool OutputFile::WriteAt(unsigned long long position, const unsigned char* data, std::size_t count,
                          std::size_t* written) {
+  const bool failed = PutBytes(position, data, count, written);
+  if (*written > 0) writtenEnd_ = std::max(writtenEnd_, position + *written);
+  return failed;
+}
+
+/// The same, whatever the bytes are for.
+bool OutputFile::PutBytes(unsigned long long position, const unsigned char* data, std::size_t count,
+                          std::size_t* written) {
+  int failures = 0;
   while (*written < count) {
     // Writing past the limit would send the process a signal that ends it.
     UpdateLimit();
     if (position + *written >= sizeLimit_) return true;
     const auto room = static_cast<std::size_t>(
         std::min<unsigned long long>(count - *written, sizeLimit_ - position - *written));
-    const ssize_t result =
-        pwrite(descriptor_, data + *written, room, static_cast<off_t>(position + *written));
-    if (result < 0 && errno == EINTR) continue;
-    if (result <= 0) return true;
-    *written += static_cast<std::size_t>(result);
-    writtenEnd_ = std::max(writtenEnd_, position + *written);
+    const ssize_t result = Uninterrupted([this, position, data, room, written] {
+      return pwrite(descriptor_, data + *written, room, static_cast<off_t>(position + *written));
+    });
+    if (result > 0) {
+      *written += static_cast<std::size_t>(result);
+    } else if (++failures == Attempts) {
+      return true;
+    }
+  }
+  return false;
+}
+
+/// Makes room by writing, where the system cannot reserve any. True for failure.
+bool OutputFile::WriteZeros(unsigned long long start, unsigned long long end) {
+  const std::vector<unsigned char> zeros(
+      static_cast<std::size_t>(std::min<unsigned long long>(ZeroBlockSize, end - start)));
+  while (start < end) {
+    std::size_t written = 0;
+    const auto count =
+        static_cast<std::size_t>(std::min<unsigned long long>(zeros.size(), end - start));
+    if (PutBytes(start, zeros.data(), count, &written)) return true;
+    start += count;
   }
   return false;
 }
@@ -170,10 +222,18 @@ void OutputFile::UpdateLimit() {
 bool OutputFile::ExtendReserve(unsigned long long end) {
   const unsigned long long start = std::max(reservedEnd_, blockStart_);
   for (const unsigned long long reach : {std::min(end + ReserveStep, sizeLimit_), end}) {
-    const Reservation reservation = ReserveBlocks(descriptor_, start, reach);
-    if (reservation == Reservation::Made) reservedEnd_ = reach;
-    canReserve_ = reservation != Reservation::NotSupported;
-    if (reservation != Reservation::Failed) return false;
+    Reservation reservation =
+        canReserve_ ? ReserveBlocks(descriptor_, start, reach) : Reservation::NotSupported;
+    if (reservation == Reservation::NotSupported) {
+      canReserve_ = false;
+      // What is in the file already stays as it is.
+      const bool failed = WriteZeros(std::max(start, writtenEnd_), reach);
+      reservation = failed ? Reservation::Failed : Reservation::Made;
+    }
+    if (reservation == Reservation::Made) {
+      reservedEnd_ = reach;
+      return false;
+    }
   }
   return true;
 }

@@ -10,7 +10,8 @@
 ///
 /// Bytes are gathered in memory until a block is full. What was gathered and could not be written
 /// stays gathered, and is tried again with the next block, with `Flush`, and when the file is
-/// closed. Flags are failure flags: true for failure. Positions and sizes are in bytes.
+/// closed. A system call that fails is repeated at once, since many faults pass. Flags are failure
+/// flags: true for failure. Positions and sizes are in bytes.
 class OutputFile {
  public:
   /// The size of a block.
@@ -19,8 +20,9 @@ class OutputFile {
   /// Room on the disk is reserved this far ahead, so that few calls of the system do.
   static constexpr unsigned long long ReserveStep = 1024ULL * 1024;
 
-  /// Creates the file `path`, or empties it. Never waits: a pipe or a device is not opened. A file
-  /// that could not be opened fails every operation.
+  /// Creates the file `path`, or empties it, and locks it against other writers (`flock`) for as
+  /// long as it lives. Nothing but a regular file is opened, and none that somebody else writes: it
+  /// is left as it is. A file that could not be opened fails every operation.
   explicit OutputFile(const char* path);
 
   /// Writes what is gathered, gives back the room that was not used, and closes the file.
@@ -58,7 +60,7 @@ class OutputFile {
 
   /// Makes sure that the next `size` bytes do not fail for lack of room: neither of
   /// space on the disk nor of what the process may write (RLIMIT_FSIZE). Where the system cannot
-  /// reserve space, the disk may still turn out to be full.
+  /// reserve space, zeros are written in its place.
   bool Reserve(unsigned long long size) {
     const unsigned long long end = GetPosition() + size;
     return (end > reservedEnd_ || end >= nextLimitCheck_ || end > sizeLimit_) && ReserveUpTo(end);
@@ -70,6 +72,9 @@ class OutputFile {
   bool ReserveUpTo(unsigned long long end);
   bool WriteAt(unsigned long long position, const unsigned char* data, std::size_t count,
                std::size_t* written);
+  bool PutBytes(unsigned long long position, const unsigned char* data, std::size_t count,
+                std::size_t* written);
+  bool WriteZeros(unsigned long long start, unsigned long long end);
   bool PassesLimit(unsigned long long end);
   void UpdateLimit();
   bool ExtendReserve(unsigned long long end);

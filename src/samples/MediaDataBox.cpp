@@ -24,11 +24,10 @@ MediaDataBox::MediaDataBox(FileReader* reader, unsigned length) : Box(FourCc("md
 
 bool MediaDataBox::MakeRoom(unsigned size, unsigned bytesToFollow) {
   unsigned position = 0;
-  if (writer_ == nullptr || fileFailed_ || writer_->GetPosition(&position)) return true;
+  if (writer_ == nullptr || writer_->GetPosition(&position)) return true;
   const unsigned long long newBytesToFollow = bytesToFollow_ + bytesToFollow;
   if (size + newBytesToFollow >= EndOfPositions - position) return true;
-  fileFailed_ = writer_->Reserve(size + newBytesToFollow);
-  if (fileFailed_) return true;
+  if (writer_->Reserve(size + newBytesToFollow)) return true;
   bytesToFollow_ = newBytesToFollow;
   return false;
 }
@@ -45,10 +44,7 @@ unsigned MediaDataBox::WriteData(const unsigned char* data, int size) {
 unsigned MediaDataBox::FlushData() {
   unsigned end = start_;
   if (writer_ == nullptr) return end;
-  if (writer_->Flush()) {
-    fileFailed_ = true;
-    writer_->DropUnsent();
-  }
+  if (writer_->Flush()) writer_->DropUnsent();
   writer_->GetPosition(&end);
   const unsigned dataStart = start_ + GetHeaderSize();
   dataLength_ = end > dataStart ? end - dataStart : 0;

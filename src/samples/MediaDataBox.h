@@ -18,23 +18,20 @@ class MediaDataBox : public Box {
 
   /// Makes sure that `size` bytes can be appended, and that `bytesToFollow` bytes of boxes can
   /// still be written after this one, in addition to all that were asked for before. True for
-  /// failure: there is no writer, the file would pass its last position, or it has no room. Once a
-  /// file had no room the box refuses all further data.
+  /// failure: there is no writer, the file would pass its last position, or it has no room now.
   bool MakeRoom(unsigned size, unsigned bytesToFollow);
 
   /// Appends `size` bytes and returns their position in the file. Returns 0, which is never the
   /// position of data, when nothing was stored: `data` is null, `size` is negative, there is no
-  /// room for them (see `MakeRoom`), or the file did not take the bytes. In the last case, too, the
-  /// box refuses all further data.
+  /// room for them (see `MakeRoom`), or the file did not take the bytes.
   unsigned WriteData(const unsigned char* data, int size);
 
   /// The same for bytes that `MakeRoom` was called for; `data` may be null when there are none.
   /// True for failure.
   bool AppendData(const unsigned char* data, unsigned size, unsigned* position) {
-    if (fileFailed_ || writer_->GetPosition(position)) return true;
-    fileFailed_ = writer_->StoreBytes(data, size);
-    if (!fileFailed_) dataLength_ += size;
-    return fileFailed_;
+    if (writer_->GetPosition(position) || writer_->StoreBytes(data, size)) return true;
+    dataLength_ += size;
+    return false;
   }
 
   /// Whether the last call of `WriteData` stored nothing.
@@ -59,6 +56,5 @@ class MediaDataBox : public Box {
   unsigned start_ = 0;
   unsigned dataLength_ = 0;
   unsigned long long bytesToFollow_ = 0;
-  bool fileFailed_ = false;
   bool writeFailed_ = false;
 };

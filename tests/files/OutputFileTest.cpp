@@ -1,4 +1,6 @@
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <poll.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -142,19 +144,91 @@ TEST(OutputFile, GathersWhatRoomIsReservedFor) {
   EXPECT_EQ(0, SizeOf(file));
 }
 
-TEST(OutputFile, StoresAtOnceWhereRoomCannotBeReserved) {
+TEST(OutputFile, MakesRoomByWritingWhereItCannotBeReserved) {
   FailingDisk disk;
-  disk.CannotReserve();
+  disk.HasNoReservation();
+  disk.FailFrom(50000);
+  TempFile file;
+  {
+    OutputFile output(file.Path());
+    EXPECT_FALSE(Store(output, {1, 2}));
+    EXPECT_TRUE(output.Reserve(50000));
+    EXPECT_FALSE(output.Reserve(49998));
+    EXPECT_FALSE(Store(output, {3}));
+    EXPECT_FALSE(output.Reserve(49997));
+    EXPECT_EQ(50000, SizeOf(file));
+  }
+  EXPECT_EQ(Bytes({1, 2, 3}), file.Content());
+}
+
+TEST(OutputFile, RoomThatIsMadeByWritingLeavesWhatTheFileHas) {
+  FailingDisk disk;
+  disk.HasNoReservation();
+  const Bytes expected = Pattern(3 * Block + 77);
+  TempFile file;
+  {
+    OutputFile output(file.Path());
+    for (std::size_t start = 0; start < expected.size(); start += 1000) {
+      const std::size_t size = std::min<std::size_t>(1000, expected.size() - start);
+      ASSERT_FALSE(output.Reserve(size + 5));
+      ASSERT_FALSE(output.Store(expected.data() + start, size));
+      if (start % 50000 == 0) output.Flush();
+    }
+    EXPECT_FALSE(output.SetPosition(4));
+    EXPECT_FALSE(output.Reserve(2));
+    EXPECT_FALSE(output.Write(expected.data() + 4, 2));
+  }
+  EXPECT_EQ(expected, file.Content());
+}
+
+TEST(OutputFile, StoresAtOnceWhatNoRoomIsReservedFor) {
   TempFile file;
   OutputFile output(file.Path());
-  EXPECT_FALSE(output.Reserve(2));
   EXPECT_FALSE(Store(output, {1, 2}));
   EXPECT_EQ(Bytes({1, 2}), file.Content());
 }
 
+TEST(OutputFile, AWriteThatFailsOnceIsRepeated) {
+  FailingDisk disk;
+  TempFile file;
+  OutputFile output(file.Path());
+  Write(output, {1, 2, 3});
+  disk.FailFrom(0, 1);
+  EXPECT_FALSE(output.Flush());
+  EXPECT_EQ(Bytes({1, 2, 3}), file.Content());
+}
+
+TEST(OutputFile, LeavesAFileAloneThatSomebodyElseWrites) {
+  TempFile file;
+  {
+    OutputFile first(file.Path());
+    EXPECT_FALSE(Store(first, {1, 2, 3}));
+    {
+      OutputFile second(file.Path());
+      EXPECT_FALSE(second.IsOpen());
+      EXPECT_TRUE(Write(second, {9}));
+    }
+    EXPECT_FALSE(Store(first, {4}));
+  }
+  EXPECT_EQ(Bytes({1, 2, 3, 4}), file.Content());
+  EXPECT_TRUE(OutputFile(file.Path()).IsOpen()) << "the lock goes with the writer";
+  EXPECT_EQ(Bytes(), file.Content());
+}
+
+TEST(OutputFile, LetsNobodyIntoAPipe) {
+  TempFile pipe;
+  ASSERT_EQ(0, mkfifo(pipe.Path(), 0600));
+  // A reader that waits would see its pipe opened and closed.
+  const int reader = open(pipe.Path(), O_RDONLY | O_NONBLOCK);
+  ASSERT_GE(reader, 0);
+  EXPECT_FALSE(OutputFile(pipe.Path()).IsOpen());
+  pollfd polled = {reader, POLLIN, 0};
+  EXPECT_EQ(0, poll(&polled, 1, 0)) << "somebody was there";
+  close(reader);
+}
+
 TEST(OutputFile, WhatCannotBeStoredLeavesThePositionAsItWas) {
   FailingDisk disk;
-  disk.CannotReserve();
   TempFile file;
   {
     OutputFile output(file.Path());

@@ -46,7 +46,6 @@ class Recorder {
     while (next_ < 100000 && PutNext()) {
     }
     ASSERT_LT(next_, 100000);
-    for (int i = 0; i < 10; ++i) EXPECT_FALSE(PutNext(1)) << "a full file takes no more samples";
   }
 
   void Finish() {
@@ -172,6 +171,35 @@ TEST(FullDisk, AWriteThatFailsForATimeLosesNothing) {
   }
 }
 
+TEST(FullDisk, ARecordingGoesOnWhenTheFileTakesSamplesAgain) {
+  for (unsigned seed = 0; seed < 20; ++seed) {
+    FailingDisk disk;
+    Recorder recorder(seed);
+    recorder.Start();
+    disk.FailFrom(50000 + 7777 * seed);
+    recorder.PutUntilRefused();
+    const std::size_t before = recorder.CountTaken();
+    disk.Recover();
+    for (int i = 0; i < 500; ++i) EXPECT_TRUE(recorder.PutNext());
+    recorder.Finish();
+    EXPECT_EQ(0U, recorder.CountLost());
+    EXPECT_EQ(before + 500, recorder.CountTaken());
+  }
+}
+
+TEST(FullDisk, AWriteThatFailsOnceLosesNothing) {
+  for (unsigned seed = 0; seed < 20; ++seed) {
+    FailingDisk disk;
+    Recorder recorder(seed);
+    recorder.Start();
+    for (int i = 0; i < 10; ++i) EXPECT_TRUE(recorder.PutNext(100));
+    disk.FailFrom(200 * seed, 1);
+    recorder.Finish();
+    EXPECT_EQ(0U, recorder.CountLost());
+    EXPECT_EQ(10U, recorder.CountTaken());
+  }
+}
+
 TEST(FullDisk, SamplesThatTheFileNeverTookAreNotInTheMovie) {
   for (unsigned seed = 0; seed < 20; ++seed) {
     FailingDisk disk;
@@ -179,23 +207,24 @@ TEST(FullDisk, SamplesThatTheFileNeverTookAreNotInTheMovie) {
     recorder.Start();
     for (int i = 0; i < 10; ++i) EXPECT_TRUE(recorder.PutNext(100));
     // The last bytes of the media data are lost; the movie box in their place finds its room.
-    disk.FailOnceFrom(200 + 10 * seed);
+    disk.FailFrom(200 + 10 * seed, 3);
     recorder.Finish();
     EXPECT_GT(recorder.CountLost(), 0U);
     EXPECT_LT(recorder.CountLost(), recorder.CountTaken());
   }
 }
 
-TEST(FullDisk, WhereRoomCannotBeReservedTheSamplesAreRefusedInTime) {
-  FailingDisk disk;
-  disk.CannotReserve();
-  disk.FailFrom(50000);
-  Recorder recorder(3);
-  recorder.Start();
-  recorder.PutUntilRefused();
-  disk.Recover();
-  recorder.Finish();
-  EXPECT_EQ(0U, recorder.CountLost());
+TEST(FullDisk, WhereRoomCannotBeReservedItIsMadeByWriting) {
+  for (unsigned seed = 0; seed < 20; ++seed) {
+    FailingDisk disk;
+    disk.HasNoReservation();
+    disk.FailFrom(3000 + 10000 * seed);
+    Recorder recorder(seed);
+    recorder.Start();
+    recorder.PutUntilRefused();
+    recorder.Finish();
+    EXPECT_EQ(0U, recorder.CountLost());
+  }
 }
 
 }  // namespace

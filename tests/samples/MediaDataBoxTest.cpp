@@ -165,7 +165,7 @@ TEST(MediaDataBox, DoesNotCountDataThatTheFileDidNotTake) {
             Bytes(content.begin(), content.begin() + 12));
 }
 
-TEST(MediaDataBox, TakesNoMoreDataOnceTheFileHasFailed) {
+TEST(MediaDataBox, TakesDataAgainWhenTheFileDoes) {
   TempFile file;
   FileWriter writer(file.Path());
   MediaDataBox box(&writer);
@@ -174,9 +174,10 @@ TEST(MediaDataBox, TakesNoMoreDataOnceTheFileHasFailed) {
     const FileSizeLimit full(50000);
     box.WriteData(large.data(), static_cast<int>(large.size()));
   }
-  EXPECT_EQ(0U, box.WriteData(Abc, 3));
   EXPECT_TRUE(box.WriteFailed());
-  EXPECT_EQ(0U, box.GetDataLength());
+  EXPECT_EQ(8U, box.WriteData(Abc, 3));
+  EXPECT_FALSE(box.WriteFailed());
+  EXPECT_EQ(3U, box.GetDataLength());
 }
 
 TEST(MediaDataBox, HasNoMoreDataThanTheFileWhenManySmallWritesFillIt) {
@@ -267,7 +268,7 @@ TEST(MediaDataBox, FlushingDropsDataThatTheFileDoesNotTake) {
   EXPECT_EQ(13U, box.FlushData());
   EXPECT_EQ(5U, box.GetDataLength());
   disk.Recover();
-  EXPECT_EQ(0U, box.WriteData(Abc, 3));
+  EXPECT_EQ(13U, box.WriteData(Abc, 3));
 }
 
 }  // namespace

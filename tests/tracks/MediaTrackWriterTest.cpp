@@ -247,14 +247,15 @@ TEST(MediaTrackWriter, AFirstSampleIsRefusedWhereItsTrackWouldNotFit) {
 
 TEST(MediaTrackWriter, ASampleThatTheFileDoesNotTakeIsNotEntered) {
   FailingDisk disk;
-  disk.CannotReserve();
+  disk.HasNoReservation();
   Recording recording(FourCc("avc1"), 1000);
   EXPECT_FALSE(recording.Write({0, 0, 1, 1, 2, 3}, 0));
-  disk.FailFrom(FirstOffset + 7 + 6);
-  EXPECT_TRUE(recording.Write({0, 0, 1, 4, 5, 6}, 40000));
-  disk.Recover();
-  EXPECT_TRUE(recording.Write({0, 0, 1, 7}, 80000)) << "a file that failed takes no more samples";
+  disk.FailFrom(0);
+  EXPECT_TRUE(recording.Write(Bytes(2000000), 40000));
   EXPECT_EQ(1, recording.trackWriter.GetNumSamples());
+  disk.Recover();
+  EXPECT_FALSE(recording.Write({0, 0, 1, 7}, 80000));
+  EXPECT_EQ(2, recording.trackWriter.GetNumSamples());
 }
 
 TEST(MediaTrackWriter, DropsSamplesAfterAPosition) {

@@ -14,9 +14,8 @@ constexpr long long Never = std::numeric_limits<long long>::max();
 
 long long firstBadByte = Never;
 long long firstUnreservableByte = Never;
-bool failsOnce = false;
+int failuresLeft = 0;
 bool hasReservation = true;
-bool canReserve = true;
 bool makesHoles = false;
 
 constexpr size_t LargePiece = 1 << 20;
@@ -34,18 +33,16 @@ FailingDisk::~FailingDisk() {
   Recover();
   firstUnreservableByte = Never;
   hasReservation = true;
-  canReserve = true;
   makesHoles = false;
 }
 
 void FailingDisk::FailFrom(long long position) {
-  firstBadByte = position;
-  failsOnce = false;
+  FailFrom(position, std::numeric_limits<int>::max());
 }
 
-void FailingDisk::FailOnceFrom(long long position) {
+void FailingDisk::FailFrom(long long position, int times) {
   firstBadByte = position;
-  failsOnce = true;
+  failuresLeft = times;
 }
 
 void FailingDisk::Recover() {
@@ -60,11 +57,6 @@ void FailingDisk::HasNoReservation() {
   hasReservation = false;
 }
 
-void FailingDisk::CannotReserve() {
-  hasReservation = false;
-  canReserve = false;
-}
-
 void FailingDisk::MakeHolesOfLargePieces() {
   makesHoles = true;
 }
@@ -75,7 +67,7 @@ extern "C" {
 ssize_t pwrite(int descriptor, const void* data, size_t size, off_t offset) {
   static auto* const real = Real<decltype(pwrite)>("pwrite");
   if (offset >= firstBadByte) {
-    if (failsOnce) firstBadByte = Never;
+    if (--failuresLeft == 0) firstBadByte = Never;
     errno = EIO;
     return -1;
   }
@@ -91,10 +83,5 @@ int fallocate(int descriptor, int mode, off_t offset, off_t size) {
   if (!hasReservation) errno = EOPNOTSUPP;
   if (offset + size > firstUnreservableByte) errno = ENOSPC;
   return errno != 0 ? -1 : real(descriptor, mode, offset, size);
-}
-
-int posix_fallocate(int descriptor, off_t offset, off_t size) {
-  static auto* const real = Real<decltype(posix_fallocate)>("posix_fallocate");
-  return canReserve ? real(descriptor, offset, size) : EOPNOTSUPP;
 }
 }

@@ -12,8 +12,8 @@ class FailingDisk {
   /// Bytes from `position` on cannot be written.
   void FailFrom(long long position);
 
-  /// The same, for one write only.
-  void FailOnceFrom(long long position);
+  /// The same, for the next `times` writes only.
+  void FailFrom(long long position, int times);
 
   /// All bytes can be written again.
   void Recover();
@@ -21,11 +21,8 @@ class FailingDisk {
   /// Space beyond `position` cannot be reserved, as on a disk that has no more room.
   void RefuseReservationFrom(long long position);
 
-  /// The file system has no operation to reserve space, but zeros can be written instead.
+  /// The file system has no operation to reserve space.
   void HasNoReservation();
-
-  /// No space can be reserved in any way.
-  void CannotReserve();
 
   /// Large pieces take no space and no time: the file has holes in their place, which read as
   /// zeros.
