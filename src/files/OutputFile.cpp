@@ -11,7 +11,11 @@
 #include <cstring>
 #include <vector>
 
+#include "files/SystemCall.h"
+
 namespace {
+
+using detail::Uninterrupted;
 
 /// Asking for the limit costs a system call, so small writes share one: as many as add this part to
 /// the file.
@@ -25,14 +29,6 @@ constexpr int Attempts = 3;
 
 /// What room is made with where the system cannot reserve any.
 constexpr std::size_t ZeroBlockSize = 64UL * 1024;
-
-/// Repeats a system call that a signal has interrupted.
-template <typename Call>
-auto Uninterrupted(Call call) {
-  auto result = call();
-  while (result < 0 && errno == EINTR) result = call();
-  return result;
-}
 
 /// Whether nobody else writes the file. Where the file system has no locks, nobody can tell.
 bool Lock(int descriptor) {

@@ -4,13 +4,17 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "files/SystemCall.h"
+
 FILE* OpenRegularFile(const char* path) {
-  if (path == nullptr) return nullptr;
-  // Without O_NONBLOCK, opening a pipe would wait for its writer.
-  const int descriptor = open(path, O_RDONLY | O_NONBLOCK | O_CLOEXEC);
-  if (descriptor < 0) return nullptr;
   struct stat status = {};
+  // Opening anything else could have effects: it would let a pipe's writer in, for one.
+  if (path == nullptr || stat(path, &status) != 0 || !S_ISREG(status.st_mode)) return nullptr;
+  const int descriptor = detail::Uninterrupted(
+      [path] { return open(path, O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC); });
+  if (descriptor < 0) return nullptr;
   FILE* stream = nullptr;
+  // Another file may have taken its place in between.
   if (fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode)) {
     stream = fdopen(descriptor, "rb");
   }

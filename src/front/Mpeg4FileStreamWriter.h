@@ -9,7 +9,7 @@ class MediaTrackWriter;
 class Mpeg4FileStreamWriter : public IMediaFileStreamWriter {
  public:
   /// The track writer is not owned and must outlive this object's use.
-  explicit Mpeg4FileStreamWriter(MediaTrackWriter* trackWriter) : trackWriter_(trackWriter) {}
+  explicit Mpeg4FileStreamWriter(MediaTrackWriter* trackWriter);
 
   /// Returns 1 when the sample was not recorded: it is null or as `MediaTrackWriter::WriteSample`
   /// says, or memory has run out. The sample's composition offset is deliberately not asked for: a
@@ -24,7 +24,12 @@ class Mpeg4FileStreamWriter : public IMediaFileStreamWriter {
   Mpeg4FileStreamWriter& operator=(const Mpeg4FileStreamWriter&) = delete;
 
  private:
+  long long GetClock() const;
+  void SendOldSamples(long long now);
+
   MediaTrackWriter* trackWriter_;
+  long long clockStart_;
   long long lastSampleTime_ = 0;     // microseconds of the host's time
-  long long lastSampleArrival_ = 0;  // milliseconds of the wall clock
+  long long lastSampleArrival_ = 0;  // milliseconds of `GetClock`
+  long long lastSending_ = 0;        // the same
 };

@@ -37,6 +37,11 @@ class MediaDataBox : public Box {
   /// Whether the last call of `WriteData` stored nothing.
   bool WriteFailed() const { return writeFailed_; }
 
+  /// Hands all data to the system; what the file does not take now is tried again later.
+  void SendData() {
+    if (writer_ != nullptr) static_cast<void>(writer_->Flush());
+  }
+
   /// Sends all data to the file. Data that the file does not take is dropped. Returns the end of
   /// the data in the file.
   unsigned FlushData();

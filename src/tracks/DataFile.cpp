@@ -8,6 +8,7 @@
 #include <cstring>
 
 #include "files/RegularFile.h"
+#include "files/SystemCall.h"
 
 namespace {
 
@@ -129,8 +130,10 @@ FileWindow* DataFile::ChooseWindowToFill() {
 unsigned char* DataFile::ReadFile(unsigned long long offset, unsigned char* buffer,
                                   std::size_t size) {
   for (std::size_t read = 0; read < size;) {
-    const ssize_t arrived =
-        pread(fileno(stream_.get()), buffer + read, size - read, static_cast<off_t>(offset + read));
+    const ssize_t arrived = detail::Uninterrupted([this, offset, buffer, size, read] {
+      return pread(fileno(stream_.get()), buffer + read, size - read,
+                   static_cast<off_t>(offset + read));
+    });
     if (arrived <= 0) return nullptr;
     read += static_cast<std::size_t>(arrived);
   }

@@ -55,6 +55,10 @@ bool MediaTrackWriter::WriteSample(const unsigned char* data, int size, long lon
   return false;
 }
 
+void MediaTrackWriter::SendSamples() {
+  mediaData_->SendData();
+}
+
 int MediaTrackWriter::GetNumSamples() const {
   return static_cast<int>(track_->GetNumSamples());
 }

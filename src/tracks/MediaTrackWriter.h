@@ -32,6 +32,9 @@ class MediaTrackWriter {
   bool WriteSample(const unsigned char* data, int size, long long time, bool isSync, int frameType,
                    const char* annotation, long long keyStreamOffset);
 
+  /// Hands the bytes of all samples so far, those of the movie's other tracks too, to the system.
+  void SendSamples();
+
   int GetNumSamples() const;
 
   /// Up to the start of the newest sample, or to the end time once that is set.

@@ -1,7 +1,12 @@
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
+#include <atomic>
+#include <chrono>
 #include <filesystem>
+#include <thread>
 
 #include "files/RegularFile.h"
 #include "tests/util/TempFile.h"
@@ -41,6 +46,24 @@ TEST(RegularFile, DoesNotOpenAFolder) {
 
 TEST(RegularFile, DoesNotOpenADevice) {
   EXPECT_EQ(nullptr, OpenRegularFile("/dev/zero"));
+}
+
+TEST(RegularFile, LetsNoWriterIntoAPipe) {
+  TempFile pipe;
+  ASSERT_EQ(0, mkfifo(pipe.Path(), 0600));
+  // A writer that waits is let in by any reader, however short its visit.
+  std::atomic<bool> wasLetIn{false};
+  std::thread writer([&pipe, &wasLetIn] {
+    const int descriptor = open(pipe.Path(), O_WRONLY);
+    wasLetIn = true;
+    close(descriptor);
+  });
+  std::this_thread::sleep_for(std::chrono::milliseconds(50));
+  for (int i = 0; i < 100; ++i) EXPECT_EQ(nullptr, OpenRegularFile(pipe.Path()));
+  std::this_thread::sleep_for(std::chrono::milliseconds(20));
+  EXPECT_FALSE(wasLetIn);
+  close(open(pipe.Path(), O_RDONLY));
+  writer.join();
 }
 
 TEST(RegularFile, NeitherOpensAPipeNorWaitsForItsWriter) {

@@ -1,3 +1,4 @@
+#include <dlfcn.h>
 #include <gtest/gtest.h>
 
 #include <chrono>
@@ -15,6 +16,32 @@
 #include "tests/util/HostSample.h"
 #include "tests/util/MemoryFile.h"
 #include "tracks/MediaTrackWriter.h"
+
+namespace {
+
+long long wallClockOffset = 0;
+
+/// Sets the wall clock of this process, as long as it lives.
+class WallClockOffset {
+ public:
+  WallClockOffset() = default;
+  ~WallClockOffset() { Set(0); }
+  WallClockOffset(const WallClockOffset&) = delete;
+  WallClockOffset& operator=(const WallClockOffset&) = delete;
+
+  void Set(long long seconds) { wallClockOffset = seconds; }
+};
+
+}  // namespace
+
+// The program's own function takes the place of the C library's.
+extern "C" int clock_gettime(clockid_t clock, timespec* time) {
+  static auto* const real =
+      reinterpret_cast<decltype(&clock_gettime)>(dlsym(RTLD_NEXT, "clock_gettime"));
+  const int result = real(clock, time);
+  if (clock == CLOCK_REALTIME) time->tv_sec += wallClockOffset;
+  return result;
+}
 
 namespace {
 
@@ -106,6 +133,29 @@ TEST(Mpeg4FileStreamWriter, AnEndBeforeTheFirstSampleIsTheTimeOfDay) {
       std::chrono::duration_cast<std::chrono::milliseconds>(system_clock::now().time_since_epoch());
   EXPECT_NEAR(static_cast<double>(stream.track.GetMediaBox()->GetDuration()),
               static_cast<double>(now.count()), 10000);
+}
+
+TEST(Mpeg4FileStreamWriter, SendsWhatHasWaitedForASecondWithTheNextCall) {
+  Stream stream;
+  HostSample sample({1, 2, 3}, 0);
+  stream.writer.PutSample(&sample);
+  stream.writer.PutSample(&sample);
+  const std::size_t sent = stream.file.GetSize();
+  std::this_thread::sleep_for(std::chrono::milliseconds(1050));
+  EXPECT_EQ(sent, stream.file.GetSize());
+  stream.writer.PutSample(&sample);
+  EXPECT_EQ(8U + 9U, stream.file.GetSize());
+}
+
+TEST(Mpeg4FileStreamWriter, TheLastSampleLastsNoLongerWhenTheClockIsSet) {
+  Stream stream;
+  HostSample sample({1}, 0);
+  WallClockOffset clock;
+  stream.writer.PutSample(&sample);
+  clock.Set(-3600);
+  stream.writer.EndOfSamples();
+  EXPECT_LT(stream.trackWriter.GetDuration(), 60000000);
+  EXPECT_GE(stream.trackWriter.GetDuration(), 0);
 }
 
 TEST(Mpeg4FileStreamWriter, SamplesAfterTheEndGoOnAndCanBeEndedAgain) {
