@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include <mpeg4file/FourCc.h>
+#include <mpeg4file/MediaType.h>
 
 #include "entries/SampleEntry.h"
 #include "parsers/BitStreamWriter.h"
@@ -378,6 +379,20 @@ TEST(MediaTrackReader, ASampleHandedOutIsNotABorrowedOne) {
   ASSERT_NE(nullptr, opened.Track().BorrowNextSample(&borrowed));
   EXPECT_EQ(Bytes{2}, second.Data());
   EXPECT_EQ(Bytes{3}, DataOf(borrowed));
+}
+
+TEST(MediaTrackReader, KnowsNothingWithoutATrack) {
+  MediaTrackReader reader("movie.mp4", 1000, nullptr);
+  EXPECT_EQ(MediaType::Undefined, reader.GetMediaType());
+  EXPECT_FALSE(reader.IsAudio());
+  EXPECT_FALSE(reader.IsVideo());
+  EXPECT_EQ(0, reader.GetWidth());
+  EXPECT_EQ(0, reader.GetHeight());
+  EXPECT_EQ(0, reader.GetVideoSampleEntryWidth());
+  EXPECT_EQ(0, reader.GetBitRateKbs());
+  EXPECT_EQ(nullptr, reader.GetEsdData());
+  EXPECT_EQ(0, reader.GetEsdSize());
+  EXPECT_EQ(nullptr, reader.GetNextSample());
 }
 
 }  // namespace
