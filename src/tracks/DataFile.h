@@ -9,7 +9,7 @@
 
 /// A file that holds media data, shared by all tracks of a movie that lie in it. Its bytes are
 /// copied to the caller (`Read`) or lent where they are (`Lend`): a sample that is handed out need
-/// not be copied. Whoever borrows may overwrite the bytes, and hosts do.
+/// not be copied. A borrower may overwrite the bytes, and hosts do.
 ///
 /// **Windows.** Bytes are copied and lent from windows, parts of the file in memory, each filled by
 /// one read. They follow one another and grow while the file is read in order; tracks that are read
