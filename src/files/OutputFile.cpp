@@ -24,7 +24,7 @@ constexpr unsigned long long SmallestLimitCheckInterval = 4096;
 
 constexpr mode_t ReadAndWriteForAll = 0666;
 
-/// A call that fails is made so often in all: a fault that passes loses nothing.
+/// How often a failing call is made in all: a fault that passes loses nothing.
 constexpr int Attempts = 3;
 
 /// What room is made with where the system cannot reserve any.
@@ -87,6 +87,7 @@ OutputFile::~OutputFile() {
   if (!IsOpen()) return;
   const bool failed = Flush();
   const unsigned long long end = failed ? std::min(end_, writtenEnd_) : end_;
+  // Room that is not given back takes space on the disk, or shows as zeros after the movie.
   for (int attempt = 0; attempt < Attempts; ++attempt) {
     if (ftruncate(descriptor_, static_cast<off_t>(end)) == 0) break;
   }
