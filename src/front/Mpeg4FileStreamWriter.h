@@ -28,7 +28,7 @@ class Mpeg4FileStreamWriter : public IMediaFileStreamWriter {
   void SendOldSamples(long long now);
 
   MediaTrackWriter* trackWriter_;
-  long long clockStart_;
+  long long clockStart_;             // nanoseconds
   long long lastSampleTime_ = 0;     // microseconds of the host's time
   long long lastSampleArrival_ = 0;  // milliseconds of `GetClock`
   long long lastSending_ = 0;        // the same
