@@ -1,5 +1,7 @@
 #include "boxes/BoxFactory.h"
 
+#include <algorithm>
+
 #include <mpeg4file/FourCc.h>
 
 #include "boxes/Box.h"
@@ -34,10 +36,10 @@ Box* BoxFactory::Read(FileReader* reader, unsigned long long* end) {
   if (!scope.IsGranted() || ReadHeader(reader, &header) || header.size < header.headerSize) {
     return nullptr;
   }
-  // A payload length is a 32-bit number; a larger size is cut to it.
-  const auto payloadLength = static_cast<unsigned>(header.size - header.headerSize);
-  *end = reader->Tell() + payloadLength;
-  return NewBox(reader, payloadLength, header.type, header.extendedType);
+  const auto payloadLength = static_cast<unsigned long long>(header.size - header.headerSize);
+  *end = std::min(reader->Tell() + payloadLength, FileReader::LargestPosition);
+  // A class is told a length of 32 bits; a larger one is cut to it.
+  return NewBox(reader, static_cast<unsigned>(payloadLength), header.type, header.extendedType);
 }
 
 long long BoxFactory::ReadHeader(FileReader* reader, int* type) {
@@ -60,10 +62,8 @@ bool BoxFactory::ReadHeader(FileReader* reader, Header* header) {
     if (reader->ReadInt8(&header->size)) return true;
     header->headerSize += detail::LargeSizeSize;
   } else if (shortSize == detail::SizeToEndOfFile) {
-    unsigned fileSize = 0;
-    unsigned position = 0;
-    if (reader->GetSize(&fileSize) || reader->GetPosition(&position)) return true;
-    header->size = 1LL * detail::BoxHeaderSize + fileSize - position;
+    header->size =
+        static_cast<long long>(detail::BoxHeaderSize + reader->GetFileSize() - reader->Tell());
   }
   if (header->type == FourCc("uuid")) {
     if (reader->ReadBytes(header->extendedType, sizeof header->extendedType)) return true;

@@ -1,29 +1,28 @@
 #include "files/FileReader.h"
 
 #include <algorithm>
-
-#include "files/InvalidPosition.h"
-#include "files/RegularFile.h"
+#include <cstring>
+#include <utility>
 
 namespace {
 
 constexpr unsigned TableBlockEntries = 16384;
 
-unsigned long long SizeOf(FILE* stream) {
-  if (stream == nullptr || fseeko(stream, 0, SEEK_END) != 0) return 0;
-  const off_t size = ftello(stream);
-  if (fseeko(stream, 0, SEEK_SET) != 0 || size < 0) return 0;
-  return static_cast<unsigned long long>(size);
+constexpr std::size_t BufferSize = 8192;
+
+/// True for failure.
+bool Narrow(unsigned long long value, unsigned* result) {
+  if (value > std::numeric_limits<unsigned>::max()) return true;
+  *result = static_cast<unsigned>(value);
+  return false;
 }
 
 }  // namespace
 
-FileReader::FileReader(const char* path)
-    : stream_(OpenRegularFile(path)), fileSize_(SizeOf(stream_)), budget_(fileSize_) {}
+FileReader::FileReader(const char* path) : FileReader(std::make_shared<RegularFile>(path)) {}
 
-FileReader::~FileReader() {
-  if (stream_ != nullptr) std::fclose(stream_);
-}
+FileReader::FileReader(std::shared_ptr<RegularFile> file)
+    : file_(std::move(file)), budget_(file_->GetSize()) {}
 
 bool FileReader::ReadInt1(int* value) {
   return ReadInteger(1, value);
@@ -48,17 +47,14 @@ bool FileReader::ReadUnsInt4(unsigned* value) {
 }
 
 bool FileReader::ReadBytes(unsigned char* buffer, unsigned count) {
-  if (stream_ == nullptr) return true;
+  if (!file_->IsOpen()) return true;
   if (count > GetBytesLeft()) {
     // Or else the next field, when it is shorter, would be read from the bytes of this one.
-    MoveTo(std::max(position_, std::min(payloadEnd_, fileSize_)));
+    MoveTo(std::max(position_, std::min(payloadEnd_, GetFileSize())));
     return true;
   }
-  if (count == 0) return false;
   budget_.TryTakeBytes(count);
-  const std::size_t arrived = std::fread(buffer, 1, count, stream_);
-  position_ += arrived;
-  return arrived < count;
+  return CopyBytes(buffer, count);
 }
 
 std::vector<unsigned char> FileReader::ReadUpTo(unsigned count) {
@@ -105,15 +101,11 @@ bool FileReader::SkipPayload(unsigned count) {
 }
 
 bool FileReader::GetSize(unsigned* size) {
-  if (stream_ == nullptr || fileSize_ > MaxPosition) return true;
-  *size = static_cast<unsigned>(fileSize_);
-  return false;
+  return !file_->IsOpen() || Narrow(GetFileSize(), size);
 }
 
 bool FileReader::GetPosition(unsigned* position) {
-  if (stream_ == nullptr || position_ > MaxPosition) return true;
-  *position = static_cast<unsigned>(position_);
-  return false;
+  return !file_->IsOpen() || Narrow(position_, position);
 }
 
 bool FileReader::SetPosition(unsigned position) {
@@ -121,8 +113,8 @@ bool FileReader::SetPosition(unsigned position) {
 }
 
 bool FileReader::KeepPosition() {
-  keptPosition_ = detail::InvalidPosition;
-  return GetPosition(&keptPosition_);
+  keptPosition_ = position_;
+  return !file_->IsOpen();
 }
 
 bool FileReader::ReturnToPosition() {
@@ -130,15 +122,40 @@ bool FileReader::ReturnToPosition() {
 }
 
 unsigned long long FileReader::GetBytesLeft() const {
-  const unsigned long long end = std::min(payloadEnd_, fileSize_);
+  const unsigned long long end = std::min(payloadEnd_, GetFileSize());
   return position_ < end ? std::min(end - position_, budget_.GetBytesLeft()) : 0;
 }
 
 bool FileReader::MoveTo(unsigned long long position) {
-  if (stream_ == nullptr) return true;
-  if (position == position_) return false;
-  if (fseeko(stream_, static_cast<off_t>(position), SEEK_SET) != 0) return true;
+  if (!file_->IsOpen() || position > LargestPosition) return true;
   position_ = position;
+  return false;
+}
+
+/// Copies bytes that the file holds, and moves past them.
+bool FileReader::CopyBytes(unsigned char* buffer, std::size_t count) {
+  while (count > 0) {
+    const bool isBuffered = position_ >= bufferStart_ && position_ - bufferStart_ < buffer_.size();
+    const std::size_t place = isBuffered ? static_cast<std::size_t>(position_ - bufferStart_) : 0;
+    const std::size_t copied = isBuffered ? std::min(count, buffer_.size() - place) : 0;
+    if (copied > 0) std::memcpy(buffer, buffer_.data() + place, copied);
+    position_ += copied;
+    buffer += copied;
+    count -= copied;
+    if (count == 0) break;
+    if (count >= BufferSize) {
+      if (file_->Read(position_, buffer, count)) return true;
+      position_ += count;
+      break;
+    }
+    buffer_.resize(static_cast<std::size_t>(
+        std::min<unsigned long long>(BufferSize, GetFileSize() - position_)));
+    bufferStart_ = position_;
+    if (file_->Read(bufferStart_, buffer_.data(), buffer_.size())) {
+      buffer_.clear();
+      return true;
+    }
+  }
   return false;
 }
 

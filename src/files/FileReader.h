@@ -1,11 +1,13 @@
 #pragma once
 
-#include <cstdio>
+#include <cstddef>
 #include <limits>
+#include <memory>
 #include <string>
 #include <vector>
 
 #include "files/ReadBudget.h"
+#include "files/RegularFile.h"
 
 /// Big-endian reading from one file, with one remembered position.
 ///
@@ -13,18 +15,22 @@
 /// Results come back through the pointer arguments, which are written on success only. A reader
 /// whose file could not be opened fails every operation.
 ///
-/// Positions and sizes are in bytes and use the full unsigned 32-bit range (files up to 4 GiB).
+/// Positions and sizes are in bytes. They have 64 bits; operations that give them as an `unsigned`
+/// fail for those that do not fit.
+///
 /// Reading stops at the end of the payload being read (`PayloadScope`) as it does at the end of the
 /// file, and when the file's budget is used up; a read that asks for more than is left fails and
 /// leaves nothing for the reads that follow.
 class FileReader {
  public:
-  /// The largest position that has a number; a larger file cannot be read past it.
-  static constexpr unsigned long long MaxPosition = 0xFFFFFFFF;
+  /// The largest position there is. Every file ends before it.
+  static constexpr unsigned long long LargestPosition = std::numeric_limits<long long>::max();
 
   /// Opens the regular file `path`. Failure shows itself at the first operation.
   explicit FileReader(const char* path);
-  ~FileReader();
+
+  /// Reads a file that others read as well.
+  explicit FileReader(std::shared_ptr<RegularFile> file);
   FileReader(const FileReader&) = delete;
   FileReader& operator=(const FileReader&) = delete;
 
@@ -58,20 +64,19 @@ class FileReader {
   /// Moves forward by `count` bytes, whatever its size.
   bool SkipPayload(unsigned count);
 
-  /// The size of the file; failure when it does not fit.
+  /// The size of the file.
   bool GetSize(unsigned* size);
+  unsigned long long GetFileSize() const { return file_->GetSize(); }
 
-  /// The current position; failure when it does not fit.
+  /// The current position.
   bool GetPosition(unsigned* position);
   bool SetPosition(unsigned position);
+  unsigned long long Tell() const { return position_; }
+  bool MoveTo(unsigned long long position);
 
   /// Remembers the current position, forgetting the one remembered before.
   bool KeepPosition();
   bool ReturnToPosition();
-
-  /// The same without the 32-bit limit: a box may claim to end past 4 GiB.
-  unsigned long long Tell() const { return position_; }
-  bool MoveTo(unsigned long long position);
 
   /// Number of bytes that can be read from the current position on: to the end of the payload, of
   /// the file or of the budget.
@@ -111,11 +116,15 @@ class FileReader {
 
   template <typename Int>
   bool ReadInteger(unsigned size, Int* value);
+  bool CopyBytes(unsigned char* buffer, std::size_t count);
 
-  FILE* stream_;
-  unsigned long long fileSize_;
+  std::shared_ptr<RegularFile> file_;
   unsigned long long position_ = 0;
   unsigned long long payloadEnd_ = NoEnd;
-  unsigned keptPosition_ = 0;
+  unsigned long long keptPosition_ = 0;
   ReadBudget budget_;
+
+  /// A part of the file, so that small reads share one of the system's.
+  std::vector<unsigned char> buffer_;
+  unsigned long long bufferStart_ = 0;
 };

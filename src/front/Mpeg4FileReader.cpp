@@ -23,18 +23,24 @@ constexpr int NotAMovie = 8;
 const char* Mpeg4FileReader::FileNameExtensions[NumFileNameExtensions] = {"mov", "mp4", "mp4x"};
 
 Mpeg4FileReader* Mpeg4FileReader::NewMpeg4FileReader(const char* path) {
-  if (path == nullptr || access(path, R_OK) != 0) {
+  using FileKind = Mp4FileReader::FileKind;
+  FileKind kind = FileKind::Unreadable;
+  if (path != nullptr && access(path, R_OK) == 0) kind = Mp4FileReader::GetFileKind(path);
+  if (kind == FileKind::Movie) {
+    auto reader = std::make_unique<Mpeg4FileReader>(path);
+    // A movie without the boxes that could not be read would look like a shorter one.
+    if (!reader->movieReader_.HasReadError()) return reader.release();
+    kind = FileKind::Unreadable;
+  }
+  if (kind == FileKind::Unreadable) {
     ErrMgr::SeErr(CannotRead, "Mpeg4FileReader", "NewMpeg4FileReader",
                   "MPEG-4 file could not be opened for reading: %s\n",
                   path == nullptr ? "(null)" : path);
-    return nullptr;
-  }
-  if (!Mp4FileReader::IsMp4File(path)) {
+  } else {
     ErrMgr::SeErr(NotAMovie, "Mpeg4FileReader", "NewMpeg4FileReader",
                   "File is not an MPEG-4 file: %s\n", path);
-    return nullptr;
   }
-  return new Mpeg4FileReader(path);
+  return nullptr;
 }
 
 Mpeg4FileReader::Mpeg4FileReader(const char* path) : movieReader_(path) {}

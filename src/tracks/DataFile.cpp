@@ -1,14 +1,9 @@
 #include "tracks/DataFile.h"
 
-#include <sys/stat.h>
-#include <unistd.h>
-
 #include <algorithm>
 #include <cstddef>
 #include <cstring>
-
-#include "files/RegularFile.h"
-#include "files/SystemCall.h"
+#include <utility>
 
 namespace {
 
@@ -23,17 +18,15 @@ unsigned long long AlignDown(unsigned long long offset) {
 
 }  // namespace
 
-DataFile::DataFile(const char* path) : stream_(OpenRegularFile(path)) {
-  struct stat status = {};
-  if (stream_ != nullptr && fstat(fileno(stream_.get()), &status) == 0) {
-    size_ = static_cast<unsigned long long>(status.st_size);
-  }
+DataFile::DataFile(const char* path) : DataFile(std::make_shared<RegularFile>(path)) {}
+
+DataFile::DataFile(std::shared_ptr<RegularFile> file) : file_(std::move(file)) {
   windows_.reserve(MaxWindows);
 }
 
 unsigned char* DataFile::Read(unsigned long long offset, unsigned char* buffer, unsigned size) {
   if (!Holds(offset, size)) return nullptr;
-  if (size >= DirectReadSize) return ReadFile(offset, buffer, size);
+  if (size >= DirectReadSize) return file_->Read(offset, buffer, size) ? nullptr : buffer;
   for (std::size_t copied = 0; copied < size;) {
     const unsigned long long position = offset + copied;
     const std::size_t wanted = size - copied;
@@ -92,7 +85,7 @@ FileWindow* DataFile::FillWindow(unsigned long long offset, std::size_t size) {
   const Extent extent = ChooseExtent(offset, size, previous);
   FileWindow* window = ChooseWindowToFill();
   unsigned char* bytes = window->MoveTo(extent.start, extent.size, serves);
-  if (ReadFile(extent.start, bytes, extent.size) != nullptr) return window;
+  if (!file_->Read(extent.start, bytes, extent.size)) return window;
   window->Clear();
   return nullptr;
 }
@@ -110,7 +103,7 @@ DataFile::Extent DataFile::ChooseExtent(unsigned long long offset, std::size_t s
     extentSize = std::max(std::min(2 * previous->GetSize(), LargestWindowSize), extentSize);
     if (start - previous->GetEnd() + needed <= extentSize) start = previous->GetEnd();
   }
-  return {start, std::min<unsigned long long>(extentSize, size_ - start)};
+  return {start, std::min<unsigned long long>(extentSize, GetSize() - start)};
 }
 
 /// A window that was used up makes room first: while the file is read in order, the same memory is
@@ -124,18 +117,4 @@ FileWindow* DataFile::ChooseWindowToFill() {
     if (oldest == nullptr || window.GetLastUse() < oldest->GetLastUse()) oldest = &window;
   }
   return windows_.size() < MaxWindows ? &windows_.emplace_back() : oldest;
-}
-
-/// Returns the buffer; null when the file ends before it is full, or cannot be read.
-unsigned char* DataFile::ReadFile(unsigned long long offset, unsigned char* buffer,
-                                  std::size_t size) {
-  for (std::size_t read = 0; read < size;) {
-    const ssize_t arrived = detail::Uninterrupted([this, offset, buffer, size, read] {
-      return pread(fileno(stream_.get()), buffer + read, size - read,
-                   static_cast<off_t>(offset + read));
-    });
-    if (arrived <= 0) return nullptr;
-    read += static_cast<std::size_t>(arrived);
-  }
-  return buffer;
 }

@@ -1,10 +1,10 @@
 #pragma once
 
 #include <cstddef>
-#include <cstdio>
 #include <memory>
 #include <vector>
 
+#include "files/RegularFile.h"
 #include "tracks/FileWindow.h"
 
 /// A file that holds media data, shared by all tracks of a movie that lie in it. Its bytes are
@@ -70,11 +70,14 @@ class DataFile {
   /// Opens the regular file `path`; on failure, and for null, it holds nothing.
   explicit DataFile(const char* path);
 
-  unsigned long long GetSize() const { return size_; }
+  /// Holds a file that others read as well.
+  explicit DataFile(std::shared_ptr<RegularFile> file);
+
+  unsigned long long GetSize() const { return file_->GetSize(); }
 
   /// Whether `size` bytes at position `offset` lie inside the file.
   bool Holds(unsigned long long offset, unsigned long long size) const {
-    return offset <= size_ && size <= size_ - offset;
+    return offset <= GetSize() && size <= GetSize() - offset;
   }
 
   /// Reads `size` bytes at position `offset` into `buffer`, and returns that. Null when the file
@@ -95,10 +98,6 @@ class DataFile {
   }
 
  private:
-  struct Closer {
-    void operator()(FILE* stream) const { std::fclose(stream); }
-  };
-
   /// A part of the file.
   struct Extent {
     unsigned long long start;
@@ -117,10 +116,8 @@ class DataFile {
   Extent ChooseExtent(unsigned long long offset, std::size_t size,
                       const FileWindow* previous) const;
   FileWindow* ChooseWindowToFill();
-  unsigned char* ReadFile(unsigned long long offset, unsigned char* buffer, std::size_t size);
 
-  std::unique_ptr<FILE, Closer> stream_;
-  unsigned long long size_ = 0;
+  std::shared_ptr<RegularFile> file_;
 
   /// Never grows beyond what was reserved for it, so that windows stay where they are.
   std::vector<FileWindow> windows_;

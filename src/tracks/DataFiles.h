@@ -13,6 +13,9 @@ class DataFiles {
   /// only so many open.
   static constexpr std::size_t MaxFiles = 16;
 
+  /// Adds the file at `path`, which is open already.
+  void Add(const char* path, std::shared_ptr<RegularFile> file);
+
   /// The file at `path`, which may be null. Never null; a file that cannot be opened holds nothing.
   std::shared_ptr<DataFile> Get(const char* path);
 

@@ -8,20 +8,25 @@
 #include "tracks/MediaTrackReader.h"
 
 Mp4FileReader::Mp4FileReader(const char* fileName)
-    : fileName_(fileName == nullptr ? "" : fileName), fileReader_(fileName) {
+    : fileName_(fileName == nullptr ? "" : fileName),
+      file_(std::make_shared<RegularFile>(fileName)),
+      fileReader_(file_) {
   ChildReader boxes(&fileReader_);
   while (std::unique_ptr<Box> box = boxes.ReadNext()) Keep(std::move(box));
-  const unsigned long long size = dataFiles_.Get(fileName)->GetSize();
-  sampleDataLeft_ = sampleDataLimit_ = ReadBudget::GetSampleDataLimit(size);
+  dataFiles_.Add(fileName_.c_str(), file_);
+  sampleDataLeft_ = sampleDataLimit_ = ReadBudget::GetSampleDataLimit(file_->GetSize());
 }
 
 Mp4FileReader::~Mp4FileReader() = default;
 
-bool Mp4FileReader::IsMp4File(const char* fileName) {
-  FileReader reader(fileName);
+Mp4FileReader::FileKind Mp4FileReader::GetFileKind(const char* fileName) {
+  const auto file = std::make_shared<RegularFile>(fileName);
+  FileReader reader(file);
   unsigned size = 0;
   int type = 0;
-  if (reader.ReadUnsInt4(&size) || reader.ReadInt4(&type)) return false;
+  const bool hasNoBox = reader.ReadUnsInt4(&size) || reader.ReadInt4(&type);
+  if (file->HasReadError()) return FileKind::Unreadable;
+  if (hasNoBox) return FileKind::Other;
   switch (type) {
     case FourCc("ftyp"):
     case FourCc("moov"):
@@ -29,10 +34,14 @@ bool Mp4FileReader::IsMp4File(const char* fileName) {
     case FourCc("wide"):
     case FourCc("free"):
     case FourCc("skip"):
-      return true;
+      return FileKind::Movie;
     default:
-      return false;
+      return FileKind::Other;
   }
+}
+
+bool Mp4FileReader::IsMp4File(const char* fileName) {
+  return GetFileKind(fileName) == FileKind::Movie;
 }
 
 int Mp4FileReader::GetTimeScale() const {

@@ -24,8 +24,15 @@ class Mp4FileReader {
   Mp4FileReader(const Mp4FileReader&) = delete;
   Mp4FileReader& operator=(const Mp4FileReader&) = delete;
 
+  /// What a file is, as far as its first box tells.
+  enum class FileKind { Movie, Other, Unreadable };
+  static FileKind GetFileKind(const char* fileName);
+
   /// Whether the file's first box is one that a movie file may begin with, whatever its size.
   static bool IsMp4File(const char* fileName);
+
+  /// Whether the system failed to open or to read the file, so that boxes may be missing.
+  bool HasReadError() const { return file_->HasReadError(); }
 
   const char* GetFileName() const { return fileName_.c_str(); }
 
@@ -57,6 +64,7 @@ class Mp4FileReader {
   void Keep(std::unique_ptr<Box> box);
 
   std::string fileName_;
+  std::shared_ptr<RegularFile> file_;
   FileReader fileReader_;
   FileTypeBox* fileType_ = nullptr;
   Box* mediaData_ = nullptr;

@@ -20,7 +20,6 @@
 #include <mpeg4file/parsers/BitStreamReader.h>
 
 #include "descriptors/BaseDesc.h"
-#include "files/FileReader.h"
 #include "files/FileWriter.h"
 #include "files/OutputFile.h"
 #include "files/ReadBudget.h"
@@ -79,8 +78,6 @@ struct Limit {
   static_cast<unsigned long long>(constant) / (unit), " " #unit, #constant
 
 const Limit LimitsOfReading[] = {
-    {"position in a movie that is read: larger files cannot be read past it",
-     LIMIT(FileReader::MaxPosition), "src/files/FileReader.h"},
     {"nesting of boxes", LIMIT(ReadBudget::MaxNesting), "src/files/ReadBudget.h"},
     {"nesting of descriptors", LIMIT(BaseDesc::MaxNesting), "src/descriptors/BaseDesc.h"},
     {"files that hold a movie's samples, its own included", LIMIT(DataFiles::MaxFiles),

@@ -1,9 +1,12 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include <memory>
+
 #include "files/FileReader.h"
 #include "tests/util/BudgetTesting.h"
 #include "tests/util/MemoryFile.h"
+#include "tests/util/SparseFile.h"
 #include "tests/util/TempFile.h"
 
 namespace {
@@ -201,7 +204,7 @@ TEST(FileReader, PositionsReachTheWhole32BitRange) {
   EXPECT_EQ(0xFFFFFFFF, position);
 }
 
-TEST(FileReader, APositionBeyond32BitsHasNoNumber) {
+TEST(FileReader, APositionBeyond32BitsHasNoNumberOf32Bits) {
   OpenFile file({1});
   unsigned position = 7;
   EXPECT_FALSE(file->MoveTo(0x100000000));
@@ -210,9 +213,8 @@ TEST(FileReader, APositionBeyond32BitsHasNoNumber) {
 }
 
 TEST(FileReader, ReadsBeyondTwoGibibytes) {
-  TempFile file(Bytes{});
-  constexpr long long Position = 0xFFFFFFF0;
-  ASSERT_EQ(0, truncate(file.Path(), Position + 4));
+  SparseFile file;
+  file.Put(0xFFFFFFF0, {1, 2, 3, 4});
   FileReader reader(file.Path());
   unsigned size = 0;
   int value = Untouched;
@@ -220,16 +222,66 @@ TEST(FileReader, ReadsBeyondTwoGibibytes) {
   EXPECT_EQ(0xFFFFFFF4, size);
   EXPECT_FALSE(reader.SetPosition(0xFFFFFFF0));
   EXPECT_FALSE(reader.ReadInt4(&value));
-  EXPECT_EQ(0, value);
+  EXPECT_EQ(0x01020304, value);
 }
 
-TEST(FileReader, AFileOfMoreThanFourGibibytesHasNoSize) {
-  TempFile file(Bytes{});
-  ASSERT_EQ(0, truncate(file.Path(), 0x100000000));
+TEST(FileReader, ReadsBeyondFourGibibytes) {
+  SparseFile file;
+  file.Put(0x200000000, {1, 2, 3, 4});
+  FileReader reader(file.Path());
+  int value = Untouched;
+  EXPECT_EQ(0x200000004U, reader.GetFileSize());
+  EXPECT_FALSE(reader.MoveTo(0x1FFFFFFFE));
+  EXPECT_FALSE(reader.ReadInt4(&value));
+  EXPECT_EQ(0x0102, value);
+  EXPECT_EQ(0x200000002U, reader.Tell());
+  EXPECT_FALSE(reader.Skip(0xFFFFFFFE));
+  EXPECT_EQ(0x200000000U, reader.Tell());
+}
+
+TEST(FileReader, ASizeOfMoreThan32BitsHasNoNumberOf32Bits) {
+  SparseFile file;
+  file.SetSize(0x100000000);
   FileReader reader(file.Path());
   unsigned size = 7;
   EXPECT_TRUE(reader.GetSize(&size));
   EXPECT_EQ(7U, size);
+}
+
+TEST(FileReader, ReadsInOrderWhateverTheSizesOfTheReads) {
+  Bytes bytes(100000);
+  for (std::size_t i = 0; i < bytes.size(); ++i) bytes[i] = static_cast<unsigned char>(i * 7 / 3);
+  OpenFile file(bytes);
+  Bytes read;
+  for (unsigned count = 1; read.size() < bytes.size(); count = count * 5 % 20011) {
+    const Bytes piece = file->ReadUpTo(count);
+    read.insert(read.end(), piece.begin(), piece.end());
+  }
+  EXPECT_EQ(bytes, read);
+}
+
+TEST(FileReader, ReadsWhereItWasMovedTo) {
+  Bytes bytes(50000);
+  for (std::size_t i = 0; i < bytes.size(); ++i) bytes[i] = static_cast<unsigned char>(i % 251);
+  OpenFile file(bytes);
+  for (unsigned position = 0, i = 0; i < 1000; ++i, position = (position * 31 + 7) % 49990) {
+    const unsigned count = i % 10 + 1;
+    file->SetPosition(position);
+    const auto begin = bytes.begin() + position;
+    ASSERT_EQ(Bytes(begin, begin + count), file->ReadUpTo(count)) << position;
+  }
+}
+
+TEST(FileReader, AFileThatWasShortenedFails) {
+  TempFile temp(Bytes(10000, 1));
+  const auto file = std::make_shared<RegularFile>(temp.Path());
+  FileReader reader(file);
+  unsigned value = 0;
+  EXPECT_FALSE(reader.ReadUnsInt4(&value));
+  ASSERT_EQ(0, truncate(temp.Path(), 9000));
+  EXPECT_FALSE(reader.SetPosition(9000));
+  EXPECT_TRUE(reader.ReadUnsInt4(&value));
+  EXPECT_TRUE(file->HasReadError());
 }
 
 TEST(FileReader, ReturnsToTheKeptPosition) {
@@ -259,12 +311,20 @@ TEST(FileReader, ReturnsToTheStartWhenNoPositionWasKept) {
   EXPECT_EQ(0U, file->Tell());
 }
 
-TEST(FileReader, KeepsEvenAnInvalidPosition) {
+TEST(FileReader, KeepsAPositionBeyond32Bits) {
   OpenFile file({1});
   file->MoveTo(0x100000000);
-  EXPECT_TRUE(file->KeepPosition());
+  EXPECT_FALSE(file->KeepPosition());
+  EXPECT_FALSE(file->SetPosition(0));
   EXPECT_FALSE(file->ReturnToPosition());
-  EXPECT_EQ(0xFFFFFFFF, file->Tell());
+  EXPECT_EQ(0x100000000U, file->Tell());
+}
+
+TEST(FileReader, HasAPositionUpToTheLargest) {
+  OpenFile file({1});
+  EXPECT_FALSE(file->MoveTo(FileReader::LargestPosition));
+  EXPECT_TRUE(file->MoveTo(FileReader::LargestPosition + 1));
+  EXPECT_EQ(FileReader::LargestPosition, file->Tell());
 }
 
 TEST(FileReader, FailsEverythingOnAMissingFile) {

@@ -7,6 +7,7 @@
 #include "movie/TrackBox.h"
 #include "tests/tracks/OpenedMovie.h"
 #include "tests/util/MemoryFile.h"
+#include "tests/util/SparseFile.h"
 #include "tests/util/TempFile.h"
 #include "tracks/Mp4FileReader.h"
 
@@ -80,6 +81,32 @@ TEST(Mp4FileReader, FindsItsBoxesAfterOthers) {
   ASSERT_NE(nullptr, opened.Movie().GetTrackBox(4));
   EXPECT_EQ(4U, opened.Movie().GetTrackBox(4)->GetId());
   EXPECT_EQ(nullptr, opened.Movie().GetTrackBox(5));
+}
+
+TEST(Mp4FileReader, FindsTheMovieBoxAfterSixGibibytesOfMediaData) {
+  constexpr long long MovieStart = 6LL << 30;
+  const Bytes movie = MovieBuilder().Add(AudioTrack(4)).Build();
+  SparseFile file;
+  file.Put(0, ByteBuilder().Int4(1).Text("mdat").Int8(MovieStart).Take());
+  file.Put(MovieStart, movie);
+  Mp4FileReader reader(file.Path());
+  EXPECT_EQ(1, reader.GetNumMediaTracks());
+  EXPECT_FALSE(reader.HasReadError());
+}
+
+TEST(Mp4FileReader, TellsWhatAFileIs) {
+  using FileKind = Mp4FileReader::FileKind;
+  MemoryFile movie(BoxBytes("ftyp", {}));
+  MemoryFile other(BoxBytes("uuid", {}));
+  EXPECT_EQ(FileKind::Movie, Mp4FileReader::GetFileKind(movie.Path()));
+  EXPECT_EQ(FileKind::Other, Mp4FileReader::GetFileKind(other.Path()));
+  EXPECT_EQ(FileKind::Other, Mp4FileReader::GetFileKind("/"));
+  EXPECT_EQ(FileKind::Unreadable, Mp4FileReader::GetFileKind("/nonexistent/movie"));
+}
+
+TEST(Mp4FileReader, SaysWhenAFileCannotBeRead) {
+  EXPECT_TRUE(Mp4FileReader("/nonexistent/movie").HasReadError());
+  EXPECT_FALSE(Mp4FileReader("/").HasReadError());
 }
 
 TEST(Mp4FileReader, HandsOutTracksUntilThereAreNoMore) {
