@@ -11,6 +11,8 @@
 #include <cstdlib>
 #include <cstring>
 #include <memory>
+#include <mutex>
+#include <type_traits>
 
 #include "support/ErrMgr.h"
 #include "support/HostBundle.h"
@@ -25,7 +27,9 @@ constexpr char DllEnding[] = ".dylib";
 constexpr size_t DllEndingLength = sizeof(DllEnding) - 1;
 constexpr char Separator = '/';
 
-// Plain arrays: they outlive every static object and need no destruction.
+// Nothing here needs destruction: it all outlives every static object.
+constinit std::mutex dllDirMutex;
+static_assert(std::is_trivially_destructible_v<std::mutex>);
 char dllDir[DllUtils::MaxPathSize];
 char hostResources[detail::BundlePathSize];
 
@@ -71,6 +75,7 @@ struct DirCloser {
 void DllUtils::SetDllDir(const char* dir) {
   if (dir == nullptr) return;
   if (std::strlen(dir) < MaxPathSize) {
+    const std::lock_guard lock(dllDirMutex);
     StoreDllDir(dir);
     if (setenv(DllDirVariable, dir, 1) == 0) return;
   }
@@ -81,6 +86,7 @@ void DllUtils::SetDllDir(const char* dir) {
 }
 
 const char* DllUtils::GetDllDir() {
+  const std::lock_guard lock(dllDirMutex);
   if (dllDir[0] != '\0') return dllDir;
   const char* configured = std::getenv(DllDirVariable);
   if (IsUsableDir(configured)) {

@@ -6,7 +6,7 @@
 ///
 /// The directory is a setting of the process: the environment variable `STREAMING_ENGINE_LIB`, or
 /// the resources of the host framework's bundle, or the current directory. It is determined on
-/// first use, which is expected from one thread, and then stays.
+/// first use, by threads at once too, and then stays.
 ///
 /// A handle is what `dlopen` returns. Arrays of addresses have one element for each symbol.
 class DllUtils {

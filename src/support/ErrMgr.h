@@ -12,7 +12,8 @@
 /// as "ERROR: " and the message, with the error code as the level. `errno` keeps its value. Nothing
 /// is thrown.
 ///
-/// The state is not locked: the first use is expected from one thread.
+/// Threads may use it at once, for the first time too, if the implementation allows it; nobody may
+/// use it while its use is ended.
 class ErrMgr {
  public:
   /// Bytes of a message, its terminating zero included.

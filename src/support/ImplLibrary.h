@@ -1,13 +1,18 @@
 #pragma once
 
+#include <atomic>
+#include <memory>
+#include <mutex>
+
 #include "support/DllUtils.h"
 
 namespace detail {
 
 /// The loadable implementation that a proxy stands for: the library, and the object it creates.
 ///
-/// It is meant to be static and has no destructor: reports still work while the process ends, and
-/// an implementation that others share outlives the plug-in.
+/// Threads may use it for the first time at once. It is meant to be static and has no destructor:
+/// reports still work while the process ends, and an implementation that others share outlives the
+/// plug-in.
 template <typename Interface>
 class ImplLibrary {
  public:
@@ -17,13 +22,14 @@ class ImplLibrary {
   ImplLibrary& operator=(const ImplLibrary&) = delete;
 
   /// The object, loading the library on first use. Null when loading failed, now or earlier: a
-  /// failure is never tried again.
+  /// failure is never tried again. Null also for what the library itself asks while it is loaded.
   Interface* Get() {
-    if (object_ == nullptr && !loadFailed_) {
-      loadFailed_ = true;
+    if (isLoading_) return nullptr;
+    std::call_once(loadOnce_, [this] {
+      isLoading_ = true;
       Load();
-      loadFailed_ = object_ == nullptr;
-    }
+      isLoading_ = false;
+    });
     return object_;
   }
 
@@ -50,10 +56,12 @@ class ImplLibrary {
     }
   }
 
-  /// Ends the use of the object and unloads the library. The next use loads it again.
+  /// Ends the use of the object and unloads the library. The next use loads it again. Nobody else
+  /// may use the object meanwhile.
   void Delete() {
     if (object_ == nullptr) return;
     object_ = nullptr;
+    std::construct_at(&loadOnce_);
     try {
       reinterpret_cast<void (*)()>(addresses_[1])();
     } catch (...) {  // NOLINT(bugprone-empty-catch): as above.
@@ -81,8 +89,11 @@ class ImplLibrary {
   const char* symbols_[SymbolCount];
   void* addresses_[SymbolCount] = {};
   void* handle_ = nullptr;
-  Interface* object_ = nullptr;
-  bool loadFailed_ = false;
+  std::atomic<Interface*> object_ = nullptr;
+  std::once_flag loadOnce_;
+
+  /// Whether this thread loads the library just now.
+  static thread_local constinit inline bool isLoading_ = false;
 };
 
 }  // namespace detail

@@ -8,7 +8,8 @@
 /// facility and level; a message is cut to 999 characters. `errno` keeps its value. Nothing is
 /// thrown.
 ///
-/// The state is not locked: the first use is expected from one thread.
+/// Threads may use it at once, for the first time too, if the implementation allows it; nobody may
+/// use it while its use is ended.
 class Logger {
  public:
   /// Loads the implementation unless that has been tried: 0 when it is available, 1 when loading

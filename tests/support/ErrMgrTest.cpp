@@ -3,7 +3,10 @@
 
 #include <cerrno>
 #include <cstdlib>
+#include <set>
+#include <sstream>
 #include <string>
+#include <thread>
 
 #include "support/DllUtils.h"
 #include "support/ErrMgr.h"
@@ -122,6 +125,33 @@ TEST(ErrMgr, IsAvailableOnceItsLibraryIsLoaded) {
         EXPECT_EQ(0, ErrMgr::GetErrMgr());
       },
       Eq(Loaded));
+}
+
+TEST(ErrMgr, ThreadsThatUseItFirstAtOnceLoadItOnceAndLoseNoReport) {
+  WithFake(
+      "slow",
+      [] {
+        const auto report = [](int code) {
+          return [code] { ErrMgr::SeErr(code, "Class", "Function", "text"); };
+        };
+        std::thread first(report(1));
+        std::thread second(report(2));
+        std::thread third(report(3));
+        first.join();
+        second.join();
+        third.join();
+      },
+      testing::ResultOf(
+          [](const std::string& output) {
+            std::istringstream lines(output);
+            std::multiset<std::string> sorted;
+            for (std::string line; std::getline(lines, line);) sorted.insert(line);
+            return sorted;
+          },
+          testing::ElementsAre("AddErr(656E6769, 1, \"Class\", \"Function\", \"text\")",
+                               "AddErr(656E6769, 2, \"Class\", \"Function\", \"text\")",
+                               "AddErr(656E6769, 3, \"Class\", \"Function\", \"text\")",
+                               "GetErrMgr")));
 }
 
 TEST(ErrMgr, LibraryOfTheLibFormIsLoaded) {

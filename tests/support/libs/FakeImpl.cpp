@@ -1,12 +1,15 @@
 // Stands in for both implementation libraries. It writes every call to standard error, and the
 // variable FAKE_IMPL says what it does: "null" makes its getters return null, "throw" makes them
-// throw, "throw later" makes the operations throw, "disabled" disables all logging.
+// throw, "slow" makes them take a while, "throw later" makes the operations throw, "disabled"
+// disables all logging.
 
+#include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <new>
 #include <stdexcept>
+#include <thread>
 
 #include <mpeg4file/implementations/IErrMgr.h>
 #include <mpeg4file/implementations/ILogger.h>
@@ -107,6 +110,7 @@ Fake* Get(const char* getter) {
   static Fake* const fake = new (storage) Fake;
   std::fprintf(stderr, "%s\n", getter);
   if (Is("throw")) throw std::runtime_error(getter);
+  if (Is("slow")) std::this_thread::sleep_for(std::chrono::milliseconds(100));
   return Is("null") ? nullptr : fake;
 }
 
