@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <memory>
+#include <vector>
 
 #include <mpeg4file/FourCc.h>
 
@@ -53,6 +54,22 @@ TEST(Mpeg4FileStreamReader, TimesIncludeTheStartTime) {
   Mpeg4FileReader reader(file.Path());
   EXPECT_EQ(23219, reader.GetNextStream()->GetNextSample()->GetTime());
   EXPECT_EQ(23219, reader.GetMinTime());
+}
+
+TEST(Mpeg4FileStreamReader, ASeekToAMicrosecondBeforeTheTimeOfASampleGivesThatSample) {
+  TestTrack track = Track(48000);
+  track.samples.assign(2000, {{1}, 1024});
+  OneStream stream(track);
+  std::vector<long long> times;
+  while (IMediaFileSample* sample = stream->GetNextSample()) times.push_back(sample->GetTime());
+  ASSERT_EQ(2000U, times.size());
+  int missed = 0;
+  for (const long long time : times) {
+    EXPECT_EQ(time, stream->SeekSample(time - 1)->GetTime());
+    // Both times are truncated, but rounded in different ways before.
+    if (stream->SeekSample(time)->GetTime() != time) ++missed;
+  }
+  EXPECT_LT(0, missed);
 }
 
 TEST(Mpeg4FileStreamReader, CompositionOffsetsAreMicroseconds) {

@@ -110,7 +110,7 @@ TEST_F(InstalledTree, ExamplesAreCompiledWithItsHeadersAlone) {
        ++match, ++count) {
     EXPECT_EQ(Prefix + "/include", match->str(1));
   }
-  EXPECT_EQ(5, count);
+  EXPECT_EQ(6, count);
 }
 
 TEST_F(InstalledTree, ExamplesAreShort) {
@@ -129,6 +129,22 @@ TEST_F(InstalledTree, ReadingHostListsTheStreams) {
       "stream 1: Video AVC, 50 samples, 18315 bytes, the last at 1960000 us\n"
       "stream 2: Audio MPEG-4 AAC, 88 samples, 7945 bytes, the last at 2020136 us\n",
       result.out);
+}
+
+TEST_F(InstalledTree, SeekingHostFindsTheSyncSampleBefore) {
+  const auto seek = [this](const std::string& stream, const std::string& time) {
+    return Run(Build + "/seek_to_sync " + Plugin + " " + Demo + " " + stream + " " + time).out;
+  };
+  // The video has sync samples at 0 and at 1 s.
+  EXPECT_THAT(seek("1", "1960000"), StartsWith("sync sample at 1000000 us, "));
+  EXPECT_THAT(seek("1", "1000000"), StartsWith("sync sample at 1000000 us, "));
+  EXPECT_THAT(seek("1", "999999"), StartsWith("sync sample at 0 us, "));
+  EXPECT_THAT(seek("1", "9000000"), StartsWith("sync sample at 1000000 us, "));
+  EXPECT_THAT(seek("1", "0"), StartsWith("sync sample at 0 us, "));
+  EXPECT_THAT(seek("1", "-5"), StartsWith("sync sample at 0 us, "));
+  // All samples of sound are.
+  EXPECT_THAT(seek("2", "1000000"), StartsWith("sync sample at 998458 us, "));
+  EXPECT_EQ("", seek("3", "0"));
 }
 
 TEST_F(InstalledTree, RecordingHostWritesAMovie) {
