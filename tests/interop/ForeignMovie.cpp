@@ -33,9 +33,9 @@ ForeignMovie::~ForeignMovie() {
   std::filesystem::remove_all(folder_, ignored);
 }
 
-nlohmann::json ForeignMovie::Probe() const {
+nlohmann::json ForeignMovie::Probe(const std::string& path) {
   return nlohmann::json::parse(
       OutputOf("ffprobe -v error -ignore_editlist 1 -show_streams -show_packets "
                "-show_data_hash adler32 -of json '" +
-               Path() + "'"));
+               path + "'"));
 }

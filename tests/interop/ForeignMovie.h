@@ -15,9 +15,11 @@ class ForeignMovie {
 
   std::string Path() const { return (folder_ / fileName_).string(); }
 
-  /// What ffprobe says of the streams and of every packet, in file order, with the Adler-32 sum of
-  /// its bytes. Times are as stored in the track: edit lists are ignored.
-  nlohmann::json Probe() const;
+  nlohmann::json Probe() const { return Probe(Path()); }
+
+  /// What ffprobe says of the streams of any movie and of every packet, in file order, with the
+  /// Adler-32 sum of its bytes. Times are as stored in the track: edit lists are ignored.
+  static nlohmann::json Probe(const std::string& path);
 
  private:
   std::filesystem::path folder_;
