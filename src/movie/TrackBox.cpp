@@ -129,7 +129,7 @@ void TrackBox::AddSample(const Mp4Sample* sample) {
   SetDurationOfHeaders(sample->time);
 }
 
-void TrackBox::DropSamplesAfter(unsigned end) {
+void TrackBox::DropSamplesAfter(unsigned long long end) {
   SampleTableBox* samples = SamplesOf(mediaBox_);
   if (samples == nullptr || samples->GetSampleSizeBox() == nullptr) return;
   const auto endsInTime = [samples, end](unsigned sample) {

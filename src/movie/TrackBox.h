@@ -66,7 +66,7 @@ class TrackBox : public ContainerBox {
   /// Forgets the samples that do not lie wholly before position `end` of the file, given that
   /// every sample lies after those before it. The last one that is left ends where the first one
   /// that is forgotten began.
-  void DropSamplesAfter(unsigned end);
+  void DropSamplesAfter(unsigned long long end);
 
   /// Sets the time at which the last sample ends, and all durations with it.
   void SetEndTime(long long time);

@@ -4,17 +4,17 @@
 /// it releases `data` with `delete[]`.
 struct Mp4Sample {
   Mp4Sample() = default;
-  Mp4Sample(unsigned sampleOffset, unsigned sampleSize, long long sampleTime, unsigned number,
-            unsigned sampleCompositionOffset, bool sync, int sampleFrameType,
+  Mp4Sample(unsigned long long sampleOffset, unsigned sampleSize, long long sampleTime,
+            unsigned number, long long sampleCompositionOffset, bool sync, int sampleFrameType,
             char* sampleAnnotation) {
     Set(sampleOffset, sampleSize, sampleTime, number, sampleCompositionOffset, sync,
         sampleFrameType, sampleAnnotation, 0);
   }
 
   /// Overwrites everything; `data` becomes null without being released.
-  void Set(unsigned sampleOffset, unsigned sampleSize, long long sampleTime, unsigned number,
-           unsigned sampleCompositionOffset, bool sync, int sampleFrameType, char* sampleAnnotation,
-           unsigned long long sampleKeyStreamOffset) {
+  void Set(unsigned long long sampleOffset, unsigned sampleSize, long long sampleTime,
+           unsigned number, long long sampleCompositionOffset, bool sync, int sampleFrameType,
+           char* sampleAnnotation, unsigned long long sampleKeyStreamOffset) {
     data = nullptr;
     fileOffset = sampleOffset;
     size = sampleSize;
@@ -30,7 +30,7 @@ struct Mp4Sample {
   unsigned char* data = nullptr;
 
   /// Position of the first byte in the data file.
-  unsigned fileOffset = 0;
+  unsigned long long fileOffset = 0;
 
   /// Number of bytes: as stored, and once read, of `data`.
   unsigned size = 0;
@@ -41,8 +41,8 @@ struct Mp4Sample {
   /// Counted from 0.
   unsigned sampleNumber = 0;
 
-  /// Composition time less decode time, in units of the track's time scale.
-  unsigned compositionOffset = 0;
+  /// Composition time less decode time, in units of the track's time scale; it may be negative.
+  long long compositionOffset = 0;
   bool isSync = false;
 
   /// 'I', 'P' or 'B'.

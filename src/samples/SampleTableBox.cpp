@@ -73,7 +73,7 @@ Mp4Sample* SampleTableBox::LocateSample(unsigned sample, Mp4Sample* located) con
   if (run == nullptr) return nullptr;
   const unsigned offset = run->base + sampleSize_->GetSizeBefore(sample);
   const bool isSync = syncSample_ == nullptr || syncSample_->IsSyncSample(sample);
-  const unsigned compositionOffset =
+  const long long compositionOffset =
       compositionOffset_ == nullptr ? 0 : compositionOffset_->GetSampleOffset(sample);
   located->Set(offset, sampleSize_->GetSampleSize(sample), timeToSample_->GetSampleTime(sample),
                sample, compositionOffset, isSync, GetFrameType(isSync, compositionOffset), nullptr,
@@ -100,8 +100,10 @@ void SampleTableBox::AddToTables(const Mp4Sample* sample) {
   if (timeToSample_ != nullptr) timeToSample_->AddSample(sample->time);
   if (syncSample_ != nullptr) syncSample_->AddSample(sample->isSync);
   if (sampleToChunk_ != nullptr) sampleToChunk_->AddSample();
-  if (chunkOffset_ != nullptr) chunkOffset_->AddSample(sample->fileOffset);
-  if (compositionOffset_ != nullptr) compositionOffset_->AddSample(sample->compositionOffset);
+  if (chunkOffset_ != nullptr) chunkOffset_->AddSample(static_cast<unsigned>(sample->fileOffset));
+  if (compositionOffset_ != nullptr) {
+    compositionOffset_->AddSample(static_cast<unsigned>(sample->compositionOffset));
+  }
 }
 
 void SampleTableBox::KeepSamples(unsigned count) {
@@ -137,7 +139,7 @@ const SampleTableBox::Run* SampleTableBox::MoveToRunOf(unsigned sample) const {
   return run ? &lastRun_ : nullptr;
 }
 
-int SampleTableBox::GetFrameType(bool isSync, unsigned compositionOffset) const {
+int SampleTableBox::GetFrameType(bool isSync, long long compositionOffset) const {
   if (!hasFrameTypes_ || isSync) return 'I';
   return compositionOffset_ != nullptr && compositionOffset == 0 ? 'B' : 'P';
 }

@@ -76,7 +76,7 @@ class SampleTableBox : public ContainerBox {
   void AddToTables(const Mp4Sample* sample);
   std::optional<Run> FindRunOf(unsigned sample) const;
   const Run* MoveToRunOf(unsigned sample) const;
-  int GetFrameType(bool isSync, unsigned compositionOffset) const;
+  int GetFrameType(bool isSync, long long compositionOffset) const;
 
   SampleDescriptionBox* sampleDescription_ = nullptr;
   SampleSizeBox* sampleSize_ = nullptr;

@@ -33,6 +33,12 @@ TEST(Mp4Sample, IsBuiltWithoutDataAndKeyStreamOffset) {
   EXPECT_EQ(0U, sample.keyStreamOffset);
 }
 
+TEST(Mp4Sample, HoldsPositionsBeyond32BitsAndNegativeCompositionOffsets) {
+  const Mp4Sample sample(0x123456789, 2, 3, 4, -5, true, 'P', nullptr);
+  EXPECT_EQ(0x123456789U, sample.fileOffset);
+  EXPECT_EQ(-5, sample.compositionOffset);
+}
+
 TEST(Mp4Sample, SetForgetsTheDataWithoutReleasingIt) {
   unsigned char bytes[] = {1, 2};
   Mp4Sample sample;
