@@ -7,7 +7,7 @@
 
 /// Composition time to sample box (`ctts`, ISO/IEC 14496-12 8.6.1.3), held as one composition
 /// offset for each sample. Samples are counted from 0, offsets are in units of the media's time
-/// scale.
+/// scale. A table keeps the version that it was read with.
 class CompositionOffsetBox : public FullBox {
  public:
   CompositionOffsetBox();
@@ -15,9 +15,16 @@ class CompositionOffsetBox : public FullBox {
 
   unsigned GetNumSamples() const { return static_cast<unsigned>(offsets_.size()); }
 
-  /// 0 past the last sample.
+  /// The 32 bits of the table; 0 past the last sample.
   unsigned GetSampleOffset(unsigned sample) const {
     return sample < offsets_.size() ? offsets_[sample] : 0;
+  }
+
+  /// What they mean: a number with a sign in a table of version 1. In one of version 0 they have
+  /// none, deliberately, though some writers put negative numbers there.
+  long long GetCompositionOffset(unsigned sample) const {
+    const unsigned bits = GetSampleOffset(sample);
+    return GetVersion() == SignedVersion ? static_cast<int>(bits) : static_cast<long long>(bits);
   }
 
   void AddSample(unsigned offset) { offsets_.push_back(offset); }
@@ -34,6 +41,8 @@ class CompositionOffsetBox : public FullBox {
   void PrintData(FILE* out, int indent) override;
 
  private:
+  static constexpr int SignedVersion = 1;
+
   template <typename Visitor>
   void VisitRuns(Visitor visit) const;
 

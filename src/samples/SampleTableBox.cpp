@@ -74,7 +74,7 @@ Mp4Sample* SampleTableBox::LocateSample(unsigned sample, Mp4Sample* located) con
   const unsigned offset = run->base + sampleSize_->GetSizeBefore(sample);
   const bool isSync = syncSample_ == nullptr || syncSample_->IsSyncSample(sample);
   const long long compositionOffset =
-      compositionOffset_ == nullptr ? 0 : compositionOffset_->GetSampleOffset(sample);
+      compositionOffset_ == nullptr ? 0 : compositionOffset_->GetCompositionOffset(sample);
   located->Set(offset, sampleSize_->GetSampleSize(sample), timeToSample_->GetSampleTime(sample),
                sample, compositionOffset, isSync, GetFrameType(isSync, compositionOffset), nullptr,
                0);

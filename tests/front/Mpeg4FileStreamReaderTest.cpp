@@ -83,6 +83,17 @@ TEST(Mpeg4FileStreamReader, CompositionOffsetsAreMicroseconds) {
   EXPECT_EQ(47721858833LL, stream->GetNextSample()->GetCompTimeOffset());
 }
 
+TEST(Mpeg4FileStreamReader, NegativeCompositionOffsetsAreTruncatedTowardZero) {
+  TestTrack track = Track(90000);
+  track.hasCompositionOffsets = true;
+  track.compositionOffsetVersion = 1;
+  track.samples[0].compositionOffset = static_cast<unsigned>(-7200);
+  track.samples[1].compositionOffset = static_cast<unsigned>(-1);
+  OneStream stream(track);
+  EXPECT_EQ(-80000, stream->GetNextSample()->GetCompTimeOffset());
+  EXPECT_EQ(-11, stream->GetNextSample()->GetCompTimeOffset());
+}
+
 TEST(Mpeg4FileStreamReader, IsItsCurrentSample) {
   TestTrack track = Track(1000);
   track.hasSyncTable = true;

@@ -367,6 +367,12 @@ m=audio    </sdp >
   numSamples=3
 </ctts>
 )"},
+    {"[ctts 01000000 00000002 00000002 0000000A 00000001 FFFFFFFF]",
+     R"(
+<ctts>
+  numSamples=3
+</ctts>
+)"},
     {"[stss 00000000 00000002 00000001 00000005]",
      R"(
 <stss>

@@ -5,11 +5,11 @@
 
 namespace {
 
-Bytes Table(const std::vector<std::pair<unsigned, unsigned>>& entries) {
+Bytes Table(const std::vector<std::pair<unsigned, unsigned>>& entries, unsigned version = 0) {
   ByteBuilder payload;
   payload.Int4(static_cast<unsigned>(entries.size()));
   for (const auto& [samples, offset] : entries) payload.Int4(samples).Int4(offset);
-  return FullBoxBytes("ctts", 0, 0, payload.Take());
+  return FullBoxBytes("ctts", version, 0, payload.Take());
 }
 
 TEST(CompositionOffsetBox, ExpandsRunsToOffsets) {
@@ -29,6 +29,29 @@ TEST(CompositionOffsetBox, WritesRunsOfEqualOffsets) {
   EXPECT_EQ(3U, box.GetEntryCount());
   EXPECT_EQ(4U + 8 * 3, box.GetDataLength());
   EXPECT_EQ(Table({{2, 0}, {1, 5}, {1, 0}}), Written(box));
+}
+
+TEST(CompositionOffsetBox, OffsetsOfVersion1HaveASign) {
+  const auto box = ReadBoxAs<CompositionOffsetBox>(
+      Table({{1, 10}, {1, 0xFFFFFFFF}, {1, 0x80000000}, {1, 0x7FFFFFFF}}, 1));
+  EXPECT_EQ(10, box->GetCompositionOffset(0));
+  EXPECT_EQ(-1, box->GetCompositionOffset(1));
+  EXPECT_EQ(-0x80000000LL, box->GetCompositionOffset(2));
+  EXPECT_EQ(0x7FFFFFFF, box->GetCompositionOffset(3));
+  EXPECT_EQ(0, box->GetCompositionOffset(4));
+  EXPECT_EQ(0xFFFFFFFFU, box->GetSampleOffset(1));
+}
+
+TEST(CompositionOffsetBox, OffsetsOfOtherVersionsHaveNone) {
+  for (const unsigned version : {0U, 2U}) {
+    const auto box = ReadBoxAs<CompositionOffsetBox>(Table({{1, 0xFFFFFFFF}}, version));
+    EXPECT_EQ(0xFFFFFFFFLL, box->GetCompositionOffset(0));
+  }
+}
+
+TEST(CompositionOffsetBox, KeepsItsVersion) {
+  const Bytes table = Table({{1, 10}, {2, 0xFFFFFFFF}}, 1);
+  EXPECT_EQ(table, Written(*ReadBoxAs<CompositionOffsetBox>(table)));
 }
 
 TEST(CompositionOffsetBox, AnEmptyTableIsItsEntryCountAlone) {

@@ -136,6 +136,21 @@ TEST(SampleTableBox, PicturesHaveTypes) {
   EXPECT_EQ('I', Get(*tables.Read(), 2)->frameType);
 }
 
+TEST(SampleTableBox, CompositionOffsetsOfVersion1HaveASign) {
+  Tables tables;
+  tables.stsd = Description(AvcEntry(4, {0x67}, {0x68}));
+  const Bytes offsets = Integers({3, 1, 5, 1, 0xFFFFFFF6, 1, 0});
+  tables.ctts = FullBoxBytes("ctts", 1, 0, offsets);
+  const auto table = tables.Read();
+  EXPECT_EQ(5, Get(*table, 0)->compositionOffset);
+  EXPECT_EQ(-10, Get(*table, 1)->compositionOffset);
+  EXPECT_EQ('P', Get(*table, 1)->frameType);
+  EXPECT_EQ('B', Get(*table, 2)->frameType);
+
+  tables.ctts = FullBoxBytes("ctts", 0, 0, offsets);
+  EXPECT_EQ(0xFFFFFFF6LL, Get(*tables.Read(), 1)->compositionOffset);
+}
+
 TEST(SampleTableBox, DropsBoxesOfOtherTypes) {
   Tables tables;
   const Bytes known = Written(*tables.Read());

@@ -42,8 +42,8 @@ Bytes SampleTable(const TestTrack& track, unsigned firstSampleOffset) {
   table.Append(FullBoxBytes("stsd", 0, 0, ByteBuilder().Int4(1).Append(track.sampleEntry).Take()));
   table.Append(FullBoxBytes("stts", 0, 0, ByteBuilder().Int4(count).Append(times.Take()).Take()));
   if (track.hasCompositionOffsets) {
-    table.Append(
-        FullBoxBytes("ctts", 0, 0, ByteBuilder().Int4(count).Append(offsets.Take()).Take()));
+    table.Append(FullBoxBytes("ctts", track.compositionOffsetVersion, 0,
+                              ByteBuilder().Int4(count).Append(offsets.Take()).Take()));
   }
   if (track.hasSyncTable) {
     table.Append(

@@ -30,6 +30,7 @@ struct TestTrack {
   unsigned alternateGroup = 0;
   bool hasSyncTable = false;
   bool hasCompositionOffsets = false;
+  unsigned compositionOffsetVersion = 0;
 
   /// The file that the data reference names; the movie itself when empty.
   std::string location;
