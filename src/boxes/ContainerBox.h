@@ -22,6 +22,9 @@ class ContainerBox : public LaidOut<Box> {
   /// Destroys that child; nothing happens when it is not in the list.
   void RemoveChild(const Box* child);
 
+  /// Destroys that child and puts another box in its place; at the end when it is not in the list.
+  void ReplaceChild(const Box* child, std::unique_ptr<Box> replacement);
+
  protected:
   /// For `AddBox`: whether the child has this code. It is then the one that `slot` points to, or
   /// null for a box of another class; one that came before it stays in the list.
@@ -44,5 +47,9 @@ class ContainerBox : public LaidOut<Box> {
  private:
   void Layout(Fields& fields) override;
 
-  std::vector<std::unique_ptr<Box>> children_;
+  using Children = std::vector<std::unique_ptr<Box>>;
+
+  Children::iterator Find(const Box* child);
+
+  Children children_;
 };

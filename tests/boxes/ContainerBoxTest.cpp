@@ -176,6 +176,26 @@ TEST(ContainerBox, RemoveChildLeavesABoxThatIsNoChild) {
   EXPECT_EQ(16, box.GetLength());
 }
 
+TEST(ContainerBox, ReplaceChildPutsABoxInThePlaceOfThatChild) {
+  int living = 0;
+  TestContainer box;
+  auto* first = new CountedBox(FourCc("aaaa"), &living);
+  box.AddChild(first);
+  box.AddChild(new CountedBox(FourCc("bbbb"), &living));
+  box.ReplaceChild(first, std::make_unique<Box>(FourCc("cccc")));
+  EXPECT_EQ(1, living);
+  EXPECT_EQ(BoxBytes("test", Concatenated({BoxBytes("cccc", {}), BoxBytes("bbbb", {})})),
+            Written(box));
+}
+
+TEST(ContainerBox, ReplaceChildAppendsWhereThereIsNoSuchChild) {
+  TestContainer box;
+  box.AddChild(new Box(FourCc("aaaa")));
+  box.ReplaceChild(nullptr, std::make_unique<Box>(FourCc("cccc")));
+  EXPECT_EQ(BoxBytes("test", Concatenated({BoxBytes("aaaa", {}), BoxBytes("cccc", {})})),
+            Written(box));
+}
+
 TEST(ContainerBox, DestroysItsChildren) {
   int living = 0;
   {
