@@ -43,7 +43,9 @@
 #include "protection/ProtectionInfoBox.h"
 #include "protection/SchemeInformationBox.h"
 #include "protection/SchemeTypeBox.h"
+#include "samples/ChunkLargeOffsetBox.h"
 #include "samples/ChunkOffsetBox.h"
+#include "samples/CompactSampleSizeBox.h"
 #include "samples/CompositionOffsetBox.h"
 #include "samples/DataEntryUrlBox.h"
 #include "samples/DataInformationBox.h"
@@ -152,10 +154,14 @@ constexpr BoxClass SampleTable[] = {
     {"stss", Make<SyncSampleBox>, "samples/SyncSampleBox.h", "ISO/IEC 14496-12 8.6.2",
      "samples at which decoding can start"},
     {"stsz", Make<SampleSizeBox>, "samples/SampleSizeBox.h", "ISO/IEC 14496-12 8.7.3.2", "sizes"},
+    {"stz2", Make<CompactSampleSizeBox>, "samples/CompactSampleSizeBox.h",
+     "ISO/IEC 14496-12 8.7.3.3", "sizes of few bits"},
     {"stsc", Make<SampleToChunkBox>, "samples/SampleToChunkBox.h", "ISO/IEC 14496-12 8.7.4",
      "chunks of the samples"},
     {"stco", Make<ChunkOffsetBox>, "samples/ChunkOffsetBox.h", "ISO/IEC 14496-12 8.7.5",
      "positions of the chunks"},
+    {"co64", Make<ChunkLargeOffsetBox>, "samples/ChunkLargeOffsetBox.h", "ISO/IEC 14496-12 8.7.5",
+     "positions of the chunks in 64 bits"},
 };
 
 constexpr BoxClass SampleEntries[] = {

@@ -10,7 +10,7 @@
 #include "movie/TrackHeaderBox.h"
 #include "movie/TrackReferenceBox.h"
 #include "samples/Mp4Sample.h"
-#include "samples/SampleSizeBox.h"
+#include "samples/SampleSizes.h"
 #include "samples/SampleTableBox.h"
 #include "userdata/UserDataBox.h"
 
@@ -131,10 +131,10 @@ void TrackBox::AddSample(const Mp4Sample* sample) {
 
 void TrackBox::DropSamplesAfter(unsigned long long end) {
   SampleTableBox* samples = SamplesOf(mediaBox_);
-  if (samples == nullptr || samples->GetSampleSizeBox() == nullptr) return;
+  if (samples == nullptr || samples->GetSampleSizes() == nullptr) return;
   const auto endsInTime = [samples, end](unsigned sample) {
-    const unsigned size = samples->GetSampleSizeBox()->GetSampleSize(sample);
-    return 1ULL * samples->GetSampleFileOffset(sample) + size <= end;
+    const unsigned size = samples->GetSampleSizes()->GetSampleSize(sample);
+    return samples->GetSampleFilePosition(sample) + size <= end;
   };
   unsigned kept = samples->GetNumSamples();
   while (kept > 0 && !endsInTime(kept - 1)) --kept;

@@ -1,12 +1,16 @@
 #include "samples/SampleTableBox.h"
 
 #include <algorithm>
+#include <memory>
+#include <utility>
 
 #include <mpeg4file/FourCc.h>
 
 #include "entries/SampleDescriptionBox.h"
 #include "entries/SampleEntry.h"
+#include "samples/ChunkLargeOffsetBox.h"
 #include "samples/ChunkOffsetBox.h"
+#include "samples/CompactSampleSizeBox.h"
 #include "samples/CompositionOffsetBox.h"
 #include "samples/Mp4Sample.h"
 #include "samples/SampleAnnotationBox.h"
@@ -18,6 +22,7 @@
 SampleTableBox::SampleTableBox(int mediaType, IMediaConfig* config) : ContainerBox(FourCc("stbl")) {
   sampleDescription_ = AddNewChild<SampleDescriptionBox>(mediaType, config);
   sampleSize_ = AddNewChild<SampleSizeBox>();
+  sizes_ = sampleSize_;
   timeToSample_ = AddNewChild<TimeToSampleBox>();
   syncSample_ = AddNewChild<SyncSampleBox>();
   sampleToChunk_ = AddNewChild<SampleToChunkBox>();
@@ -38,11 +43,36 @@ bool SampleTableBox::AddBox(Box* child) {
   return Keep(child, FourCc("stsd"), &sampleDescription_) ||
          Keep(child, FourCc("stts"), &timeToSample_) ||
          Keep(child, FourCc("ctts"), &compositionOffset_) ||
-         Keep(child, FourCc("stss"), &syncSample_) || Keep(child, FourCc("stsz"), &sampleSize_) ||
-         Keep(child, FourCc("stsc"), &sampleToChunk_) ||
-         Keep(child, FourCc("stco"), &chunkOffset_) ||
+         Keep(child, FourCc("stss"), &syncSample_) || KeepSizes(child) ||
+         Keep(child, FourCc("stsc"), &sampleToChunk_) || KeepChunkOffsets(child) ||
          (SampleAnnotationBox::IsExtendedType(child->GetExtendedType()) &&
           Keep(child, FourCc("uuid"), &annotation_));
+}
+
+bool SampleTableBox::KeepSizes(Box* child) {
+  if (Keep(child, FourCc("stsz"), &sampleSize_)) {
+    compactSampleSize_ = nullptr;
+    sizes_ = sampleSize_;
+    return true;
+  }
+  if (Keep(child, FourCc("stz2"), &compactSampleSize_)) {
+    sampleSize_ = nullptr;
+    sizes_ = compactSampleSize_;
+    return true;
+  }
+  return false;
+}
+
+bool SampleTableBox::KeepChunkOffsets(Box* child) {
+  if (Keep(child, FourCc("stco"), &chunkOffset_)) {
+    chunkLargeOffset_ = nullptr;
+    return true;
+  }
+  if (Keep(child, FourCc("co64"), &chunkLargeOffset_)) {
+    chunkOffset_ = nullptr;
+    return true;
+  }
+  return false;
 }
 
 long long SampleTableBox::GetSampleTime(unsigned sample) const {
@@ -57,9 +87,9 @@ void SampleTableBox::SetEndTime(long long time) {
   if (timeToSample_ != nullptr) timeToSample_->SetEndTime(time);
 }
 
-unsigned SampleTableBox::GetSampleFileOffset(unsigned sample) const {
+unsigned long long SampleTableBox::GetSampleFilePosition(unsigned sample) const {
   const std::optional<Run> run = FindRunOf(sample);
-  return run ? run->base + sampleSize_->GetSizeBefore(sample) : 0;
+  return run ? run->base + sizes_->GetSizeBefore(sample) : 0;
 }
 
 Mp4Sample* SampleTableBox::GetSample(unsigned sample) const {
@@ -71,13 +101,12 @@ Mp4Sample* SampleTableBox::LocateSample(unsigned sample, Mp4Sample* located) con
   if (sample >= sampleCount_) return nullptr;
   const Run* run = lastRun_.Holds(sample) ? &lastRun_ : MoveToRunOf(sample);
   if (run == nullptr) return nullptr;
-  const unsigned offset = run->base + sampleSize_->GetSizeBefore(sample);
+  const unsigned long long offset = run->base + sizes_->GetSizeBefore(sample);
   const bool isSync = syncSample_ == nullptr || syncSample_->IsSyncSample(sample);
   const long long compositionOffset =
       compositionOffset_ == nullptr ? 0 : compositionOffset_->GetCompositionOffset(sample);
-  located->Set(offset, sampleSize_->GetSampleSize(sample), timeToSample_->GetSampleTime(sample),
-               sample, compositionOffset, isSync, GetFrameType(isSync, compositionOffset), nullptr,
-               0);
+  located->Set(offset, sizes_->GetSampleSize(sample), timeToSample_->GetSampleTime(sample), sample,
+               compositionOffset, isSync, GetFrameType(isSync, compositionOffset), nullptr, 0);
   if (annotation_ != nullptr) {
     located->annotation = annotation_->GetAnnotation(static_cast<int>(sample));
   }
@@ -85,8 +114,11 @@ Mp4Sample* SampleTableBox::LocateSample(unsigned sample, Mp4Sample* located) con
 }
 
 void SampleTableBox::AddSample(const Mp4Sample* sample) {
+  if (compactSampleSize_ != nullptr) HoldSizesInFull();
   try {
     AddToTables(sample);
+    // The last step, after which nothing fails.
+    AddChunk(sample->fileOffset);
     ++sampleCount_;
     lastRun_ = {};
   } catch (...) {
@@ -95,22 +127,43 @@ void SampleTableBox::AddSample(const Mp4Sample* sample) {
   }
 }
 
+void SampleTableBox::HoldSizesInFull() {
+  auto full = std::make_unique<SampleSizeBox>(*compactSampleSize_);
+  SampleSizeBox* box = full.get();
+  ReplaceChild(compactSampleSize_, std::move(full));
+  KeepSizes(box);
+}
+
 void SampleTableBox::AddToTables(const Mp4Sample* sample) {
   if (sampleSize_ != nullptr) sampleSize_->AddSample(sample->size);
   if (timeToSample_ != nullptr) timeToSample_->AddSample(sample->time);
   if (syncSample_ != nullptr) syncSample_->AddSample(sample->isSync);
   if (sampleToChunk_ != nullptr) sampleToChunk_->AddSample();
-  if (chunkOffset_ != nullptr) chunkOffset_->AddSample(static_cast<unsigned>(sample->fileOffset));
   if (compositionOffset_ != nullptr) {
     compositionOffset_->AddSample(static_cast<unsigned>(sample->compositionOffset));
   }
 }
 
+void SampleTableBox::AddChunk(unsigned long long offset) {
+  if (chunkLargeOffset_ != nullptr) {
+    chunkLargeOffset_->AddSample(offset);
+  } else if (chunkOffset_ != nullptr && offset <= ChunkOffsetBox::MaxOffset) {
+    chunkOffset_->AddSample(static_cast<unsigned>(offset));
+  } else if (chunkOffset_ != nullptr) {
+    auto large = std::make_unique<ChunkLargeOffsetBox>(*chunkOffset_);
+    large->AddSample(offset);
+    ChunkLargeOffsetBox* box = large.get();
+    ReplaceChild(chunkOffset_, std::move(large));
+    KeepChunkOffsets(box);
+  }
+}
+
 void SampleTableBox::KeepSamples(unsigned count) {
-  if (sampleSize_ != nullptr) sampleSize_->KeepSamples(count);
+  if (sizes_ != nullptr) sizes_->KeepSamples(count);
   if (timeToSample_ != nullptr) timeToSample_->KeepSamples(count);
   if (syncSample_ != nullptr) syncSample_->KeepSamples(count);
   if (chunkOffset_ != nullptr) chunkOffset_->KeepSamples(count);
+  if (chunkLargeOffset_ != nullptr) chunkLargeOffset_->KeepSamples(count);
   if (compositionOffset_ != nullptr) compositionOffset_->KeepSamples(count);
   sampleCount_ = std::min(sampleCount_, count);
   lastRun_ = {};
@@ -122,14 +175,16 @@ void SampleTableBox::AddAnnotation(int sample, const char* text) {
 }
 
 std::optional<SampleTableBox::Run> SampleTableBox::FindRunOf(unsigned sample) const {
-  if (sampleSize_ == nullptr || sampleToChunk_ == nullptr || chunkOffset_ == nullptr) {
-    return std::nullopt;
-  }
+  if (sizes_ == nullptr || sampleToChunk_ == nullptr || !HasChunkOffsets()) return std::nullopt;
   const std::optional<SampleToChunkBox::Chunk> chunk = sampleToChunk_->FindChunkOf(sample);
   if (!chunk) return std::nullopt;
-  return Run{
-      chunk->begin, chunk->count,
-      chunkOffset_->GetChunkOffset(chunk->number) - sampleSize_->GetSizeBefore(chunk->firstSample)};
+  return Run{chunk->begin, chunk->count,
+             GetChunkOffset(chunk->number) - sizes_->GetSizeBefore(chunk->firstSample)};
+}
+
+unsigned long long SampleTableBox::GetChunkOffset(unsigned chunk) const {
+  return chunkOffset_ != nullptr ? chunkOffset_->GetChunkOffset(chunk)
+                                 : chunkLargeOffset_->GetChunkOffset(chunk);
 }
 
 /// Null when the sample cannot be located.

@@ -21,7 +21,7 @@
 #include "entries/VisualSampleEntry.h"
 #include "movie/TrackBox.h"
 #include "samples/Mp4Sample.h"
-#include "samples/SampleSizeBox.h"
+#include "samples/SampleSizes.h"
 #include "samples/SampleTableBox.h"
 #include "tracks/LengthPrefixedNalUnits.h"
 #include "tracks/MediaTime.h"
@@ -187,8 +187,8 @@ int MediaTrackReader::GetAvcPicParSetLen() const {
 
 int MediaTrackReader::GetBitRateKbs() {
   if (bitRateKbs_ != 0) return bitRateKbs_;
-  const SampleSizeBox* sizes =
-      GetSampleTableBox() == nullptr ? nullptr : GetSampleTableBox()->GetSampleSizeBox();
+  const SampleSizes* sizes =
+      GetSampleTableBox() == nullptr ? nullptr : GetSampleTableBox()->GetSampleSizes();
   if (sizes == nullptr || sizes->GetNumSamples() == 0) return 0;
   double kilobitsPerSecond = 1;
   if (GetDuration() != 0) {

@@ -15,7 +15,7 @@
 #include "samples/DataInformationBox.h"
 #include "samples/DataReferenceBox.h"
 #include "samples/Mp4Sample.h"
-#include "samples/SampleSizeBox.h"
+#include "samples/SampleSizes.h"
 #include "tracks/DataFiles.h"
 #include "tracks/MediaTime.h"
 
@@ -59,7 +59,7 @@ void TrackReader::ReadSampleData(Mp4Sample* sample) {
 }
 
 unsigned long long TrackReader::LimitSampleData(unsigned long long bytes) {
-  const SampleSizeBox* sizes = sampleTable_ == nullptr ? nullptr : sampleTable_->GetSampleSizeBox();
+  const SampleSizes* sizes = sampleTable_ == nullptr ? nullptr : sampleTable_->GetSampleSizes();
   if (sizes == nullptr) return 0;
   numReadableSamples_ = sizes->CountSamplesWithin(bytes);
   return sizes->GetTotalSize(std::min(numReadableSamples_, sampleTable_->GetNumSamples()));

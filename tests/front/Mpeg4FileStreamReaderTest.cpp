@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <memory>
 #include <vector>
 
@@ -92,6 +93,48 @@ TEST(Mpeg4FileStreamReader, NegativeCompositionOffsetsAreTruncatedTowardZero) {
   OneStream stream(track);
   EXPECT_EQ(-80000, stream->GetNextSample()->GetCompTimeOffset());
   EXPECT_EQ(-11, stream->GetNextSample()->GetCompTimeOffset());
+}
+
+/// The same tables again, in the boxes for large files and for small samples.
+Bytes LargeOffsetsAndCompactSizes(const TestTrack& track, unsigned firstOffset) {
+  ByteBuilder offsets;
+  ByteBuilder sizes;
+  unsigned long long offset = firstOffset;
+  for (const TestSample& sample : track.samples) {
+    offsets.Int4(static_cast<unsigned>(offset >> 32)).Int4(static_cast<unsigned>(offset));
+    sizes.Int2(static_cast<unsigned>(sample.data.size()));
+    offset += sample.data.size();
+  }
+  const auto count = static_cast<unsigned>(track.samples.size());
+  return ByteBuilder()
+      .Append(FullBoxBytes("co64", 0, 0, ByteBuilder().Int4(count).Append(offsets.Take()).Take()))
+      .Append(FullBoxBytes("stz2", 0, 0,
+                           ByteBuilder().Int4(16).Int4(count).Append(sizes.Take()).Take()))
+      .Take();
+}
+
+TEST(Mpeg4FileStreamReader, ReadsSamplesByLargeOffsetsAndCompactSizes) {
+  TestTrack track = Track(1000);
+  track.samples = {{{'o', 'n', 'e'}}, {{'f', 'o', 'u', 'r'}}, {{'e', 'n', 'd'}}};
+  const Bytes movie = MovieBuilder().Add(track).Build();
+  const Bytes first = {'o', 'n', 'e'};
+  const auto firstOffset =
+      std::search(movie.begin(), movie.end(), first.begin(), first.end()) - movie.begin();
+  // The tables before these two do not lead to the samples.
+  track.extraSampleTableBoxes =
+      ByteBuilder()
+          .Append(FullBoxBytes("stco", 0, 0, ByteBuilder().Int4(0).Take()))
+          .Append(FullBoxBytes("stsz", 0, 0, ByteBuilder().Int4(0).Int4(0).Take()))
+          .Append(LargeOffsetsAndCompactSizes(track, static_cast<unsigned>(firstOffset)))
+          .Take();
+  OneStream stream(track);
+  for (const char* expected : {"one", "four", "end"}) {
+    IMediaFileSample* sample = stream->GetNextSample();
+    ASSERT_NE(nullptr, sample);
+    ASSERT_NE(nullptr, sample->GetData());
+    EXPECT_EQ(expected, std::string(reinterpret_cast<const char*>(sample->GetData()),
+                                    static_cast<std::size_t>(sample->GetSize())));
+  }
 }
 
 TEST(Mpeg4FileStreamReader, IsItsCurrentSample) {

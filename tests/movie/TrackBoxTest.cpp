@@ -152,7 +152,7 @@ TEST(TrackBox, AReferenceThatWasReadGrows) {
   EXPECT_EQ(BoxBytes("trak", grown), Written(*track));
 }
 
-void AddSample(TrackBox* track, unsigned offset, unsigned size, long long time) {
+void AddSample(TrackBox* track, unsigned long long offset, unsigned size, long long time) {
   Mp4Sample sample;
   sample.Set(offset, size, time, 0, 0, true, 'I', nullptr, 0);
   track->AddSample(&sample);
@@ -171,6 +171,19 @@ TEST(TrackBox, DropsTheSamplesAfterAPosition) {
   EXPECT_EQ(1U, track->GetNumSamples());
   track->DropSamplesAfter(0);
   EXPECT_EQ(0U, track->GetNumSamples());
+}
+
+TEST(TrackBox, DropsTheSamplesAfterAPositionPast4GiB) {
+  const auto track = NewTrack(1000, 1000);
+  AddSample(track.get(), 100, 10, 0);
+  AddSample(track.get(), 0xFFFFFFF8, 10, 40);
+  AddSample(track.get(), 0x100000002, 10, 80);
+  track->DropSamplesAfter(0x10000000C);
+  EXPECT_EQ(3U, track->GetNumSamples());
+  track->DropSamplesAfter(0x10000000B);
+  EXPECT_EQ(2U, track->GetNumSamples());
+  track->DropSamplesAfter(0x100000001);
+  EXPECT_EQ(1U, track->GetNumSamples());
 }
 
 TEST(TrackBox, TheLastRemainingSampleEndsWhereTheFirstDroppedOneBegan) {

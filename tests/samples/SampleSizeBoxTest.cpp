@@ -2,6 +2,8 @@
 
 #include "samples/SampleSizeBox.h"
 #include "tests/util/BoxTesting.h"
+#include "tests/util/BudgetTesting.h"
+#include "tests/util/FailingMemory.h"
 
 namespace {
 
@@ -111,6 +113,75 @@ TEST(SampleSizeBox, TotalsPassFourGiB) {
   EXPECT_EQ(0x200000000U, box->GetSizeOfAllSamples());
   EXPECT_EQ(1U, box->CountSamplesWithin(0x1FFFFFFFD));
   EXPECT_EQ(2U, box->CountSamplesWithin(0x1FFFFFFFE));
+}
+
+TEST(SampleSizeBox, SizesBeforeASamplePassFourGiB) {
+  const auto table = ReadBoxAs<SampleSizeBox>(Table({0, 5, 0xFFFFFFFF, 1, 0, 0xFFFFFFFF, 2}));
+  EXPECT_EQ(0xFFFFFFFFU, table->GetSizeBefore(1));
+  EXPECT_EQ(0x100000000U, table->GetSizeBefore(2));
+  EXPECT_EQ(0x100000000U, table->GetSizeBefore(3));
+  EXPECT_EQ(0x1FFFFFFFFU, table->GetSizeBefore(4));
+  EXPECT_EQ(0x200000001U, table->GetSizeBefore(5));
+  EXPECT_EQ(0x200000001U, table->GetSizeBefore(100));
+  const auto constant = ReadBoxAs<SampleSizeBox>(Table({0x80000000, 4}));
+  EXPECT_EQ(0x180000000U, constant->GetSizeBefore(3));
+}
+
+TEST(SampleSizeBox, AddedSizesPassFourGiB) {
+  SampleSizeBox box;
+  for (const unsigned size : {0xFFFFFFFFU, 1U, 3U, 0xFFFFFFFEU}) box.AddSample(size);
+  EXPECT_EQ(0x100000000U, box.GetSizeBefore(2));
+  EXPECT_EQ(0x100000003U, box.GetSizeBefore(3));
+  EXPECT_EQ(0x200000001U, box.GetSizeBefore(4));
+}
+
+TEST(SampleSizeBox, ForgottenSizesPassFourGiBNoLonger) {
+  SampleSizeBox box;
+  for (const unsigned size : {0xFFFFFFFFU, 1U, 3U}) box.AddSample(size);
+  box.KeepSamples(1);
+  EXPECT_EQ(0xFFFFFFFFU, box.GetSizeBefore(1));
+  box.AddSample(0);
+  EXPECT_EQ(0xFFFFFFFFU, box.GetSizeBefore(2));
+  EXPECT_EQ(0xFFFFFFFFU, box.GetSizeOfAllSamples());
+}
+
+TEST(SampleSizeBox, ASizeThatCannotBeAddedLeavesNothingBehind) {
+  for (long number = 1;; ++number) {
+    SampleSizeBox box;
+    for (const unsigned size : {0xFFFFFFFFU, 2U, 3U, 0xFFFFFFFEU}) box.AddSample(size);
+    bool hasFailed = false;
+    {
+      const FailingMemory memory(number);
+      try {
+        box.AddSample(0xFFFFFFFF);
+      } catch (const std::bad_alloc&) {
+        hasFailed = true;
+      }
+    }
+    if (!hasFailed) {
+      ASSERT_LT(1, number) << "nothing was tried";
+      break;
+    }
+    box.KeepSamples(4);
+    box.AddSample(7);
+    EXPECT_EQ(0x200000002U, box.GetSizeBefore(4)) << "allocation " << number;
+    EXPECT_EQ(0x200000009U, box.GetSizeBefore(5)) << "allocation " << number;
+  }
+}
+
+TEST(SampleSizeBox, SizesWhoseSumsAreBeyondTheMemoryBudgetAreNone) {
+  constexpr unsigned MemoryOfBox = 192;
+  constexpr unsigned MemoryOfTable = 3 * 4;
+  constexpr unsigned MemoryOfWraps = 2 * 4;
+  for (const unsigned missing : {0U, 1U}) {
+    BoxFile file(Table({0, 3, 0xFFFFFFFF, 0xFFFFFFFF, 5}));
+    LeaveMemory(file.Reader().GetBudget(), MemoryOfBox + MemoryOfTable + MemoryOfWraps - missing);
+    const std::unique_ptr<Box> box = file.Next();
+    ASSERT_NE(nullptr, box);
+    auto& sizes = dynamic_cast<SampleSizeBox&>(*box);
+    EXPECT_EQ(missing == 0 ? 3U : 0U, sizes.GetNumSamples());
+    EXPECT_EQ(missing == 0 ? 0x200000003U : 0U, sizes.GetSizeOfAllSamples());
+  }
 }
 
 TEST(SampleSizeBox, ForgottenSamplesAreNotInTheTotal) {

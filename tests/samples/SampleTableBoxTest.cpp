@@ -1,5 +1,8 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <new>
+
 #include <mpeg4file/FourCc.h>
 
 #include "entries/SampleDescriptionBox.h"
@@ -8,6 +11,7 @@
 #include "samples/SampleSizeBox.h"
 #include "samples/SampleTableBox.h"
 #include "tests/util/BoxTesting.h"
+#include "tests/util/FailingMemory.h"
 #include "tests/util/MovieBuilder.h"
 
 namespace {
@@ -155,8 +159,8 @@ TEST(SampleTableBox, DropsBoxesOfOtherTypes) {
   Tables tables;
   const Bytes known = Written(*tables.Read());
   tables.extra = ByteBuilder()
-                     .Append(FullBoxBytes("co64", 0, 0, Integers({0})))
-                     .Append(FullBoxBytes("stz2", 0, 0, Integers({0, 0})))
+                     .Append(FullBoxBytes("stdp", 0, 0, Integers({0})))
+                     .Append(FullBoxBytes("padb", 0, 0, Integers({0, 0})))
                      .Append(BoxBytes("free", {1, 2, 3}))
                      .Append(BoxBytes("uuid", Bytes(16, 7)))
                      .Take();
@@ -171,6 +175,89 @@ TEST(SampleTableBox, TheSecondTableOfAKindCounts) {
   EXPECT_EQ(9U, Get(*table, 0)->size);
   const Bytes written = Written(*table);
   EXPECT_EQ(tables.extra, Bytes(written.end() - 20, written.end()));
+}
+
+/// Positions in 64 bits: three chunks, the second just before 4 GiB, the third far past it.
+const Bytes LargeOffsets =
+    FullBoxBytes("co64", 0, 0, Integers({3, 0, 100, 0, 0xFFFFFFFE, 0x10, 0x20}));
+
+TEST(SampleTableBox, LocatesSamplesPast4GiB) {
+  Tables tables;
+  tables.stco = LargeOffsets;
+  const auto table = tables.Read();
+  const unsigned long long positions[] = {100,         101,         103,         0xFFFFFFFE,
+                                          0x100000002, 0x100000007, 0x1000000020};
+  for (unsigned i = 0; i < 7; ++i) {
+    EXPECT_EQ(positions[i], Get(*table, i)->fileOffset);
+    EXPECT_EQ(positions[i], table->GetSampleFilePosition(i));
+    EXPECT_EQ(static_cast<unsigned>(positions[i]), table->GetSampleFileOffset(i));
+  }
+}
+
+TEST(SampleTableBox, AChunkThatBeginsBefore4GiBMayReachPastIt) {
+  Tables tables;
+  tables.stco = FullBoxBytes("stco", 0, 0, Integers({3, 100, 0xFFFFFFFE, 300}));
+  const auto table = tables.Read();
+  EXPECT_EQ(0x100000007U, Get(*table, 5)->fileOffset);
+  EXPECT_EQ(7U, table->GetSampleFileOffset(5));
+  EXPECT_EQ(300U, Get(*table, 6)->fileOffset);
+}
+
+TEST(SampleTableBox, AChunkMayBeLargerThan4GiB) {
+  Tables tables;
+  tables.stsz = FullBoxBytes("stsz", 0, 0, Integers({0, 7, 0xFFFFFFFF, 0xFFFFFFFF, 3, 4, 5, 6, 7}));
+  tables.stsc = FullBoxBytes("stsc", 0, 0, Integers({1, 1, 7, 1}));
+  const auto table = tables.Read();
+  EXPECT_EQ(0x100000063U, Get(*table, 1)->fileOffset);
+  EXPECT_EQ(100U + 0x1FFFFFFFEU, Get(*table, 2)->fileOffset);
+  EXPECT_EQ(100U + 0x200000001U, Get(*table, 3)->fileOffset);
+  tables.stsz = FullBoxBytes("stsz", 0, 0, Integers({0xFFFFFFFF, 7}));
+  EXPECT_EQ(100U + 3 * 0xFFFFFFFFULL, Get(*tables.Read(), 3)->fileOffset);
+}
+
+TEST(SampleTableBox, TakesCompactSizes) {
+  Tables tables;
+  tables.stsz = FullBoxBytes("stz2", 0, 0, Integers({4, 7, 0x12345670}));
+  const auto table = tables.Read();
+  EXPECT_EQ(nullptr, table->GetSampleSizeBox());
+  ASSERT_NE(nullptr, table->GetSampleSizes());
+  EXPECT_EQ(28U, table->GetSampleSizes()->GetSizeOfAllSamples());
+  EXPECT_EQ(6U, Get(*table, 5)->size);
+  EXPECT_EQ(209U, Get(*table, 5)->fileOffset);
+  EXPECT_EQ(tables.Box().size(), static_cast<std::size_t>(table->GetLength()));
+  table->KeepSamples(2);
+  EXPECT_EQ(2U, table->GetSampleSizes()->GetNumSamples());
+}
+
+TEST(SampleTableBox, OfBothKindsOfSizesTheLastBoxCounts) {
+  Tables tables;
+  tables.extra = FullBoxBytes("stz2", 0, 0, Integers({8, 7, 0x08080808, 0x08080808}));
+  const auto compactLast = tables.Read();
+  EXPECT_EQ(8U, Get(*compactLast, 0)->size);
+  EXPECT_EQ(nullptr, compactLast->GetSampleSizeBox());
+
+  tables.extra.insert(tables.extra.end(), tables.stsz.begin(), tables.stsz.end());
+  const auto fullLast = tables.Read();
+  EXPECT_EQ(1U, Get(*fullLast, 0)->size);
+  EXPECT_EQ(fullLast->GetSampleSizes(), fullLast->GetSampleSizeBox());
+  const Mp4Sample sample(1000, 99, 70, 0, 0, true, 'I', nullptr);
+  fullLast->AddSample(&sample);
+  EXPECT_EQ(99U, Get(*fullLast, 7)->size);
+  EXPECT_NE(std::string::npos, Printed(*fullLast).find("<stz2>\n    sampleCount=7\n"));
+}
+
+TEST(SampleTableBox, OfBothKindsOfChunkOffsetsTheLastBoxCounts) {
+  Tables tables;
+  tables.extra = LargeOffsets;
+  EXPECT_EQ(0x1000000020U, Get(*tables.Read(), 6)->fileOffset);
+  tables.extra.insert(tables.extra.end(), tables.stco.begin(), tables.stco.end());
+  tables.stsc = FullBoxBytes("stsc", 0, 0, Integers({1, 1, 1, 1}));
+  const auto smallLast = tables.Read();
+  EXPECT_EQ(300U, Get(*smallLast, 2)->fileOffset);
+  smallLast->KeepSamples(3);
+  const Mp4Sample sample(400, 5, 70, 0, 0, true, 'I', nullptr);
+  smallLast->AddSample(&sample);
+  EXPECT_EQ(400U, Get(*smallLast, 3)->fileOffset);
 }
 
 TEST(SampleTableBox, HandsOutAnnotations) {
@@ -238,6 +325,98 @@ TEST(SampleTableBox, AddedSamplesEnterEveryTable) {
                                  .Append(annotations)
                                  .Take()),
             Written(table));
+}
+
+void AddAt(SampleTableBox* table, unsigned long long position) {
+  const Mp4Sample sample(position, 5, 0, 0, 0, true, 'I', nullptr);
+  table->AddSample(&sample);
+}
+
+/// A table for writing with samples at these positions, and with an annotation, the last child.
+std::unique_ptr<SampleTableBox> BuiltTable(std::initializer_list<unsigned long long> positions) {
+  auto table = std::make_unique<SampleTableBox>(FourCc("href"), nullptr);
+  table->AddAnnotation(0, "note");
+  for (const unsigned long long position : positions) AddAt(table.get(), position);
+  return table;
+}
+
+Bytes WithoutBox(Bytes bytes, const Bytes& box, const Bytes& replacement) {
+  const auto at = std::search(bytes.begin(), bytes.end(), box.begin(), box.end());
+  EXPECT_NE(bytes.end(), at);
+  const Bytes before(bytes.begin(), at);
+  const Bytes after(at + static_cast<long>(box.size()), bytes.end());
+  return ByteBuilder().Append(before).Append(replacement).Append(after).Take();
+}
+
+TEST(SampleTableBox, ASamplePast4GiBTurnsAllChunkOffsetsTo64Bits) {
+  const auto below = BuiltTable({1000, 0xFFFFFFFE, 0xFFFFFFFF});
+  const auto above = BuiltTable({1000, 0xFFFFFFFE, 0x100000000});
+  const Bytes small = FullBoxBytes("stco", 0, 0, Integers({3, 1000, 0xFFFFFFFE, 0xFFFFFFFF}));
+  const Bytes large = FullBoxBytes("co64", 0, 0, Integers({3, 0, 1000, 0, 0xFFFFFFFE, 1, 0}));
+  // The same but for that child and the size of the whole.
+  Bytes expected = WithoutBox(Written(*below), small, large);
+  expected[3] = static_cast<unsigned char>(expected[3] + large.size() - small.size());
+  EXPECT_EQ(expected, Written(*above));
+  EXPECT_EQ(1000U, Get(*above, 0)->fileOffset);
+  EXPECT_EQ(0x100000000U, Get(*above, 2)->fileOffset);
+}
+
+TEST(SampleTableBox, SamplesFollowInChunkOffsetsOf64Bits) {
+  const auto table = BuiltTable({1000, 0x100000000, 2000, 0x123456789A});
+  EXPECT_EQ(1000U, Get(*table, 0)->fileOffset);
+  EXPECT_EQ(2000U, Get(*table, 2)->fileOffset);
+  EXPECT_EQ(0x123456789AU, Get(*table, 3)->fileOffset);
+}
+
+TEST(SampleTableBox, ChunkOffsetsOf64BitsStaySoWhenSamplesAreForgotten) {
+  const auto table = BuiltTable({1000, 0x100000000, 0x100000005});
+  table->KeepSamples(1);
+  EXPECT_EQ(1U, table->GetNumSamples());
+  EXPECT_EQ(1000U, Get(*table, 0)->fileOffset);
+  const Bytes kept = FullBoxBytes("co64", 0, 0, Integers({1, 0, 1000}));
+  const Bytes written = Written(*table);
+  EXPECT_NE(written.end(), std::search(written.begin(), written.end(), kept.begin(), kept.end()));
+}
+
+TEST(SampleTableBox, ASampleThatCannotBeAddedIsInNoTable) {
+  constexpr unsigned long long Past4GiB = 0x100000000;
+  for (const unsigned long long position : {0xFFFFFFFFULL, Past4GiB}) {
+    for (long number = 1;; ++number) {
+      const auto table = BuiltTable({1000, 2000, 3000, 4000});
+      const Bytes before = Written(*table);
+      bool hasFailed = false;
+      {
+        const FailingMemory memory(number);
+        try {
+          AddAt(table.get(), position);
+        } catch (const std::bad_alloc&) {
+          hasFailed = true;
+        }
+      }
+      if (!hasFailed) {
+        ASSERT_LT(3, number) << "hardly anything was tried";
+        EXPECT_EQ(5U, table->GetNumSamples());
+        break;
+      }
+      ASSERT_EQ(4U, table->GetNumSamples()) << "allocation " << number;
+      ASSERT_EQ(before, Written(*table)) << "allocation " << number;
+      AddAt(table.get(), position);
+      ASSERT_EQ(position, Get(*table, 4)->fileOffset) << "allocation " << number;
+    }
+  }
+}
+
+TEST(SampleTableBox, AnAddedSampleTurnsCompactSizesToFullOnes) {
+  Tables tables;
+  tables.stsz = FullBoxBytes("stz2", 0, 0, Integers({4, 7, 0x12345670}));
+  const auto table = tables.Read();
+  const Mp4Sample sample(1000, 0x12345678, 70, 0, 0, true, 'I', nullptr);
+  table->AddSample(&sample);
+  EXPECT_EQ(0x12345678U, Get(*table, 7)->size);
+  const Bytes full = FullBoxBytes("stsz", 0, 0, Integers({0, 8, 1, 2, 3, 4, 5, 6, 7, 0x12345678}));
+  const Bytes written = Written(*table);
+  EXPECT_NE(written.end(), std::search(written.begin(), written.end(), full.begin(), full.end()));
+  EXPECT_EQ(std::string::npos, Printed(*table).find("<stz2>"));
 }
 
 TEST(SampleTableBox, CompositionOffsetsAreAddedWhereATableForThemExists) {

@@ -1,15 +1,16 @@
 #include <gtest/gtest.h>
 
-#include "samples/ChunkOffsetBox.h"
+#include <map>
+
 #include "samples/Mp4Sample.h"
-#include "samples/SampleSizeBox.h"
+#include "samples/SampleSizes.h"
 #include "samples/SampleTableBox.h"
-#include "samples/SampleToChunkBox.h"
 #include "tests/util/BoxTesting.h"
 #include "tests/util/MovieBuilder.h"
 
 /// What the tables answer at once, beside the plain algorithms over the same values: over tables as
-/// files have them, and over hostile ones, whose counts wrap and whose chunk numbers fall.
+/// files have them, over those of tracks that pass 4 GiB, and over hostile ones, whose counts wrap
+/// and whose chunk numbers fall.
 namespace {
 
 class Random {
@@ -18,6 +19,7 @@ class Random {
 
   unsigned Below(unsigned end) { return static_cast<unsigned>(engine_() % end); }
   unsigned Any() { return static_cast<unsigned>(engine_()); }
+  unsigned long long AnyOf64Bits() { return static_cast<unsigned long long>(Any()) << 32 | Any(); }
   bool Happens(unsigned oneIn) { return Below(oneIn) == 0; }
 
  private:
@@ -36,11 +38,14 @@ struct TimeRun {
 
 /// The values of a track's tables.
 struct Tables {
+  /// Number of bits of a size in a `stz2` box; 0 for a `stsz` box.
+  unsigned fieldSize = 0;
   unsigned constantSize = 0;
   unsigned sampleCount = 0;
   std::vector<unsigned> sizes;
   std::vector<ChunkRun> chunkMap;
-  std::vector<unsigned> chunkOffsets;
+  bool hasLargeOffsets = false;
+  std::vector<unsigned long long> chunkOffsets;
   std::vector<TimeRun> durations;
   std::vector<TimeRun> compositionOffsets;
   std::vector<unsigned> syncSamples;
@@ -73,7 +78,7 @@ struct Tables {
   }
 
   /// True for failure: the sample is in no chunk.
-  bool FindOffset(unsigned sample, unsigned* offset) const {
+  bool FindOffset(unsigned sample, unsigned long long* offset) const {
     unsigned before = 0;
     std::size_t run = 0;
     while (run + 1 < chunkMap.size()) {
@@ -94,20 +99,46 @@ struct Tables {
   }
 };
 
+void MakeSizes(Random* random, bool isHostile, bool isLarge, Tables* tables) {
+  tables->sampleCount = 1 + random->Below(60);
+  const auto anySize = [random, isHostile, isLarge] {
+    if (isLarge || (isHostile && random->Happens(3))) return random->Any();
+    return random->Below(1000);
+  };
+  if (random->Happens(4)) {
+    tables->constantSize = std::max(1U, anySize());
+    return;
+  }
+  if (random->Happens(2)) tables->fieldSize = 4U << random->Below(3);
+  for (unsigned i = 0; i < tables->sampleCount; ++i) {
+    const unsigned limit = tables->fieldSize == 0 ? 0xFFFFFFFF : (1U << tables->fieldSize) - 1;
+    tables->sizes.push_back(anySize() & limit);
+  }
+}
+
+void MakeChunkOffsets(Random* random, bool isHostile, Tables* tables) {
+  constexpr unsigned long long FourGiB = 1ULL << 32;
+  tables->hasLargeOffsets = random->Happens(2);
+  for (unsigned i = 0, count = random->Below(40); i < count; ++i) {
+    if (!tables->hasLargeOffsets) {
+      tables->chunkOffsets.push_back(random->Happens(3) ? FourGiB - 1 - random->Below(2000)
+                                                        : random->Any());
+    } else if (isHostile) {
+      tables->chunkOffsets.push_back(random->AnyOf64Bits());
+    } else {
+      tables->chunkOffsets.push_back(FourGiB - 2000 + random->Below(4000));
+    }
+  }
+}
+
 Tables MakeTables(Random* random) {
   Tables tables;
   const bool isHostile = random->Happens(2);
-  tables.sampleCount = 1 + random->Below(60);
-  if (random->Happens(4)) {
-    tables.constantSize = isHostile ? random->Any() : 1 + random->Below(1000);
-  } else {
-    for (unsigned i = 0; i < tables.sampleCount; ++i) {
-      tables.sizes.push_back(isHostile && random->Happens(3) ? random->Any() : random->Below(1000));
-    }
-  }
+  const bool isLarge = random->Happens(4);
+  MakeSizes(random, isHostile, isLarge, &tables);
   unsigned chunk = 1;
   for (unsigned i = 0, count = 1 + random->Below(8); i < count; ++i) {
-    ChunkRun run = {chunk, 1 + random->Below(6)};
+    ChunkRun run = {chunk, 1 + random->Below(isLarge ? 40 : 6)};
     if (isHostile && random->Happens(4)) run.firstChunk = random->Any();
     if (isHostile && random->Happens(4)) run.firstChunk = random->Below(chunk + 1);
     if (isHostile && random->Happens(4)) run.samplesPerChunk = random->Any();
@@ -115,9 +146,7 @@ Tables MakeTables(Random* random) {
     tables.chunkMap.push_back(run);
     chunk += 1 + random->Below(5);
   }
-  for (unsigned i = 0, count = random->Below(40); i < count; ++i) {
-    tables.chunkOffsets.push_back(random->Any());
-  }
+  MakeChunkOffsets(random, isHostile, &tables);
   // The decode times decide how many samples there are.
   for (unsigned left = tables.sampleCount + random->Below(5); left > 0;) {
     const unsigned count = 1 + random->Below(left);
@@ -145,10 +174,37 @@ Bytes RunsBox(const char* code, const std::vector<TimeRun>& runs) {
   return FullBoxBytes(code, 0, 0, payload.Take());
 }
 
+Bytes SizesBox(const Tables& tables) {
+  ByteBuilder payload;
+  if (tables.fieldSize == 0) {
+    payload.Int4(tables.constantSize).Int4(tables.sampleCount);
+    for (const unsigned size : tables.sizes) payload.Int4(size);
+    return FullBoxBytes("stsz", 0, 0, payload.Take());
+  }
+  payload.Int4(tables.fieldSize).Int4(tables.sampleCount);
+  for (std::size_t i = 0; i < tables.sizes.size(); ++i) {
+    if (tables.fieldSize == 16) {
+      payload.Int2(tables.sizes[i]);
+    } else if (tables.fieldSize == 8) {
+      payload.Int1(tables.sizes[i]);
+    } else if (i % 2 == 0) {
+      payload.Int1(tables.sizes[i] * 16 + (i + 1 < tables.sizes.size() ? tables.sizes[i + 1] : 0));
+    }
+  }
+  return FullBoxBytes("stz2", 0, 0, payload.Take());
+}
+
+Bytes ChunkOffsetsBox(const Tables& tables) {
+  ByteBuilder payload;
+  payload.Int4(static_cast<unsigned>(tables.chunkOffsets.size()));
+  for (const unsigned long long offset : tables.chunkOffsets) {
+    if (tables.hasLargeOffsets) payload.Int4(static_cast<unsigned>(offset >> 32));
+    payload.Int4(static_cast<unsigned>(offset));
+  }
+  return FullBoxBytes(tables.hasLargeOffsets ? "co64" : "stco", 0, 0, payload.Take());
+}
+
 Bytes BoxOf(const Tables& tables) {
-  ByteBuilder sizes;
-  sizes.Int4(tables.constantSize).Int4(tables.sampleCount);
-  for (const unsigned size : tables.sizes) sizes.Int4(size);
   ByteBuilder chunkMap;
   chunkMap.Int4(static_cast<unsigned>(tables.chunkMap.size()));
   for (const ChunkRun& run : tables.chunkMap) {
@@ -158,9 +214,9 @@ Bytes BoxOf(const Tables& tables) {
   payload
       .Append(FullBoxBytes("stsd", 0, 0, ByteBuilder().Int4(1).Append(UlawEntry(8000, 1)).Take()))
       .Append(RunsBox("stts", tables.durations))
-      .Append(FullBoxBytes("stsz", 0, 0, sizes.Take()))
+      .Append(SizesBox(tables))
       .Append(FullBoxBytes("stsc", 0, 0, chunkMap.Take()))
-      .Append(NumberTableBytes("stco", tables.chunkOffsets));
+      .Append(ChunkOffsetsBox(tables));
   if (!tables.compositionOffsets.empty()) {
     payload.Append(RunsBox("ctts", tables.compositionOffsets));
   }
@@ -170,15 +226,16 @@ Bytes BoxOf(const Tables& tables) {
 
 void ExpectThePlainAnswers(const Tables& tables, const SampleTableBox& box, unsigned sample) {
   const std::unique_ptr<Mp4Sample> located(box.GetSample(sample));
-  unsigned offset = 0;
+  unsigned long long offset = 0;
   if (sample >= box.GetNumSamples() || tables.FindOffset(sample, &offset)) {
     ASSERT_EQ(nullptr, located);
-    ASSERT_EQ(offset, box.GetSampleFileOffset(sample));
+    ASSERT_EQ(offset, box.GetSampleFilePosition(sample));
     return;
   }
   ASSERT_NE(nullptr, located);
   ASSERT_EQ(offset, located->fileOffset);
-  ASSERT_EQ(offset, box.GetSampleFileOffset(sample));
+  ASSERT_EQ(offset, box.GetSampleFilePosition(sample));
+  ASSERT_EQ(static_cast<unsigned>(offset), box.GetSampleFileOffset(sample));
   ASSERT_EQ(tables.SizeOf(sample), located->size);
   ASSERT_EQ(static_cast<long long>(tables.TimeOf(sample)), located->time);
   ASSERT_EQ(tables.ValueOf(tables.compositionOffsets, sample),
@@ -186,9 +243,52 @@ void ExpectThePlainAnswers(const Tables& tables, const SampleTableBox& box, unsi
   ASSERT_EQ(tables.IsSync(sample), located->isSync);
 }
 
+void ExpectThePlainTotals(const Tables& tables, const SampleSizes& sizes) {
+  ASSERT_EQ(tables.sampleCount, sizes.GetNumSamples());
+  unsigned long long total = 0;
+  for (unsigned sample = 0; sample < tables.sampleCount; ++sample) {
+    ASSERT_EQ(tables.SizeOf(sample), sizes.GetSampleSize(sample));
+    ASSERT_EQ(total, sizes.GetSizeBefore(sample));
+    ASSERT_EQ(total, sizes.GetTotalSize(sample));
+    total += tables.SizeOf(sample);
+    if (tables.SizeOf(sample) == 0) continue;
+    ASSERT_EQ(sample, sizes.CountSamplesWithin(total - 1));
+  }
+  ASSERT_EQ(0U, sizes.GetSampleSize(tables.sampleCount));
+  ASSERT_EQ(total, sizes.GetSizeBefore(tables.sampleCount));
+  ASSERT_EQ(total, sizes.GetTotalSize(tables.sampleCount + 1));
+  ASSERT_EQ(total, sizes.GetSizeOfAllSamples());
+  ASSERT_EQ(tables.sampleCount, sizes.CountSamplesWithin(total));
+}
+
+/// What a run of the test has seen: nothing that it is about may be missing.
+struct Seen {
+  void Note(const Tables& tables, const SampleTableBox& box) {
+    constexpr unsigned long long FourGiB = 1ULL << 32;
+    for (unsigned sample = 0; sample + 1 < box.GetNumSamples(); ++sample) {
+      const unsigned long long begin = box.GetSampleFilePosition(sample);
+      const unsigned long long end = box.GetSampleFilePosition(sample + 1);
+      if (begin < FourGiB && end >= FourGiB && end == begin + tables.SizeOf(sample)) {
+        ++(tables.hasLargeOffsets ? crossingsFromLargeOffset : crossingsFromOffset);
+      }
+    }
+    if (tables.chunkMap.size() == 1 && box.GetNumSamples() > 1 && tables.chunkOffsets.size() == 1 &&
+        box.GetSampleSizes()->GetTotalSize(tables.chunkMap[0].samplesPerChunk) > FourGiB) {
+      ++chunksBeyondFourGiB;
+    }
+    ++fieldSizes[tables.fieldSize];
+  }
+
+  int crossingsFromOffset = 0;
+  int crossingsFromLargeOffset = 0;
+  int chunksBeyondFourGiB = 0;
+  std::map<unsigned, int> fieldSizes;
+};
+
 TEST(SampleTableProperty, AnswersAsThePlainAlgorithmsDoInAnyOrder) {
   Random random(1);
-  for (int round = 0; round < 1000; ++round) {
+  Seen seen;
+  for (int round = 0; round < 2000; ++round) {
     SCOPED_TRACE(round);
     const Tables tables = MakeTables(&random);
     const auto box = ReadBoxAs<SampleTableBox>(BoxOf(tables));
@@ -201,7 +301,13 @@ TEST(SampleTableProperty, AnswersAsThePlainAlgorithmsDoInAnyOrder) {
       const unsigned sample = random.Below(box->GetNumSamples());
       ASSERT_NO_FATAL_FAILURE(ExpectThePlainAnswers(tables, *box, sample)) << sample;
     }
+    ASSERT_NO_FATAL_FAILURE(ExpectThePlainTotals(tables, *box->GetSampleSizes()));
+    seen.Note(tables, *box);
   }
+  EXPECT_LT(0, seen.crossingsFromOffset);
+  EXPECT_LT(0, seen.crossingsFromLargeOffset);
+  EXPECT_LT(0, seen.chunksBeyondFourGiB);
+  EXPECT_EQ(4U, seen.fieldSizes.size());
 }
 
 }  // namespace

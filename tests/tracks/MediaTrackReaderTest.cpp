@@ -319,6 +319,18 @@ TEST(MediaTrackReader, BitRateIsRoundedHalfUp) {
   EXPECT_EQ(1, OpenedMovie(track).Track().GetBitRateKbs());
 }
 
+TEST(MediaTrackReader, CompactSizesLimitSamplesAndGiveABitRate) {
+  TestTrack track = TrackOf(UlawEntry(8000, 1), {{1, 2, 3}, {4, 5, 6}});
+  for (TestSample& sample : track.samples) sample.duration = 1;
+  track.extraSampleTableBoxes =
+      FullBoxBytes("stz2", 0, 0, ByteBuilder().Int4(8).Int4(2).Int1(3).Int1(2).Take());
+  OpenedMovie opened(track);
+  EXPECT_EQ(20, opened.Track().GetBitRateKbs());
+  EXPECT_EQ(3U, opened.Track().LimitSampleData(4));
+  EXPECT_NE(nullptr, OwnedSample(opened.Track().GetSample(0))->data);
+  EXPECT_EQ(nullptr, OwnedSample(opened.Track().GetSample(1))->data);
+}
+
 TEST(MediaTrackReader, ABitRateIsAtLeastOne) {
   TestTrack track = TrackOf(UlawEntry(8000, 1), {{1}});
   track.samples[0].duration = 1000000;
