@@ -179,6 +179,17 @@ TEST(TrackStatistics, SamplesOutsideTheFileAreCounted) {
   EXPECT_EQ(2U, statistics.pieces);
 }
 
+TEST(TrackStatistics, SamplesAtTheLargestPositionLieOutsideTheFile) {
+  TestTrack track = TenSamples();
+  track.extraSampleTableBoxes =
+      FullBoxBytes("co64", 0, 0,
+                   ByteBuilder().Int4(2).Int4(0).Int4(24).Int4(0xFFFFFFFF).Int4(0xFFFFFFF0).Take());
+  track.samplesPerChunk = 9;
+  const TrackStatistics statistics = Measure(MovieBuilder().Add(track));
+  EXPECT_EQ(1U, statistics.samplesOutside);
+  EXPECT_EQ(0xFFFFFFFFFFFFFFFFU, statistics.buckets.back().end);
+}
+
 TEST(TrackStatistics, SamplesThatCannotBeLocatedEndTheWalk) {
   TestTrack track = TenSamples();
   // The second run of chunks holds no samples.

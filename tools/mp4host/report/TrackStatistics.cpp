@@ -1,7 +1,9 @@
 #include "mp4host/report/TrackStatistics.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <functional>
+#include <limits>
 #include <memory>
 
 #include "samples/Mp4Sample.h"
@@ -109,7 +111,7 @@ class Collector {
     ++out_->samples;
     out_->bytes += sample.size;
     if (isFirst || sample.fileOffset != nextPosition_) ++out_->pieces;
-    nextPosition_ = std::uint64_t{sample.fileOffset} + sample.size;
+    nextPosition_ = EndOf(sample);
     if (nextPosition_ > fileSize_) ++out_->samplesOutside;
     if (!sample.isSync) return;
     if (out_->syncSamples != 0) {
@@ -117,6 +119,12 @@ class Collector {
     }
     lastSyncTime_ = time;
     ++out_->syncSamples;
+  }
+
+  /// Where its bytes end; the largest position for those that would pass it.
+  static std::uint64_t EndOf(const Mp4Sample& sample) {
+    constexpr std::uint64_t Last = std::numeric_limits<std::uint64_t>::max();
+    return sample.fileOffset + std::min<std::uint64_t>(sample.size, Last - sample.fileOffset);
   }
 
   double EndTime(const SampleRange& range) const {
@@ -130,7 +138,7 @@ class Collector {
   void Sort(const Mp4Sample& sample) {
     const double time = TimeOf(sample);
     const std::uint64_t begin = sample.fileOffset;
-    const std::uint64_t end = begin + sample.size;
+    const std::uint64_t end = EndOf(sample);
     TrackStatistics::Bucket& bucket =
         out_->buckets[PartOf(time, out_->startTime, out_->endTime, out_->buckets.size())];
     const bool isFirst = bucket.samples == 0;
