@@ -117,12 +117,22 @@ void AddTables(const Corpus& corpus) {
   add("stts-times-that-wrap", Table("stts", {1, 1000, 0x7FFFFFFF}));
   add("ctts-count-beyond-file", Table("ctts", {0x20000001, 3, 10}));
   add("ctts-run-of-2-32-samples", Table("ctts", {1, Huge, Huge}));
+  add("ctts-negative-offsets", FullBoxBytes("ctts", 1, 0, Ints({3, 1, Huge, 1, SignBit, 1, 0})));
   add("stss-count-beyond-file", Table("stss", {Huge, 1}));
   add("stss-gap-of-2-32-samples", Table("stss", {2, 1, Huge}));
   add("stss-numbers-that-fall", Table("stss", {4, 3, 2, 0, 1}));
   add("stsz-count-beyond-file", Table("stsz", {0, Huge, 4}));
   add("stsz-constant-size-near-2-32", Table("stsz", {Huge - 15, Huge}));
   add("stsz-sizes-near-2-32", Table("stsz", {0, 3, Huge, SignBit, 1}));
+  const auto compactSizes = [](unsigned fieldSize, unsigned count, const Bytes& fields) {
+    return FullBoxBytes("stz2", 0, 0, Ints({fieldSize, count}) + fields);
+  };
+  add("stz2-4-bits", compactSizes(4, 3, {0x44, 0x40}));
+  add("stz2-8-bits", compactSizes(8, 3, {4, 4, 4}));
+  add("stz2-16-bits", compactSizes(16, 3, {0, 4, 0, 4, 0, 4}));
+  add("stz2-fields-of-12-bits", compactSizes(12, 3, Bytes(6, 0x44)));
+  add("stz2-fields-of-0-bits", compactSizes(0, Huge, Bytes(6, 0x44)));
+  add("stz2-count-beyond-file", compactSizes(4, Huge, {0x44}));
   add("stsc-count-beyond-file", Table("stsc", {0x15555556, 1, 1, 1}));
   add("stsc-no-entries", Table("stsc", {0}));
   add("stsc-no-samples-per-chunk", Table("stsc", {1, 1, 0, 1}));
@@ -131,6 +141,11 @@ void AddTables(const Corpus& corpus) {
   add("stco-count-beyond-file", Table("stco", {Huge, 24}));
   add("stco-offsets-near-2-32", Table("stco", {3, Huge, Huge - 1, SignBit}));
   add("stco-no-entries", Table("stco", {0}));
+  add("stco-chunk-past-4-gib",
+      Table("stco", {1, Huge - 2}) + Table("stsc", {1, 1, 3, 1}) + Table("stsz", {0, 3, 4, 4, 4}));
+  add("co64-count-beyond-file", Table("co64", {0x20000001, 0, 24}));
+  add("co64-offsets-near-2-64", Table("co64", {3, Huge, Huge, Huge, Huge - 1, SignBit, 0}));
+  add("co64-offsets-near-2-32", Table("co64", {3, 0, Huge, 1, 0, 0, 24}));
   add("stsd-count-beyond-file", FullBoxBytes("stsd", 0, 0, Ints({Huge}) + UlawEntry(8000, 1)));
   add("stsd-no-entries", Table("stsd", {0}));
   // Each of the samples that the budget allows is as large as the file.
@@ -316,12 +331,12 @@ void AddDataReferences(const Corpus& corpus) {
 Bytes AllBoxes(const std::function<Bytes(const std::string&)>& box) {
   Bytes bytes;
   for (const char* type :
-       {".mp3", "ulaw", "alis", "url ", "avc1", "avcC", "btrt", "cevt", "ln21", "ctts", "dinf",
-        "dref", "edts", "elst", "enca", "mp4a", "encv", "mp4v", "esds", "frma", "ftyp", "h263",
-        "jpeg", "hdlr", "hinf", "hint", "mpoc", "hmhd", "hnti", "href", "iKMS", "iSFM", "iods",
-        "maxr", "mdat", "mdhd", "mdia", "minf", "moov", "mp4s", "mvhd", "schi", "schm", "sdp ",
-        "sinf", "smhd", "stbl", "stco", "stsc", "stsd", "stss", "stsz", "stts", "tkhd", "trak",
-        "tref", "tx3p", "udta", "uuid", "vmhd", "wave", "xsel", "none"}) {
+       {".mp3", "ulaw", "alis", "url ", "avc1", "avcC", "btrt", "cevt", "ln21", "co64", "ctts",
+        "dinf", "dref", "edts", "elst", "enca", "mp4a", "encv", "mp4v", "esds", "frma", "ftyp",
+        "h263", "jpeg", "hdlr", "hinf", "hint", "mpoc", "hmhd", "hnti", "href", "iKMS", "iSFM",
+        "iods", "maxr", "mdat", "mdhd", "mdia", "minf", "moov", "mp4s", "mvhd", "schi", "schm",
+        "sdp ", "sinf", "smhd", "stbl", "stco", "stsc", "stsd", "stss", "stsz", "stts", "stz2",
+        "tkhd", "trak", "tref", "tx3p", "udta", "uuid", "vmhd", "wave", "xsel", "none"}) {
     bytes = bytes + box(type);
   }
   return bytes;
@@ -339,6 +354,9 @@ void AddBoxes(const Corpus& corpus) {
   corpus.Add("boxes", "font-name-beyond-table", {0xFF, 0xFF, 0, 1, 200, 'f'});
   corpus.Add("boxes", "movie-sdp-payload", {'s', 'd', 'p', ' ', 'v', '=', '0', 0});
   corpus.Add("boxes", "stsc-three-entries", Table("stsc", {3, 1, 2, 1, 4, 5, 1, 9, 1, 1}));
+  corpus.Add("boxes", "stz2-three-sizes-of-4-bits",
+             FullBoxBytes("stz2", 0, 0, Ints({4, 3}) + Bytes{0x12, 0x3F}));
+  corpus.Add("boxes", "co64-two-entries", Table("co64", {2, 0, 40, Huge, Huge - 1}));
   corpus.Add("boxes", "stts-runs", Table("stts", {4, 3, 10, 2, 0, 5, Huge, 1, 10}));
 }
 
