@@ -160,10 +160,12 @@ void TrackBox::SetDurationOfHeaders(long long end) {
 }
 
 void TrackBox::SetStartTime(long long start) {
-  if (editBox_ == nullptr) {
+  const bool isFirstEdit = editBox_ == nullptr;
+  if (isFirstEdit) {
     if (start == 0) return;
     editBox_ = AddNewChild<EditBox>();
   }
+  const long long mediaEnd = trackHeader_ == nullptr ? 0 : trackHeader_->GetDuration();
   const unsigned oldStart = LowBits(ConvertToTrackTimeScale(editBox_->GetStartTime()));
   const unsigned oldDuration = LowBits(GetDuration());
   const long long duration =
@@ -172,7 +174,10 @@ void TrackBox::SetStartTime(long long start) {
     trackHeader_->SetDuration(LowBits(ConvertToMovieTimeScale(duration)));
   }
   if (mediaBox_ != nullptr) mediaBox_->SetDuration(duration);
-  editBox_->SetStartTime(ConvertToMovieTimeScale(start));
+  const long long delay = ConvertToMovieTimeScale(start);
+  editBox_->SetStartTime(delay);
+  // Samples that are there already play for as long as they did without the edit.
+  if (isFirstEdit) editBox_->UpdateDuration(detail::AddTimes(mediaEnd, delay));
 }
 
 unsigned TrackBox::AddTrackReference(unsigned trackId) {

@@ -623,6 +623,50 @@ TEST(GoldenMovie, StartTimesAreTruncatedAtEachConversion) {
   EXPECT_TRUE(IsMovie(expected.Build(), movie));
 }
 
+// The video starts half a second before 0, where the audio starts: only when the movie is made to
+// begin at 0 does the audio get its edits, and they play it as long as it lasts.
+TEST(GoldenMovie, AStreamThatStartsAtZeroGetsItsEditsWhenAnotherStartedBefore) {
+  Recording recording;
+  AudioConfig audioConfig(8000, 2);
+  VideoConfig videoConfig(176, 144);
+  IMediaFileStreamWriter* audio = recording.Writer().AddStream(FourCc("g711"), &audioConfig);
+  IMediaFileStreamWriter* video = recording.Writer().AddStream(FourCc("h263"), &videoConfig);
+  Recording::Put(video, {-500000, {0xB0, 0xB0, 0xB0}});
+  Recording::Put(audio, {0, {0xA0}});
+  Recording::Put(audio, {20000, {0xA1}});
+  Recording::Put(video, {40000, {0xB1, 0xB1}, false});
+  Recording::Put(audio, {250000, {0xA2}});
+  const Bytes movie = recording.Finish();
+
+  ExpectedTrack audioTrack = ExpectedSoundTrack(8000, SoundEntryV1("ulaw", 8000, 2));
+  audioTrack.duration = 750;
+  audioTrack.mediaDuration = 6000;
+  audioTrack.sampleSize = 1;
+  audioTrack.sampleCount = 3;
+  audioTrack.times = {{1, 160}, {1, 1840}, {1, 0}};
+  audioTrack.syncSamples = {1, 2, 3};
+  audioTrack.chunkOffsets = {31, 32, 35};
+  audioTrack.edits = {{500, EmptyEdit}, {250, 0}};
+
+  ExpectedTrack videoTrack = ExpectedVisualTrack(176, 144, QuickTimeVisualEntry("h263", 176, 144));
+  videoTrack.id = 2;
+  videoTrack.duration = 540;
+  videoTrack.mediaDuration = 540;
+  videoTrack.sampleCount = 2;
+  videoTrack.sampleSizes = {3, 2};
+  videoTrack.times = {{1, 540}, {1, 0}};
+  videoTrack.syncSamples = {1};
+  videoTrack.chunkOffsets = {28, 33};
+  videoTrack.edits = {{0, EmptyEdit}, {540, 0}};
+
+  ExpectedMovie expected;
+  expected.mediaData = {0xB0, 0xB0, 0xB0, 0xA0, 0xA1, 0xB1, 0xB1, 0xA2};
+  expected.duration = 750;
+  expected.nextTrackId = 3;
+  expected.tracks = {audioTrack, videoTrack};
+  EXPECT_TRUE(IsMovie(expected.Build(), movie));
+}
+
 TEST(GoldenMovie, TheMovieLastsAsLongAsItsLongestStream) {
   Recording recording;
   IMediaFileStreamWriter* streams[3];

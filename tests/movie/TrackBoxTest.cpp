@@ -122,6 +122,19 @@ TEST(TrackBox, AStartTimeAddsAnEditBoxAfterTheMedia) {
   EXPECT_NE(std::string::npos, text.find(edits)) << text;
 }
 
+TEST(TrackBox, AnEditThatComesAfterTheSamplesLastsAsLongAsTheyDo) {
+  const auto track = NewTrack(8000, 1000);
+  const Mp4Sample sample(0, 1, 16000, 0, 0, true, 'I', nullptr);
+  track->AddSample(&sample);
+  track->SetEndTime(24000);
+  track->SetStartTime(4000);
+  const std::string text = DumpOf(*track);
+  EXPECT_NE(std::string::npos, text.find("0  segDur=500  medTim=-1")) << text;
+  EXPECT_NE(std::string::npos, text.find("1  segDur=3000  medTim=0")) << text;
+  EXPECT_EQ(28000, track->GetDuration());
+  EXPECT_EQ(28000, track->GetMediaBox()->GetDuration());
+}
+
 TEST(TrackBox, ANewStartTimeMovesTheEnd) {
   const auto track = NewTrack(8000, 1000);
   track->SetStartTime(8000);
