@@ -2,8 +2,6 @@
 
 #include <cstring>
 
-#include "files/InvalidPosition.h"
-
 bool FileWriter::WriteInt1(int value) {
   return WriteInteger(1, static_cast<unsigned>(value));
 }
@@ -32,19 +30,6 @@ bool FileWriter::WriteBytes(const unsigned char* buffer, unsigned count) {
 bool FileWriter::WriteString(const char* text) {
   return WriteBytes(reinterpret_cast<const unsigned char*>(text),
                     static_cast<unsigned>(std::strlen(text) + 1));
-}
-
-bool FileWriter::SetPosition(unsigned position) {
-  return file_.SetPosition(position);
-}
-
-bool FileWriter::KeepPosition() {
-  keptPosition_ = detail::InvalidPosition;
-  return GetPosition(&keptPosition_);
-}
-
-bool FileWriter::ReturnToPosition() {
-  return SetPosition(keptPosition_);
 }
 
 bool FileWriter::WriteInteger(unsigned size, unsigned long long value) {

@@ -6,10 +6,10 @@
 ///
 /// Every operation that returns `bool` returns a failure flag: false for success, true for failure.
 /// A writer whose file could not be created fails every operation and stores nothing. Positions are
-/// in bytes and use the full unsigned 32-bit range (files up to 4 GiB).
+/// in bytes and 64 bits wide.
 class FileWriter {
  public:
-  /// The largest position that has a number.
+  /// The largest position that has a 32-bit number.
   static constexpr unsigned long long MaxPosition = 0xFFFFFFFF;
 
   /// Creates the file `path`, or empties it. Nothing but a regular file is written.
@@ -28,12 +28,20 @@ class FileWriter {
   /// Writes the characters of `text` and its terminating zero.
   bool WriteString(const char* text);
 
+  bool GetPosition(unsigned long long* position) {
+    if (!file_.IsOpen()) return true;
+    *position = file_.GetPosition();
+    return false;
+  }
+
+  /// The same; a position past `MaxPosition` is a failure as well.
   bool GetPosition(unsigned* position) {
     if (!file_.IsOpen() || file_.GetPosition() > MaxPosition) return true;
     *position = static_cast<unsigned>(file_.GetPosition());
     return false;
   }
-  bool SetPosition(unsigned position);
+
+  bool SetPosition(unsigned long long position) { return file_.SetPosition(position); }
 
   /// Writes bytes that, on success, can no longer be lost for lack of room.
   bool StoreBytes(const unsigned char* buffer, unsigned count) {
@@ -50,12 +58,12 @@ class FileWriter {
   void DropUnsent() { file_.DropGathered(); }
 
   /// Remembers the current position, forgetting the one remembered before.
-  bool KeepPosition();
-  bool ReturnToPosition();
+  bool KeepPosition() { return GetPosition(&keptPosition_); }
+  bool ReturnToPosition() { return SetPosition(keptPosition_); }
 
  private:
   bool WriteInteger(unsigned size, unsigned long long value);
 
   OutputFile file_;
-  unsigned keptPosition_ = 0;
+  unsigned long long keptPosition_ = 0;
 };

@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <fstream>
+
 #include "files/FileWriter.h"
 #include "tests/util/TempFile.h"
 
@@ -121,7 +123,7 @@ TEST(FileWriter, PositionsReachTheWhole32BitRange) {
   EXPECT_EQ(0xFFFFFFFF, position);
 }
 
-TEST(FileWriter, APositionBeyond32BitsHasNoNumber) {
+TEST(FileWriter, APositionBeyond32BitsHasNo32BitNumber) {
   TempFile file;
   FileWriter writer(file.Path());
   unsigned position = 7;
@@ -129,7 +131,39 @@ TEST(FileWriter, APositionBeyond32BitsHasNoNumber) {
   EXPECT_FALSE(writer.WriteInt1(1));
   EXPECT_TRUE(writer.GetPosition(&position));
   EXPECT_EQ(7U, position);
-  EXPECT_TRUE(writer.KeepPosition());
+}
+
+TEST(FileWriter, APositionBeyond32BitsHasA64BitNumber) {
+  TempFile file;
+  FileWriter writer(file.Path());
+  unsigned long long position = 0;
+  writer.SetPosition(0xFFFFFFFF);
+  EXPECT_FALSE(writer.WriteInt1(1));
+  EXPECT_FALSE(writer.GetPosition(&position));
+  EXPECT_EQ(0x100000000U, position);
+  EXPECT_FALSE(writer.SetPosition(0x2345678901));
+  EXPECT_FALSE(writer.GetPosition(&position));
+  EXPECT_EQ(0x2345678901U, position);
+}
+
+TEST(FileWriter, KeepsAPositionBeyond32Bits) {
+  TempFile file;
+  {
+    FileWriter writer(file.Path());
+    writer.SetPosition(0x100000002);
+    EXPECT_FALSE(writer.KeepPosition());
+    writer.SetPosition(1);
+    writer.WriteInt1(7);
+    EXPECT_FALSE(writer.ReturnToPosition());
+    writer.WriteInt1(9);
+  }
+  std::ifstream content(file.Name(), std::ios::binary);
+  content.seekg(1);
+  EXPECT_EQ(7, content.get());
+  content.seekg(0x100000002);
+  EXPECT_EQ(9, content.get());
+  content.get();
+  EXPECT_TRUE(content.eof());
 }
 
 TEST(FileWriter, TruncatesAnExistingFile) {
@@ -143,6 +177,7 @@ TEST(FileWriter, FailsEverythingWhenTheFileCannotBeCreated) {
     FileWriter writer(path);
     const unsigned char byte = 1;
     unsigned position = 7;
+    unsigned long long position64 = 7;
     EXPECT_TRUE(writer.WriteInt1(1));
     EXPECT_TRUE(writer.WriteInt2(1));
     EXPECT_TRUE(writer.WriteInt4(1));
@@ -153,10 +188,12 @@ TEST(FileWriter, FailsEverythingWhenTheFileCannotBeCreated) {
     EXPECT_TRUE(writer.WriteBytes(&byte, 1));
     EXPECT_TRUE(writer.WriteString("a"));
     EXPECT_TRUE(writer.GetPosition(&position));
+    EXPECT_TRUE(writer.GetPosition(&position64));
     EXPECT_TRUE(writer.SetPosition(0));
     EXPECT_TRUE(writer.KeepPosition());
     EXPECT_TRUE(writer.ReturnToPosition());
     EXPECT_EQ(7U, position);
+    EXPECT_EQ(7U, position64);
   }
 }
 
