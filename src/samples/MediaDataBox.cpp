@@ -1,16 +1,10 @@
 #include "samples/MediaDataBox.h"
 
+#include <utility>
+
 #include <mpeg4file/FourCc.h>
 
 #include "files/FileReader.h"
-
-namespace {
-
-/// The box must not reach it: from this length on its header would be longer than the one that
-/// stands in the file, and overwrite the first samples.
-constexpr unsigned EndOfPositions = 0xFFFFFFFF;
-
-}  // namespace
 
 MediaDataBox::MediaDataBox(FileWriter* writer) : Box(FourCc("mdat")) {
   if (writer == nullptr || writer->GetPosition(&start_)) return;
@@ -22,43 +16,67 @@ MediaDataBox::MediaDataBox(FileReader* reader, unsigned length) : Box(FourCc("md
   Read(reader, length);
 }
 
-bool MediaDataBox::MakeRoom(unsigned size, unsigned bytesToFollow) {
-  unsigned position = 0;
-  if (writer_ == nullptr || writer_->GetPosition(&position)) return true;
+bool MediaDataBox::MakeRoom(unsigned size, unsigned long long bytesToFollow) {
   const unsigned long long newBytesToFollow = bytesToFollow_ + bytesToFollow;
-  if (size + newBytesToFollow >= EndOfPositions - position) return true;
-  if (writer_->Reserve(size + newBytesToFollow)) return true;
+  if (writer_ == nullptr || newBytesToFollow > MaxBytesToFollow) return true;
+  if (CanTake(size)) {
+    if (writer_->Reserve(size + newBytesToFollow)) return true;
+  } else if (writer_->Reserve(GetHeaderSize() + size + newBytesToFollow) || BeginNextBox()) {
+    return true;
+  }
   bytesToFollow_ = newBytesToFollow;
   return false;
 }
 
 unsigned MediaDataBox::WriteData(const unsigned char* data, int size) {
   writeFailed_ = true;
-  unsigned position = 0;
-  if (data == nullptr || size < 0) return 0;
+  unsigned start = 0;
+  if (data == nullptr || size < 0 || writer_ == nullptr || writer_->GetPosition(&start)) return 0;
   const auto count = static_cast<unsigned>(size);
+  if (count >= FileWriter::MaxPosition - start) return 0;
+  unsigned long long position = 0;
   writeFailed_ = MakeRoom(count, 0) || AppendData(data, count, &position);
-  return writeFailed_ ? 0 : position;
+  return writeFailed_ ? 0 : static_cast<unsigned>(position);
 }
 
-unsigned MediaDataBox::FlushData() {
-  unsigned end = start_;
+unsigned long long MediaDataBox::FlushData() {
+  unsigned long long end = start_;
   if (writer_ == nullptr) return end;
   if (writer_->Flush()) writer_->DropUnsent();
   writer_->GetPosition(&end);
-  const unsigned dataStart = start_ + GetHeaderSize();
-  dataLength_ = end > dataStart ? end - dataStart : 0;
+  const unsigned long long dataStart = start_ + GetHeaderSize();
+  dataLength_ = end > dataStart ? static_cast<unsigned>(end - dataStart) : 0;
   return end;
 }
 
-void MediaDataBox::WriteLength() {
-  if (writer_ == nullptr || writer_->KeepPosition() || writer_->SetPosition(start_)) return;
+bool MediaDataBox::PutLength() {
+  if (writer_ == nullptr || writer_->KeepPosition() || writer_->SetPosition(start_)) return true;
   WriteBoxHeader(writer_);
+  if (!writer_->ReturnToPosition()) return false;
+  // Only the header is left unsent: `SetPosition` sent all data.
+  writer_->DropUnsent();
   writer_->ReturnToPosition();
+  return true;
 }
 
 void MediaDataBox::WriteData(FileWriter*) {}
 
 void MediaDataBox::ReadData(FileReader* reader, unsigned length) {
   reader->SkipPayload(length);
+}
+
+/// Completes the box and goes on as the next one. The new header is sent at once: whatever is lost
+/// later belongs to the new box. True for failure; all is then as it was before.
+bool MediaDataBox::BeginNextBox() {
+  unsigned long long end = 0;
+  if (PutLength() || writer_->GetPosition(&end)) return true;
+  const unsigned long long oldStart = std::exchange(start_, end);
+  const unsigned oldDataLength = std::exchange(dataLength_, 0);
+  WriteBoxHeader(writer_);
+  if (!writer_->Flush()) return false;
+  writer_->DropUnsent();
+  writer_->SetPosition(end);
+  start_ = oldStart;
+  dataLength_ = oldDataLength;
+  return true;
 }

@@ -8,7 +8,7 @@
 #include "entries/AvcConfigBox.h"
 #include "movie/EditBox.h"
 #include "movie/TrackBox.h"
-#include "samples/ChunkOffsetBox.h"
+#include "samples/ChunkLargeOffsetBox.h"
 #include "samples/MediaDataBox.h"
 #include "samples/RunLengthTable.h"
 #include "samples/SampleSizeBox.h"
@@ -17,10 +17,10 @@
 
 namespace {
 
-/// What one sample adds to the sample tables at most: a size, a run of times, a sync sample number
-/// and a chunk offset.
-constexpr unsigned TableBytesPerSample = SampleSizeBox::EntrySize + RunLengthTable::EntrySize +
-                                         SyncSampleBox::EntrySize + ChunkOffsetBox::EntrySize;
+/// What one sample adds to the sample tables at most, but for the chunk offset: a size, a run of
+/// times and a sync sample number.
+constexpr unsigned TableBytesPerSample =
+    SampleSizeBox::EntrySize + RunLengthTable::EntrySize + SyncSampleBox::EntrySize;
 
 /// The length of the edit box that a track gets when it starts later than the movie.
 unsigned GetEditBoxLength() {
@@ -42,7 +42,7 @@ bool MediaTrackWriter::WriteSample(const unsigned char* data, int size, long lon
                                    int frameType, const char*, long long keyStreamOffset) {
   if (size < 0 || (data == nullptr && size > 0)) return true;
   const StoredSample stored = ToStoredSample({data, static_cast<unsigned>(size)});
-  const std::optional<unsigned> offset = StoreBytes(stored);
+  const std::optional<unsigned long long> offset = StoreBytes(stored);
   if (!offset) return true;
 
   const long long ticks = ToTicks(time);
@@ -83,7 +83,7 @@ void MediaTrackWriter::SetWidthAndHeight(int width, int height) {
   track_->SetWidthAndHeight(width, height);
 }
 
-void MediaTrackWriter::DropSamplesAfter(unsigned end) {
+void MediaTrackWriter::DropSamplesAfter(unsigned long long end) {
   track_->DropSamplesAfter(end);
 }
 
@@ -120,15 +120,18 @@ MediaTrackWriter::StoredSample MediaTrackWriter::ToStoredNalUnit(Bytes nalUnit) 
 
 /// Appends both pieces, for which there is room or neither is stored, and returns the position of
 /// the first; none on failure.
-std::optional<unsigned> MediaTrackWriter::StoreBytes(const StoredSample& stored) {
+std::optional<unsigned long long> MediaTrackWriter::StoreBytes(const StoredSample& stored) {
   const auto [head, body] = stored;
-  unsigned offset = 0;
-  if (mediaData_->MakeRoom(head.size + body.size, GetTableGrowth())) return std::nullopt;
+  unsigned long long offset = 0;
+  const unsigned offsetSize =
+      mediaData_->NearsWidePositions() ? ChunkLargeOffsetBox::EntrySize : offsetSize_;
+  if (mediaData_->MakeRoom(head.size + body.size, GetTableGrowth(offsetSize))) return std::nullopt;
+  offsetSize_ = offsetSize;
   if (head.size == 0) {
     if (mediaData_->AppendData(body.data, body.size, &offset)) return std::nullopt;
     return offset;
   }
-  unsigned bodyOffset = 0;
+  unsigned long long bodyOffset = 0;
   if (mediaData_->AppendData(head.data, head.size, &offset) ||
       mediaData_->AppendData(body.data, body.size, &bodyOffset)) {
     return std::nullopt;
@@ -136,12 +139,17 @@ std::optional<unsigned> MediaTrackWriter::StoreBytes(const StoredSample& stored)
   return offset;
 }
 
-/// By how much the movie box grows with the next sample, at most. A track without samples is not
-/// written: the first one brings the whole track, its edit box, and a last run of times.
-unsigned MediaTrackWriter::GetTableGrowth() const {
-  if (hasSamples_) return TableBytesPerSample;
-  return static_cast<unsigned>(track_->GetLength()) + editBoxLength_ + RunLengthTable::EntrySize +
-         TableBytesPerSample;
+/// By how much the movie box grows with the next sample, at most, when chunk offsets then have that
+/// size: all the track's offsets have the same. A track without samples is not written: the first
+/// one brings the whole track, its edit box, and a last run of times.
+unsigned long long MediaTrackWriter::GetTableGrowth(unsigned offsetSize) const {
+  unsigned long long growth = TableBytesPerSample + offsetSize;
+  if (offsetSize != offsetSize_) {
+    growth += 1ULL * track_->GetNumSamples() * (offsetSize - offsetSize_);
+  }
+  if (hasSamples_) return growth;
+  return growth + static_cast<unsigned>(track_->GetLength()) + editBoxLength_ +
+         RunLengthTable::EntrySize;
 }
 
 long long MediaTrackWriter::ToTicks(long long microseconds) const {

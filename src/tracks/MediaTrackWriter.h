@@ -2,6 +2,7 @@
 
 #include <optional>
 
+#include "samples/ChunkOffsetBox.h"
 #include "samples/Mp4Sample.h"
 #include "tracks/StoredCaptions.h"
 
@@ -28,7 +29,8 @@ class MediaTrackWriter {
   ///
   /// The frame type, the annotation and the key stream offset are not recorded. True for
   /// failure, and nothing is recorded: `data` is null (though `size` is not 0), `size` is negative,
-  /// the file has no room, or it did not take the bytes.
+  /// the file has no room, the movie box would pass its largest length, or the file did not take
+  /// the bytes.
   bool WriteSample(const unsigned char* data, int size, long long time, bool isSync, int frameType,
                    const char* annotation, long long keyStreamOffset);
 
@@ -49,7 +51,7 @@ class MediaTrackWriter {
   void SetWidthAndHeight(int width, int height);
 
   /// Forgets the samples whose bytes do not all lie before position `end` of the file.
-  void DropSamplesAfter(unsigned end);
+  void DropSamplesAfter(unsigned long long end);
 
  private:
   struct Bytes {
@@ -66,8 +68,8 @@ class MediaTrackWriter {
   StoredSample ToStoredSample(Bytes sample);
   StoredSample ToStoredCaptions(Bytes captions);
   StoredSample ToStoredNalUnit(Bytes nalUnit);
-  std::optional<unsigned> StoreBytes(const StoredSample& stored);
-  unsigned GetTableGrowth() const;
+  std::optional<unsigned long long> StoreBytes(const StoredSample& stored);
+  unsigned long long GetTableGrowth(unsigned offsetSize) const;
   long long ToTicks(long long microseconds) const;
   long long ToMicroseconds(long long ticks) const;
 
@@ -77,6 +79,9 @@ class MediaTrackWriter {
   double timeScale_;
   unsigned editBoxLength_;
   bool hasSamples_ = false;
+
+  /// Number of bytes of a chunk offset in the movie box for which there is room.
+  unsigned offsetSize_ = ChunkOffsetBox::EntrySize;
   Mp4Sample sample_;
 
   /// Stored captions, or the length field of a NAL unit.

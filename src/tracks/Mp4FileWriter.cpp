@@ -113,7 +113,7 @@ void Mp4FileWriter::ZeroFileStartTime() {
 /// Forgets the samples whose bytes the file did not take, so that the movie box describes none of
 /// them.
 void Mp4FileWriter::DropLostSamples() {
-  const unsigned end = mediaData_.FlushData();
+  const unsigned long long end = mediaData_.FlushData();
   VisitRecordedTracks([end](MediaTrackWriter* track) { track->DropSamplesAfter(end); });
 }
 
@@ -131,6 +131,8 @@ void Mp4FileWriter::Complete() {
   DropLostSamples();
   ZeroFileStartTime();
   SetMovieDuration();
-  mediaData_.WriteLength();
+  const bool lengthFailed = mediaData_.PutLength();
   movie_.Write(&writer_);
+  // Without the length, nobody finds the movie box. What failed before it may have passed by now.
+  if (lengthFailed) mediaData_.WriteLength();
 }

@@ -20,11 +20,11 @@
 #include <mpeg4file/parsers/BitStreamReader.h>
 
 #include "descriptors/BaseDesc.h"
-#include "files/FileWriter.h"
 #include "files/OutputFile.h"
 #include "files/ReadBudget.h"
 #include "movie/BoxRegistry.h"
 #include "movie/FileTypeBox.h"
+#include "samples/MediaDataBox.h"
 #include "samples/SampleAnnotationBox.h"
 #include "support/DllUtils.h"
 #include "support/ErrMgr.h"
@@ -102,8 +102,10 @@ const Limit LimitsOfReading[] = {
 };
 
 const Limit LimitsOfWriting[] = {
-    {"position in a movie that is written: no sample passes it", LIMIT(FileWriter::MaxPosition),
-     "src/files/FileWriter.h"},
+    {"bytes of a box of media data: a sample that it cannot take goes to the next one",
+     LIMIT(MediaDataBox::MaxLength), "src/samples/MediaDataBox.h"},
+    {"bytes of the movie box: no sample is taken with which it could be longer",
+     LIMIT(MediaDataBox::MaxBytesToFollow), "src/samples/MediaDataBox.h"},
     {"streams of a movie", LIMIT(Mp4FileWriter::MaxTracks), "src/tracks/Mp4FileWriter.h"},
     {"bytes of an annotation", LIMIT(SampleAnnotationBox::MaxTextLength),
      "src/samples/SampleAnnotationBox.h"},

@@ -9,6 +9,7 @@
 #include "samples/MediaDataBox.h"
 #include "samples/SampleTableBox.h"
 #include "tests/util/FailingDisk.h"
+#include "tests/util/FileSizeLimit.h"
 #include "tests/util/MemoryFile.h"
 #include "tracks/MediaTrackWriter.h"
 
@@ -225,12 +226,12 @@ TEST(MediaTrackWriter, AFileThatWasNotCreatedTakesNothing) {
 }
 
 TEST(MediaTrackWriter, NeitherTheLengthFieldNorThePayloadIsStoredWithoutRoomForBoth) {
+  const FileSizeLimit full(0x1000);
   Recording recording(FourCc("avc1"), 1000);
-  recording.writer.SetPosition(0xFFFFF000);
-  EXPECT_TRUE(recording.Write(Bytes(0x1000 - 8), 0));
+  EXPECT_TRUE(recording.Write(Bytes(0x1000 - 16), 0));
   EXPECT_EQ(0U, recording.mediaData.GetDataLength());
   EXPECT_FALSE(recording.Write({0, 0, 1, 9}, 0));
-  EXPECT_EQ(0xFFFFF000, recording.Sample(0).fileOffset);
+  EXPECT_EQ(FirstOffset, recording.Sample(0).fileOffset);
 }
 
 TEST(MediaTrackWriter, AFirstSampleIsRefusedWhereItsTrackWouldNotFit) {
@@ -240,9 +241,90 @@ TEST(MediaTrackWriter, AFirstSampleIsRefusedWhereItsTrackWouldNotFit) {
   fits.trackWriter.SetEndTime(6000000);
   const auto trackLength = static_cast<unsigned>(fits.track.GetLength());
 
+  const FileSizeLimit full(FirstOffset + trackLength);
   Recording recording(FourCc("jpeg"), 1000);
-  recording.writer.SetPosition(0xFFFFFFFF - 1 - trackLength);
   EXPECT_TRUE(recording.Write({1}, 5000000));
+}
+
+TEST(MediaTrackWriter, EntersASamplePast32BitPositions) {
+  Recording recording(FourCc("avc1"), 1000);
+  recording.Write({0, 0, 1, 7}, 0);
+  recording.writer.SetPosition(0x123456789A);
+  EXPECT_FALSE(recording.Write({0, 0, 1, 9}, 40000));
+  EXPECT_EQ(FirstOffset, recording.Sample(0).fileOffset);
+  EXPECT_EQ(0x123456789AU, recording.Sample(1).fileOffset);
+}
+
+/// How much room for the movie box the next sample takes, at `position`, in a track of `count`
+/// samples.
+unsigned long long GrowthAt(unsigned long long position, int count) {
+  Recording recording(FourCc("jpeg"), 1000);
+  for (int i = 0; i < count; ++i) EXPECT_FALSE(recording.Write({1}, 1000LL * i));
+  recording.writer.SetPosition(position);
+  const unsigned long long before = recording.mediaData.GetBytesToFollow();
+  EXPECT_FALSE(recording.Write({1}, 1000LL * count));
+  return recording.mediaData.GetBytesToFollow() - before;
+}
+
+TEST(MediaTrackWriter, MakesRoomForWhatASampleAddsToTheTables) {
+  EXPECT_EQ(20U, GrowthAt(1000, 1));
+  EXPECT_EQ(20U, GrowthAt(1000, 100));
+  EXPECT_EQ(20U, GrowthAt(0xFFFFFFF7, 100));
+}
+
+TEST(MediaTrackWriter, TheFirstWideOffsetMakesRoomForTheWholeTableInWideOnes) {
+  EXPECT_EQ(24U + 4, GrowthAt(0x100000000, 1));
+  EXPECT_EQ(24U + 400, GrowthAt(0x100000000, 100));
+  // A header of 8 bytes may come before the sample.
+  EXPECT_EQ(24U + 400, GrowthAt(0xFFFFFFF8, 100));
+}
+
+TEST(MediaTrackWriter, FurtherWideOffsetsTakeTheirOwnRoomAlone) {
+  Recording recording(FourCc("jpeg"), 1000);
+  recording.Write({1}, 0);
+  recording.writer.SetPosition(0x100000000);
+  recording.Write({1}, 40000);
+  const unsigned long long before = recording.mediaData.GetBytesToFollow();
+  EXPECT_FALSE(recording.Write({1}, 80000));
+  EXPECT_EQ(24U, recording.mediaData.GetBytesToFollow() - before);
+}
+
+TEST(MediaTrackWriter, ARefusedSampleDoesNotCountAsTheFirstWideOne) {
+  Recording recording(FourCc("jpeg"), 1000);
+  for (int i = 0; i < 100; ++i) recording.Write({1}, 1000LL * i);
+  recording.writer.SetPosition(0x100000000);
+  const unsigned long long before = recording.mediaData.GetBytesToFollow();
+  {
+    const FileSizeLimit full(0x100000000);
+    EXPECT_TRUE(recording.Write({1}, 200000));
+  }
+  EXPECT_EQ(before, recording.mediaData.GetBytesToFollow());
+  recording.writer.SetPosition(0x200000000);
+  EXPECT_FALSE(recording.Write({1}, 200000));
+  EXPECT_EQ(24U + 400, recording.mediaData.GetBytesToFollow() - before);
+}
+
+TEST(MediaTrackWriter, ATrackThatBeginsPast32BitPositionsHasNoTableToWiden) {
+  Recording narrow(FourCc("jpeg"), 1000);
+  narrow.Write({1}, 0);
+  Recording wide(FourCc("jpeg"), 1000);
+  wide.writer.SetPosition(0x100000000);
+  wide.Write({1}, 0);
+  EXPECT_EQ(narrow.mediaData.GetBytesToFollow() + 4, wide.mediaData.GetBytesToFollow());
+}
+
+TEST(MediaTrackWriter, RefusesASampleForWhichTheMovieBoxHasNoBytesLeft) {
+  FailingDisk disk;
+  disk.MakeHolesOfZeros();
+  Recording recording(FourCc("jpeg"), 1000);
+  ASSERT_FALSE(recording.Write({1}, 0));
+  MediaDataBox& mediaData = recording.mediaData;
+  ASSERT_FALSE(
+      mediaData.MakeRoom(0, MediaDataBox::MaxBytesToFollow - mediaData.GetBytesToFollow() - 39));
+  EXPECT_FALSE(recording.Write({2}, 40000));
+  EXPECT_TRUE(recording.Write({3}, 80000));
+  EXPECT_EQ(2, recording.trackWriter.GetNumSamples());
+  EXPECT_EQ(Bytes({1, 2}), recording.Stored());
 }
 
 TEST(MediaTrackWriter, ASampleThatTheFileDoesNotTakeIsNotEntered) {

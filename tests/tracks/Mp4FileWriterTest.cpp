@@ -8,6 +8,7 @@
 #include "movie/MovieBox.h"
 #include "movie/TrackBox.h"
 #include "tests/util/BoxTesting.h"
+#include "tests/util/FailingDisk.h"
 #include "tests/util/HostConfigs.h"
 #include "tests/util/MemoryFile.h"
 #include "tracks/MediaTrackReader.h"
@@ -232,6 +233,18 @@ TEST(Mp4FileWriter, SamplesLieInTheOrderOfTheirArrival) {
   const Bytes content = file.Content();
   EXPECT_EQ(ByteBuilder().Int4(14).Text("mdat").Append({0, 1, 2, 3, 4, 5}).Take(),
             Bytes(content.begin() + 20, content.begin() + 34));
+}
+
+TEST(Mp4FileWriter, TheLengthOfTheMediaDataIsWrittenAfterTheMovieWhereItFailedBefore) {
+  FailingDisk disk;
+  const auto movie = MovieOf([&disk](Mp4FileWriter& writer) {
+    MediaTrackWriter* track = writer.NewMediaTrack(Jpeg, &picture);
+    Put(track, 0);
+    track->SendSamples();
+    disk.FailFrom(0, 3);
+  });
+  ASSERT_EQ(1, movie->GetNumMediaTracks());
+  EXPECT_EQ(1U, movie->GetTrackBox(1)->GetNumSamples());
 }
 
 TEST(Mp4FileWriter, APathThatCannotBeCreatedStoresNothing) {

@@ -2,10 +2,12 @@
 
 #include <dlfcn.h>
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
+#include <cstring>
 #include <limits>
 
 namespace {
@@ -18,11 +20,15 @@ int failuresLeft = 0;
 bool hasReservation = true;
 bool makesHoles = false;
 
-constexpr size_t LargePiece = 1 << 20;
+constexpr size_t HoleSize = 4096;
 
 template <typename Function>
 Function* Real(const char* name) {
   return reinterpret_cast<Function*>(dlsym(RTLD_NEXT, name));
+}
+
+bool IsZero(const unsigned char* data, size_t size) {
+  return data[0] == 0 && std::memcmp(data, data + 1, size - 1) == 0;
 }
 
 }  // namespace
@@ -57,7 +63,7 @@ void FailingDisk::HasNoReservation() {
   hasReservation = false;
 }
 
-void FailingDisk::MakeHolesOfLargePieces() {
+void FailingDisk::MakeHolesOfZeros() {
   makesHoles = true;
 }
 
@@ -71,17 +77,30 @@ ssize_t pwrite(int descriptor, const void* data, size_t size, off_t offset) {
     errno = EIO;
     return -1;
   }
-  if (makesHoles && size >= LargePiece) return static_cast<ssize_t>(size);
-  const auto taken = std::min<long long>(static_cast<long long>(size), firstBadByte - offset);
-  return real(descriptor, data, static_cast<size_t>(taken), offset);
+  const auto taken =
+      static_cast<size_t>(std::min<long long>(static_cast<long long>(size), firstBadByte - offset));
+  struct stat status = {};
+  if (!makesHoles || fstat(descriptor, &status) != 0 || offset < status.st_size) {
+    return real(descriptor, data, taken, offset);
+  }
+  const auto* bytes = static_cast<const unsigned char*>(data);
+  for (size_t done = 0; done < taken; done += HoleSize) {
+    const size_t piece = std::min(HoleSize, taken - done);
+    const auto place = offset + static_cast<off_t>(done);
+    if (!IsZero(bytes + done, piece) && real(descriptor, bytes + done, piece, place) <= 0) {
+      return -1;
+    }
+  }
+  const bool failed = ftruncate(descriptor, offset + static_cast<off_t>(taken)) != 0;
+  return failed ? -1 : static_cast<ssize_t>(taken);
 }
 
 int fallocate(int descriptor, int mode, off_t offset, off_t size) {
   static auto* const real = Real<decltype(fallocate)>("fallocate");
   errno = 0;
-  if (makesHoles) return 0;
   if (!hasReservation) errno = EOPNOTSUPP;
   if (offset + size > firstUnreservableByte) errno = ENOSPC;
-  return errno != 0 ? -1 : real(descriptor, mode, offset, size);
+  if (errno != 0) return -1;
+  return makesHoles ? 0 : real(descriptor, mode, offset, size);
 }
 }

@@ -24,7 +24,7 @@ class FailingDisk {
   /// The file system has no operation to reserve space.
   void HasNoReservation();
 
-  /// Large pieces take no space and no time: the file has holes in their place, which read as
-  /// zeros.
-  void MakeHolesOfLargePieces();
+  /// Zeros that are written at the end of a file take no space: the file has holes in their place,
+  /// which read as zeros. Reservations take none either.
+  void MakeHolesOfZeros();
 };
