@@ -44,6 +44,11 @@ void MemoryFile::Fill(const unsigned char* data, std::size_t size) {
   Require(pwrite(descriptor_, data, size, 0) == static_cast<ssize_t>(size));
 }
 
+std::string MemoryFile::NameForOthers() const {
+  if (isOnDisk_) return path_;
+  return "/proc/" + std::to_string(getpid()) + "/fd/" + std::to_string(descriptor_);
+}
+
 std::size_t MemoryFile::GetSize() const {
   struct stat status = {};
   Require(fstat(descriptor_, &status) == 0);

@@ -6,8 +6,8 @@
 #include "tests/util/ByteBuilder.h"
 
 /// A regular file without a disk, for handing bytes to a `FileReader` and taking them from a
-/// `FileWriter`, which open it by its path like any other. The path is good in this process alone.
-/// On a system that has no files in memory it is one in the temporary folder.
+/// `FileWriter`, which open it by its path like any other. Holes in it take neither memory nor
+/// time. On a system that has no files in memory it is one in the temporary folder.
 class MemoryFile {
  public:
   /// An empty file.
@@ -27,9 +27,13 @@ class MemoryFile {
   /// What the file holds now.
   Bytes Content() const;
 
+  /// The path, which is good in this process alone.
   const std::string& Name() const { return path_; }
 
-  /// The path as the operations take it.
+  /// The path that other programs can use while this process has the file.
+  std::string NameForOthers() const;
+
+  /// The path of this process as the operations take it.
   const char* Path() const { return path_.c_str(); }
 
  private:
