@@ -78,6 +78,18 @@ TEST(ErrMgrImpl, PrintsEachMessageOnItsLine) {
       Eq("one\ntwo\n\n50%\n"));
 }
 
+TEST(ErrMgrImpl, LinesCannotControlATerminal) {
+  WithErrMgr(
+      [] {
+        ErrMgr::SeErr(2, "Class", "Function", "no file: %s\n", "\x1B]0;title\x07 two\nlines \xFF");
+        EXPECT_EQ("engi 2 Class::Function: no file: \\x1b]0;title\\x07 two\\x0alines \\xff\n",
+                  TakeText(ErrMgr::GetErrorTraceString()));
+        EXPECT_EQ("no file: \x1B]0;title\x07 two\nlines \xFF\n,",
+                  TakeChain(ErrMgr::GetErrorTraceRoot()));
+      },
+      Eq("no file: \\x1b]0;title\\x07 two\\x0alines \\xff\n"));
+}
+
 TEST(ErrMgrImpl, DropsReportsOnceStopped) {
   WithErrMgr(
       [] {

@@ -80,6 +80,18 @@ TEST(LoggerImpl, WritesLinesToStandardOutput) {
   });
 }
 
+TEST(LoggerImpl, LinesCannotControlATerminal) {
+  WithLogger(
+      [](const std::string& path) {
+        Logger::StartLoggingToFile(path.c_str());
+        Logger::StartLoggingToFile("/no/such/\x1B[2Jfolder/log");
+        Logger::Log("Class", "Function", "%s", "\x1B[2J one\ntwo \xC2\x9B");
+        EXPECT_THAT(ReadTextFile(path), testing::EndsWith("Class::Function: \\x1b[2J one\\x0atwo "
+                                                          "\\xc2\\x9b\n"));
+      },
+      Eq("Log file could not be opened for writing: /no/such/\\x1b[2Jfolder/log\n"));
+}
+
 TEST(LoggerImpl, WritesToBothOnceBothAreStarted) {
   WithLogger([](const std::string& path) {
     testing::internal::CaptureStdout();

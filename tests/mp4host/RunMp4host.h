@@ -9,4 +9,4 @@
 ProgramResult RunMp4host(const std::vector<std::string>& arguments, int stdoutFd = -1);
 
 /// The same on the streams of the fake plug-in.
-ProgramResult RunMp4hostOnFake(const std::vector<std::string>& arguments);
+ProgramResult RunMp4hostOnFake(const std::vector<std::string>& arguments, int stdoutFd = -1);

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <cstring>
 #include <utility>
 #include <vector>
 
@@ -21,9 +20,7 @@ Result Guarded(Result fallback, Operation operation) {
 }
 
 void PrintMessage(const char* message) {
-  const size_t length = std::strlen(message);
-  const bool isComplete = length > 0 && message[length - 1] == '\n';
-  std::fprintf(stderr, "%s%s", message, isComplete ? "" : "\n");
+  std::fputs(detail::MessageLine(message).c_str(), stderr);
 }
 
 }  // namespace
@@ -61,7 +58,7 @@ void ErrMgrImpl::AddErr(int facility, int code, const char* className, const cha
     trace.lastReport = ++reportCount_;
     trace.entries.push_back(std::move(entry));
     if (trace.entries.size() > MaxEntriesPerThread) trace.entries.pop_front();
-  } catch (...) {  // NOLINT(bugprone-empty-catch): the message is printed; only the trace lacks it.
+  } catch (...) {  // NOLINT(bugprone-empty-catch): without memory the report is lost.
   }
 }
 

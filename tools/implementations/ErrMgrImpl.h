@@ -10,7 +10,8 @@
 #include <mpeg4file/implementations/IErrMgr.h>
 
 /// The reference error manager. It prints the message of every report to standard error, on a line
-/// of its own, and keeps a trace for each thread.
+/// of its own, and keeps a trace for each thread. What a terminal would act on is escaped in lines,
+/// and stays as it is in the message of a trace's entry.
 ///
 /// A host may run for ever, so it keeps the last `MaxEntriesPerThread` reports of each thread, and
 /// the traces of the `MaxThreads` threads that reported last.

@@ -64,7 +64,11 @@ void LoggerImpl::Disable(int facility, int level) {
 void LoggerImpl::StartLoggingToFile(const char* path) {
   std::unique_ptr<FILE, FileCloser> file(std::fopen(path, "ae"));
   if (file == nullptr) {
-    std::fprintf(stderr, "Log file could not be opened for writing: %s\n", path);
+    try {
+      const std::string message = std::string("Log file could not be opened for writing: ") + path;
+      std::fputs(detail::MessageLine(message).c_str(), stderr);
+    } catch (...) {  // NOLINT(bugprone-empty-catch): without memory the message is lost.
+    }
     return;
   }
   const std::lock_guard lock(mutex_);

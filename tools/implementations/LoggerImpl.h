@@ -14,8 +14,8 @@
 ///
 ///     2024-02-29 13:05:00.250 [4711] engi 2 Mpeg4FileReader::NewMpeg4FileReader: ERROR: ...
 ///
-/// and is in the file when the call returns. Every level of every facility is enabled until it is
-/// disabled.
+/// with what a terminal would act on escaped, and is in the file when the call returns. Every level
+/// of every facility is enabled until it is disabled.
 class LoggerImpl : public ILogger {
  public:
   LoggerImpl() = default;

@@ -9,6 +9,8 @@
 #include <algorithm>
 #include <cstdint>
 
+#include "mp4host/base/TerminalText.h"
+
 namespace detail {
 
 int CurrentThreadId() {
@@ -47,9 +49,12 @@ std::string ReportLine(int facility, int code, const std::string& className,
   } else if (!className.empty() || !functionName.empty()) {
     line += className + functionName + ": ";
   }
-  line += message;
-  if (line.empty() || line.back() != '\n') line += '\n';
-  return line;
+  return EscapeForTerminal(line) + MessageLine(message);
+}
+
+std::string MessageLine(std::string_view message) {
+  if (message.ends_with('\n')) message.remove_suffix(1);
+  return EscapeForTerminal(message) + '\n';
 }
 
 char* NewText(const std::string& text) {

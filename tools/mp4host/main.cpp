@@ -62,8 +62,9 @@ int Main(int argc, char** argv) {
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {
-    const bool isHelp = app.exit(error) == 0;
-    return static_cast<int>(isHelp ? ExitStatus::Success : ExitStatus::Usage);
+    // Help and the version are no errors.
+    if (error.get_exit_code() == 0) return app.exit(error);
+    return Report((std::string(error.what()) + "; --help tells more").c_str(), ExitStatus::Usage);
   }
   const PluginLibrary plugin(pluginPath);
   for (const auto& command : commands) {

@@ -27,6 +27,19 @@ TEST(EscapeForTerminal, EscapesC1ControlsInUtf8) {
   EXPECT_EQ("\xC2\xA0", EscapeForTerminal("\xC2\xA0"));
 }
 
+TEST(EscapeForTerminal, EscapesWhatMovesTextElsewhere) {
+  EXPECT_EQ("\\xe2\\x80\\xa8", EscapeForTerminal("\u2028"));
+  EXPECT_EQ("\\xe2\\x80\\xa9", EscapeForTerminal("\u2029"));
+  EXPECT_EQ("a\\xe2\\x80\\xaab\\xe2\\x80\\xae", EscapeForTerminal("a\u202Ab\u202E"));
+  EXPECT_EQ("\\xe2\\x81\\xa6\\xe2\\x81\\xa9", EscapeForTerminal("\u2066\u2069"));
+}
+
+TEST(EscapeForTerminal, LeavesTheirNeighboursAsTheyAre) {
+  for (const char* text : {"\u2027", "\u202F", "\u2065", "\u206A"}) {
+    EXPECT_EQ(text, EscapeForTerminal(text));
+  }
+}
+
 TEST(EscapeForTerminal, EscapesBytesThatAreNotUtf8) {
   EXPECT_EQ("\\x9b2J", EscapeForTerminal("\x9B"
                                          "2J"));

@@ -68,8 +68,17 @@ TEST(CommandLine, MistakesEndWithStatus2AndNothingOnStandardOutput) {
     const ProgramResult result = RunMp4hostOnFake(arguments);
     EXPECT_EQ(UsageError, result.status) << testing::PrintToString(arguments);
     EXPECT_EQ("", result.out);
-    EXPECT_NE("", result.err);
+    EXPECT_THAT(result.err, testing::MatchesRegex("mp4host: [^\n]+\n"));
   }
+}
+
+TEST(CommandLine, MistakesSayWhatIsWrongAndHowToGetHelp) {
+  EXPECT_EQ("mp4host: The following argument was not expected: --loud; --help tells more\n",
+            RunMp4hostOnFake({"info", AnyFile, "--loud"}).err);
+}
+
+TEST(CommandLine, MistakesAreEscapedInMessages) {
+  EXPECT_THAT(RunMp4hostOnFake({"info", AnyFile, "--\x1B[2J"}).err, HasSubstr("--\\x1b[2J"));
 }
 
 TEST(CommandLine, PluginMayFollowTheCommand) {

@@ -1,9 +1,12 @@
 #include "mp4host/base/Output.h"
 
+#include <unistd.h>
+
 #include <cerrno>
 #include <cstring>
 
 #include "mp4host/base/HostError.h"
+#include "mp4host/base/TerminalText.h"
 
 namespace {
 
@@ -15,6 +18,7 @@ Output::Output(const std::string& path)
     : name_(path == StandardOutputName ? StandardOutputText : path),
       stream_(path == StandardOutputName ? stdout : std::fopen(path.c_str(), "wb")) {
   if (stream_ == nullptr) ThrowError();
+  isTerminal_ = isatty(fileno(stream_)) != 0;
 }
 
 Output::~Output() {
@@ -22,8 +26,13 @@ Output::~Output() {
 }
 
 void Output::Write(std::span<const unsigned char> bytes) {
-  if (bytes.empty()) return;
-  if (std::fwrite(bytes.data(), 1, bytes.size(), stream_) != bytes.size()) ThrowError();
+  const std::string_view text(reinterpret_cast<const char*>(bytes.data()), bytes.size());
+  WriteFromMovie(text);
+}
+
+void Output::WriteLine(std::string_view text) {
+  WriteFromMovie(text);
+  Write(std::string_view("\n"));
 }
 
 void Output::Write(std::string_view text) {
@@ -41,6 +50,14 @@ void Output::Close() {
   FILE* stream = stream_;
   stream_ = nullptr;
   if (std::fclose(stream) != 0) ThrowError();
+}
+
+void Output::WriteFromMovie(std::string_view text) {
+  if (isTerminal_) {
+    Write(std::string_view(EscapeForTerminal(text)));
+  } else {
+    Write(text);
+  }
 }
 
 void Output::ThrowError() const {

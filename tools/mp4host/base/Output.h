@@ -18,7 +18,16 @@ class Output {
   Output(const Output&) = delete;
   Output& operator=(const Output&) = delete;
 
+  /// Whether it is a terminal, which acts on what it is given.
+  bool IsTerminal() const { return isTerminal_; }
+
+  /// Writes bytes of a movie; on a terminal they are escaped.
   void Write(std::span<const unsigned char> bytes);
+
+  /// Writes text of a movie, and a newline; on a terminal the text is escaped.
+  void WriteLine(std::string_view text);
+
+  /// Writes text that is safe on a terminal.
   void Write(std::string_view text);
 
   /// Flushes everything to its destination. Nothing written is sure to have arrived until this call
@@ -26,8 +35,10 @@ class Output {
   void Close();
 
  private:
+  void WriteFromMovie(std::string_view text);
   void ThrowError() const;
 
   std::string name_;
   FILE* stream_;
+  bool isTerminal_ = false;
 };

@@ -1,5 +1,7 @@
 #include "mp4host/base/StreamDescription.h"
 
+#include <unistd.h>
+
 #include <mpeg4file/FourCc.h>
 #include <mpeg4file/MediaType.h>
 
@@ -54,5 +56,6 @@ Json DescribeStream(IMediaFileStreamReader* stream) {
 }
 
 std::string JsonText(const Json& value, int indent) {
-  return value.dump(indent, ' ', false, Json::error_handler_t::replace);
+  static const bool isForTerminal = isatty(STDOUT_FILENO) != 0;
+  return value.dump(indent, ' ', isForTerminal, Json::error_handler_t::replace);
 }

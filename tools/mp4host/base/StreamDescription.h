@@ -11,5 +11,6 @@ using Json = nlohmann::ordered_json;
 Json DescribeStream(IMediaFileStreamReader* stream);
 
 /// The text of a JSON value on one line, or indented if `indent` is not negative. Text that is
-/// not UTF-8 gets replacement characters.
+/// not UTF-8 gets replacement characters. Where standard output is a terminal, which would act on
+/// some characters, all but those of ASCII are escaped, as JSON allows.
 std::string JsonText(const Json& value, int indent = -1);

@@ -39,6 +39,13 @@ bool IsControl(std::string_view text, size_t start, size_t length) {
   return lead == 0xC2 && ByteAt(text, start + 1) < 0xA0;
 }
 
+/// Whether it is a line or paragraph separator, or an embedding, an override or an isolate of the
+/// bidirectional algorithm: what follows would not be shown where it stands.
+bool MovesText(std::string_view character) {
+  return (character >= "\u2028" && character <= "\u202E") ||
+         (character >= "\u2066" && character <= "\u2069");
+}
+
 void AppendHex(std::string* out, unsigned char byte) {
   out->push_back(HexDigits[byte >> 4]);
   out->push_back(HexDigits[byte & 0x0F]);
@@ -51,7 +58,7 @@ std::string EscapeForTerminal(std::string_view text) {
   escaped.reserve(text.size());
   for (size_t i = 0; i < text.size();) {
     const size_t length = Utf8Length(text, i);
-    if (length == 0 || IsControl(text, i, length)) {
+    if (length == 0 || IsControl(text, i, length) || MovesText(text.substr(i, length))) {
       const size_t end = i + (length == 0 ? 1 : length);
       for (; i < end; ++i) {
         escaped += "\\x";

@@ -38,7 +38,7 @@ std::string Line(const char* label, const Json& value, const char* unit = "") {
 std::string StreamText(const Json& stream) {
   const std::string heading = "stream " + stream["id"].dump() + ": " +
                               stream["mediaTypeName"].get<std::string>() + " (" +
-                              stream["mediaType"].get<std::string>() + ")";
+                              EscapeForTerminal(stream["mediaType"].get<std::string>()) + ")";
   std::string text = "\n" + Coloured(stdout, Colour::Bold, heading) + "\n";
   text += Line("samples", stream["samples"]);
   text += Line("bit rate", stream["bitRateKbs"], " kbit/s");

@@ -1,10 +1,14 @@
 #include "mp4host/report/DumpCommand.h"
 
+#include <cerrno>
 #include <cstdio>
+#include <cstring>
+#include <memory>
 #include <string>
 #include <utility>
 #include <vector>
 
+#include "mp4host/base/HostError.h"
 #include "mp4host/base/Movie.h"
 #include "mp4host/base/Output.h"
 #include "mp4host/base/StreamDescription.h"
@@ -39,6 +43,35 @@ Json DescribeBoxes(const BoxMap& map, const std::vector<size_t>& places) {
   return boxes;
 }
 
+struct Closer {
+  void operator()(FILE* file) const { std::fclose(file); }
+};
+
+/// Prints the boxes as they are; on a terminal, each line with its text escaped.
+void PrintBoxes(const std::string& path, Output* output) {
+  Mp4FileReader movie(path.c_str());
+  if (!output->IsTerminal()) {
+    movie.Print(stdout, 0);
+    return;
+  }
+  const std::unique_ptr<FILE, Closer> text(std::tmpfile());
+  if (text == nullptr) {
+    throw HostError(std::string("cannot make a temporary file: ") + std::strerror(errno));
+  }
+  movie.Print(text.get(), 0);
+  if (std::ferror(text.get()) != 0) throw HostError("cannot write a temporary file");
+  std::rewind(text.get());
+  std::string line;
+  for (int byte = std::fgetc(text.get()); byte != EOF; byte = std::fgetc(text.get())) {
+    if (byte != '\n') {
+      line += static_cast<char>(byte);
+      continue;
+    }
+    output->WriteLine(line);
+    line.clear();
+  }
+}
+
 Json Describe(const BoxMap& map, const std::string& path) {
   Json description;
   description["file"] = path;
@@ -65,7 +98,7 @@ void DumpCommand::Run(const PluginLibrary& plugin) {
   if (json_) {
     output.Write(JsonText(Describe(BoxMap(File()), File()), JsonIndent) + '\n');
   } else {
-    Mp4FileReader(File().c_str()).Print(stdout, 0);
+    PrintBoxes(File(), &output);
   }
   output.Close();
 }

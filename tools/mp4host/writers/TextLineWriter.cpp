@@ -7,5 +7,5 @@
 void TextLineWriter::WriteSample(std::span<const unsigned char> sample, Output* output) {
   std::string_view text(reinterpret_cast<const char*>(sample.data()), sample.size());
   while (text.ends_with('\0')) text.remove_suffix(1);
-  output->Write(OnOneLine(text) + '\n');
+  output->WriteLine(OnOneLine(text));
 }

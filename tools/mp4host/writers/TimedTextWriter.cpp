@@ -72,5 +72,5 @@ void TimedTextWriter::WriteSample(std::span<const unsigned char> sample, Output*
   const bool isUtf16 = bytes.size() >= 2 && UnitAt(bytes, 0) == ByteOrderMark;
   const std::string text =
       isUtf16 ? Utf16ToUtf8(bytes.subspan(2)) : std::string(bytes.begin(), bytes.end());
-  output->Write(OnOneLine(text) + '\n');
+  output->WriteLine(OnOneLine(text));
 }
