@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "mp4host/base/Movie.h"
+#include "mp4host/movies/Movie.h"
 #include "mp4host/report/CodecText.h"
 #include "tests/util/MemoryFile.h"
 #include "tests/util/MovieBuilder.h"

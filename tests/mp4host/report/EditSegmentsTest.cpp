@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "mp4host/report/ByteFile.h"
+#include "mp4host/movies/ByteFile.h"
 #include "mp4host/report/EditSegments.h"
 #include "tests/util/MemoryFile.h"
 

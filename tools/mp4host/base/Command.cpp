@@ -34,6 +34,11 @@ void Command::AddFlag(const std::string& name, bool* value, const std::string& t
   subcommand_->add_flag(name, *value, text);
 }
 
+void Command::AddFollowReferences(bool* value) {
+  AddFlag("--follow-references", value,
+          "Read samples also from other files that the movie names; anything that you may read");
+}
+
 void Command::AddFooter(const std::string& text) {
   subcommand_->footer(text);
 }

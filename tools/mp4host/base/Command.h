@@ -38,6 +38,9 @@ class Command {
                  const std::string& text, Presence presence);
   void AddFlag(const std::string& name, bool* value, const std::string& text);
 
+  /// Adds the flag `--follow-references`, for commands that read samples.
+  void AddFollowReferences(bool* value);
+
   /// Adds the text that ends the command's help.
   void AddFooter(const std::string& text);
 

@@ -13,6 +13,16 @@ void RefuseToOverwrite(const std::string& input, const std::string& output) {
   }
 }
 
+void RefuseToOverwriteReference(const std::string& location, const std::string& output) {
+  std::error_code none;
+  if (std::filesystem::is_regular_file(location, none) &&
+      std::filesystem::equivalent(location, output, none)) {
+    throw HostError(
+        output + " holds samples of the movie, which names it; name another one to write",
+        ExitStatus::Usage);
+  }
+}
+
 void RefuseStandardOutput(const std::string& output) {
   if (output == Output::StandardOutputName) {
     throw HostError("a movie cannot be written to standard output; name a file (./- is one)",

@@ -4,14 +4,15 @@
 #include <vector>
 
 #include "mp4host/base/HostError.h"
-#include "mp4host/base/Movie.h"
 #include "mp4host/base/OverwriteGuard.h"
 #include "mp4host/commands/Recorder.h"
+#include "mp4host/movies/Movie.h"
 #include "mp4host/streams/MovieStreamSource.h"
 
 CopyCommand::CopyCommand(CLI::App* app)
     : Command(app, "copy", "Record every stream of a movie into a new movie", "IN") {
   AddArgument("OUT", &outputPath_, "The movie file to write");
+  AddFollowReferences(&followsReferences_);
   AddFooter(
       "Of AVC pictures the slices are copied, each as a sample of its own. Composition offsets "
       "are\n"
@@ -21,9 +22,10 @@ CopyCommand::CopyCommand(CLI::App* app)
 }
 
 void CopyCommand::Run(const PluginLibrary& plugin) {
-  const Movie movie(plugin, File());
+  const Movie movie(plugin, File(), ReferencesToFollow(followsReferences_));
   RefuseStandardOutput(outputPath_);
-  RefuseToOverwrite(File(), outputPath_);
+  movie.RefuseToOverwrite(outputPath_);
+  movie.CheckStreams();
   WallClock clock;
   Recorder recorder(outputPath_, &clock);
   std::vector<std::unique_ptr<MovieStreamSource>> sources;

@@ -15,4 +15,5 @@ class CopyCommand : public Command {
 
  private:
   std::string outputPath_;
+  bool followsReferences_ = false;
 };

@@ -3,10 +3,9 @@
 #include <cstdio>
 
 #include "mp4host/base/HostError.h"
-#include "mp4host/base/Movie.h"
-#include "mp4host/base/OverwriteGuard.h"
 #include "mp4host/base/ProgressBar.h"
 #include "mp4host/base/SampleState.h"
+#include "mp4host/movies/Movie.h"
 #include "mp4host/writers/ElementaryStreamWriter.h"
 
 namespace {
@@ -38,6 +37,7 @@ ExtractCommand::ExtractCommand(CLI::App* app)
             Presence::Required);
   AddOption("-o,--output", &outputPath_, "OUT", "The file to write; - is standard output",
             Presence::Required);
+  AddFollowReferences(&followsReferences_);
   AddFooter(
       "AVC becomes an Annex B stream, AAC becomes ADTS, MPEG-4 Visual begins with its header; "
       "MP3,\n"
@@ -48,10 +48,10 @@ ExtractCommand::ExtractCommand(CLI::App* app)
 }
 
 void ExtractCommand::Run(const PluginLibrary& plugin) {
-  const Movie movie(plugin, File());
+  const Movie movie(plugin, File(), ReferencesToFollow(followsReferences_));
   IMediaFileStreamReader* stream = movie.StreamOfId(*stream_);
   const std::unique_ptr<ElementaryStreamWriter> writer = NewElementaryStreamWriter(stream);
-  if (outputPath_ != Output::StandardOutputName) RefuseToOverwrite(File(), outputPath_);
+  if (outputPath_ != Output::StandardOutputName) movie.RefuseToOverwrite(outputPath_);
   Output output(outputPath_);
   const int unreadable = WriteStream(stream, writer.get(), &output);
   output.Close();

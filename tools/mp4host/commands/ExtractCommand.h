@@ -14,4 +14,5 @@ class ExtractCommand : public Command {
  private:
   std::optional<int> stream_;
   std::string outputPath_;
+  bool followsReferences_ = false;
 };

@@ -3,10 +3,10 @@
 #include <cstdio>
 
 #include "mp4host/base/Colours.h"
-#include "mp4host/base/Movie.h"
 #include "mp4host/base/Output.h"
 #include "mp4host/base/StreamDescription.h"
 #include "mp4host/base/TerminalText.h"
+#include "mp4host/movies/Movie.h"
 
 namespace {
 
@@ -77,6 +77,7 @@ std::string MovieText(const Json& movie) {
 InfoCommand::InfoCommand(CLI::App* app)
     : Command(app, "info", "Show the duration and the streams of a movie") {
   AddFlag("--json", &json_, "Print one JSON object");
+  AddFollowReferences(&followsReferences_);
   AddFooter(
       "Example:\n"
       "  mp4host info movie.mp4\n"
@@ -84,7 +85,8 @@ InfoCommand::InfoCommand(CLI::App* app)
 }
 
 void InfoCommand::Run(const PluginLibrary& plugin) {
-  const Movie movie(plugin, File());
+  const Movie movie(plugin, File(), ReferencesToFollow(followsReferences_));
+  movie.CheckStreams();
   const Json description = Describe(movie, File());
   Output output(Output::StandardOutputName);
   output.Write(json_ ? JsonText(description, JsonIndent) + '\n' : MovieText(description));

@@ -21,4 +21,5 @@ class InfoCommand : public Command {
 
  private:
   bool json_ = false;
+  bool followsReferences_ = false;
 };

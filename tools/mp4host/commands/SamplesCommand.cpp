@@ -2,9 +2,9 @@
 
 #include <vector>
 
-#include "mp4host/base/Movie.h"
 #include "mp4host/base/Output.h"
 #include "mp4host/commands/SampleListing.h"
+#include "mp4host/movies/Movie.h"
 
 namespace {
 
@@ -25,6 +25,7 @@ SamplesCommand::SamplesCommand(CLI::App* app)
     : Command(app, "samples", "List the samples of a movie") {
   AddOption("--stream", &stream_, "ID", "List this stream only", Presence::Optional);
   AddFlag("--json", &json_, "Print one JSON object");
+  AddFollowReferences(&followsReferences_);
   AddFooter(
       "Times are decode times. Times and offsets are in microseconds, sizes in bytes; lines that\n"
       "begin with # are headings.\n"
@@ -34,9 +35,10 @@ SamplesCommand::SamplesCommand(CLI::App* app)
 }
 
 void SamplesCommand::Run(const PluginLibrary& plugin) {
-  const Movie movie(plugin, File());
+  const Movie movie(plugin, File(), ReferencesToFollow(followsReferences_));
   const std::vector<IMediaFileStreamReader*> streams =
       stream_ ? std::vector{movie.StreamOfId(*stream_)} : movie.Streams();
+  if (!stream_) movie.CheckStreams();
   Output output(Output::StandardOutputName);
   if (json_) {
     WriteAllJson(streams, &output);

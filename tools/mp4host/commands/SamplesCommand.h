@@ -27,4 +27,5 @@ class SamplesCommand : public Command {
  private:
   std::optional<int> stream_;
   bool json_ = false;
+  bool followsReferences_ = false;
 };

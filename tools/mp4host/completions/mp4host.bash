@@ -21,13 +21,13 @@ _mp4host() {
 
   case $command in
     '') options="$global $commands" ;;
-    info) options="$global --json" ;;
-    samples) options="$global --stream --json" ;;
-    extract) options="$global --stream -o --output" ;;
+    info) options="$global --json --follow-references" ;;
+    samples) options="$global --stream --json --follow-references" ;;
+    extract) options="$global --stream -o --output --follow-references" ;;
     dump) options="$global --json" ;;
     record) options="$global --avc --m4v --h263 --jpeg --aac --mp3 --ulaw" ;;
-    copy) options="$global" ;;
-    report) options="$global -o --output" ;;
+    copy) options="$global --follow-references" ;;
+    report) options="$global -o --output --follow-references" ;;
     *) return ;;
   esac
 

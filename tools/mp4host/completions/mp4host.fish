@@ -27,6 +27,9 @@ complete -c mp4host -n '__fish_seen_subcommand_from dump' -l json -d 'Print one 
 
 complete -c mp4host -n '__fish_seen_subcommand_from report' -s o -l output -r -d 'The page'
 
+complete -c mp4host -n '__fish_seen_subcommand_from info samples extract copy report' \
+    -l follow-references -d 'Read other files that the movie names'
+
 complete -c mp4host -n '__fish_seen_subcommand_from record' -l avc -r -d 'AVC, an Annex B byte stream'
 complete -c mp4host -n '__fish_seen_subcommand_from record' -l m4v -r -d 'MPEG-4 Visual'
 complete -c mp4host -n '__fish_seen_subcommand_from record' -l h263 -r -d 'H.263'

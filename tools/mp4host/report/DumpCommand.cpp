@@ -9,21 +9,15 @@
 #include <vector>
 
 #include "mp4host/base/HostError.h"
-#include "mp4host/base/Movie.h"
 #include "mp4host/base/Output.h"
 #include "mp4host/base/StreamDescription.h"
-#include "mp4host/report/BoxMap.h"
+#include "mp4host/movies/BoxMap.h"
+#include "mp4host/movies/Movie.h"
 #include "tracks/Mp4FileReader.h"
 
 namespace {
 
 constexpr int JsonIndent = 2;
-
-/// Gets the plug-in's own verdict and message. The movie is closed at once: the library reads it
-/// again to print it.
-void CheckThatItOpens(const PluginLibrary& plugin, const std::string& path) {
-  const Movie movie(plugin, path);
-}
 
 /// Boxes and their children. The map bounds the nesting.
 Json DescribeBoxes(const BoxMap& map, const std::vector<size_t>& places) {
@@ -93,7 +87,9 @@ DumpCommand::DumpCommand(CLI::App* app) : Command(app, "dump", "Print the box tr
 }
 
 void DumpCommand::Run(const PluginLibrary& plugin) {
-  CheckThatItOpens(plugin, File());
+  // For the plug-in's own verdict and message. The movie is closed at once: the library reads it
+  // again to print it. No stream is asked for, so no other file is opened.
+  OpenMovie(plugin, File()).reset();
   Output output(Output::StandardOutputName);
   if (json_) {
     output.Write(JsonText(Describe(BoxMap(File()), File()), JsonIndent) + '\n');

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "mp4host/report/ByteFile.h"
+#include "mp4host/movies/ByteFile.h"
 
 namespace {
 

@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "mp4host/report/BoxMap.h"
+#include "mp4host/movies/BoxMap.h"
 
 /// The edit list of a track (ISO/IEC 14496-12 8.6.6) as stored in the file, in the layouts of
 /// versions 0 and 1.

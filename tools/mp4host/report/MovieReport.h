@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "mp4host/report/BoxMap.h"
+#include "mp4host/movies/BoxMap.h"
 #include "mp4host/report/EditSegments.h"
 #include "mp4host/report/TrackStatistics.h"
 

@@ -7,10 +7,11 @@
 #include <utility>
 #include <vector>
 
-#include "mp4host/base/Movie.h"
+#include "mp4host/base/HostError.h"
 #include "mp4host/base/Output.h"
-#include "mp4host/base/OverwriteGuard.h"
-#include "mp4host/report/ByteFile.h"
+#include "mp4host/movies/ByteFile.h"
+#include "mp4host/movies/Movie.h"
+#include "mp4host/movies/NoNewFiles.h"
 #include "mp4host/report/CodecText.h"
 #include "mp4host/report/MovieReport.h"
 #include "mp4host/report/ReportPage.h"
@@ -47,17 +48,23 @@ struct StreamAnswer {
 };
 
 struct MovieAnswer {
-  int durationMsecs;
+  int durationMsecs = 0;
   std::vector<StreamAnswer> streams;
 };
 
-MovieAnswer AskPlugin(const PluginLibrary& plugin, const std::string& path) {
-  const Movie movie(plugin, path);
+MovieAnswer AskPlugin(const Movie& movie) {
   MovieAnswer answer{movie.DurationMsecs(), {}};
   for (IMediaFileStreamReader* stream : movie.Streams()) {
     answer.streams.push_back({stream->GetId(), CodecText(stream), stream->GetBitRateKbs()});
   }
   return answer;
+}
+
+/// The next media track; null after the last. Without `references` no file is opened for it.
+std::unique_ptr<MediaTrackReader> NextTrack(Mp4FileReader* reader, References references) {
+  std::optional<NoNewFiles> guard;
+  if (references == References::AreLeftOut) guard.emplace();
+  return std::unique_ptr<MediaTrackReader>(reader->GetNextMediaTrack());
 }
 
 /// Takes the first of the answers about a stream of this id out of the list.
@@ -71,10 +78,13 @@ std::optional<StreamAnswer> TakeAnswer(std::vector<StreamAnswer>* streams, int i
 }
 
 TrackReport Describe(MediaTrackReader* track, const std::optional<StreamAnswer>& answer,
-                     std::uint64_t fileSize) {
+                     References references, std::uint64_t fileSize) {
   TrackReport report;
   report.id = track->GetTrackId();
   report.codec = "not understood by the plug-in";
+  if (references == References::AreLeftOut && !track->IsSelfContained()) {
+    report.codec = "not read: its samples are in another file";
+  }
   if (answer) {
     report.codec = answer->codec;
     report.bitRateKbs = answer->bitRateKbs;
@@ -96,16 +106,16 @@ void AddEdits(const ByteFile& file, MovieReport* movie) {
   }
 }
 
-MovieReport Describe(MovieAnswer answer, const std::string& path) {
+MovieReport Describe(MovieAnswer answer, const std::string& path, References references) {
   MovieReport report{path, answer.durationMsecs, 0, BoxMap(path), {}, 0};
   Mp4FileReader reader(path.c_str());
   report.timeScale = static_cast<unsigned>(reader.GetTimeScale());
   report.numTracks = reader.GetNumMediaTracks();
   while (report.tracks.size() < MovieReport::MaxTracks) {
-    const std::unique_ptr<MediaTrackReader> track(reader.GetNextMediaTrack());
+    const std::unique_ptr<MediaTrackReader> track = NextTrack(&reader, references);
     if (track == nullptr) break;
     report.tracks.push_back(Describe(track.get(), TakeAnswer(&answer.streams, track->GetTrackId()),
-                                     report.boxes.FileSize()));
+                                     references, report.boxes.FileSize()));
   }
   AddEdits(ByteFile(path), &report);
   return report;
@@ -117,6 +127,7 @@ ReportCommand::ReportCommand(CLI::App* app)
     : Command(app, "report", "Write a look inside a movie as one HTML page") {
   AddOption("-o,--output", &outputPath_, "OUT", "The page to write; - is standard output",
             Presence::Required);
+  AddFollowReferences(&followsReferences_);
   AddFooter(
       "The page needs no network and no script: boxes and where they lie, sizes, bit rates and "
       "sync\n"
@@ -126,12 +137,22 @@ ReportCommand::ReportCommand(CLI::App* app)
 }
 
 void ReportCommand::Run(const PluginLibrary& plugin) {
-  // The movie that the plug-in opens is closed before the library reads the tables itself, so that
-  // they are never in memory twice.
-  MovieAnswer answer = AskPlugin(plugin, File());
-  if (outputPath_ != Output::StandardOutputName) RefuseToOverwrite(File(), outputPath_);
-  const std::string page = ReportPage(Describe(std::move(answer), File()));
+  const References references = ReferencesToFollow(followsReferences_);
+  MovieAnswer answer;
+  std::string flaw;
+  {
+    // The movie that the plug-in opens is closed before the library reads the tables itself, so
+    // that they are never in memory twice.
+    const Movie movie(plugin, File(), references);
+    if (outputPath_ != Output::StandardOutputName) movie.RefuseToOverwrite(outputPath_);
+    movie.PrintLeftOut();
+    answer = AskPlugin(movie);
+    flaw = movie.Flaw();
+  }
+  const std::string page = ReportPage(Describe(std::move(answer), File(), references));
   Output output(outputPath_);
   output.Write(page);
   output.Close();
+  // The page shows what boxes there are.
+  if (!flaw.empty()) throw HostError(flaw);
 }

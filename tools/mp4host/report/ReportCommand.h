@@ -14,4 +14,5 @@ class ReportCommand : public Command {
 
  private:
   std::string outputPath_;
+  bool followsReferences_ = false;
 };

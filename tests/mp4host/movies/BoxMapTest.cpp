@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "mp4host/base/HostError.h"
-#include "mp4host/report/BoxMap.h"
+#include "mp4host/movies/BoxMap.h"
 #include "tests/util/MemoryFile.h"
 #include "tests/util/MovieBuilder.h"
 

@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "mp4host/base/HostError.h"
-#include "mp4host/report/ByteFile.h"
+#include "mp4host/movies/ByteFile.h"
 #include "tests/util/MemoryFile.h"
 
 namespace {

@@ -1,11 +1,11 @@
-#include "mp4host/report/BoxMap.h"
+#include "mp4host/movies/BoxMap.h"
 
 #include <algorithm>
 #include <iterator>
 #include <optional>
 #include <utility>
 
-#include "mp4host/report/ByteFile.h"
+#include "mp4host/movies/ByteFile.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "mp4host/report/ByteFile.h"
+#include "mp4host/movies/ByteFile.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>

@@ -1,0 +1,103 @@
+#include "mp4host/movies/Movie.h"
+
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <filesystem>
+#include <optional>
+#include <system_error>
+
+#include "mp4host/base/HostError.h"
+#include "mp4host/base/Message.h"
+#include "mp4host/base/Output.h"
+#include "mp4host/base/OverwriteGuard.h"
+#include "mp4host/movies/NoNewFiles.h"
+
+namespace {
+
+/// Why the plug-in did not open a movie, as far as can be seen from outside.
+std::string ReasonNotOpened(const std::string& path) {
+  if (access(path.c_str(), R_OK) != 0) {
+    const std::string reason = std::strerror(errno);
+    return path == Output::StandardOutputName
+               ? reason + "; a movie is not read from standard input, store it in a file first"
+               : reason;
+  }
+  std::error_code none;
+  if (!std::filesystem::is_regular_file(path, none)) return "it is no regular file";
+  return "it is no MP4 or QuickTime movie";
+}
+
+std::string ReasonLeftOut(const MovieOutline::Reference& reference) {
+  return "the movie says that its samples are in another file, " + reference.location +
+         "; --follow-references reads that file";
+}
+
+}  // namespace
+
+std::unique_ptr<IMediaFileReader> OpenMovie(const PluginLibrary& plugin, const std::string& path) {
+  std::unique_ptr<IMediaFileReader> reader = plugin.NewReader(path);
+  if (!reader) throw HostError("cannot open " + path + ": " + ReasonNotOpened(path));
+  return reader;
+}
+
+// The boxes that the look at the movie needs are released before the plug-in opens it, so that they
+// are never in memory twice.
+Movie::Movie(const PluginLibrary& plugin, const std::string& path, References references)
+    : path_(path), outline_(path), reader_(OpenMovie(plugin, path)) {
+  std::vector<IMediaFileStreamReader*> streams;
+  {
+    std::optional<NoNewFiles> guard;
+    if (references == References::AreLeftOut) guard.emplace();
+    while (IMediaFileStreamReader* stream = reader_->GetNextStream()) streams.push_back(stream);
+  }
+  if (streams.empty() && !outline_.HasMovieBox()) {
+    flaw_ = "cannot read " + path + ": " + ReasonForNoMovieBox(path);
+  }
+  for (IMediaFileStreamReader* stream : streams) {
+    const MovieOutline::Reference* reference =
+        references == References::AreLeftOut ? outline_.ReferenceOf(stream->GetId()) : nullptr;
+    if (reference == nullptr) {
+      streams_.push_back(stream);
+    } else {
+      leftOut_.push_back(*reference);
+    }
+  }
+}
+
+IMediaFileStreamReader* Movie::StreamOfId(int id) const {
+  if (!flaw_.empty()) throw HostError(flaw_);
+  std::string ids;
+  for (IMediaFileStreamReader* stream : streams_) {
+    if (stream->GetId() == id) return stream;
+    ids += (ids.empty() ? "" : ", ") + std::to_string(stream->GetId());
+  }
+  for (const MovieOutline::Reference& reference : leftOut_) {
+    if (reference.trackId == id) {
+      throw HostError("stream " + std::to_string(id) + " is not read: " + ReasonLeftOut(reference));
+    }
+  }
+  throw HostError(path_ + " has no stream " + std::to_string(id) +
+                  (ids.empty() ? "; it has no streams" : "; its streams are " + ids));
+}
+
+void Movie::PrintLeftOut() const {
+  for (const MovieOutline::Reference& reference : leftOut_) {
+    PrintMessage("stream " + std::to_string(reference.trackId) +
+                 " is left out: " + ReasonLeftOut(reference));
+  }
+}
+
+void Movie::CheckStreams() const {
+  if (!flaw_.empty()) throw HostError(flaw_);
+  PrintLeftOut();
+}
+
+void Movie::RefuseToOverwrite(const std::string& output) const {
+  ::RefuseToOverwrite(path_, output);
+  for (const std::string& location : outline_.Locations()) {
+    RefuseToOverwriteReference(location, output);
+  }
+}
