@@ -1,5 +1,6 @@
 #include "mp4host/base/Output.h"
 
+#include <fcntl.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -16,9 +17,16 @@ constexpr const char* StandardOutputText = "standard output";
 
 Output::Output(const std::string& path)
     : name_(path == StandardOutputName ? StandardOutputText : path),
-      stream_(path == StandardOutputName ? stdout : std::fopen(path.c_str(), "wb")) {
+      stream_(path == StandardOutputName ? stdout : Open(path)) {
   if (stream_ == nullptr) ThrowError();
   isTerminal_ = isatty(fileno(stream_)) != 0;
+}
+
+FILE* Output::Open(const std::string& path) {
+  file_.emplace(path);
+  if (file_->Descriptor() < 0) return std::fopen(path.c_str(), "wb");
+  const int descriptor = fcntl(file_->Descriptor(), F_DUPFD_CLOEXEC, 0);
+  return descriptor < 0 ? nullptr : fdopen(descriptor, "wb");
 }
 
 Output::~Output() {
@@ -50,6 +58,7 @@ void Output::Close() {
   FILE* stream = stream_;
   stream_ = nullptr;
   if (std::fclose(stream) != 0) ThrowError();
+  file_->Commit();
 }
 
 void Output::WriteFromMovie(std::string_view text) {

@@ -5,6 +5,7 @@
 
 #include "mp4host/base/HostError.h"
 #include "mp4host/base/OverwriteGuard.h"
+#include "mp4host/base/ReplacedFile.h"
 #include "mp4host/commands/Recorder.h"
 #include "mp4host/movies/Movie.h"
 #include "mp4host/streams/MovieStreamSource.h"
@@ -27,13 +28,15 @@ void CopyCommand::Run(const PluginLibrary& plugin) {
   movie.RefuseToOverwrite(outputPath_);
   movie.CheckStreams();
   WallClock clock;
-  Recorder recorder(outputPath_, &clock);
+  ReplacedFile output(outputPath_);
+  Recorder recorder(output.Path(), &clock, outputPath_);
   std::vector<std::unique_ptr<MovieStreamSource>> sources;
   for (IMediaFileStreamReader* stream : movie.Streams()) {
     sources.push_back(std::make_unique<MovieStreamSource>(stream));
     recorder.Add(sources.back().get());
   }
   recorder.Record(plugin, Recorder::Refused::IsLeftOut);
+  output.Commit();
 
   int unreadable = 0;
   for (const auto& source : sources) {

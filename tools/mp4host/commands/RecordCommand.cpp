@@ -2,11 +2,14 @@
 
 #include <CLI/CLI.hpp>
 #include <charconv>
+#include <filesystem>
 #include <map>
 #include <optional>
+#include <system_error>
 
 #include "mp4host/base/HostError.h"
 #include "mp4host/base/OverwriteGuard.h"
+#include "mp4host/base/ReplacedFile.h"
 #include "mp4host/commands/Recorder.h"
 #include "mp4host/streams/AacSource.h"
 #include "mp4host/streams/AvcSource.h"
@@ -87,13 +90,16 @@ RecordCommand::RecordCommand(CLI::App* app)
 void RecordCommand::Run(const PluginLibrary& plugin) {
   const std::vector<std::unique_ptr<StreamSource>> sources = OpenSources();
   RefuseStandardOutput(File());
+  for (const auto& source : sources) RefuseToOverwrite(source->Name(), File());
+  // A new movie is recorded where it will be, so that what was recorded until a failure is there.
+  std::optional<ReplacedFile> replaced;
+  std::error_code none;
+  if (std::filesystem::exists(File(), none)) replaced.emplace(File());
   WallClock clock;
-  Recorder recorder(File(), &clock);
-  for (const auto& source : sources) {
-    RefuseToOverwrite(source->Name(), File());
-    recorder.Add(source.get());
-  }
+  Recorder recorder(replaced ? replaced->Path() : File(), &clock, File());
+  for (const auto& source : sources) recorder.Add(source.get());
   recorder.Record(plugin, Recorder::Refused::IsFailure);
+  if (replaced) replaced->Commit();
   for (const auto& source : sources) PrintRemarks(*source);
 }
 

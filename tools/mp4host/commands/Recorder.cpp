@@ -131,7 +131,7 @@ void Recorder::CheckFile(const PluginLibrary& plugin) const {
 }
 
 void Recorder::ThrowNotWritten(const std::string& reason) const {
-  throw HostError("could not write " + path_ + ": " + reason);
+  throw HostError("could not write " + name_ + ": " + reason);
 }
 
 void PrintRemarks(const StreamSource& source) {

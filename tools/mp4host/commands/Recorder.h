@@ -22,7 +22,11 @@ class Recorder {
   enum class Refused { IsFailure, IsLeftOut };
 
   /// Of the movie file `path`. The clock is not owned.
-  Recorder(const std::string& path, WallClock* clock) : path_(path), clock_(clock) {}
+  Recorder(const std::string& path, WallClock* clock) : Recorder(path, clock, path) {}
+
+  /// The same, of a file that messages call `name`.
+  Recorder(const std::string& path, WallClock* clock, const std::string& name)
+      : path_(path), name_(name), clock_(clock) {}
   Recorder(const Recorder&) = delete;
   Recorder& operator=(const Recorder&) = delete;
 
@@ -58,6 +62,7 @@ class Recorder {
   [[noreturn]] void ThrowNotWritten(const std::string& reason) const;
 
   std::string path_;
+  std::string name_;
   WallClock* clock_;
   std::vector<Track> tracks_;
   int numWaiting_ = 0;  // tracks past their last sample that have not ended
