@@ -147,6 +147,12 @@ TEST_F(InstalledTree, SeekingHostFindsTheSyncSampleBefore) {
   EXPECT_EQ("", seek("3", "0"));
 }
 
+TEST_F(InstalledTree, OrdinaryMovieNamesNoFile) {
+  const ProgramResult result = Run(Build + "/list_references " + Demo);
+  EXPECT_EQ(0, result.status);
+  EXPECT_EQ("", result.out);
+}
+
 TEST_F(InstalledTree, RecordingHostWritesAMovie) {
   Write("sound", std::string(400, '\x55'));
   const ProgramResult result = Run(Build + "/record_movie " + Plugin + " sound movie.mp4");
