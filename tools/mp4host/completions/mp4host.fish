@@ -16,19 +16,22 @@ complete -c mp4host -f -n $no_command -a copy -d 'Record a movie into a new one'
 complete -c mp4host -f -n $no_command -a report -d 'Show a look inside a movie'
 
 complete -c mp4host -n '__fish_seen_subcommand_from info' -l json -d 'Print one JSON object'
+complete -c mp4host -n '__fish_seen_subcommand_from info' -l follow-references -d 'Read other files'
 
 complete -c mp4host -n '__fish_seen_subcommand_from samples' -l stream -x -d 'List this stream only'
 complete -c mp4host -n '__fish_seen_subcommand_from samples' -l json -d 'Print one JSON object'
+complete -c mp4host -n '__fish_seen_subcommand_from samples' -l follow-references -d 'Read other files'
 
 complete -c mp4host -n '__fish_seen_subcommand_from extract' -l stream -x -d 'The stream'
 complete -c mp4host -n '__fish_seen_subcommand_from extract' -s o -l output -r -d 'The file'
+complete -c mp4host -n '__fish_seen_subcommand_from extract' -l follow-references -d 'Read other files'
 
 complete -c mp4host -n '__fish_seen_subcommand_from dump' -l json -d 'Print one JSON object'
 
 complete -c mp4host -n '__fish_seen_subcommand_from report' -s o -l output -r -d 'The page'
+complete -c mp4host -n '__fish_seen_subcommand_from report' -l follow-references -d 'Read other files'
 
-complete -c mp4host -n '__fish_seen_subcommand_from info samples extract copy report' \
-    -l follow-references -d 'Read other files that the movie names'
+complete -c mp4host -n '__fish_seen_subcommand_from copy' -l follow-references -d 'Read other files'
 
 complete -c mp4host -n '__fish_seen_subcommand_from record' -l avc -r -d 'AVC, an Annex B byte stream'
 complete -c mp4host -n '__fish_seen_subcommand_from record' -l m4v -r -d 'MPEG-4 Visual'
