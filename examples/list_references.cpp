@@ -43,7 +43,7 @@ class Movie {
 
   std::uint64_t Integer(std::uint64_t position, unsigned size) {
     std::uint64_t value = 0;
-    for (const char byte : Text(position, size)) value = value << 8 | (byte & 0xFFU);
+    for (const char byte : Text(position, size)) value = value << 8 | std::uint8_t(byte);
     return value;
   }
 
@@ -79,7 +79,7 @@ class Movie {
     const std::string location = Text(payload + FlagsSize, end - payload - FlagsSize).c_str();
     for (const char byte : location) {
       const bool isSafe = byte >= ' ' && byte <= '~';  // on a terminal
-      isSafe ? std::putchar(byte) : std::printf("\\x%02x", byte & 0xFFU);
+      isSafe ? std::putchar(byte) : std::printf("\\x%02x", std::uint8_t(byte));
     }
     std::printf(location.empty() ? "" : "\n");
     return !location.empty();

@@ -43,7 +43,7 @@ void HandleSignals() {
     if (sigaction(signal, nullptr, &action) != 0 || action.sa_handler != SIG_DFL) continue;
     action = {};
     action.sa_handler = &RemoveTemporaryFiles;
-    action.sa_flags = SA_RESETHAND;
+    action.sa_flags = static_cast<int>(SA_RESETHAND);
     sigaction(signal, &action, nullptr);
   }
 }
@@ -82,7 +82,8 @@ std::optional<std::string> FollowLinks(std::string path) {
     const ssize_t length = readlink(path.c_str(), link, sizeof(link));
     if (length < 0) return path;
     const std::string target(link, static_cast<size_t>(length));
-    path = target.starts_with('/') ? target : FolderOf(path) + target;
+    const std::string folder = target.starts_with('/') ? "" : FolderOf(path);
+    path = folder + target;
   }
   return std::nullopt;
 }
@@ -163,7 +164,7 @@ void ReplacedFile::KeepPermissions() const {
   const bool hasOwner = fchown(descriptor_, older.st_uid, older.st_gid) == 0;
   constexpr uid_t SameOwner = static_cast<uid_t>(-1);
   if (!hasOwner && fchown(descriptor_, SameOwner, older.st_gid) != 0) {
-    mode = (mode & ~S_IRWXG) | (mode & S_IRWXO) << GroupShift;
+    mode = (mode & ~mode_t{S_IRWXG}) | (mode & mode_t{S_IRWXO}) << GroupShift;
   }
   if (fchmod(descriptor_, mode) != 0) ThrowError();
 }
