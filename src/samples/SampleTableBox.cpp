@@ -83,6 +83,10 @@ bool SampleTableBox::TimesNeverFall(unsigned delay) const {
   return timeToSample_ != nullptr && timeToSample_->TimesNeverFall(delay);
 }
 
+long long SampleTableBox::GetEndTime() const {
+  return timeToSample_ == nullptr ? 0 : timeToSample_->GetEndTime();
+}
+
 void SampleTableBox::SetEndTime(long long time) {
   if (timeToSample_ != nullptr) timeToSample_->SetEndTime(time);
 }

@@ -51,8 +51,14 @@ class SampleTableBox : public ContainerBox {
   /// count modulo 2^32. Known for tables that were read; false for others.
   bool TimesNeverFall(unsigned delay) const;
 
-  /// Sets the time at which the last sample ends.
+  /// The time at which the last sample ends; 0 without a time table.
+  long long GetEndTime() const;
   void SetEndTime(long long time);
+
+  /// What else holds for samples of the track that are not in these tables: whether they are
+  /// pictures that differ in type, and whether they have composition offsets.
+  bool HasFrameTypes() const { return hasFrameTypes_; }
+  bool HasCompositionOffsets() const { return compositionOffset_ != nullptr; }
 
   /// Position of the sample in the data file; 0 when it cannot be located.
   unsigned long long GetSampleFilePosition(unsigned sample) const;

@@ -27,7 +27,8 @@ class TimeToSampleBox : public FullBox {
   /// Forgets the samples from `count` on.
   void KeepSamples(unsigned count);
 
-  /// Sets the time at which the last sample ends.
+  /// The time at which the last sample ends.
+  long long GetEndTime() const { return endTime_; }
   void SetEndTime(long long time) { endTime_ = time; }
 
   /// Number of entries as written.

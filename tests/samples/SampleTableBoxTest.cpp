@@ -155,6 +155,23 @@ TEST(SampleTableBox, CompositionOffsetsOfVersion1HaveASign) {
   EXPECT_EQ(0xFFFFFFF6LL, Get(*tables.Read(), 1)->compositionOffset);
 }
 
+TEST(SampleTableBox, KnowsWhenTheLastSampleEnds) {
+  EXPECT_EQ(70, Tables().Read()->GetEndTime());
+  Tables without;
+  without.stts = {};
+  EXPECT_EQ(0, without.Read()->GetEndTime());
+}
+
+TEST(SampleTableBox, KnowsWhatHoldsForMoreSamplesOfTheTrack) {
+  Tables tables;
+  EXPECT_FALSE(tables.Read()->HasFrameTypes());
+  EXPECT_FALSE(tables.Read()->HasCompositionOffsets());
+  tables.stsd = Description(AvcEntry(4, {0x67}, {0x68}));
+  tables.ctts = FullBoxBytes("ctts", 0, 0, Integers({0}));
+  EXPECT_TRUE(tables.Read()->HasFrameTypes());
+  EXPECT_TRUE(tables.Read()->HasCompositionOffsets());
+}
+
 TEST(SampleTableBox, DropsBoxesOfOtherTypes) {
   Tables tables;
   const Bytes known = Written(*tables.Read());

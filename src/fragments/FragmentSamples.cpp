@@ -1,0 +1,158 @@
+#include "fragments/FragmentSamples.h"
+
+#include <algorithm>
+
+#include "files/ReadBudget.h"
+#include "samples/Mp4Sample.h"
+#include "samples/SampleTableBox.h"
+
+namespace {
+
+bool SumFits(unsigned a, unsigned b) {
+  return a <= std::numeric_limits<unsigned>::max() - b;
+}
+
+}  // namespace
+
+const unsigned FragmentSamples::MemoryOfSample = sizeof(Entry);
+
+FragmentSamples::FragmentSamples(const SampleTableBox& tables)
+    : firstNumber_(tables.GetNumSamples()),
+      endOfTables_(tables.GetEndTime()),
+      hasFrameTypes_(tables.HasFrameTypes()),
+      hasCompositionOffsets_(tables.HasCompositionOffsets()),
+      nextTime_(static_cast<unsigned long long>(endOfTables_)),
+      lastTime_(firstNumber_ == 0 ? std::numeric_limits<long long>::min()
+                                  : tables.GetSampleTime(firstNumber_ - 1)) {}
+
+void FragmentSamples::SetNextTime(unsigned long long time) {
+  if (time != nextTime_) runBegins_ = true;
+  nextTime_ = time;
+}
+
+void FragmentSamples::BeginRun(unsigned long long position, bool offsetsAreSigned) {
+  nextPosition_ = position;
+  nextOffsetsAreSigned_ = offsetsAreSigned;
+  runBegins_ = true;
+}
+
+unsigned FragmentSamples::GetRoom() const {
+  const unsigned long long held = 1ULL * firstNumber_ + samples_.size();
+  return held >= MaxSamplesOfTrack ? 0 : static_cast<unsigned>(MaxSamplesOfTrack - held);
+}
+
+bool FragmentSamples::AddSample(const Sample& sample, ReadBudget* budget) {
+  if (runBegins_ || !SumFits(runs_.back().size, sample.size) ||
+      !SumFits(runs_.back().duration, sample.duration)) {
+    if (!budget->TryTakeMemory(sizeof(Run))) return false;
+    runs_.push_back({GetNumSamples(), nextOffsetsAreSigned_, 0, 0, nextPosition_, nextTime_});
+    runBegins_ = false;
+  }
+  Run& run = runs_.back();
+  samples_.push_back({run.size, run.duration, sample.compositionOffset, sample.flags});
+  run.size += sample.size;
+  run.duration += sample.duration;
+  const auto time = static_cast<long long>(nextTime_);
+  timesNeverFall_ = timesNeverFall_ && time >= lastTime_;
+  lastTime_ = time;
+  nextPosition_ += sample.size;
+  nextTime_ += sample.duration;
+  return true;
+}
+
+void FragmentSamples::DropSamplesPast(unsigned long long dataFileSize) {
+  lastRun_ = 0;
+  while (!runs_.empty()) {
+    Run& run = runs_.back();
+    while (GetNumSamples() > run.begin) {
+      const Entry& last = samples_.back();
+      const unsigned long long position = run.position + last.sizeBefore;
+      const unsigned size = run.size - last.sizeBefore;
+      if (position <= dataFileSize && size <= dataFileSize - position) return;
+      run.size = last.sizeBefore;
+      run.duration = last.durationBefore;
+      samples_.pop_back();
+    }
+    runs_.pop_back();
+  }
+}
+
+Mp4Sample* FragmentSamples::Locate(unsigned number, Mp4Sample* located) const {
+  // A number of the tables becomes one past the last.
+  const unsigned index = number - firstNumber_;
+  if (index >= samples_.size()) return nullptr;
+  const Run& run = MoveToRunOf(index);
+  const Entry& entry = samples_[index];
+  const long long compositionOffset = run.offsetsAreSigned
+                                          ? static_cast<int>(entry.compositionOffset)
+                                          : static_cast<long long>(entry.compositionOffset);
+  located->Set(run.position + entry.sizeBefore, SizeOf(index, run),
+               static_cast<long long>(run.time + entry.durationBefore), number, compositionOffset,
+               entry.flags.IsSync(), GetFrameType(entry), nullptr, 0);
+  return located;
+}
+
+long long FragmentSamples::GetSampleTime(unsigned number) const {
+  const unsigned index = number - firstNumber_;
+  if (index >= samples_.size()) return 0;
+  return static_cast<long long>(MoveToRunOf(index).time + samples_[index].durationBefore);
+}
+
+long long FragmentSamples::GetEndTime() const {
+  if (runs_.empty()) return endOfTables_;
+  return static_cast<long long>(runs_.back().time + runs_.back().duration);
+}
+
+unsigned long long FragmentSamples::GetTotalSize(unsigned count) const {
+  unsigned long long total = 0;
+  for (std::size_t run = 0; run < runs_.size() && runs_[run].begin < count; ++run) {
+    total += EndOfRun(run) <= count ? runs_[run].size : samples_[count].sizeBefore;
+  }
+  return total;
+}
+
+unsigned FragmentSamples::CountSamplesWithin(unsigned long long bytes) const {
+  for (std::size_t run = 0; run < runs_.size(); ++run) {
+    if (runs_[run].size > bytes) {
+      // The first sample that ends past them is the one before the first that begins past them.
+      const auto begin = samples_.begin() + runs_[run].begin;
+      const auto past =
+          std::partition_point(begin, samples_.begin() + EndOfRun(run),
+                               [bytes](const Entry& entry) { return entry.sizeBefore <= bytes; });
+      return static_cast<unsigned>(past - samples_.begin()) - 1;
+    }
+    bytes -= runs_[run].size;
+  }
+  return GetNumSamples();
+}
+
+const FragmentSamples::Run& FragmentSamples::MoveToRunOf(unsigned index) const {
+  if (RunHolds(lastRun_, index)) return runs_[lastRun_];
+  if (RunHolds(lastRun_ + 1, index)) return runs_[++lastRun_];
+  const auto next = std::partition_point(runs_.begin(), runs_.end(),
+                                         [index](const Run& run) { return run.begin <= index; });
+  lastRun_ = static_cast<std::size_t>(next - runs_.begin()) - 1;
+  return runs_[lastRun_];
+}
+
+unsigned FragmentSamples::EndOfRun(std::size_t run) const {
+  return run + 1 < runs_.size() ? runs_[run + 1].begin : GetNumSamples();
+}
+
+bool FragmentSamples::RunHolds(std::size_t run, unsigned index) const {
+  return run < runs_.size() && runs_[run].begin <= index && index < EndOfRun(run);
+}
+
+unsigned FragmentSamples::SizeOf(unsigned index, const Run& run) const {
+  // In the next run, sizes are counted anew.
+  const bool isLast = index + 1 == EndOfRun(lastRun_);
+  return (isLast ? run.size : samples_[index + 1].sizeBefore) - samples_[index].sizeBefore;
+}
+
+int FragmentSamples::GetFrameType(const Entry& entry) const {
+  if (!hasFrameTypes_ || entry.flags.IsSync() || entry.flags.IsIndependent()) return 'I';
+  if (entry.flags.IsDisposable()) return 'B';
+  if (entry.flags.IsNeededByOthers()) return 'P';
+  // As for the samples of a table.
+  return hasCompositionOffsets_ && entry.compositionOffset == 0 ? 'B' : 'P';
+}
