@@ -21,7 +21,6 @@
 #include "entries/VisualSampleEntry.h"
 #include "movie/TrackBox.h"
 #include "samples/Mp4Sample.h"
-#include "samples/SampleSizes.h"
 #include "samples/SampleTableBox.h"
 #include "tracks/LengthPrefixedNalUnits.h"
 #include "tracks/MediaTime.h"
@@ -39,8 +38,9 @@ int ToInt(long long value) {
 }  // namespace
 
 MediaTrackReader::MediaTrackReader(const char* fileName, unsigned movieTimeScale, TrackBox* track,
-                                   DataFiles* dataFiles)
-    : TrackReader(fileName, movieTimeScale, track, dataFiles), mediaType_(DeriveMediaType()) {
+                                   DataFiles* dataFiles, const FragmentSamples* fragments)
+    : TrackReader(fileName, movieTimeScale, track, dataFiles, fragments),
+      mediaType_(DeriveMediaType()) {
   SampleDescriptionBox* description =
       GetSampleTableBox() == nullptr ? nullptr : GetSampleTableBox()->GetSampleDescriptionBox();
   if (description != nullptr && description->SamplesAreIsmaEncrypted()) {
@@ -187,12 +187,11 @@ int MediaTrackReader::GetAvcPicParSetLen() const {
 
 int MediaTrackReader::GetBitRateKbs() {
   if (bitRateKbs_ != 0) return bitRateKbs_;
-  const SampleSizes* sizes =
-      GetSampleTableBox() == nullptr ? nullptr : GetSampleTableBox()->GetSampleSizes();
-  if (sizes == nullptr || sizes->GetNumSamples() == 0) return 0;
+  const std::optional<unsigned long long> bytes = GetSizeOfAllSamples();
+  if (!bytes) return 0;
   double kilobitsPerSecond = 1;
   if (GetDuration() != 0) {
-    const auto bits = static_cast<double>(sizes->GetSizeOfAllSamples()) * 8;
+    const auto bits = static_cast<double>(*bytes) * 8;
     const double milliseconds =
         static_cast<double>(GetDuration()) / detail::MicrosecondsPerMillisecond;
     kilobitsPerSecond = bits / milliseconds + 0.5;

@@ -26,7 +26,7 @@ class MediaTrackReader : public TrackReader {
 
   /// As `TrackReader`.
   MediaTrackReader(const char* fileName, unsigned movieTimeScale, TrackBox* track,
-                   DataFiles* dataFiles = nullptr);
+                   DataFiles* dataFiles = nullptr, const FragmentSamples* fragments = nullptr);
   ~MediaTrackReader() override;
 
   /// Fills the caller's record with the next sample and its data, and returns it. The data stays

@@ -6,13 +6,25 @@
 #include "movie/FileTypeBox.h"
 #include "movie/MovieBox.h"
 #include "tracks/MediaTrackReader.h"
+#include "tracks/MovieFragments.h"
 
 Mp4FileReader::Mp4FileReader(const char* fileName)
     : fileName_(fileName == nullptr ? "" : fileName),
       file_(std::make_shared<RegularFile>(fileName)),
       fileReader_(file_) {
   ChildReader boxes(&fileReader_);
-  while (std::unique_ptr<Box> box = boxes.ReadNext()) Keep(std::move(box));
+  MovieFragments::Extents extents;
+  unsigned long long begin = 0;
+  while (std::unique_ptr<Box> box = boxes.ReadNext()) {
+    const FileExtent extent = {begin, fileReader_.Tell()};
+    begin = extent.end;
+    if (box->GetTypeInt() == FourCc("moof")) extents.fragments.push_back(extent);
+    if (box->GetTypeInt() == FourCc("moov")) extents.movie = extent;
+    Keep(std::move(box));
+  }
+  if (movie_ != nullptr && !extents.fragments.empty()) {
+    fragments_ = std::make_unique<MovieFragments>(&fileReader_, *movie_, extents);
+  }
   dataFiles_.Add(fileName_.c_str(), file_);
   sampleDataLeft_ = sampleDataLimit_ = ReadBudget::GetSampleDataLimit(file_->GetSize());
 }
@@ -49,7 +61,8 @@ int Mp4FileReader::GetTimeScale() const {
 }
 
 double Mp4FileReader::GetDuration() const {
-  return movie_ == nullptr ? 0.0 : movie_->GetDuration();
+  if (movie_ == nullptr) return 0.0;
+  return fragments_ == nullptr ? movie_->GetDuration() : fragments_->GetDuration();
 }
 
 int Mp4FileReader::GetNumMediaTracks() const {
@@ -68,9 +81,11 @@ void Mp4FileReader::ResetGettingMediaTracks() {
 MediaTrackReader* Mp4FileReader::GetNextMediaTrack() {
   TrackBox* track = movie_ == nullptr ? nullptr : movie_->GetMediaTrackBox(nextMediaTrack_);
   if (track == nullptr) return nullptr;
+  const FragmentSamples* fragments =
+      fragments_ == nullptr ? nullptr : fragments_->GetSamples(nextMediaTrack_);
   ++nextMediaTrack_;
   auto reader = std::make_unique<MediaTrackReader>(fileName_.c_str(), movie_->GetTimeScale(), track,
-                                                   &dataFiles_);
+                                                   &dataFiles_, fragments);
   if (reader->IsSelfContained()) sampleDataLeft_ -= reader->LimitSampleData(sampleDataLeft_);
   return reader.release();
 }

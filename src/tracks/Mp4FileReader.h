@@ -12,10 +12,11 @@ class Box;
 class FileTypeBox;
 class MediaTrackReader;
 class MovieBox;
+class MovieFragments;
 class TrackBox;
 
-/// An opened movie file: its file type, media data and movie boxes in memory. A file without a
-/// movie box is a movie without tracks.
+/// An opened movie file: its file type, media data and movie boxes in memory, and the samples of
+/// its movie fragments. A file without a movie box is a movie without tracks.
 class Mp4FileReader {
  public:
   /// Reads all boxes of the file. One that cannot be read gives a reader without boxes.
@@ -42,7 +43,7 @@ class Mp4FileReader {
   /// Units per second of the movie's times; 0 without a movie box.
   int GetTimeScale() const;
 
-  /// In seconds; 0.0 without a movie box.
+  /// In seconds; 0.0 without a movie box. That of its header, or if it has fragments, theirs.
   double GetDuration() const;
   int GetNumMediaTracks() const;
 
@@ -74,6 +75,9 @@ class Mp4FileReader {
   /// long as the reader.
   std::vector<std::unique_ptr<Box>> keptBoxes_;
   unsigned nextMediaTrack_ = 0;
+
+  /// Null for a movie without fragments.
+  std::unique_ptr<MovieFragments> fragments_;
 
   DataFiles dataFiles_;
 

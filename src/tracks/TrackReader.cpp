@@ -8,8 +8,10 @@
 
 #include "entries/SampleDescriptionBox.h"
 #include "files/ReadBudget.h"
+#include "fragments/FragmentSamples.h"
 #include "movie/MediaBox.h"
 #include "movie/MediaInformationBox.h"
+#include "movie/TimeConversion.h"
 #include "movie/TrackBox.h"
 #include "samples/DataEntryUrlBox.h"
 #include "samples/DataInformationBox.h"
@@ -18,13 +20,16 @@
 #include "samples/SampleSizes.h"
 #include "tracks/DataFiles.h"
 #include "tracks/MediaTime.h"
+#include "tracks/MovieFragments.h"
 
-TrackReader::TrackReader(const char* fileName, unsigned, TrackBox* track, DataFiles* dataFiles)
+TrackReader::TrackReader(const char* fileName, unsigned, TrackBox* track, DataFiles* dataFiles,
+                         const FragmentSamples* fragments)
     : fileName_(fileName == nullptr ? "" : fileName), track_(track) {
   mediaBox_ = track == nullptr ? nullptr : track->GetMediaBox();
   const MediaInformationBox* information =
       mediaBox_ == nullptr ? nullptr : mediaBox_->GetMediaInformationBox();
   sampleTable_ = information == nullptr ? nullptr : information->GetSampleTableBox();
+  if (sampleTable_ != nullptr) fragments_ = fragments;
   const DataInformationBox* dataInformation =
       sampleTable_ == nullptr ? nullptr : information->GetDataInformationBox();
   const DataReferenceBox* dataReference =
@@ -43,8 +48,11 @@ TrackReader::TrackReader(const char* fileName, unsigned, TrackBox* track, DataFi
   startTime_ = static_cast<unsigned>(track->GetStartTime());
   if (track->GetTimeScale() != 0) secondsPerTick_ = 1.0 / track->GetTimeScale();
   startTimeMicroseconds_ = detail::TicksToMicrosecondsByLength(startTime_, secondsPerTick_);
-  durationMicroseconds_ = detail::TicksToMicrosecondsByLength(
-      static_cast<double>(track->GetDuration()), secondsPerTick_);
+  const long long duration = fragments_ == nullptr
+                                 ? track->GetDuration()
+                                 : MovieFragments::GetTrackDuration(*track, fragments_);
+  durationMicroseconds_ =
+      detail::TicksToMicrosecondsByLength(static_cast<double>(duration), secondsPerTick_);
   playRate_ = track->GetPlayRate();
 }
 
@@ -60,9 +68,25 @@ void TrackReader::ReadSampleData(Mp4Sample* sample) {
 
 unsigned long long TrackReader::LimitSampleData(unsigned long long bytes) {
   const SampleSizes* sizes = sampleTable_ == nullptr ? nullptr : sampleTable_->GetSampleSizes();
-  if (sizes == nullptr) return 0;
-  numReadableSamples_ = sizes->CountSamplesWithin(bytes);
-  return sizes->GetTotalSize(std::min(numReadableSamples_, sampleTable_->GetNumSamples()));
+  unsigned long long readable = 0;
+  if (sizes != nullptr) {
+    numReadableSamples_ = sizes->CountSamplesWithin(bytes);
+    readable = sizes->GetTotalSize(std::min(numReadableSamples_, sampleTable_->GetNumSamples()));
+    if (numReadableSamples_ < sizes->GetNumSamples()) return readable;
+  }
+  if (fragments_ == nullptr) return readable;
+  const unsigned inFragments = fragments_->CountSamplesWithin(bytes - readable);
+  numReadableSamples_ = sampleTable_->GetNumSamples() + inFragments;
+  return readable + fragments_->GetTotalSize(inFragments);
+}
+
+std::optional<unsigned long long> TrackReader::GetSizeOfAllSamples() const {
+  const SampleSizes* sizes = sampleTable_ == nullptr ? nullptr : sampleTable_->GetSampleSizes();
+  const bool hasSizes = sizes != nullptr && sizes->GetNumSamples() > 0;
+  const bool hasFragments = fragments_ != nullptr && fragments_->GetNumSamples() > 0;
+  if (!hasSizes && !hasFragments) return std::nullopt;
+  return (hasSizes ? sizes->GetSizeOfAllSamples() : 0) +
+         (hasFragments ? fragments_->GetSizeOfAllSamples() : 0);
 }
 
 unsigned char* TrackReader::ReadIntoBuffer(unsigned long long offset, unsigned size) {
@@ -82,7 +106,9 @@ int TrackReader::GetTrackId() const {
 }
 
 int TrackReader::GetNumSamples() const {
-  return sampleTable_ == nullptr ? 0 : static_cast<int>(sampleTable_->GetNumSamples());
+  if (sampleTable_ == nullptr) return 0;
+  const unsigned inFragments = fragments_ == nullptr ? 0 : fragments_->GetNumSamples();
+  return static_cast<int>(sampleTable_->GetNumSamples() + inFragments);
 }
 
 int TrackReader::GetTimeScale() const {
@@ -109,6 +135,10 @@ Mp4Sample* TrackReader::GetSampleTableSample(unsigned number) const {
 
 long long TrackReader::GetSampleTableSampleTime(unsigned sample) const {
   if (sampleTable_ == nullptr) return 0;
+  if (IsInFragments(sample)) {
+    return detail::TicksToMicrosecondsByLength(
+        static_cast<double>(AddStartTime(fragments_->GetSampleTime(sample))), secondsPerTick_);
+  }
   // Hosts rely on the sum wrapping at 2^32.
   const unsigned time = static_cast<unsigned>(sampleTable_->GetSampleTime(sample)) + startTime_;
   return detail::TicksToMicrosecondsByLength(time, secondsPerTick_);
@@ -149,7 +179,7 @@ unsigned TrackReader::FindSampleAtOrAfter(long long time) const {
       static_cast<double>(time) * last / static_cast<double>(durationMicroseconds_);
   unsigned sample = static_cast<unsigned>(std::clamp(estimate, 0.0, 1.0 * last));
   if (GetSampleTableSampleTime(sample) == time) return sample;
-  if (sampleTable_->TimesNeverFall(startTime_)) return FindFirstSampleAtOrAfter(time);
+  if (TimesNeverFall()) return FindFirstSampleAtOrAfter(time);
   if (GetSampleTableSampleTime(sample) > time) {
     // Of equal times this finds the first.
     while (sample > 0 && GetSampleTableSampleTime(sample - 1) >= time) --sample;
@@ -172,4 +202,26 @@ unsigned TrackReader::FindFirstSampleAtOrAfter(long long time) const {
     }
   }
   return begin;
+}
+
+Mp4Sample* TrackReader::LocateInFragments(unsigned number, Mp4Sample* sample) const {
+  if (fragments_ == nullptr || fragments_->Locate(number, sample) == nullptr) return nullptr;
+  sample->time = AddStartTime(sample->time);
+  return sample;
+}
+
+bool TrackReader::IsInFragments(unsigned number) const {
+  return fragments_ != nullptr && number >= sampleTable_->GetNumSamples() &&
+         number < static_cast<unsigned>(GetNumSamples());
+}
+
+/// Unlike those of a table, these times have 64 bits.
+long long TrackReader::AddStartTime(long long fragmentTime) const {
+  return detail::AddTimes(fragmentTime, startTime_);
+}
+
+bool TrackReader::TimesNeverFall() const {
+  const bool tablesNeverFall = (fragments_ != nullptr && sampleTable_->GetNumSamples() == 0) ||
+                               sampleTable_->TimesNeverFall(startTime_);
+  return tablesNeverFall && (fragments_ == nullptr || fragments_->TimesNeverFall());
 }

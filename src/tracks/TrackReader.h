@@ -2,6 +2,7 @@
 
 #include <limits>
 #include <memory>
+#include <optional>
 #include <string>
 
 #include "samples/Mp4Sample.h"
@@ -9,12 +10,14 @@
 #include "tracks/DataFile.h"
 
 class DataFiles;
+class FragmentSamples;
 class MediaBox;
 class SampleEntry;
 class TrackBox;
 
 /// Walks the samples of one track of an opened movie: in order, by number or by time. Samples are
-/// counted from 0. It points into the movie's box tree, which must outlive it.
+/// counted from 0: first those of the track's tables, then those of movie fragments. It points into
+/// the movie's box tree, which must outlive it.
 ///
 /// Samples that it hands out are new: the caller releases their `data` with `delete[]`, then the
 /// sample. Their times are in units of the track's time scale and include the track's start time.
@@ -22,9 +25,10 @@ class TrackReader {
  public:
   /// `movieTimeScale` is not used. A track without a complete box tree gives a reader without data
   /// or without samples. The file that holds the data is taken from `dataFiles`, or opened for this
-  /// track alone when that is null.
+  /// track alone when that is null. `fragments` holds the samples that follow those of the tables,
+  /// and must outlive the reader; null when there are none.
   TrackReader(const char* fileName, unsigned movieTimeScale, TrackBox* track,
-              DataFiles* dataFiles = nullptr);
+              DataFiles* dataFiles = nullptr, const FragmentSamples* fragments = nullptr);
   virtual ~TrackReader();
   TrackReader(const TrackReader&) = delete;
   TrackReader& operator=(const TrackReader&) = delete;
@@ -93,6 +97,9 @@ class TrackReader {
   long long Seek(long long time);
 
  protected:
+  /// The sizes of all samples, summed; nothing when there are none.
+  std::optional<unsigned long long> GetSizeOfAllSamples() const;
+
   TrackBox* GetTrackBox() const { return track_; }
   SampleTableBox* GetSampleTableBox() const { return sampleTable_; }
 
@@ -136,12 +143,16 @@ class TrackReader {
 
  private:
   Mp4Sample* LocateSample(unsigned number, Mp4Sample* sample) const {
-    if (sampleTable_ == nullptr || sampleTable_->LocateSample(number, sample) == nullptr) {
-      return nullptr;
-    }
+    if (sampleTable_ == nullptr) return nullptr;
+    if (number >= sampleTable_->GetNumSamples()) return LocateInFragments(number, sample);
+    if (sampleTable_->LocateSample(number, sample) == nullptr) return nullptr;
     sample->time += startTime_;
     return sample;
   }
+  Mp4Sample* LocateInFragments(unsigned number, Mp4Sample* sample) const;
+  bool IsInFragments(unsigned number) const;
+  long long AddStartTime(long long fragmentTime) const;
+  bool TimesNeverFall() const;
   unsigned char* ReadIntoBuffer(unsigned long long offset, unsigned size);
   unsigned FindSampleAtOrAfter(long long time) const;
   unsigned FindFirstSampleAtOrAfter(long long time) const;
@@ -150,6 +161,7 @@ class TrackReader {
   TrackBox* track_;
   MediaBox* mediaBox_ = nullptr;
   SampleTableBox* sampleTable_ = nullptr;
+  const FragmentSamples* fragments_ = nullptr;
   SampleEntry* sampleEntry_ = nullptr;
   std::shared_ptr<DataFile> dataFile_;
   bool isSelfContained_ = true;

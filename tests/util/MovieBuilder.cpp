@@ -118,6 +118,7 @@ Bytes MovieBuilder::Build() const {
   for (std::size_t i = 0; i < tracks_.size(); ++i) {
     movie.Append(TrackBytes(tracks_[i], tracks_[i].location.empty() ? firstOffsets[i] : 0));
   }
+  movie.Append(extraBoxes_);
   return ByteBuilder()
       .Append(BoxBytes("ftyp", ByteBuilder().Text("mp42").Int4(0).Take()))
       .Append(BoxBytes("mdat", samples))

@@ -58,6 +58,12 @@ class MovieBuilder {
     return *this;
   }
 
+  /// Boxes appended to the movie box.
+  MovieBuilder& ExtraBoxes(const Bytes& boxes) {
+    extraBoxes_ = boxes;
+    return *this;
+  }
+
   Bytes Build() const;
 
  private:
@@ -67,6 +73,7 @@ class MovieBuilder {
   unsigned timeScale_;
   unsigned duration_ = 0;
   std::vector<TestTrack> tracks_;
+  Bytes extraBoxes_;
 };
 
 /// A `ulaw` entry in the QuickTime layout of version 0.

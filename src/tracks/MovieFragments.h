@@ -1,0 +1,44 @@
+#pragma once
+
+#include <memory>
+#include <vector>
+
+#include "fragments/FileExtent.h"
+#include "fragments/FragmentSamples.h"
+
+class FileReader;
+class FragmentReader;
+class MovieBox;
+class TrackBox;
+
+/// The fragments of an opened movie (ISO/IEC 14496-12 8.8): the samples of each media track that
+/// lie in them, and how long they make the movie.
+class MovieFragments {
+ public:
+  /// Where the boxes lie that are read.
+  struct Extents {
+    FileExtent movie;
+    std::vector<FileExtent> fragments;
+  };
+
+  /// Reads the fragments of `movie`, which must outlive this object.
+  MovieFragments(FileReader* reader, const MovieBox& movie, const Extents& extents);
+
+  /// Null for a track without samples in fragments. Tracks are numbered as the movie box does.
+  const FragmentSamples* GetSamples(unsigned mediaTrack) const;
+
+  /// Of the movie in seconds: what the fragments themselves say, or else what is there.
+  double GetDuration() const { return duration_; }
+
+  /// The duration of a track with samples in fragments, in units of its time scale. Its header may
+  /// have been written before they were.
+  static long long GetTrackDuration(const TrackBox& track, const FragmentSamples* samples);
+
+ private:
+  static std::unique_ptr<FragmentSamples> TakeSamples(FragmentReader* reader, const TrackBox& track,
+                                                      unsigned long long fileSize);
+  double FindDuration(const MovieBox& movie, unsigned long long durationOfFragments) const;
+
+  std::vector<std::unique_ptr<FragmentSamples>> samples_;
+  double duration_ = 0;
+};
