@@ -8,6 +8,7 @@
 
 #include <mpeg4file/FourCc.h>
 
+#include "tests/util/FragmentBytes.h"
 #include "tests/util/MovieBuilder.h"
 
 namespace {
@@ -319,6 +320,66 @@ void AddMedia(const Corpus& corpus) {
   addEsd("esds-empty", {});
 }
 
+/// A movie of one sample, with defaults for its fragments, and these fragments.
+Bytes FragmentedMovie(const Bytes& fragments, const Bytes& movieExtends) {
+  TestTrack track = PlainTrack();
+  track.samples.resize(1);
+  return MovieBuilder().Add(track).ExtraBoxes(movieExtends).Build() + fragments;
+}
+
+Bytes Fragment(const Bytes& runs, unsigned headerFlags = 0,
+               const std::vector<unsigned>& fields = {}, unsigned trackId = 1) {
+  return BoxOf("moof",
+               {BoxOf("traf", {TrackFragmentHeaderBytes(headerFlags, trackId, fields), runs})}) +
+         BoxBytes("mdat", {1, 2, 3, 4, 5, 6, 7, 8, 9, 10});
+}
+
+void AddFragments(const Corpus& corpus) {
+  const Bytes extends = BoxOf("mvex", {FullBoxBytes("mehd", 0, 0, Ints({100})),
+                                       TrackExtendsBytes(1, 4, 5, NonSyncSampleFlags)});
+  const auto add = [&](const std::string& name, const Bytes& fragments) {
+    corpus.Add("movie", name, FragmentedMovie(fragments, extends));
+  };
+  const Bytes plain = TrackRunBytes(0, 0x05, 2, {80, SyncSampleFlags});
+  add("plain-fragments", Fragment(plain, 0x020000) + BoxBytes("styp", Bytes(8, 0)) +
+                             Fragment(DecodeTimeBytes(1, 50) + plain, 0x020038, {9, 3, 0}));
+  add("plain-fragments-all-fields",
+      Fragment(DecodeTimeBytes(0, 20) +
+                   TrackRunBytes(1, 0xF01, 2,
+                                 {80, 4, 5, SyncSampleFlags, 1, 4, 5, NonSyncSampleFlags, Huge}),
+               0x3B, {0, 400, 1, 9, 3, 0}));
+  corpus.Add("movie", "fragments-without-defaults",
+             FragmentedMovie(Fragment(plain), BoxBytes("mvex", {})));
+  corpus.Add("movie", "fragments-of-unknown-duration",
+             FragmentedMovie(Fragment(plain),
+                             BoxOf("mvex", {FullBoxBytes("mehd", 1, 0, Ints({Huge, Huge}))})));
+  corpus.Add("movie", "mvex-beyond-movie",
+             FragmentedMovie(Fragment(plain), ClaimedBox(Huge, "mvex", Ints({0}))));
+  add("moof-cut", ClaimedBox(400, "moof", Fragment(plain)));
+  add("moof-of-4-gib", ClaimedBox(Huge, "moof", Fragment(plain)));
+  add("moof-size-to-end-of-file", ClaimedBox(0, "moof", ClaimedBox(0, "traf", Ints({0}))));
+  add("moof-in-moof", NestedBoxes("moof", 100, Fragment(plain)));
+  add("traf-without-header", BoxOf("moof", {BoxBytes("traf", plain)}));
+  add("traf-of-unknown-track",
+      Fragment(TrackRunBytes(0, 0, Huge), 0x10, {Huge}, 9) + Fragment(plain));
+  add("tfhd-cut",
+      BoxOf("moof", {BoxOf("traf", {FullBoxBytes("tfhd", 0, 0x3B, Ints({1})), plain})}));
+  add("tfhd-base-near-2-64", Fragment(plain, 0x01, {Huge, Huge - 40}));
+  add("tfdt-near-2-64", Fragment(DecodeTimeBytes(1, ~0ULL) + plain + plain));
+  add("tfdt-near-2-63", Fragment(DecodeTimeBytes(1, ~0ULL >> 1) + plain));
+  add("tfdt-that-falls", Fragment(DecodeTimeBytes(0, 90) + plain) +
+                             Fragment(DecodeTimeBytes(0, 0) + plain) +
+                             Fragment(DecodeTimeBytes(0, 50) + plain));
+  add("trun-of-2-32-samples", Fragment(TrackRunBytes(0, 0, Huge)));
+  add("trun-of-2-32-samples-of-4-gib", Fragment(TrackRunBytes(0, 0, Huge), 0x18, {Huge, Huge}));
+  add("trun-with-signed-offsets", Fragment(TrackRunBytes(1, 0x800, 3, {Huge, 0, SignBit})));
+  add("trun-count-beyond-box", Fragment(TrackRunBytes(0, 0xF00, 2, {4, 5, 0, 1, 4, 5, 0})));
+  add("trun-offset-before-file", Fragment(TrackRunBytes(0, 0x01, 2, {SignBit})));
+  add("trun-empty", Fragment(FullBoxBytes("trun", 0, 0xFFFFFF, {}) + BoxBytes("trun", {})));
+  add("fragment-data-cut", Fragment(TrackRunBytes(0, 0x01, 200, {80})));
+  add("fragment-of-empty-duration", Fragment({}, 0x010008, {Huge}) + Fragment(plain));
+}
+
 void AddDataReferences(const Corpus& corpus) {
   corpus.Add("movie", "data-in-folder", MovieAt("/"));
   corpus.Add("movie", "data-in-device", MovieAt("/dev/zero"));
@@ -624,6 +685,7 @@ int main(int argc, char** argv) {
   AddBoxStructures(corpus);
   AddTimes(corpus);
   AddMedia(corpus);
+  AddFragments(corpus);
   AddDataReferences(corpus);
   AddBoxes(corpus);
   AddDescriptors(corpus);

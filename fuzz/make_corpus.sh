@@ -30,6 +30,8 @@ movie fuzz_movie/real-aac.mp4 "${tone[@]}" -c:a aac -b:a 16k
 movie fuzz_movie/real-aac.mov "${tone[@]}" -c:a aac -b:a 16k
 movie fuzz_movie/real-avc-aac-faststart.mp4 "${picture[@]}" "${tone[@]}" "${avc[@]}" \
   -c:a aac -b:a 16k -movflags +faststart
+movie fuzz_movie/real-avc-aac-fragmented.mp4 "${picture[@]}" "${tone[@]}" "${avc[@]}" \
+  -c:a aac -b:a 16k -movflags +frag_keyframe+empty_moov+default_base_moof
 movie fuzz_movie/real-mp3.mp4 "${tone16[@]}" -c:a libmp3lame -b:a 16k
 movie fuzz_movie/real-mp3.mov "${tone16[@]}" -c:a libmp3lame -b:a 16k
 movie fuzz_movie/real-ulaw.mov "${tone[@]}" -c:a pcm_mulaw

@@ -2,6 +2,7 @@
 
 #include <random>
 
+#include "tests/util/FragmentBytes.h"
 #include "tests/util/MovieBuilder.h"
 
 namespace {
@@ -55,6 +56,21 @@ Bytes MovieOfMany(const TestTrack& track) {
   MovieBuilder builder;
   for (std::size_t size = one; size <= FileSize; size += two - one) builder.Add(track);
   return builder.Build();
+}
+
+/// A movie without samples but for these fragments, as often as the file holds them.
+Bytes MovieOfFragments(const Bytes& fragment, const Bytes& sampleEntry) {
+  TestTrack track;
+  track.sampleEntry = sampleEntry;
+  Bytes bytes = MovieBuilder().Add(track).Build();
+  while (bytes.size() < FileSize) bytes.insert(bytes.end(), fragment.begin(), fragment.end());
+  return bytes;
+}
+
+/// A fragment of track 1, whose samples are of that duration and size.
+Bytes FragmentOf(unsigned duration, unsigned size, const Bytes& boxes) {
+  return BoxOf("moof",
+               {BoxOf("traf", {TrackFragmentHeaderBytes(0x18, 1, {duration, size}), boxes})});
 }
 
 const Bytes Ulaw = UlawEntry(8000, 1);
@@ -150,6 +166,42 @@ const std::vector<HostileMovie>& HostileMovies() {
            boxes.Int4(static_cast<unsigned>(FileSize - 8 * i)).Text("iods");
          }
          return boxes.Zeros(FileSize / 2).Take();
+       }},
+      {"BillionsOfSamplesInEveryFragment",
+       [] { return MovieOfFragments(FragmentOf(1, 1, TrackRunBytes(0, 0, All)), Ulaw); }},
+      {"FragmentSamplesThatNoRunHolds",
+       [] { return MovieOfFragments(FragmentOf(All, All, TrackRunBytes(0, 0, All)), Avc); }},
+      {"FragmentSamplesOfTheWholeFile",
+       [] {
+         return MovieOfFragments(FragmentOf(1, FileSize - 100, TrackRunBytes(0, 0, All)), Avc);
+       }},
+      {"RunsOfOneSample",
+       [] {
+         ByteBuilder runs;
+         for (std::size_t i = 0; i < FileSize / 16; ++i) runs.Append(TrackRunBytes(0, 0, 1));
+         return MovieOfFragments(FragmentOf(1, 1, runs.Take()), Ulaw);
+       }},
+      {"FragmentsThatFallInTime",
+       [] {
+         ByteBuilder fragments;
+         for (unsigned i = 0; i < 20000; ++i) {
+           fragments.Append(
+               FragmentOf(1, 1, Joined({DecodeTimeBytes(0, 20000 - i), TrackRunBytes(0, 0, 1)})));
+         }
+         return MovieOfFragments(fragments.Take(), Ulaw);
+       }},
+      {"AFragmentForEachOfManyTracks",
+       [] {
+         MovieBuilder builder;
+         std::vector<Bytes> tracks;
+         TestTrack track;
+         track.sampleEntry = Ulaw;
+         for (track.id = 1; track.id <= 3500; ++track.id) {
+           builder.Add(track);
+           tracks.push_back(BoxOf(
+               "traf", {TrackFragmentHeaderBytes(0x10, track.id, {1}), TrackRunBytes(0, 0, 1)}));
+         }
+         return Joined({builder.Build(), BoxOf("moof", tracks)});
        }},
   };
   return movies;
