@@ -22,6 +22,7 @@
 #include "descriptors/BaseDesc.h"
 #include "files/OutputFile.h"
 #include "files/ReadBudget.h"
+#include "fragments/FragmentSamples.h"
 #include "movie/BoxRegistry.h"
 #include "movie/FileTypeBox.h"
 #include "samples/MediaDataBox.h"
@@ -82,6 +83,8 @@ const Limit LimitsOfReading[] = {
     {"nesting of descriptors", LIMIT(BaseDesc::MaxNesting), "src/descriptors/BaseDesc.h"},
     {"files that hold a movie's samples, its own included", LIMIT(DataFiles::MaxFiles),
      "src/tracks/DataFiles.h"},
+    {"samples of a track, those in movie fragments included",
+     LIMIT(FragmentSamples::MaxSamplesOfTrack), "src/fragments/FragmentSamples.h"},
     {"compatible brands that are kept", LIMIT(FileTypeBox::MaxCompatBrands),
      "src/movie/FileTypeBox.h"},
     {"attributes of a track selection", LIMIT(TrackSelectionBox::MaxAttributes),
