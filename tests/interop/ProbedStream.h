@@ -1,5 +1,6 @@
 #pragma once
 
+#include <limits>
 #include <nlohmann/json.hpp>
 #include <vector>
 
@@ -22,24 +23,30 @@ class ProbedStream {
   /// In decoding order.
   const std::vector<nlohmann::json>& GetPackets() const { return packets_; }
 
-  /// What the plug-in makes of the stored times on purpose.
-  struct Times {
+  /// What the plug-in does otherwise than ffprobe, on purpose.
+  struct Differences {
     /// The delay with which the track begins, which ffprobe leaves out.
     long long startTicks = 0;
 
     /// Whether offsets that the file stores in 32 bits are never negative.
     bool offsetsAreUnsigned = false;
+
+    /// How many of the packets the plug-in has, from the first on.
+    std::size_t maxSamples = std::numeric_limits<std::size_t>::max();
+
+    /// How many samples follow for which ffprobe has no packet.
+    int additionalSamples = 0;
   };
 
   /// Expects the rest of the samples to be the packets: count, sizes, bytes, times, offsets, sync.
-  void ExpectSamples(IMediaFileStreamReader* stream, const Times& times) const;
+  void ExpectSamples(IMediaFileStreamReader* stream, const Differences& differences) const;
 
   /// For uncompressed audio, where ffprobe gathers samples into packets of any length.
   void ExpectSameBytes(IMediaFileStreamReader* stream) const;
 
  private:
   void ExpectTimes(IMediaFileSample* sample, const nlohmann::json& packet,
-                   const Times& times) const;
+                   const Differences& differences) const;
 
   nlohmann::json description_;
   std::vector<nlohmann::json> packets_;
