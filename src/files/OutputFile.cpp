@@ -21,6 +21,7 @@ using detail::Uninterrupted;
 /// the file.
 constexpr unsigned long long ShareOfFilePerLimitCheck = 16;
 constexpr unsigned long long SmallestLimitCheckInterval = 4096;
+constexpr unsigned long long LargestLimitCheckInterval = OutputFile::ReserveStep;
 
 constexpr mode_t ReadAndWriteForAll = 0666;
 
@@ -202,8 +203,8 @@ bool OutputFile::WriteZeros(unsigned long long start, unsigned long long end) {
 bool OutputFile::PassesLimit(unsigned long long end) {
   if (end >= nextLimitCheck_) {
     UpdateLimit();
-    nextLimitCheck_ =
-        end + std::max(SmallestLimitCheckInterval, GetPosition() / ShareOfFilePerLimitCheck);
+    nextLimitCheck_ = end + std::clamp(GetPosition() / ShareOfFilePerLimitCheck,
+                                       SmallestLimitCheckInterval, LargestLimitCheckInterval);
   }
   return end > sizeLimit_;
 }

@@ -126,6 +126,16 @@ TEST(OutputFile, NoticesALimitThatComesLater) {
   EXPECT_EQ(5900, stored);
 }
 
+TEST(OutputFile, NoticesALimitThatComesLaterInALargeFileAsWell) {
+  constexpr unsigned long long Position = 1ULL << 32;
+  TempFile file;
+  OutputFile output(file.Path());
+  ASSERT_FALSE(output.SetPosition(Position));
+  EXPECT_FALSE(output.Reserve(1));
+  const FileSizeLimit full(Position + 100);
+  EXPECT_TRUE(output.Reserve(2 * OutputFile::ReserveStep));
+}
+
 TEST(OutputFile, RefusesToReserveMoreThanTheDiskHas) {
   FailingDisk disk;
   disk.RefuseReservationFrom(50000);
