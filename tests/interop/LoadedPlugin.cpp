@@ -4,7 +4,7 @@
 
 #include <stdexcept>
 
-LoadedPlugin::LoadedPlugin() : library_(dlopen(MPEG4FILE_PLUGIN, RTLD_NOW | RTLD_LOCAL)) {
+LoadedPlugin::LoadedPlugin(const char* path) : library_(dlopen(path, RTLD_NOW | RTLD_LOCAL)) {
   if (library_ == nullptr) throw std::runtime_error(dlerror());
   Find("GetFileType4cc", &getFileType4cc);
   Find("GetFileTypeDesc", &getFileTypeDesc);

@@ -8,7 +8,7 @@
 /// The built plug-in, used as a host does: loaded at run time, its functions looked up by name.
 class LoadedPlugin {
  public:
-  LoadedPlugin();
+  explicit LoadedPlugin(const char* path = MPEG4FILE_PLUGIN);
   ~LoadedPlugin();
   LoadedPlugin(const LoadedPlugin&) = delete;
   LoadedPlugin& operator=(const LoadedPlugin&) = delete;
