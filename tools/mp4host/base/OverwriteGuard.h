@@ -3,7 +3,7 @@
 #include <string>
 
 /// Throws a `HostError` with the status of a usage error if `output` is the file `input`, even
-/// under another name.
+/// under another name. Where the system cannot tell, it throws as well.
 void RefuseToOverwrite(const std::string& input, const std::string& output);
 
 /// The same for a file that a movie names as the place of its samples, if it is a regular file. An

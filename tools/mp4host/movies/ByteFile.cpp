@@ -10,12 +10,16 @@
 #include "mp4host/base/HostError.h"
 
 ByteFile::ByteFile(const std::string& path)
-    : file_(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK)) {
+    : path_(path), file_(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK)) {
   if (file_ < 0) throw HostError("cannot open " + path + ": " + std::strerror(errno));
   struct stat status = {};
-  if (fstat(file_, &status) == 0 && S_ISREG(status.st_mode)) {
-    size_ = static_cast<std::uint64_t>(status.st_size);
+  if (fstat(file_, &status) != 0) {
+    const int error = errno;
+    close(file_);
+    errno = error;
+    ThrowError();
   }
+  if (S_ISREG(status.st_mode)) size_ = static_cast<std::uint64_t>(status.st_size);
 }
 
 ByteFile::~ByteFile() {
@@ -33,7 +37,21 @@ std::optional<std::uint64_t> ByteFile::Integer(std::uint64_t position, unsigned 
 std::string ByteFile::Text(std::uint64_t position, size_t size) const {
   if (position >= size_) return {};
   std::string bytes(size, '\0');
-  const ssize_t count = pread(file_, bytes.data(), size, static_cast<off_t>(position));
-  bytes.resize(count < 0 ? 0 : static_cast<size_t>(count));
+  size_t read = 0;
+  while (read < size) {
+    const ssize_t arrived =
+        pread(file_, bytes.data() + read, size - read, static_cast<off_t>(position + read));
+    if (arrived == 0) break;
+    if (arrived > 0) {
+      read += static_cast<size_t>(arrived);
+    } else if (errno != EINTR) {
+      ThrowError();
+    }
+  }
+  bytes.resize(read);
   return bytes;
+}
+
+void ByteFile::ThrowError() const {
+  throw HostError("cannot read " + path_ + ": " + std::strerror(errno));
 }

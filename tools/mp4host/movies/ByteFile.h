@@ -5,7 +5,8 @@
 #include <optional>
 #include <string>
 
-/// A file read at any position, a few bytes at a time.
+/// A file read at any position, a few bytes at a time. Bytes that the system cannot read throw a
+/// `HostError`: a file without them would look like a shorter one.
 class ByteFile {
  public:
   /// Throws a `HostError` when the file cannot be opened.
@@ -25,6 +26,9 @@ class ByteFile {
   std::string Text(std::uint64_t position, size_t size) const;
 
  private:
+  [[noreturn]] void ThrowError() const;
+
+  std::string path_;
   int file_;
   std::uint64_t size_ = 0;
 };

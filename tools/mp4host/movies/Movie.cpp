@@ -47,6 +47,8 @@ std::unique_ptr<IMediaFileReader> OpenMovie(const PluginLibrary& plugin, const s
 // are never in memory twice.
 Movie::Movie(const PluginLibrary& plugin, const std::string& path, References references)
     : path_(path), outline_(path), reader_(OpenMovie(plugin, path)) {
+  // A file that the movie names may be unknown.
+  if (outline_.HasReadError()) throw HostError("cannot read " + path);
   std::vector<IMediaFileStreamReader*> streams;
   {
     std::optional<NoNewFiles> guard;

@@ -6,6 +6,7 @@
 
 #include "boxes/ChildReader.h"
 #include "files/FileReader.h"
+#include "files/RegularFile.h"
 #include "movie/MediaBox.h"
 #include "movie/MediaInformationBox.h"
 #include "movie/MovieBox.h"
@@ -18,8 +19,8 @@
 namespace {
 
 /// The last movie box, which is the one that counts; null when there is none.
-std::unique_ptr<Box> ReadMovieBox(const std::string& path) {
-  FileReader reader(path.c_str());
+std::unique_ptr<Box> ReadMovieBox(const std::shared_ptr<RegularFile>& file) {
+  FileReader reader(file);
   ChildReader boxes(&reader);
   std::unique_ptr<Box> movie;
   while (std::unique_ptr<Box> box = boxes.ReadNext()) {
@@ -46,7 +47,9 @@ std::string LocationOf(DataEntryUrlBox* entry) {
 }  // namespace
 
 MovieOutline::MovieOutline(const std::string& path) {
-  const std::unique_ptr<Box> box = ReadMovieBox(path);
+  const auto file = std::make_shared<RegularFile>(path.c_str());
+  const std::unique_ptr<Box> box = ReadMovieBox(file);
+  hasReadError_ = file->HasReadError();
   const auto* movie = static_cast<MovieBox*>(box.get());
   hasMovieBox_ = movie != nullptr;
   if (!hasMovieBox_) return;

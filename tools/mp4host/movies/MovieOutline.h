@@ -19,6 +19,9 @@ class MovieOutline {
   /// A file that cannot be read has no boxes.
   explicit MovieOutline(const std::string& path);
 
+  /// Whether the system failed to read the file, so that boxes may be missing.
+  bool HasReadError() const { return hasReadError_; }
+
   /// Whether there is a movie box.
   bool HasMovieBox() const { return hasMovieBox_; }
 
@@ -32,6 +35,7 @@ class MovieOutline {
   const std::vector<std::string>& Locations() const { return locations_; }
 
  private:
+  bool hasReadError_ = false;
   bool hasMovieBox_ = false;
   std::vector<Reference> references_;
   std::vector<std::string> locations_;

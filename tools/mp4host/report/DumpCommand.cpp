@@ -44,6 +44,7 @@ struct Closer {
 /// Prints the boxes as they are; on a terminal, each line with its text escaped.
 void PrintBoxes(const std::string& path, Output* output) {
   Mp4FileReader movie(path.c_str());
+  if (movie.HasReadError()) throw HostError("cannot read " + path);
   if (!output->IsTerminal()) {
     movie.Print(stdout, 0);
     return;

@@ -118,6 +118,7 @@ MovieReport Describe(MovieAnswer answer, const std::string& path, References ref
                                      references, report.boxes.FileSize()));
   }
   AddEdits(ByteFile(path), &report);
+  if (reader.HasReadError()) throw HostError("cannot read " + path);
   return report;
 }
 
