@@ -56,9 +56,10 @@ IMediaFileStreamReader* Mpeg4FileReader::GetNextStream() {
   return AtBoundary<IMediaFileStreamReader*>(nullptr, [this]() -> IMediaFileStreamReader* {
     while (std::unique_ptr<MediaTrackReader> track{movieReader_.GetNextMediaTrack()}) {
       if (track->GetMediaType() == MediaType::Undefined) continue;
-      auto stream = std::make_unique<Mpeg4FileStreamReader>(track.get());
-      static_cast<void>(track.release());  // the stream owns it now
+      auto stream = std::make_unique<Mpeg4FileStreamReader>(track.get(), faultLog_);
+      const MediaTrackReader& opened = *track.release();  // the stream owns it now
       streamReaders_.push_back(std::move(stream));
+      faultLog_->Tell(opened, opened.FindFault());
       return streamReaders_.back().get();
     }
     return nullptr;

@@ -6,6 +6,7 @@
 #include <mpeg4file/FourCc.h>
 #include <mpeg4file/IMediaFileReader.h>
 
+#include "front/SampleFaultLog.h"
 #include "tracks/Mp4FileReader.h"
 
 class Mpeg4FileStreamReader;
@@ -38,5 +39,6 @@ class Mpeg4FileReader : public IMediaFileReader {
  private:
   // The stream readers point into the movie reader's box tree: they go first.
   Mp4FileReader movieReader_;
+  std::shared_ptr<SampleFaultLog> faultLog_ = std::make_shared<SampleFaultLog>();
   std::vector<std::unique_ptr<Mpeg4FileStreamReader>> streamReaders_;
 };

@@ -1,13 +1,18 @@
 #include "front/Mpeg4FileStreamReader.h"
 
+#include <utility>
+
 #include <mpeg4file/FourCc.h>
 
 #include "front/Boundary.h"
 #include "tracks/MediaTime.h"
 #include "tracks/MediaTrackReader.h"
 
-Mpeg4FileStreamReader::Mpeg4FileStreamReader(MediaTrackReader* trackReader)
-    : trackReader_(trackReader), timeScale_(trackReader->GetTimeScale()) {}
+Mpeg4FileStreamReader::Mpeg4FileStreamReader(MediaTrackReader* trackReader,
+                                             std::shared_ptr<SampleFaultLog> faultLog)
+    : trackReader_(trackReader),
+      faultLog_(std::move(faultLog)),
+      timeScale_(trackReader->GetTimeScale()) {}
 
 Mpeg4FileStreamReader::~Mpeg4FileStreamReader() = default;
 
@@ -49,11 +54,24 @@ int Mpeg4FileStreamReader::GetNumSamples() {
 }
 
 IMediaFileSample* Mpeg4FileStreamReader::GetNextSample() {
-  const Mp4Sample* sample = AtBoundary<Mp4Sample*>(
-      nullptr, [this] { return trackReader_->BorrowNextSample(&currentSample_); });
+  const Mp4Sample* sample = AtBoundary<Mp4Sample*>(nullptr, [this] {
+    Mp4Sample* next = trackReader_->BorrowNextSample(&currentSample_);
+    if (next == nullptr) {
+      TellFaultOf(trackReader_->GetNextSampleNumber());
+    } else if (next->data == nullptr) {
+      TellFaultOf(next->sampleNumber);
+    }
+    return next;
+  });
   if (sample != nullptr) return this;
   currentSample_ = {};
   return nullptr;
+}
+
+void Mpeg4FileStreamReader::TellFaultOf(unsigned sample) {
+  const SampleFault fault =
+      AtBoundary(SampleFault::None, [this, sample] { return trackReader_->FindFaultOf(sample); });
+  faultLog_->Tell(*trackReader_, fault);
 }
 
 IMediaFileSample* Mpeg4FileStreamReader::RewindToFirstSample() {

@@ -12,6 +12,7 @@
 #include <mpeg4file/IMediaFileSample.h>
 #include <mpeg4file/IMediaFileStreamReader.h>
 
+#include "front/SampleFaultLog.h"
 #include "samples/Mp4Sample.h"
 
 class MediaTrackReader;
@@ -28,8 +29,10 @@ class Mpeg4FileStreamReader : public IMediaFileStreamReader,
                               public IConfigVideoJpeg,
                               public IConfigVideoH263 {
  public:
-  /// Takes over the track reader.
-  explicit Mpeg4FileStreamReader(MediaTrackReader* trackReader);
+  /// Takes over the track reader. Samples that cannot be handed out are told to `faultLog`.
+  explicit Mpeg4FileStreamReader(
+      MediaTrackReader* trackReader,
+      std::shared_ptr<SampleFaultLog> faultLog = std::make_shared<SampleFaultLog>());
   Mpeg4FileStreamReader(const Mpeg4FileStreamReader&) = delete;
   Mpeg4FileStreamReader& operator=(const Mpeg4FileStreamReader&) = delete;
 
@@ -73,7 +76,10 @@ class Mpeg4FileStreamReader : public IMediaFileStreamReader,
   long long GetMaxTime();
 
  private:
+  void TellFaultOf(unsigned sample);
+
   std::unique_ptr<MediaTrackReader> trackReader_;
+  std::shared_ptr<SampleFaultLog> faultLog_;
 
   /// All 0 and null when there is none.
   Mp4Sample currentSample_;

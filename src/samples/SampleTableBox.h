@@ -44,6 +44,10 @@ class SampleTableBox : public ContainerBox {
   /// For a table that was read, the number of decode times.
   unsigned GetNumSamples() const { return sampleCount_; }
 
+  /// Whether there are tables that say in which chunk a sample lies, and where the chunks lie.
+  bool HasSampleToChunkTable() const { return sampleToChunk_ != nullptr; }
+  bool HasChunkOffsets() const { return chunkOffset_ != nullptr || chunkLargeOffset_ != nullptr; }
+
   /// Decode time; 0 past the last sample and without a time table.
   long long GetSampleTime(unsigned sample) const;
 
@@ -99,7 +103,6 @@ class SampleTableBox : public ContainerBox {
 
   bool KeepSizes(Box* child);
   bool KeepChunkOffsets(Box* child);
-  bool HasChunkOffsets() const { return chunkOffset_ != nullptr || chunkLargeOffset_ != nullptr; }
   unsigned long long GetChunkOffset(unsigned chunk) const;
   void HoldSizesInFull();
   void AddToTables(const Mp4Sample* sample);

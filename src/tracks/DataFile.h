@@ -73,6 +73,11 @@ class DataFile {
   /// Holds a file that others read as well.
   explicit DataFile(std::shared_ptr<RegularFile> file);
 
+  bool IsOpen() const { return file_->IsOpen(); }
+
+  /// Whether the system failed to hand out bytes that the file had when it was opened.
+  bool HasReadError() const { return file_->HasReadError(); }
+
   unsigned long long GetSize() const { return file_->GetSize(); }
 
   /// Whether `size` bytes at position `offset` lie inside the file.

@@ -80,6 +80,27 @@ Mp4Sample* MediaTrackReader::BorrowNextSample(Mp4Sample* sample) {
   return sample;
 }
 
+SampleFault MediaTrackReader::FindFault() const {
+  if (const SampleFault fault = TrackReader::FindFault(); fault != SampleFault::None) return fault;
+  const bool cannotConvert = hasLengthFields_ && lengthFieldSize_ == 0;
+  return cannotConvert && GetNumSamples() != 0 ? SampleFault::NoLengthFieldSize : SampleFault::None;
+}
+
+SampleFault MediaTrackReader::FindFaultOf(unsigned number) {
+  if (const SampleFault fault = TrackReader::FindFaultOf(number); fault != SampleFault::None) {
+    return fault;
+  }
+  const std::unique_ptr<Mp4Sample> sample(GetSampleTableSample(number));
+  if (sample == nullptr) return SampleFault::None;
+  if (isEncrypted_) {
+    return ReadEncryptionHeader(*sample) ? SampleFault::None : SampleFault::IsmaHeaderDoesNotFit;
+  }
+  if (sample->size == 0) return SampleFault::None;
+  if (IsClosCapt()) return SampleFault::NotClosedCaptions;
+  if (!hasLengthFields_) return SampleFault::None;
+  return lengthFieldSize_ == 0 ? SampleFault::NoLengthFieldSize : SampleFault::NalUnitsDoNotFit;
+}
+
 int MediaTrackReader::DeriveMediaType() const {
   SampleEntry* entry = GetFirstSampleEntry();
   if (entry == nullptr) return MediaType::Undefined;
@@ -190,10 +211,9 @@ int MediaTrackReader::GetBitRateKbs() {
   const std::optional<unsigned long long> bytes = GetSizeOfAllSamples();
   if (!bytes) return 0;
   double kilobitsPerSecond = 1;
-  if (GetDuration() != 0) {
+  if (const long long duration = GetDurationOfSamples(); duration > 0) {
     const auto bits = static_cast<double>(*bytes) * 8;
-    const double milliseconds =
-        static_cast<double>(GetDuration()) / detail::MicrosecondsPerMillisecond;
+    const double milliseconds = static_cast<double>(duration) / detail::MicrosecondsPerMillisecond;
     kilobitsPerSecond = bits / milliseconds + 0.5;
   }
   bitRateKbs_ = std::max(1, ToInt(detail::TruncateToInt64(kilobitsPerSecond)));

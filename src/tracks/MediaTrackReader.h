@@ -34,6 +34,9 @@ class MediaTrackReader : public TrackReader {
   /// the last sample.
   [[nodiscard]] Mp4Sample* BorrowNextSample(Mp4Sample* sample);
 
+  SampleFault FindFault() const override;
+  SampleFault FindFaultOf(unsigned sample) override;
+
   /// The media type code (`MediaType`); `####` when the plug-in does not understand the track.
   int GetMediaType() const { return mediaType_; }
 

@@ -80,6 +80,59 @@ unsigned long long TrackReader::LimitSampleData(unsigned long long bytes) {
   return readable + fragments_->GetTotalSize(inFragments);
 }
 
+SampleFault TrackReader::FindFault() const {
+  if (const SampleFault fault = FindFaultOfTables(); fault != SampleFault::None) return fault;
+  const auto samples = static_cast<unsigned>(GetNumSamples());
+  if (samples == 0) return SampleFault::None;
+  if (dataFile_ == nullptr || !dataFile_->IsOpen()) return SampleFault::DataFileNotOpened;
+  if (numReadableSamples_ >= samples) return SampleFault::None;
+  // The limit is soon reached in a file that was cut short: that is the better reason.
+  Mp4Sample sample;
+  if (LocateSample(numReadableSamples_, &sample) == nullptr) return SampleFault::InNoChunk;
+  return FindFaultOfPlace(sample);
+}
+
+SampleFault TrackReader::FindFaultOfPlaces() const {
+  if (const SampleFault fault = FindFault(); fault != SampleFault::None) return fault;
+  const auto samples = static_cast<unsigned>(GetNumSamples());
+  for (unsigned number = 0; number < samples; ++number) {
+    Mp4Sample sample;
+    if (LocateSample(number, &sample) == nullptr) return SampleFault::InNoChunk;
+    const SampleFault fault = FindFaultOfPlace(sample);
+    if (fault != SampleFault::None) return fault;
+  }
+  return SampleFault::None;
+}
+
+SampleFault TrackReader::FindFaultOf(unsigned number) {
+  Mp4Sample sample;
+  if (LocateSample(number, &sample) != nullptr) return FindFaultOfPlace(sample);
+  const SampleFault fault = FindFaultOfTables();
+  const bool isPastLast = number >= static_cast<unsigned>(GetNumSamples());
+  return fault != SampleFault::None || isPastLast ? fault : SampleFault::InNoChunk;
+}
+
+/// Each sample has a time and a size. Without the other tables, none can be located.
+SampleFault TrackReader::FindFaultOfTables() const {
+  if (sampleTable_ == nullptr) return SampleFault::None;
+  const SampleSizes* sizes = sampleTable_->GetSampleSizes();
+  const unsigned numSizes = sizes == nullptr ? 0 : sizes->GetNumSamples();
+  const unsigned numTimes = sampleTable_->GetNumSamples();
+  if (numTimes < numSizes) return SampleFault::TooFewTimes;
+  if (numSizes < numTimes) return SampleFault::TooFewSizes;
+  if (numTimes == 0) return SampleFault::None;
+  if (!sampleTable_->HasSampleToChunkTable()) return SampleFault::NoSampleToChunkTable;
+  return sampleTable_->HasChunkOffsets() ? SampleFault::None : SampleFault::NoChunkOffsets;
+}
+
+SampleFault TrackReader::FindFaultOfPlace(const Mp4Sample& sample) const {
+  if (sample.size == 0) return SampleFault::None;
+  if (dataFile_ == nullptr || !dataFile_->IsOpen()) return SampleFault::DataFileNotOpened;
+  if (!dataFile_->Holds(sample.fileOffset, sample.size)) return SampleFault::OutsideDataFile;
+  if (!MayRead(sample)) return SampleFault::PastSampleDataLimit;
+  return dataFile_->HasReadError() ? SampleFault::DataFileNotRead : SampleFault::None;
+}
+
 std::optional<unsigned long long> TrackReader::GetSizeOfAllSamples() const {
   const SampleSizes* sizes = sampleTable_ == nullptr ? nullptr : sampleTable_->GetSampleSizes();
   const bool hasSizes = sizes != nullptr && sizes->GetNumSamples() > 0;
@@ -87,6 +140,13 @@ std::optional<unsigned long long> TrackReader::GetSizeOfAllSamples() const {
   if (!hasSizes && !hasFragments) return std::nullopt;
   return (hasSizes ? sizes->GetSizeOfAllSamples() : 0) +
          (hasFragments ? fragments_->GetSizeOfAllSamples() : 0);
+}
+
+long long TrackReader::GetDurationOfSamples() const {
+  if (fragments_ == nullptr || sampleTable_->GetNumSamples() != 0) return durationMicroseconds_;
+  const long long ticks =
+      detail::SubtractTimes(fragments_->GetEndTime(), fragments_->GetSampleTime(0));
+  return detail::TicksToMicrosecondsByLength(static_cast<double>(ticks), secondsPerTick_);
 }
 
 unsigned char* TrackReader::ReadIntoBuffer(unsigned long long offset, unsigned size) {

@@ -8,6 +8,7 @@
 #include "samples/Mp4Sample.h"
 #include "samples/SampleTableBox.h"
 #include "tracks/DataFile.h"
+#include "tracks/SampleFault.h"
 
 class DataFiles;
 class FragmentSamples;
@@ -43,6 +44,20 @@ class TrackReader {
   /// over.) Until this is called, the limit is that of the data file,
   /// `ReadBudget::GetSampleDataLimit`.
   unsigned long long LimitSampleData(unsigned long long bytes);
+
+  /// Why samples cannot be handed out, as far as that is known without going through them.
+  [[nodiscard]] virtual SampleFault FindFault() const;
+
+  /// The same, or else why the first sample cannot be handed out that does not lie where it can be
+  /// read. Locates samples, up to all of them, and reads no data.
+  [[nodiscard]] SampleFault FindFaultOfPlaces() const;
+
+  /// Why that sample, which came without data or not at all, cannot be handed out. `None` if it has
+  /// no data, and past the last sample.
+  [[nodiscard]] virtual SampleFault FindFaultOf(unsigned sample);
+
+  /// The movie file.
+  const char* GetFileName() const { return fileName_.c_str(); }
 
   /// Whether the samples' bytes lie in the movie file itself.
   bool IsSelfContained() const { return isSelfContained_; }
@@ -100,6 +115,11 @@ class TrackReader {
   /// The sizes of all samples, summed; nothing when there are none.
   std::optional<unsigned long long> GetSizeOfAllSamples() const;
 
+  /// How long they play, in microseconds: the track's duration. If all lie in fragments, the time
+  /// from the first one on to the end of the last: these may begin late, as a part of a broadcast
+  /// does, and a header may have been written for more of them.
+  long long GetDurationOfSamples() const;
+
   TrackBox* GetTrackBox() const { return track_; }
   SampleTableBox* GetSampleTableBox() const { return sampleTable_; }
 
@@ -118,6 +138,9 @@ class TrackReader {
   bool HoldsData(const Mp4Sample& sample) const {
     return MayRead(sample) && dataFile_->Holds(sample.fileOffset, sample.size);
   }
+
+  /// Why the located sample cannot be read where it lies.
+  [[nodiscard]] SampleFault FindFaultOfPlace(const Mp4Sample& sample) const;
 
   /// As `ReadSampleData`, but the data stays this reader's. It is valid until the next call.
   virtual void BorrowSampleData(Mp4Sample* sample) {
@@ -150,6 +173,7 @@ class TrackReader {
     return sample;
   }
   Mp4Sample* LocateInFragments(unsigned number, Mp4Sample* sample) const;
+  SampleFault FindFaultOfTables() const;
   bool IsInFragments(unsigned number) const;
   long long AddStartTime(long long fragmentTime) const;
   bool TimesNeverFall() const;

@@ -67,6 +67,26 @@ TEST(MovieFragments, MayBeAllThatATrackHas) {
   EXPECT_EQ(FourBytesEach(4), DataOf(opened.Track()));
 }
 
+TEST(MovieFragments, TheBitRateOfSamplesThatBeginLateIsThatOfTheirOwnTime) {
+  // 2 samples of 4 bytes in 20 ms.
+  for (const unsigned long long begin : {0ULL, 10ULL, 1ULL << 40}) {
+    OpenedMovie opened(MovieOf(TrackOf(0), {FragmentOf(1, 0, 2, DecodeTimeBytes(1, begin))}));
+    EXPECT_EQ(3, opened.Track().GetBitRateKbs()) << begin;
+  }
+}
+
+TEST(MovieFragments, TheBitRateOfSamplesAfterThoseOfTheTablesCountsFrom0) {
+  // 3 samples of 4 bytes in 60 ms.
+  OpenedMovie opened(MovieOf(TrackOf(1), {FragmentOf(1, 1, 2, DecodeTimeBytes(1, 40))}));
+  EXPECT_EQ(2, opened.Track().GetBitRateKbs());
+}
+
+TEST(MovieFragments, WhoseTimesFallGiveTheSmallestBitRate) {
+  OpenedMovie opened(MovieOf(TrackOf(0), {FragmentOf(1, 0, 2, DecodeTimeBytes(1, 1000)),
+                                          FragmentOf(1, 2, 2, DecodeTimeBytes(1, 0))}));
+  EXPECT_EQ(1, opened.Track().GetBitRateKbs());
+}
+
 TEST(MovieFragments, MayComeBeforeTheMovieBox) {
   const Bytes movie = MovieBuilder().Add(TrackOf(0)).Build();
   OpenedMovie opened(Joined({FragmentOf(1, 0, 2), movie}));

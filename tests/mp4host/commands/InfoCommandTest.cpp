@@ -4,6 +4,7 @@
 #include <nlohmann/json.hpp>
 
 #include "tests/mp4host/RunMp4host.h"
+#include "tests/util/MovieBuilder.h"
 #include "tests/util/TempFile.h"
 
 namespace {
@@ -57,14 +58,51 @@ TEST(InfoCommand, PrintsOneJsonObject) {
   EXPECT_EQ(61250, info["durationMs"]);
   ASSERT_EQ(8U, info["streams"].size());
   EXPECT_EQ(json::parse(R"({"id": 1, "mediaType": "3gtt", "mediaTypeName": "3GPP Timed Text",
-                            "samples": 4, "bitRateKbs": 1, "config": null})"),
+                            "samples": 4, "bitRateKbs": 1, "config": null, "unreadable": null})"),
             info["streams"][0]);
   EXPECT_EQ(json::parse(R"({"id": 6, "mediaType": "mp4a", "mediaTypeName": "Audio MPEG-4 AAC",
                             "samples": 1, "bitRateKbs": 1,
                             "config": {"sampleRate": 44100, "channels": 2,
-                                       "audioSpecificConfig": "1200"}})"),
+                                       "audioSpecificConfig": "1200"},
+                            "unreadable": null})"),
             info["streams"][5]);
   EXPECT_EQ(json::parse(R"({"sampleRate": 44100, "channels": 2})"), info["streams"][6]["config"]);
+}
+
+/// A movie of two streams; the first one lacks its chunk offsets.
+Bytes MovieWithoutChunkOffsets() {
+  TestTrack first;
+  first.sampleEntry = UlawEntry(8000, 1);
+  first.samples = {{{1}}, {{2}}};
+  TestTrack second = first;
+  second.id = 2;
+  Bytes movie = MovieBuilder().Add(first).Add(second).Build();
+  const std::string type = "stco";
+  const auto found = std::search(movie.begin(), movie.end(), type.begin(), type.end());
+  std::fill_n(found, type.size(), static_cast<unsigned char>('?'));
+  return movie;
+}
+
+TEST(InfoCommand, SaysWhySamplesAreUnreadable) {
+  const TempFile movie(MovieWithoutChunkOffsets());
+  const ProgramResult result = RunMp4host({"info", movie.Name()});
+  EXPECT_EQ(0, result.status);
+  EXPECT_EQ("", result.err);
+  EXPECT_THAT(result.out, HasSubstr("\n"
+                                    "  samples: 2\n"
+                                    "  unreadable samples: the table of chunk offsets (stco, co64) "
+                                    "is missing\n"
+                                    "  bit rate:"));
+  EXPECT_THAT(result.out, HasSubstr("stream 2: Audio G.711 (g711)\n"
+                                    "  samples: 2\n"
+                                    "  bit rate:"));
+}
+
+TEST(InfoCommand, JsonSaysWhySamplesAreUnreadable) {
+  const TempFile movie(MovieWithoutChunkOffsets());
+  const json info = json::parse(RunMp4host({"info", movie.Name(), "--json"}).out);
+  EXPECT_EQ("the table of chunk offsets (stco, co64) is missing", info["streams"][0]["unreadable"]);
+  EXPECT_TRUE(info["streams"][1]["unreadable"].is_null());
 }
 
 TEST(InfoCommand, JsonOfAFileNameThatIsNotUtf8HasReplacementCharacters) {

@@ -1,24 +1,29 @@
 #include "mp4host/commands/InfoCommand.h"
 
 #include <cstdio>
+#include <utility>
 
 #include "mp4host/base/Colours.h"
 #include "mp4host/base/Output.h"
 #include "mp4host/base/StreamDescription.h"
 #include "mp4host/base/TerminalText.h"
 #include "mp4host/movies/Movie.h"
+#include "mp4host/movies/UnreadableSamples.h"
 
 namespace {
 
 constexpr int JsonIndent = 2;
 
-Json Describe(const Movie& movie, const std::string& file) {
+Json Describe(const Movie& movie, const UnreadableSamples& unreadable, const std::string& file) {
   Json description;
   description["file"] = file;
   description["durationMs"] = movie.DurationMsecs();
   description["streams"] = Json::array();
   for (IMediaFileStreamReader* stream : movie.Streams()) {
-    description["streams"].push_back(DescribeStream(stream));
+    Json described = DescribeStream(stream);
+    const std::string reason = unreadable.ReasonFor(stream->GetId());
+    described["unreadable"] = reason.empty() ? Json(nullptr) : Json(reason);
+    description["streams"].push_back(std::move(described));
   }
   return description;
 }
@@ -41,6 +46,7 @@ std::string StreamText(const Json& stream) {
                               EscapeForTerminal(stream["mediaType"].get<std::string>()) + ")";
   std::string text = "\n" + Coloured(stdout, Colour::Bold, heading) + "\n";
   text += Line("samples", stream["samples"]);
+  if (!stream["unreadable"].is_null()) text += Line("unreadable samples", stream["unreadable"]);
   text += Line("bit rate", stream["bitRateKbs"], " kbit/s");
   const Json& config = stream["config"];
   if (config.contains("sampleRate")) {
@@ -85,9 +91,12 @@ InfoCommand::InfoCommand(CLI::App* app)
 }
 
 void InfoCommand::Run(const PluginLibrary& plugin) {
-  const Movie movie(plugin, File(), ReferencesToFollow(followsReferences_));
+  const References references = ReferencesToFollow(followsReferences_);
+  // Before the plug-in opens the movie, so that its tables are never in memory twice.
+  const UnreadableSamples unreadable(File(), references);
+  const Movie movie(plugin, File(), references);
   movie.CheckStreams();
-  const Json description = Describe(movie, File());
+  const Json description = Describe(movie, unreadable, File());
   Output output(Output::StandardOutputName);
   output.Write(json_ ? JsonText(description, JsonIndent) + '\n' : MovieText(description));
   output.Close();

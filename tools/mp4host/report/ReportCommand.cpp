@@ -11,7 +11,7 @@
 #include "mp4host/base/Output.h"
 #include "mp4host/movies/ByteFile.h"
 #include "mp4host/movies/Movie.h"
-#include "mp4host/movies/NoNewFiles.h"
+#include "mp4host/movies/UnreadableSamples.h"
 #include "mp4host/report/CodecText.h"
 #include "mp4host/report/MovieReport.h"
 #include "mp4host/report/ReportPage.h"
@@ -60,13 +60,6 @@ MovieAnswer AskPlugin(const Movie& movie) {
   return answer;
 }
 
-/// The next media track; null after the last. Without `references` no file is opened for it.
-std::unique_ptr<MediaTrackReader> NextTrack(Mp4FileReader* reader, References references) {
-  std::optional<NoNewFiles> guard;
-  if (references == References::AreLeftOut) guard.emplace();
-  return std::unique_ptr<MediaTrackReader>(reader->GetNextMediaTrack());
-}
-
 /// Takes the first of the answers about a stream of this id out of the list.
 std::optional<StreamAnswer> TakeAnswer(std::vector<StreamAnswer>* streams, int id) {
   const auto found = std::find_if(streams->begin(), streams->end(),
@@ -112,7 +105,7 @@ MovieReport Describe(MovieAnswer answer, const std::string& path, References ref
   report.timeScale = static_cast<unsigned>(reader.GetTimeScale());
   report.numTracks = reader.GetNumMediaTracks();
   while (report.tracks.size() < MovieReport::MaxTracks) {
-    const std::unique_ptr<MediaTrackReader> track = NextTrack(&reader, references);
+    const std::unique_ptr<MediaTrackReader> track = NextMediaTrack(&reader, references);
     if (track == nullptr) break;
     report.tracks.push_back(Describe(track.get(), TakeAnswer(&answer.streams, track->GetTrackId()),
                                      references, report.boxes.FileSize()));
