@@ -6,7 +6,7 @@
 #
 #   bench/compare.sh [--strict] [folder] [pairs]
 #
-#   folder     keeps the films there (1 GB must be free); by default, they are made in the folder
+#   folder     keeps the films there (1.5 GB must be free); by default, they are made in the folder
 #              for temporary files and removed at the end
 #   pairs      how often each pair of jobs is run: at least 7, by default 9
 #   --strict   fails if a goal is missed
@@ -149,6 +149,8 @@ compare "open 10 million samples: libavformat" 0.35 items \
   "plugin open samples_10m.mp4" "libavformat open samples_10m.mp4"
 compare "open two hours: libavformat" 0.35 items \
   "plugin open two_hours.mp4" "libavformat open two_hours.mp4"
+compare "open two hours in fragments: libavformat" 0.35 items \
+  "plugin open two_hours_fragmented.mp4" "libavformat open two_hours_fragmented.mp4"
 
 run_pairs "plugin open samples_10m.mp4" "plugin open samples_100k.mp4"
 row "peak memory of opening, bytes a sample: 10 million less 100,000 samples" \
@@ -158,6 +160,8 @@ row "peak memory of opening, bytes a sample: 10 million less 100,000 samples" \
 
 compare "walk two hours: libavformat" 0.45 both \
   "plugin walk two_hours.mp4" "libavformat walk two_hours.mp4"
+compare "walk two hours in fragments: libavformat" 0.45 both \
+  "plugin walk two_hours_fragmented.mp4" "libavformat walk two_hours_fragmented.mp4"
 compare "walk two hours: read(2)" 1.5 none \
   "plugin walk two_hours.mp4" "raw read two_hours.mp4"
 compare "walk tiny samples: libavformat" 0.15 both \

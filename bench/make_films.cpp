@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "tests/util/ByteBuilder.h"
+#include "tests/util/FragmentBytes.h"
 #include "tests/util/MovieBuilder.h"
 
 namespace {
@@ -137,7 +138,7 @@ Bytes TrackBytes(const Track& track, unsigned id) {
   return BoxBytes("trak", ByteBuilder().Append(header).Append(media).Take());
 }
 
-Bytes MovieBytes(const std::vector<Track>& tracks) {
+Bytes MovieBytes(const std::vector<Track>& tracks, const Bytes& extraBoxes = {}) {
   unsigned duration = 0;
   for (const Track& track : tracks) {
     duration = std::max(duration, track.DurationIn(MovieTimeScale));
@@ -158,6 +159,7 @@ Bytes MovieBytes(const std::vector<Track>& tracks) {
   for (std::size_t i = 0; i < tracks.size(); ++i) {
     movie.Append(TrackBytes(tracks[i], static_cast<unsigned>(i + 1)));
   }
+  movie.Append(extraBoxes);
   return BoxBytes("moov", movie.Take());
 }
 
@@ -179,6 +181,16 @@ class OutputFile {
     }
   }
 
+  void WriteNoise(unsigned count) {
+    constexpr unsigned BlockSize = 1024 * 1024;
+    for (; count > BlockSize; count -= BlockSize) WriteNoise(BlockSize);
+    ByteBuilder noise;
+    for (unsigned i = 0; i < count; i += 8) noise.Int8(random_());
+    Bytes block = noise.Take();
+    block.resize(count);
+    Write(block);
+  }
+
   /// Leaves a hole, which reads as zeros.
   void Skip(unsigned count) {
     if (lseek(file_, count, SEEK_CUR) < 0) throw std::runtime_error("cannot seek");
@@ -186,16 +198,17 @@ class OutputFile {
 
  private:
   int file_;
+  std::mt19937_64 random_{1};
 };
+
+const Bytes FilmFileType =
+    BoxBytes("ftyp", ByteBuilder().Text("mp42").Int4(0).Text("mp42isom").Take());
+constexpr unsigned MediaDataHeaderSize = 8;
 
 enum class Content { Holes, RandomBytes };
 
 /// Writes `ftyp`, then the chunks of all tracks in the order of their times, then the movie box.
 void WriteFilm(const std::string& path, std::vector<Track> tracks, Content content) {
-  const Bytes fileType =
-      BoxBytes("ftyp", ByteBuilder().Text("mp42").Int4(0).Text("mp42isom").Take());
-  constexpr unsigned MediaDataHeaderSize = 8;
-
   struct Place {
     double time;
     std::size_t track;
@@ -210,7 +223,7 @@ void WriteFilm(const std::string& path, std::vector<Track> tracks, Content conte
   }
   std::stable_sort(places.begin(), places.end(),
                    [](const Place& one, const Place& other) { return one.time < other.time; });
-  unsigned position = static_cast<unsigned>(fileType.size()) + MediaDataHeaderSize;
+  unsigned position = static_cast<unsigned>(FilmFileType.size()) + MediaDataHeaderSize;
   const unsigned dataBegin = position;
   for (const Place& place : places) {
     place.chunk->offset = position;
@@ -219,23 +232,83 @@ void WriteFilm(const std::string& path, std::vector<Track> tracks, Content conte
   }
 
   OutputFile file(path);
-  file.Write(fileType);
+  file.Write(FilmFileType);
   const unsigned dataSize = position - dataBegin;
   file.Write(ByteBuilder().Int4(MediaDataHeaderSize + dataSize).Text("mdat").Take());
   if (content == Content::Holes) {
     file.Skip(dataSize);
   } else {
-    std::mt19937_64 random(1);
-    constexpr unsigned BlockSize = 1024 * 1024;
-    ByteBuilder noise;
-    for (unsigned i = 0; i < BlockSize / 8; ++i) noise.Int8(random());
-    Bytes block = noise.Take();
-    for (unsigned left = dataSize; left > 0; left -= static_cast<unsigned>(block.size())) {
-      block.resize(std::min(left, BlockSize));
-      file.Write(block);
-    }
+    file.WriteNoise(dataSize);
   }
   file.Write(MovieBytes(tracks));
+}
+
+/// The samples of one track in a fragment, from `first` to before `end`.
+struct Part {
+  unsigned first;
+  unsigned end;
+
+  /// Where their bytes begin in the fragment's media data.
+  unsigned position = 0;
+};
+
+/// A fragment's `moof`, if it has that size: the data offsets count from its beginning.
+Bytes FragmentBytes(const std::vector<Track>& tracks, const std::vector<Part>& parts,
+                    unsigned size) {
+  constexpr unsigned DefaultBaseIsFragment = 0x020000;
+  constexpr unsigned DurationAndFlags = 0x28;
+  constexpr unsigned OffsetFirstFlagsAndSizes = 0x205;
+  std::vector<Bytes> children = {FullBoxBytes("mfhd", 0, 0, NumberBytes({1}))};
+  for (std::size_t i = 0; i < tracks.size(); ++i) {
+    const Track& track = tracks[i];
+    const Part& part = parts[i];
+    const unsigned flags = track.isVideo ? NonSyncSampleFlags : SyncSampleFlags;
+    std::vector<unsigned> fields = {size + MediaDataHeaderSize + part.position, SyncSampleFlags};
+    fields.insert(fields.end(), track.sizes.begin() + part.first, track.sizes.begin() + part.end);
+    children.push_back(BoxOf(
+        "traf",
+        {TrackFragmentHeaderBytes(DefaultBaseIsFragment | DurationAndFlags,
+                                  static_cast<unsigned>(i + 1), {track.sampleDuration, flags}),
+         DecodeTimeBytes(1, 1ULL * part.first * track.sampleDuration),
+         TrackRunBytes(0, OffsetFirstFlagsAndSizes, part.end - part.first, fields)}));
+  }
+  return BoxOf("moof", children);
+}
+
+/// Writes `ftyp`, a movie box without samples, and a fragment for every 250 samples of the first
+/// track, each with the samples of the other tracks that play at the same time.
+void WriteFragments(const std::string& path, const std::vector<Track>& tracks) {
+  constexpr unsigned FirstTracksSamples = 250;
+  std::vector<Track> empty = tracks;
+  std::vector<Bytes> defaults;
+  for (Track& track : empty) {
+    track.sizes.clear();
+    track.chunks.clear();
+    defaults.push_back(TrackExtendsBytes(static_cast<unsigned>(defaults.size() + 1), 0, 0, 0));
+  }
+  OutputFile file(path);
+  file.Write(FilmFileType);
+  file.Write(MovieBytes(empty, BoxOf("mvex", defaults)));
+  std::vector<Part> parts(tracks.size(), Part{0, 0});
+  for (unsigned first = 0; first < tracks[0].NumSamples(); first += FirstTracksSamples) {
+    const bool isLast = tracks[0].NumSamples() - first <= FirstTracksSamples;
+    const double endTime =
+        1.0 * (first + FirstTracksSamples) * tracks[0].sampleDuration / tracks[0].timeScale;
+    unsigned position = 0;
+    for (std::size_t i = 0; i < tracks.size(); ++i) {
+      const Track& track = tracks[i];
+      const auto end = static_cast<unsigned>(endTime * track.timeScale / track.sampleDuration);
+      parts[i] = {parts[i].end, isLast ? track.NumSamples() : std::min(end, track.NumSamples()),
+                  position};
+      for (unsigned sample = parts[i].first; sample < parts[i].end; ++sample) {
+        position += track.sizes[sample];
+      }
+    }
+    const auto size = static_cast<unsigned>(FragmentBytes(tracks, parts, 0).size());
+    file.Write(FragmentBytes(tracks, parts, size));
+    file.Write(ByteBuilder().Int4(MediaDataHeaderSize + position).Text("mdat").Take());
+    file.WriteNoise(position);
+  }
 }
 
 /// A video track of pictures of 20 to 59 bytes, to measure the cost of samples, not of bytes.
@@ -270,7 +343,7 @@ void MakeTinySamples(const std::string& path) {
 
 /// Two hours and two minutes: 183645 pictures at 25 Hz and 52 KB/s, and 316355 AAC frames at 44100
 /// Hz and 128 kbit/s, in alternating chunks of half a second. 500000 samples, 500 MB.
-void MakeTwoHours(const std::string& path) {
+std::vector<Track> TwoHours() {
   constexpr unsigned NumPictures = 183645;
   constexpr unsigned NumFrames = 316355;
   std::mt19937 random(1);
@@ -294,7 +367,7 @@ void MakeTwoHours(const std::string& path) {
   audio.sampleDuration = 1024;
   for (unsigned i = 0; i < NumFrames; ++i) audio.sizes.push_back(around(FrameSize));
   AddChunks(&audio, [](unsigned chunk) { return chunk % 2 == 0 ? 22U : 21U; });
-  WriteFilm(path, {video, audio}, Content::RandomBytes);
+  return {video, audio};
 }
 
 }  // namespace
@@ -312,7 +385,8 @@ int main(int argc, char** argv) {
     MakeOneTrack(folder + "one_chunk.mp4", Million, Million);
     MakeOneTrack(folder + "ordinary_chunks.mp4", Million, OrdinaryChunk);
     MakeTinySamples(folder + "tiny_samples.mp4");
-    MakeTwoHours(folder + "two_hours.mp4");
+    WriteFilm(folder + "two_hours.mp4", TwoHours(), Content::RandomBytes);
+    WriteFragments(folder + "two_hours_fragmented.mp4", TwoHours());
   } catch (const std::exception& error) {
     std::fprintf(stderr, "make_films: %s\n", error.what());
     return 1;

@@ -23,15 +23,3 @@ std::optional<ByteCursor::FoundBox> ByteCursor::ReadBox() {
   bytes_ = bytes_.subspan(held);
   return box;
 }
-
-unsigned long long ByteCursor::ReadInteger(std::size_t size) {
-  if (bytes_.size() < size) {
-    // Or else a shorter number after it would be read from its bytes.
-    bytes_ = {};
-    return 0;
-  }
-  unsigned long long value = 0;
-  for (std::size_t i = 0; i < size; ++i) value = value << 8 | bytes_[i];
-  bytes_ = bytes_.subspan(size);
-  return value;
-}

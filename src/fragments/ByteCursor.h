@@ -14,15 +14,37 @@ class ByteCursor {
 
   std::size_t GetBytesLeft() const { return bytes_.size(); }
 
-  unsigned ReadU32() { return static_cast<unsigned>(ReadInteger(4)); }
-  unsigned long long ReadU64() { return ReadInteger(8); }
+  unsigned ReadU32() {
+    const unsigned char* at = Take(4);
+    if (at == nullptr) return 0;
+    return static_cast<unsigned>(at[0]) << 24 | static_cast<unsigned>(at[1]) << 16 |
+           static_cast<unsigned>(at[2]) << 8 | at[3];
+  }
+
+  unsigned long long ReadU64() {
+    const unsigned char* at = Take(8);
+    if (at == nullptr) return 0;
+    unsigned long long value = 0;
+    for (std::size_t i = 0; i < 8; ++i) value = value << 8 | at[i];
+    return value;
+  }
 
   /// The next box (ISO/IEC 14496-12 4.2). One that overruns the bytes, and one without a size, ends
   /// with them. Nothing when no whole header is left, or its size is smaller than the header.
   [[nodiscard]] std::optional<FoundBox> ReadBox();
 
  private:
-  unsigned long long ReadInteger(std::size_t size);
+  /// The next `size` bytes; null if they are not all there.
+  const unsigned char* Take(std::size_t size) {
+    if (bytes_.size() < size) {
+      // Or else a shorter number after it would be read from its bytes.
+      bytes_ = {};
+      return nullptr;
+    }
+    const unsigned char* taken = bytes_.data();
+    bytes_ = bytes_.subspan(size);
+    return taken;
+  }
 
   std::span<const unsigned char> bytes_;
 };

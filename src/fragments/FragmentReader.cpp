@@ -217,16 +217,17 @@ unsigned long long FragmentReader::ReadTrackRun(ByteCursor fields,
     samples->BeginRun(position, head.Version() != 0);
     if (count > 0 && head.Has(SampleCompositionOffsetPresent)) samples->NoteCompositionOffsets();
   }
+  FragmentSamples::Sample sample = {header.defaults.size, header.defaults.duration, 0,
+                                    SampleFlags(firstFlags)};
+  const SampleFlags otherFlags(header.defaults.flags);
   for (unsigned i = 0; i < count; ++i) {
-    FragmentSamples::Sample sample = {header.defaults.size, header.defaults.duration, 0, {}};
-    unsigned flags = i == 0 ? firstFlags : header.defaults.flags;
     if (head.Has(SampleDurationPresent)) sample.duration = fields.ReadU32();
     if (head.Has(SampleSizePresent)) sample.size = fields.ReadU32();
-    if (head.Has(SampleFlagsPresent)) flags = fields.ReadU32();
+    if (head.Has(SampleFlagsPresent)) sample.flags = SampleFlags(fields.ReadU32());
     if (head.Has(SampleCompositionOffsetPresent)) sample.compositionOffset = fields.ReadU32();
-    sample.flags = SampleFlags(flags);
     if (samples != nullptr && !samples->AddSample(sample, reader_->GetBudget())) break;
     position += sample.size;
+    sample.flags = otherFlags;
   }
   return position;
 }

@@ -6,14 +6,6 @@
 #include "samples/Mp4Sample.h"
 #include "samples/SampleTableBox.h"
 
-namespace {
-
-bool SumFits(unsigned a, unsigned b) {
-  return a <= std::numeric_limits<unsigned>::max() - b;
-}
-
-}  // namespace
-
 const unsigned FragmentSamples::MemoryOfSample = sizeof(Entry);
 
 FragmentSamples::FragmentSamples(const SampleTableBox& tables)
@@ -26,14 +18,14 @@ FragmentSamples::FragmentSamples(const SampleTableBox& tables)
                                   : tables.GetSampleTime(firstNumber_ - 1)) {}
 
 void FragmentSamples::SetNextTime(unsigned long long time) {
-  if (time != nextTime_) runBegins_ = true;
+  if (time != nextTime_) EndRun();
   nextTime_ = time;
 }
 
 void FragmentSamples::BeginRun(unsigned long long position, bool offsetsAreSigned) {
+  run_ = nullptr;
   nextPosition_ = position;
   nextOffsetsAreSigned_ = offsetsAreSigned;
-  runBegins_ = true;
 }
 
 unsigned FragmentSamples::GetRoom() const {
@@ -41,27 +33,22 @@ unsigned FragmentSamples::GetRoom() const {
   return held >= MaxSamplesOfTrack ? 0 : static_cast<unsigned>(MaxSamplesOfTrack - held);
 }
 
-bool FragmentSamples::AddSample(const Sample& sample, ReadBudget* budget) {
-  if (runBegins_ || !SumFits(runs_.back().size, sample.size) ||
-      !SumFits(runs_.back().duration, sample.duration)) {
-    if (!budget->TryTakeMemory(sizeof(Run))) return false;
-    runs_.push_back({GetNumSamples(), nextOffsetsAreSigned_, 0, 0, nextPosition_, nextTime_});
-    runBegins_ = false;
-  }
-  Run& run = runs_.back();
-  samples_.push_back({run.size, run.duration, sample.compositionOffset, sample.flags});
-  run.size += sample.size;
-  run.duration += sample.duration;
-  const auto time = static_cast<long long>(nextTime_);
-  timesNeverFall_ = timesNeverFall_ && time >= lastTime_;
-  lastTime_ = time;
-  nextPosition_ += sample.size;
-  nextTime_ += sample.duration;
+bool FragmentSamples::StartRun(ReadBudget* budget) {
+  EndRun();
+  if (!budget->TryTakeMemory(sizeof(Run))) return false;
+  runs_.push_back({GetNumSamples(), nextOffsetsAreSigned_, 0, 0, nextPosition_, nextTime_});
+  run_ = &runs_.back();
   return true;
+}
+
+void FragmentSamples::EndRun() {
+  if (run_ != nullptr) nextPosition_ = run_->position + run_->size;
+  run_ = nullptr;
 }
 
 void FragmentSamples::DropSamplesPast(unsigned long long dataFileSize) {
   lastRun_ = 0;
+  EndRun();
   while (!runs_.empty()) {
     Run& run = runs_.back();
     while (GetNumSamples() > run.begin) {

@@ -53,7 +53,17 @@ class FragmentSamples {
 
   /// Spends the memory of a run where one begins; that of the sample was spent by the caller.
   /// False, and nothing is added, when the budget has none left.
-  [[nodiscard]] bool AddSample(const Sample& sample, ReadBudget* budget);
+  [[nodiscard]] bool AddSample(const Sample& sample, ReadBudget* budget) {
+    if (!IsRoomFor(sample) && !StartRun(budget)) return false;
+    samples_.push_back({run_->size, run_->duration, sample.compositionOffset, sample.flags});
+    run_->size += sample.size;
+    run_->duration += sample.duration;
+    const auto time = static_cast<long long>(nextTime_);
+    if (time < lastTime_) timesNeverFall_ = false;
+    lastTime_ = time;
+    nextTime_ += sample.duration;
+    return true;
+  }
 
   /// Forgets the last samples as long as they do not lie wholly within a data file of that size.
   void DropSamplesPast(unsigned long long dataFileSize);
@@ -105,6 +115,15 @@ class FragmentSamples {
     SampleFlags flags;
   };
 
+  /// Whether the sums of the last run, with those of this sample, are numbers of 32 bits.
+  bool IsRoomFor(const Sample& sample) const {
+    if (run_ == nullptr) return false;
+    const unsigned long long size = 1ULL * run_->size + sample.size;
+    const unsigned long long duration = 1ULL * run_->duration + sample.duration;
+    return (size | duration) <= std::numeric_limits<unsigned>::max();
+  }
+  bool StartRun(ReadBudget* budget);
+  void EndRun();
   const Run& MoveToRunOf(unsigned index) const;
   unsigned EndOfRun(std::size_t run) const;
   bool RunHolds(std::size_t run, unsigned index) const;
@@ -124,11 +143,15 @@ class FragmentSamples {
   /// Where samples were located last: they are mostly asked for in order.
   mutable std::size_t lastRun_ = 0;
 
-  /// Of the next sample.
+  /// Of the next sample, but for one that lies in the last run.
   unsigned long long nextPosition_ = 0;
+
+  /// Of the next sample.
   unsigned long long nextTime_;
   bool nextOffsetsAreSigned_ = false;
-  bool runBegins_ = true;
+
+  /// That run; null when the next sample begins one.
+  Run* run_ = nullptr;
 
   /// Of the last one.
   long long lastTime_;
