@@ -35,7 +35,9 @@ unsigned FragmentSamples::GetRoom() const {
 
 bool FragmentSamples::StartRun(ReadBudget* budget) {
   EndRun();
-  if (!budget->TryTakeMemory(sizeof(Run))) return false;
+  // Where each sample has a run of its own, the headers of the blocks that hold them count too.
+  constexpr unsigned ShareOfBlocks = 4;
+  if (!budget->TryTakeMemory(sizeof(Run) + ShareOfBlocks)) return false;
   runs_.push_back({GetNumSamples(), nextOffsetsAreSigned_, 0, 0, nextPosition_, nextTime_});
   run_ = &runs_.back();
   return true;

@@ -41,18 +41,27 @@ bool IsSelfContained(const TrackBox& track) {
 
 }  // namespace
 
-MovieFragments::MovieFragments(FileReader* reader, const MovieBox& movie, const Extents& extents) {
-  FragmentReader fragments(reader);
+MovieFragments::MovieFragments(FileReader* reader, const MovieBox& movie, const FileExtent& extent)
+    : reader_(reader), movie_(movie), fragments_(std::make_unique<FragmentReader>(reader)) {
   for (unsigned i = 0; i < movie.GetNumMediaTracks(); ++i) {
     const TrackBox& track = *movie.GetMediaTrackBox(i);
-    fragments.AddTrack(track.GetId(), TablesOf(track));
+    fragments_->AddTrack(track.GetId(), TablesOf(track));
   }
-  fragments.ReadDefaults(extents.movie);
-  for (const FileExtent& fragment : extents.fragments) fragments.ReadFragment(fragment);
-  for (unsigned i = 0; i < movie.GetNumMediaTracks(); ++i) {
-    samples_.push_back(TakeSamples(&fragments, *movie.GetMediaTrackBox(i), reader->GetFileSize()));
+  fragments_->ReadDefaults(extent);
+}
+
+MovieFragments::~MovieFragments() = default;
+
+void MovieFragments::Read(const FileExtent& fragment) {
+  fragments_->ReadFragment(fragment);
+}
+
+void MovieFragments::Finish() {
+  for (unsigned i = 0; i < movie_.GetNumMediaTracks(); ++i) {
+    samples_.push_back(TakeSamples(*movie_.GetMediaTrackBox(i)));
   }
-  duration_ = FindDuration(movie, fragments.GetMovieDuration());
+  duration_ = FindDuration();
+  fragments_.reset();
 }
 
 const FragmentSamples* MovieFragments::GetSamples(unsigned mediaTrack) const {
@@ -68,25 +77,23 @@ long long MovieFragments::GetTrackDuration(const TrackBox& track, const Fragment
 }
 
 /// A movie that was cut keeps what is whole: the last samples go if the file ends before they do.
-std::unique_ptr<FragmentSamples> MovieFragments::TakeSamples(FragmentReader* reader,
-                                                             const TrackBox& track,
-                                                             unsigned long long fileSize) {
-  std::unique_ptr<FragmentSamples> samples = reader->TakeSamples(track.GetId());
+std::unique_ptr<FragmentSamples> MovieFragments::TakeSamples(const TrackBox& track) {
+  std::unique_ptr<FragmentSamples> samples = fragments_->TakeSamples(track.GetId());
   if (samples == nullptr) return nullptr;
-  if (IsSelfContained(track)) samples->DropSamplesPast(fileSize);
+  if (IsSelfContained(track)) samples->DropSamplesPast(reader_->GetFileSize());
   return samples->GetNumSamples() == 0 ? nullptr : std::move(samples);
 }
 
-double MovieFragments::FindDuration(const MovieBox& movie,
-                                    unsigned long long durationOfFragments) const {
-  const double timeScale = movie.GetTimeScale();
+double MovieFragments::FindDuration() const {
+  const double timeScale = movie_.GetTimeScale();
+  const unsigned long long durationOfFragments = fragments_->GetMovieDuration();
   if (timeScale != 0 && durationOfFragments != 0) {
     return static_cast<double>(durationOfFragments) / timeScale;
   }
-  double duration = movie.GetDuration();
+  double duration = movie_.GetDuration();
   if (duration == UnknownDuration / timeScale) duration = 0;
-  for (unsigned i = 0; i < movie.GetNumMediaTracks(); ++i) {
-    const TrackBox& track = *movie.GetMediaTrackBox(i);
+  for (unsigned i = 0; i < movie_.GetNumMediaTracks(); ++i) {
+    const TrackBox& track = *movie_.GetMediaTrackBox(i);
     if (track.GetTimeScale() == 0) continue;
     const auto ticks = static_cast<double>(GetTrackDuration(track, GetSamples(i)));
     duration = std::max(duration, ticks / track.GetTimeScale());

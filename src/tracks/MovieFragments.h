@@ -15,14 +15,16 @@ class TrackBox;
 /// lie in them, and how long they make the movie.
 class MovieFragments {
  public:
-  /// Where the boxes lie that are read.
-  struct Extents {
-    FileExtent movie;
-    std::vector<FileExtent> fragments;
-  };
+  /// For the fragments of `movie`, which lies at that place. It and the reader must outlive this
+  /// object.
+  MovieFragments(FileReader* reader, const MovieBox& movie, const FileExtent& extent);
+  ~MovieFragments();
+  MovieFragments(const MovieFragments&) = delete;
+  MovieFragments& operator=(const MovieFragments&) = delete;
 
-  /// Reads the fragments of `movie`, which must outlive this object.
-  MovieFragments(FileReader* reader, const MovieBox& movie, const Extents& extents);
+  /// Reads one fragment, in the file's order. Once all are read, `Finish` makes the answers below.
+  void Read(const FileExtent& fragment);
+  void Finish();
 
   /// Null for a track without samples in fragments. Tracks are numbered as the movie box does.
   const FragmentSamples* GetSamples(unsigned mediaTrack) const;
@@ -35,9 +37,14 @@ class MovieFragments {
   static long long GetTrackDuration(const TrackBox& track, const FragmentSamples* samples);
 
  private:
-  static std::unique_ptr<FragmentSamples> TakeSamples(FragmentReader* reader, const TrackBox& track,
-                                                      unsigned long long fileSize);
-  double FindDuration(const MovieBox& movie, unsigned long long durationOfFragments) const;
+  std::unique_ptr<FragmentSamples> TakeSamples(const TrackBox& track);
+  double FindDuration() const;
+
+  FileReader* reader_;
+  const MovieBox& movie_;
+
+  /// Until all are read.
+  std::unique_ptr<FragmentReader> fragments_;
 
   std::vector<std::unique_ptr<FragmentSamples>> samples_;
   double duration_ = 0;

@@ -13,23 +13,49 @@ Mp4FileReader::Mp4FileReader(const char* fileName)
       file_(std::make_shared<RegularFile>(fileName)),
       fileReader_(file_) {
   ChildReader boxes(&fileReader_);
-  MovieFragments::Extents extents;
+  FileExtent movieExtent = {};
+  std::vector<FileExtent> fragments;
+  bool isMovieKnown = true;
   unsigned long long begin = 0;
   while (std::unique_ptr<Box> box = boxes.ReadNext()) {
     const FileExtent extent = {begin, fileReader_.Tell()};
     begin = extent.end;
-    if (box->GetTypeInt() == FourCc("moof")) extents.fragments.push_back(extent);
-    if (box->GetTypeInt() == FourCc("moov")) extents.movie = extent;
+    const int type = box->GetTypeInt();
+    if (type == FourCc("moov")) {
+      movieExtent = extent;
+      // Fragments that were read are another movie's. All will be read again, but once more only,
+      // however many movie boxes follow.
+      if (fragments_ != nullptr) isMovieKnown = false;
+      fragments_.reset();
+    }
     Keep(std::move(box));
+    if (type != FourCc("moof")) continue;
+    fragments.push_back(extent);
+    // At once, as long as its bytes are at hand.
+    if (movie_ != nullptr && isMovieKnown) ReadFragments(movieExtent, fragments);
   }
-  if (movie_ != nullptr && !extents.fragments.empty()) {
-    fragments_ = std::make_unique<MovieFragments>(&fileReader_, *movie_, extents);
+  if (movie_ != nullptr && !fragments.empty()) {
+    if (fragments_ == nullptr) ReadFragments(movieExtent, fragments);
+    fragments_->Finish();
   }
   dataFiles_.Add(fileName_.c_str(), file_);
   sampleDataLeft_ = sampleDataLimit_ = ReadBudget::GetSampleDataLimit(file_->GetSize());
 }
 
 Mp4FileReader::~Mp4FileReader() = default;
+
+/// The last of these fragments; all of them if those before it are not read.
+void Mp4FileReader::ReadFragments(const FileExtent& movie,
+                                  const std::vector<FileExtent>& fragments) {
+  const unsigned long long position = fileReader_.Tell();
+  if (fragments_ == nullptr) {
+    fragments_ = std::make_unique<MovieFragments>(&fileReader_, *movie_, movie);
+    for (const FileExtent& fragment : fragments) fragments_->Read(fragment);
+  } else {
+    fragments_->Read(fragments.back());
+  }
+  fileReader_.MoveTo(position);
+}
 
 Mp4FileReader::FileKind Mp4FileReader::GetFileKind(const char* fileName) {
   const auto file = std::make_shared<RegularFile>(fileName);

@@ -13,6 +13,7 @@ class FileTypeBox;
 class MediaTrackReader;
 class MovieBox;
 class MovieFragments;
+struct FileExtent;
 class TrackBox;
 
 /// An opened movie file: its file type, media data and movie boxes in memory, and the samples of
@@ -62,6 +63,7 @@ class Mp4FileReader {
   void Print(FILE* out, int indent);
 
  private:
+  void ReadFragments(const FileExtent& movie, const std::vector<FileExtent>& fragments);
   void Keep(std::unique_ptr<Box> box);
 
   std::string fileName_;

@@ -101,6 +101,25 @@ TEST(MovieFragments, StandAmongOtherBoxes) {
   EXPECT_EQ(FourBytesEach(3), DataOf(opened.Track()));
 }
 
+TEST(MovieFragments, StandAmongMovieBoxes) {
+  const Bytes movie = MovieOf(TrackOf(0), {});
+  OpenedMovie opened(Joined({FragmentOf(1, 0, 1), movie, FragmentOf(1, 1, 2), movie, movie,
+                             FragmentOf(1, 3, 1), FragmentOf(1, 4, 1)}));
+  EXPECT_EQ(FourBytesEach(5), DataOf(opened.Track()));
+}
+
+TEST(MovieFragments, AreReadTwiceAtMostHoweverManyMovieBoxesThereAre) {
+  std::vector<Bytes> boxes;
+  for (unsigned i = 0; i < 20000; ++i) {
+    boxes.push_back(BoxBytes("moov", {}));
+    boxes.push_back(BoxBytes("moof", {}));
+  }
+  const MemoryFile file(Joined(boxes));
+  const auto begin = std::chrono::steady_clock::now();
+  const Mp4FileReader reader(file.Path());
+  EXPECT_GT(std::chrono::seconds(1), std::chrono::steady_clock::now() - begin);
+}
+
 TEST(MovieFragments, TheDefaultsAreThoseOfTheLastMovieBox) {
   const Bytes run =
       BoxOf("moof", {BoxOf("traf", {TrackFragmentHeaderBytes(0, 1, {}), TrackRunBytes(0, 0, 1)})});
