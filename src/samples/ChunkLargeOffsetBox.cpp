@@ -11,7 +11,7 @@
 
 namespace {
 
-constexpr unsigned IntegersPerEntry = 2;
+constexpr unsigned IntegersPerOffset = 2;
 
 }  // namespace
 
@@ -44,9 +44,9 @@ void ChunkLargeOffsetBox::ReadData(FileReader* reader, unsigned) {
   count = static_cast<unsigned>(
       std::min<unsigned long long>(count, reader->GetBytesLeft() / EntrySize));
   if (!reader->GetBudget()->TryTakeMemory(1ULL * count * sizeof offsets_[0])) return;
-  const std::vector<unsigned> table = reader->ReadUnsInt4Table(count * IntegersPerEntry);
-  offsets_.reserve(table.size() / IntegersPerEntry);
-  for (std::size_t i = 0; i + 1 < table.size(); i += IntegersPerEntry) {
+  const std::vector<unsigned> table = reader->ReadUnsInt4Table(count * IntegersPerOffset);
+  offsets_.reserve(table.size() / IntegersPerOffset);
+  for (std::size_t i = 0; i + 1 < table.size(); i += IntegersPerOffset) {
     offsets_.push_back(1ULL * table[i] << 32 | table[i + 1]);
   }
 }

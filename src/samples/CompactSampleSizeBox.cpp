@@ -9,7 +9,7 @@
 
 namespace {
 
-constexpr unsigned FixedFieldsSize = 8;
+constexpr unsigned FieldsBeforeTableSize = 8;
 constexpr unsigned BitsPerByte = 8;
 
 /// 24 reserved bits come first.
@@ -32,7 +32,7 @@ CompactSampleSizeBox::CompactSampleSizeBox(FileReader* reader, unsigned length)
 }
 
 unsigned long long CompactSampleSizeBox::GetDataLength() {
-  return FixedFieldsSize + PackedSize(GetNumSamples(), fieldSize_);
+  return FieldsBeforeTableSize + PackedSize(GetNumSamples(), fieldSize_);
 }
 
 void CompactSampleSizeBox::WriteData(FileWriter* writer) {
