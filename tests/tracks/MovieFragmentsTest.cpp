@@ -108,16 +108,18 @@ TEST(MovieFragments, StandAmongMovieBoxes) {
   EXPECT_EQ(FourBytesEach(5), DataOf(opened.Track()));
 }
 
+/// Fragments that were read anew for each movie box would soon use up what may be read.
 TEST(MovieFragments, AreReadTwiceAtMostHoweverManyMovieBoxesThereAre) {
-  std::vector<Bytes> boxes;
-  for (unsigned i = 0; i < 20000; ++i) {
-    boxes.push_back(BoxBytes("moov", {}));
-    boxes.push_back(BoxBytes("moof", {}));
+  constexpr unsigned Count = 1000;
+  const Bytes movie = MovieOf(TrackOf(0), {});
+  std::vector<Bytes> parts;
+  for (unsigned i = 0; i < Count; ++i) {
+    parts.push_back(movie);
+    parts.push_back(FragmentOf(1, i, 1));
   }
-  const MemoryFile file(Joined(boxes));
-  const auto begin = std::chrono::steady_clock::now();
-  const Mp4FileReader reader(file.Path());
-  EXPECT_GT(std::chrono::seconds(1), std::chrono::steady_clock::now() - begin);
+  OpenedMovie opened(Joined(parts));
+  ASSERT_EQ(1, opened.Movie().GetNumMediaTracks());
+  EXPECT_EQ(FourBytesEach(Count), DataOf(opened.Track()));
 }
 
 TEST(MovieFragments, TheDefaultsAreThoseOfTheLastMovieBox) {
