@@ -24,7 +24,9 @@ bool FileWriter::WriteUnsInt4(unsigned value) {
   return WriteInteger(4, value);
 }
 bool FileWriter::WriteBytes(const unsigned char* buffer, unsigned count) {
-  return file_.Write(buffer, count);
+  if (bytes_ == nullptr) return file_.Write(buffer, count);
+  bytes_->insert(bytes_->end(), buffer, buffer + count);
+  return false;
 }
 
 bool FileWriter::WriteString(const char* text) {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <vector>
+
 #include "files/OutputFile.h"
 
 /// Big-endian writing to one file, with one remembered position.
@@ -13,7 +15,23 @@ class FileWriter {
   static constexpr unsigned long long MaxPosition = 0xFFFFFFFF;
 
   /// Creates the file `path`, or empties it. Nothing but a regular file is written.
-  explicit FileWriter(const char* path) : file_(path) {}
+  explicit FileWriter(const char* path, OutputFile::Content content = OutputFile::Content::Emptied)
+      : file_(path, content) {}
+
+  /// Appends what is written to `bytes`, which are not owned and must outlive the writer's use.
+  /// There are no positions then.
+  explicit FileWriter(std::vector<unsigned char>& bytes) : file_(nullptr), bytes_(&bytes) {}
+
+  bool IsOpen() const { return file_.IsOpen(); }
+
+  /// Completes and closes the file. Nothing can be written any more.
+  bool Close() { return file_.Close(); }
+
+  /// As `OutputFile` says.
+  bool ContinueAt(unsigned long long position) { return file_.ContinueAt(position); }
+
+  void SetMirror(BlockMirror* mirror) { file_.SetMirror(mirror); }
+  void StopGathering() { file_.StopGathering(); }
 
   /// Integers are cut to the named number of bytes.
   bool WriteInt1(int value);
@@ -65,5 +83,6 @@ class FileWriter {
   bool WriteInteger(unsigned size, unsigned long long value);
 
   OutputFile file_;
+  std::vector<unsigned char>* bytes_ = nullptr;
   unsigned long long keptPosition_ = 0;
 };

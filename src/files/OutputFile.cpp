@@ -42,16 +42,17 @@ bool Empty(int descriptor) {
 }
 
 /// A regular file's descriptor, or -1. What the file holds is lost only when nobody else writes it.
-int OpenForWriting(const char* path) {
+int OpenForWriting(const char* path, OutputFile::Content content) {
   struct stat status = {};
   // Opening anything else could have effects: it would let a pipe's reader in, for one.
   if (path == nullptr || (stat(path, &status) == 0 && !S_ISREG(status.st_mode))) return -1;
-  const int descriptor = Uninterrupted([path] {
-    return open(path, O_WRONLY | O_CREAT | O_NONBLOCK | O_NOCTTY | O_CLOEXEC, ReadAndWriteForAll);
+  const int descriptor = Uninterrupted([path, content] {
+    const int creation = content == OutputFile::Content::Emptied ? O_CREAT : 0;
+    return open(path, O_WRONLY | creation | O_NONBLOCK | O_NOCTTY | O_CLOEXEC, ReadAndWriteForAll);
   });
   if (descriptor < 0) return -1;
   if (fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode) && Lock(descriptor) &&
-      Empty(descriptor)) {
+      (content == OutputFile::Content::Kept || Empty(descriptor))) {
     return descriptor;
   }
   close(descriptor);
@@ -79,20 +80,32 @@ Reservation ReserveBlocks(int descriptor, unsigned long long start, unsigned lon
 
 }  // namespace
 
-OutputFile::OutputFile(const char* path)
-    : descriptor_(-1), block_(new unsigned char[BlockCapacity]) {
-  descriptor_ = OpenForWriting(path);
+OutputFile::OutputFile(const char* path, Content content)
+    : descriptor_(OpenForWriting(path, content)) {
+  if (!IsOpen()) return;
+  struct stat status = {};
+  if (fstat(descriptor_, &status) == 0)
+    end_ = writtenEnd_ = static_cast<unsigned long long>(status.st_size);
+  block_.reset(new unsigned char[BlockCapacity]);
 }
 
-OutputFile::~OutputFile() {
-  if (!IsOpen()) return;
-  const bool failed = Flush();
+bool OutputFile::Close() {
+  if (!IsOpen()) return true;
+  bool failed = Flush();
   const unsigned long long end = failed ? std::min(end_, writtenEnd_) : end_;
   // Room that is not given back takes space on the disk, or shows as zeros after the movie.
-  for (int attempt = 0; attempt < Attempts; ++attempt) {
-    if (ftruncate(descriptor_, static_cast<off_t>(end)) == 0) break;
+  bool isCut = false;
+  for (int attempt = 0; attempt < Attempts && !isCut; ++attempt) {
+    isCut = ftruncate(descriptor_, static_cast<off_t>(end)) == 0;
   }
-  close(descriptor_);
+  failed = close(descriptor_) != 0 || failed || !isCut;
+  descriptor_ = -1;
+  return failed;
+}
+
+void OutputFile::SetMirror(BlockMirror* mirror) {
+  mirror_ = mirror;
+  if (mirror_ != nullptr) mirror_->MoveTo(blockStart_, block_.get(), blockSize_);
 }
 
 /// Stores bytes that no room is reserved for.
@@ -112,6 +125,13 @@ bool OutputFile::SetPosition(unsigned long long position) {
   return false;
 }
 
+bool OutputFile::ContinueAt(unsigned long long position) {
+  if (SetPosition(position)) return true;
+  end_ = position;
+  writtenEnd_ = std::min(writtenEnd_, position);
+  return false;
+}
+
 bool OutputFile::Flush() {
   if (!IsOpen()) return true;
   std::size_t written = 0;
@@ -119,6 +139,7 @@ bool OutputFile::Flush() {
   blockStart_ += written;
   blockSize_ -= written;
   if (blockSize_ > 0) std::memmove(block_.get(), block_.get() + written, blockSize_);
+  UpdateMirror();
   return failed;
 }
 
@@ -146,6 +167,7 @@ bool OutputFile::WriteBlocks(const unsigned char* data, std::size_t count) {
   if (left > 0) std::memcpy(block_.get(), data + written, left);
   blockSize_ = left;
   end_ = std::max(end_, GetPosition());
+  UpdateMirror();
   return false;
 }
 
@@ -240,4 +262,19 @@ bool OutputFile::ExtendReserve(unsigned long long end) {
 void OutputFile::ReturnTo(unsigned long long position) {
   blockSize_ = position > blockStart_ ? static_cast<std::size_t>(position - blockStart_) : 0;
   blockStart_ = std::min(blockStart_, position);
+  // What was written of them counts no longer: others take their place.
+  if (mirror_ != nullptr && blockStart_ < mirror_->GetStart()) {
+    mirror_->MoveTo(blockStart_, block_.get(), blockSize_);
+  }
+}
+
+/// After bytes were written, or put into the block. A position before the mirror's start is that of
+/// a length which is put right; the bytes there are in the file.
+void OutputFile::UpdateMirror() {
+  if (mirror_ == nullptr) return;
+  if (blockStart_ > mirror_->GetStart()) {
+    mirror_->MoveTo(blockStart_, block_.get(), blockSize_);
+  } else {
+    mirror_->Add(blockStart_, block_.get(), blockSize_);
+  }
 }

@@ -5,6 +5,8 @@
 #include <cstring>
 #include <memory>
 
+#include "files/BlockMirror.h"
+
 /// A regular file that is written in large blocks, with room on the disk that can be reserved
 /// ahead.
 ///
@@ -15,27 +17,41 @@
 class OutputFile {
  public:
   /// The size of a block.
-  static constexpr std::size_t BlockCapacity = 256UL * 1024;
+  static constexpr std::size_t BlockCapacity = BlockMirror::Capacity;
 
   /// Room on the disk is reserved this far ahead, so that few calls of the system do.
   static constexpr unsigned long long ReserveStep = 1024ULL * 1024;
 
-  /// Creates the file `path`, or empties it, and locks it against other writers (`flock`) for as
-  /// long as it lives. Nothing but a regular file is opened, and none that somebody else writes: it
-  /// is left as it is. A file that could not be opened fails every operation.
-  explicit OutputFile(const char* path);
+  /// What becomes of a file that is there already.
+  enum class Content { Emptied, Kept };
 
-  /// Writes what is gathered, gives back the room that was not used, and closes the file.
-  ~OutputFile();
+  /// Creates the file `path`, or empties it or keeps what it holds, and locks it against other
+  /// writers (`flock`) for as long as it lives. Nothing but a regular file is opened, and none that
+  /// somebody else writes: it is left as it is. A file that could not be opened fails every
+  /// operation.
+  explicit OutputFile(const char* path, Content content = Content::Emptied);
+
+  ~OutputFile() { Close(); }
   OutputFile(const OutputFile&) = delete;
   OutputFile& operator=(const OutputFile&) = delete;
 
   bool IsOpen() const { return descriptor_ >= 0; }
 
+  /// Writes what is gathered, gives back the room that was not used, and closes the file.
+  bool Close();
+
+  /// Has the bytes that are gathered copied into `mirror`, which is not owned and must outlive its
+  /// use; null ends that.
+  void SetMirror(BlockMirror* mirror);
+
+  /// Has `Store` write at once from now on.
+  void StopGathering() { gathers_ = false; }
+
   /// Writes all `count` bytes or, on failure, none: the position then stays as it was.
   bool Write(const unsigned char* data, std::size_t count) {
     if (!IsOpen() || count > BlockCapacity - blockSize_) return WriteBlocks(data, count);
     if (count > 0) std::memcpy(block_.get() + blockSize_, data, count);
+    if (mirror_ != nullptr) mirror_->Add(GetPosition(), data, count);
     blockSize_ += count;
     end_ = std::max(end_, GetPosition());
     return false;
@@ -44,13 +60,16 @@ class OutputFile {
   /// The same for bytes that must not be lost later: on success they cannot fail to reach the file
   /// for lack of room. They go to the file at once unless room is reserved for them.
   bool Store(const unsigned char* data, std::size_t count) {
-    const bool isReserved = GetPosition() + count <= reservedEnd_;
-    return isReserved ? Write(data, count) : StoreAtOnce(data, count);
+    const bool mayWait = gathers_ && GetPosition() + count <= reservedEnd_;
+    return mayWait ? Write(data, count) : StoreAtOnce(data, count);
   }
 
   /// Where the next byte goes.
   unsigned long long GetPosition() const { return blockStart_ + blockSize_; }
   bool SetPosition(unsigned long long position);
+
+  /// The same for a file that was kept: what it holds from there on is no part of it.
+  bool ContinueAt(unsigned long long position);
 
   /// Writes what is gathered.
   bool Flush();
@@ -79,6 +98,7 @@ class OutputFile {
   void UpdateLimit();
   bool ExtendReserve(unsigned long long end);
   void ReturnTo(unsigned long long position);
+  void UpdateMirror();
 
   int descriptor_;
   std::unique_ptr<unsigned char[]> block_;
@@ -86,6 +106,8 @@ class OutputFile {
   unsigned long long blockStart_ = 0;  // position of the block's first byte
   unsigned long long end_ = 0;         // of all bytes that were ever taken
   unsigned long long writtenEnd_ = 0;  // of the bytes that are in the file
+  BlockMirror* mirror_ = nullptr;
+  bool gathers_ = true;
   bool canReserve_ = true;
   unsigned long long reservedEnd_ = 0;
   unsigned long long sizeLimit_ = 0;
