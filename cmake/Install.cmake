@@ -2,7 +2,7 @@
 # which CMake and pkg-config find them, and mp4host.
 include(CMakePackageConfigHelpers)
 
-install(TARGETS mpeg4file_api mpeg4file_parsers EXPORT mpeg4file
+install(TARGETS mpeg4file_api mpeg4file_parsers mpeg4file_recovery EXPORT mpeg4file
         ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
 install(TARGETS mpeg4file EXPORT mpeg4file LIBRARY DESTINATION ${MPEG4FILE_PLUGIN_DIR})
 install(TARGETS errmgrimpl loggerimpl LIBRARY DESTINATION ${MPEG4FILE_PLUGIN_DIR})

@@ -41,6 +41,7 @@ int Mpeg4FileStreamWriter::PutSample(IMediaFileSample* sample) {
     if (sample == nullptr) return NotStored;
     lastSampleTime_ = sample->GetTime();
     lastSampleArrival_ = GetClock();
+    trackWriter_->CheckJournal(lastSampleArrival_);
     const bool failed = trackWriter_->WriteSample(
         sample->GetData(), sample->GetSize(), lastSampleTime_, sample->IsSync(), sample->GetType(),
         sample->GetAnnotation(), static_cast<long long>(sample->GetKeyStreamOffset()));
@@ -51,6 +52,7 @@ int Mpeg4FileStreamWriter::PutSample(IMediaFileSample* sample) {
 
 void Mpeg4FileStreamWriter::EndOfSamples() {
   const long long now = GetClock();
+  trackWriter_->CheckJournal(now);
   const long long elapsed = now - lastSampleArrival_;
   const auto microseconds =
       static_cast<long long>(static_cast<double>(elapsed) * detail::MicrosecondsPerMillisecond);

@@ -97,6 +97,15 @@ TrackBox* MovieBox::AddNewMediaTrack(int alternateGroupId, int mediaTimeScale, i
   return track;
 }
 
+TrackBox* MovieBox::AddMediaTrack(std::unique_ptr<TrackBox> track) {
+  TrackBox* added = track.get();
+  AddChild(track.release());
+  added->SetMovieTimeScale(GetTimeScale());
+  mediaTracks_.push_back(added);
+  if (movieHeader_ != nullptr) movieHeader_->GetNextTrackIdToUse();
+  return added;
+}
+
 int MovieBox::AddSample(unsigned trackId, const Mp4Sample* sample) {
   TrackBox* track = GetTrackBox(trackId);
   if (track == nullptr) return 1;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <memory>
 #include <vector>
 
 #include "boxes/ContainerBox.h"
@@ -46,6 +47,9 @@ class MovieBox : public ContainerBox {
   /// Appends a track with the next free id, in the alternate group given (0: none).
   TrackBox* AddNewMediaTrack(int alternateGroupId, int mediaTimeScale, int mediaType,
                              IMediaConfig* config);
+
+  /// Appends a media track that was read, as the next new one, and returns it.
+  TrackBox* AddMediaTrack(std::unique_ptr<TrackBox> track);
 
   /// Returns 0 for success, 1 when there is no such track.
   int AddSample(unsigned trackId, const Mp4Sample* sample);

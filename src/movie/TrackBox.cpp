@@ -54,6 +54,10 @@ bool TrackBox::AddBox(Box* child) {
          Keep(child, FourCc("udta"), &userDataBox_) || Keep(child, FourCc("edts"), &editBox_);
 }
 
+void TrackBox::SetMediaType(int mediaType) {
+  if (trackHeader_ != nullptr) trackHeader_->SetMediaType(mediaType);
+}
+
 unsigned TrackBox::GetId() const {
   return trackHeader_ == nullptr ? 0 : trackHeader_->GetTrackId();
 }

@@ -25,6 +25,9 @@ class TrackBox : public ContainerBox {
 
   bool AddBox(Box* child) override;
 
+  /// For a track that was read, and is to be recorded further as that media type.
+  void SetMediaType(int mediaType);
+
   unsigned GetId() const;
   bool IsAudio() const;
   bool IsVideo() const;

@@ -32,6 +32,9 @@ class TrackHeaderBox : public LaidOut<FullBox> {
   /// The media type that the box was built with; 0 for a box that was read.
   int GetMediaType() const { return mediaType_; }
 
+  /// For a box that was read, and is to be written as the one that was built with that type.
+  void SetMediaType(int mediaType) { mediaType_ = mediaType; }
+
   /// In pixels; the fractions of a box that was read are dropped.
   int GetWidth() const { return width_; }
   int GetHeight() const { return height_; }

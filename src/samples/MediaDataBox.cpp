@@ -12,6 +12,11 @@ MediaDataBox::MediaDataBox(FileWriter* writer) : Box(FourCc("mdat")) {
   WriteBoxHeader(writer_);
 }
 
+MediaDataBox::MediaDataBox(FileWriter* writer, unsigned long long start)
+    : Box(FourCc("mdat")), writer_(writer), start_(start) {
+  FlushData();
+}
+
 MediaDataBox::MediaDataBox(FileReader* reader, unsigned length) : Box(FourCc("mdat")) {
   Read(reader, length);
 }

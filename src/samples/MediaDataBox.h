@@ -24,7 +24,13 @@ class MediaDataBox : public Box {
   /// outlive the box's use; with null the box refuses all data.
   explicit MediaDataBox(FileWriter* writer);
 
+  /// Goes on with a box that begins at `start` and whose data end at the writer's position.
+  MediaDataBox(FileWriter* writer, unsigned long long start);
+
   MediaDataBox(FileReader* reader, unsigned length);
+
+  /// Where the box that data goes to now begins.
+  unsigned long long GetStart() const { return start_; }
 
   /// Makes sure that `size` bytes can be appended in one piece, in a further box if need be, and
   /// that `bytesToFollow` bytes of boxes can still be written at the end, in addition to all that

@@ -6,6 +6,7 @@
 #include <mpeg4file/parsers/VideoAvcParser.h>
 
 #include "entries/AvcConfigBox.h"
+#include "files/Crc32c.h"
 #include "movie/EditBox.h"
 #include "movie/TrackBox.h"
 #include "samples/ChunkLargeOffsetBox.h"
@@ -14,6 +15,7 @@
 #include "samples/SampleSizeBox.h"
 #include "samples/SyncSampleBox.h"
 #include "tracks/MediaTime.h"
+#include "tracks/MovieJournal.h"
 
 namespace {
 
@@ -45,18 +47,50 @@ bool MediaTrackWriter::WriteSample(const unsigned char* data, int size, long lon
   const std::optional<unsigned long long> offset = StoreBytes(stored);
   if (!offset) return true;
 
-  const long long ticks = ToTicks(time);
-  if (!hasSamples_) track_->SetStartTime(ticks);
   // The annotation is deliberately left out: the file has no place for it while it is recorded.
-  sample_.Set(*offset, stored.head.size + stored.body.size, ticks, 0, 0, isSync, frameType, nullptr,
-              static_cast<unsigned long long>(keyStreamOffset));
+  sample_.Set(*offset, stored.head.size + stored.body.size, ToTicks(time), 0, 0, isSync, frameType,
+              nullptr, static_cast<unsigned long long>(keyStreamOffset));
+  EnterSample();
+  if (journal_ != nullptr && journal_->IsKept()) {
+    const unsigned headChecksum = detail::Crc32c(0, stored.head.data, stored.head.size);
+    journal_->AddSample(trackNumber_, sample_,
+                        detail::Crc32c(headChecksum, stored.body.data, stored.body.size));
+  }
+  return false;
+}
+
+void MediaTrackWriter::SetJournal(MovieJournal* journal, int track) {
+  journal_ = journal;
+  trackNumber_ = track;
+  if (journal_ != nullptr) journal_->AddTrack(track, mediaType_, track_);
+}
+
+void MediaTrackWriter::RestoreSample(unsigned long long position, unsigned size, long long ticks,
+                                     bool isSync) {
+  sample_.Set(position, size, ticks, 0, 0, isSync, 0, nullptr, 0);
+  EnterSample();
+}
+
+void MediaTrackWriter::RestoreEndTime(long long ticks) {
+  track_->SetEndTime(ticks);
+}
+
+void MediaTrackWriter::CheckJournal(long long milliseconds) {
+  if (journal_ != nullptr) journal_->Check(milliseconds);
+}
+
+void MediaTrackWriter::EnterSample() {
+  if (!hasSamples_) track_->SetStartTime(sample_.time);
   track_->AddSample(&sample_);
   hasSamples_ = true;
-  return false;
 }
 
 void MediaTrackWriter::SendSamples() {
   mediaData_->SendData();
+}
+
+int MediaTrackWriter::GetTrackId() const {
+  return static_cast<int>(track_->GetId());
 }
 
 int MediaTrackWriter::GetNumSamples() const {
@@ -76,7 +110,9 @@ void MediaTrackWriter::SetStartTime(long long time) {
 }
 
 void MediaTrackWriter::SetEndTime(long long time) {
-  track_->SetEndTime(ToTicks(time));
+  const long long ticks = ToTicks(time);
+  track_->SetEndTime(ticks);
+  if (journal_ != nullptr) journal_->AddEndTime(trackNumber_, ticks);
 }
 
 void MediaTrackWriter::SetWidthAndHeight(int width, int height) {

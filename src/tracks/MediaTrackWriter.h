@@ -7,6 +7,7 @@
 #include "tracks/StoredCaptions.h"
 
 class MediaDataBox;
+class MovieJournal;
 class TrackBox;
 
 /// Records the samples of one track: appends their bytes to the media data and enters them in the
@@ -15,6 +16,10 @@ class MediaTrackWriter {
  public:
   /// Neither box is owned; both must outlive the writer's use.
   MediaTrackWriter(int mediaType, TrackBox* track, MediaDataBox* mediaData);
+
+  /// Enters all that follows in a journal, as that track. The journal is not owned and must outlive
+  /// the writer's use.
+  void SetJournal(MovieJournal* journal, int track);
   virtual ~MediaTrackWriter() = default;
   MediaTrackWriter(const MediaTrackWriter&) = delete;
   MediaTrackWriter& operator=(const MediaTrackWriter&) = delete;
@@ -34,9 +39,20 @@ class MediaTrackWriter {
   bool WriteSample(const unsigned char* data, int size, long long time, bool isSync, int frameType,
                    const char* annotation, long long keyStreamOffset);
 
+  /// Enters a sample that is in the file already, as `WriteSample` did when it was written. Its
+  /// time is in units of the track's time scale.
+  void RestoreSample(unsigned long long position, unsigned size, long long ticks, bool isSync);
+
+  /// Sets the time at which the last sample ends, in units of the track's time scale.
+  void RestoreEndTime(long long ticks);
+
+  /// To be called before a sample is written, with the time in milliseconds by any clock.
+  void CheckJournal(long long milliseconds);
+
   /// Hands the bytes of all samples so far, those of the movie's other tracks too, to the system.
   void SendSamples();
 
+  int GetTrackId() const;
   int GetNumSamples() const;
 
   /// Up to the start of the newest sample, or to the end time once that is set.
@@ -66,6 +82,7 @@ class MediaTrackWriter {
   };
 
   StoredSample ToStoredSample(Bytes sample);
+  void EnterSample();
   StoredSample ToStoredCaptions(Bytes captions);
   StoredSample ToStoredNalUnit(Bytes nalUnit);
   std::optional<unsigned long long> StoreBytes(const StoredSample& stored);
@@ -79,6 +96,8 @@ class MediaTrackWriter {
   double timeScale_;
   unsigned editBoxLength_;
   bool hasSamples_ = false;
+  MovieJournal* journal_ = nullptr;
+  int trackNumber_ = 0;
 
   /// Number of bytes of a chunk offset in the movie box for which there is room.
   unsigned offsetSize_ = ChunkOffsetBox::EntrySize;

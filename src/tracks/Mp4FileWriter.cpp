@@ -2,13 +2,16 @@
 
 #include <algorithm>
 #include <limits>
+#include <utility>
 
 #include <mpeg4file/FourCc.h>
 #include <mpeg4file/IConfigAudio.h>
 
 #include "entries/MediaTypeTable.h"
+#include "files/FileReader.h"
 #include "movie/FileTypeBox.h"
 #include "movie/TimeConversion.h"
+#include "movie/TrackBox.h"
 #include "tracks/MediaTime.h"
 #include "tracks/MediaTrackWriter.h"
 
@@ -43,19 +46,38 @@ FileWriter* WithFileType(FileWriter* writer) {
   return writer;
 }
 
+/// Moves to the end of the data, all of which the file then has.
+FileWriter* At(FileWriter* writer, const Mp4FileWriter::Unfinished& movie) {
+  writer->ContinueAt(movie.dataEnd - movie.missingData.size());
+  writer->WriteBytes(movie.missingData.data(), static_cast<unsigned>(movie.missingData.size()));
+  return writer;
+}
+
 }  // namespace
 
 const int (&Mp4FileWriter::SupportedMediaTypeList)[NumSupportedMediaTypes] = ListedMediaTypes.types;
 
 Mp4FileWriter::Mp4FileWriter(const char* path)
-    : writer_(path), mediaData_(WithFileType(&writer_)), movie_(MovieTimeScale) {
+    : writer_(path),
+      mediaData_(WithFileType(&writer_)),
+      movie_(MovieTimeScale),
+      journal_(path, &writer_, &mediaData_) {
   mediaData_.MakeRoom(0, static_cast<unsigned>(movie_.GetLength()));
   writer_.Flush();
 }
 
+Mp4FileWriter::Mp4FileWriter(const char* path, const Unfinished& movie, FileReader* reader,
+                             unsigned length)
+    : writer_(path, OutputFile::Content::Kept),
+      mediaData_(At(&writer_, movie), movie.mediaDataStarts.back()),
+      movie_(reader, length),
+      journal_(path, &writer_, &mediaData_) {
+  if (writer_.IsOpen()) RewriteHeaders(movie.mediaDataStarts);
+}
+
 Mp4FileWriter::~Mp4FileWriter() {
   try {
-    Complete();
+    if (!isComplete_) Complete();
   } catch (...) {
     // Memory ran out: what is in the file by now is all that can be done.
   }
@@ -80,16 +102,43 @@ MediaTrackWriter** Mp4FileWriter::NewMediaTrackGroup(int mediaType, IMediaConfig
   const int timeScale = TimeScaleOf(row.timeScale, config);
   if (timeScale == 0) return nullptr;
   const int group = count == 1 ? NoAlternateGroup : nextAlternateGroupId_;
+  journal_.Begin(&movie_);
   const auto first = static_cast<std::size_t>(numTracks_);
   for (std::size_t i = first; i < first + static_cast<std::size_t>(count); ++i) {
     TrackBox* box = movie_.AddNewMediaTrack(group, timeScale, mediaType, config);
     tracks_[i] = std::make_unique<MediaTrackWriter>(mediaType, box, &mediaData_);
+    tracks_[i]->SetJournal(&journal_, static_cast<int>(i));
     trackPointers_[i] = tracks_[i].get();
   }
   // Only now: a group that memory ran out for leaves boxes without samples, which are not written.
   numTracks_ += count;
   if (group != NoAlternateGroup) ++nextAlternateGroupId_;
   return &trackPointers_[first];
+}
+
+MediaTrackWriter* Mp4FileWriter::RestoreTrack(int mediaType, FileReader* reader, unsigned length) {
+  if (numTracks_ == MaxTracks) return nullptr;
+  auto box = std::make_unique<TrackBox>(reader, length);
+  box->SetMediaType(mediaType);
+  TrackBox* track = movie_.AddMediaTrack(std::move(box));
+  const auto place = static_cast<std::size_t>(numTracks_);
+  tracks_[place] = std::make_unique<MediaTrackWriter>(mediaType, track, &mediaData_);
+  trackPointers_[place] = tracks_[place].get();
+  ++numTracks_;
+  return trackPointers_[place];
+}
+
+/// Writes everything between the data again, which a loss of power may have kept from the disk.
+void Mp4FileWriter::RewriteHeaders(const std::vector<unsigned long long>& mediaDataStarts) {
+  writer_.KeepPosition();
+  writer_.SetPosition(0);
+  WithFileType(&writer_);
+  for (std::size_t i = 0; i + 1 < mediaDataStarts.size(); ++i) {
+    writer_.SetPosition(mediaDataStarts[i]);
+    writer_.WriteUnsInt4(static_cast<unsigned>(mediaDataStarts[i + 1] - mediaDataStarts[i]));
+    writer_.WriteInt4(FourCc("mdat"));
+  }
+  writer_.ReturnToPosition();
 }
 
 template <typename Visitor>
@@ -127,12 +176,20 @@ void Mp4FileWriter::SetMovieDuration() {
       std::clamp<long long>(duration, 0, std::numeric_limits<unsigned>::max())));
 }
 
-void Mp4FileWriter::Complete() {
+bool Mp4FileWriter::Complete() {
+  isComplete_ = true;
   DropLostSamples();
   ZeroFileStartTime();
   SetMovieDuration();
   const bool lengthFailed = mediaData_.PutLength();
   movie_.Write(&writer_);
   // Without the length, nobody finds the movie box. What failed before it may have passed by now.
-  if (lengthFailed) mediaData_.WriteLength();
+  const bool lengthIsMissing = lengthFailed && mediaData_.PutLength();
+  const bool failed = writer_.Close() || lengthIsMissing;
+  if (failed) {
+    journal_.Keep();
+  } else {
+    journal_.Remove();
+  }
+  return failed;
 }

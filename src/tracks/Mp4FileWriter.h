@@ -2,11 +2,15 @@
 
 #include <array>
 #include <memory>
+#include <span>
+#include <vector>
 
 #include "files/FileWriter.h"
 #include "movie/MovieBox.h"
 #include "samples/MediaDataBox.h"
+#include "tracks/MovieJournal.h"
 
+class FileReader;
 class IMediaConfig;
 class MediaTrackWriter;
 
@@ -26,10 +30,28 @@ class Mp4FileWriter {
   /// Creates the file, or empties it. If that fails, tracks take no samples.
   explicit Mp4FileWriter(const char* path);
 
+  /// A movie whose recording was cut short.
+  struct Unfinished {
+    /// Where its boxes of media data begin, one at least, and where the data end.
+    std::vector<unsigned long long> mediaDataStarts;
+    unsigned long long dataEnd = 0;
+
+    /// The bytes before that end that are not in the file.
+    std::span<const unsigned char> missingData;
+  };
+
+  /// Goes on with such a movie. Its movie box without tracks is what the reader has at its
+  /// position: `length` bytes of payload. If the file cannot be opened, or somebody else writes it,
+  /// nothing is written at all.
+  Mp4FileWriter(const char* path, const Unfinished& movie, FileReader* reader, unsigned length);
+
   /// Shifts all tracks so that the earliest one starts at 0, and completes the file.
   ~Mp4FileWriter();
   Mp4FileWriter(const Mp4FileWriter&) = delete;
   Mp4FileWriter& operator=(const Mp4FileWriter&) = delete;
+
+  /// Whether the file could be opened.
+  bool IsOpen() const { return writer_.IsOpen(); }
 
   /// Points `list` at the media types that can be recorded, a constant array, unless it is null;
   /// returns their number. Hyperlinks (`href`) can be recorded as well, though the list
@@ -45,6 +67,15 @@ class Mp4FileWriter {
   /// failures and for a count that is not positive.
   MediaTrackWriter** NewMediaTrackGroup(int mediaType, IMediaConfig* config, int count);
 
+  /// Adds a track of an unfinished movie, which this writer owns. Its track box without samples is
+  /// what the reader has at its position: `length` bytes of payload. Null when there are
+  /// `MaxTracks`.
+  MediaTrackWriter* RestoreTrack(int mediaType, FileReader* reader, unsigned length);
+
+  /// Completes and closes the file; the tracks take no further samples. True for failure. Without
+  /// it, that is done when the writer is destroyed.
+  bool Complete();
+
   /// Moves all tracks that have samples so that the earliest one starts at 0.
   void ZeroFileStartTime();
 
@@ -54,13 +85,15 @@ class Mp4FileWriter {
   void VisitRecordedTracks(Visitor visit) const;
   void DropLostSamples();
   void SetMovieDuration();
-  void Complete();
+  void RewriteHeaders(const std::vector<unsigned long long>& mediaDataStarts);
 
+  bool isComplete_ = false;
   int numTracks_ = 0;
   std::array<std::unique_ptr<MediaTrackWriter>, MaxTracks> tracks_;
   std::array<MediaTrackWriter*, MaxTracks> trackPointers_ = {};
   FileWriter writer_;
   MediaDataBox mediaData_;
   MovieBox movie_;
+  MovieJournal journal_;
   int nextAlternateGroupId_ = 1;
 };

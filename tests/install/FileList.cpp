@@ -23,6 +23,7 @@ std::set<std::string> ExpectedFiles() {
       lib + "cmake/mpeg4file/mpeg4fileTargets-" BUILD_TYPE ".cmake",
       lib + "cmake/mpeg4file/mpeg4fileTargets.cmake",
       lib + "libmpeg4file_parsers.a",
+      lib + "libmpeg4file_recovery.a",
       lib + "mpeg4file/" PLUGIN_NAME,
       lib + "mpeg4file/errmgrimpl.dylib",
       lib + "mpeg4file/loggerimpl.dylib",

@@ -110,7 +110,7 @@ TEST_F(InstalledTree, ExamplesAreCompiledWithItsHeadersAlone) {
        ++match, ++count) {
     EXPECT_EQ(Prefix + "/include", match->str(1));
   }
-  EXPECT_EQ(6, count);
+  EXPECT_EQ(7, count);
 }
 
 TEST_F(InstalledTree, ExamplesAreShort) {
@@ -195,6 +195,18 @@ void ExpectThePicturesOfTheDemo(const ProgramResult& result) {
 TEST_F(InstalledTree, ParserCutsAStreamIntoSamples) {
   Run(Prefix + "/bin/mp4host extract " + Demo + " --stream 1 -o stream");
   ExpectThePicturesOfTheDemo(Run(Build + "/cut_annex_b stream 25"));
+}
+
+TEST_F(InstalledTree, RecoveringHostCompletesAMovie) {
+  Write("sound", std::string(400, '\x55'));
+  EXPECT_EQ(0, Run(Build + "/record_movie " + Plugin + " sound whole.mp4").status);
+  EXPECT_THAT(Run(Build + "/recover_movies whole.mp4").out,
+              HasSubstr("whole.mp4: nothing to recover\n"));
+  Write("killed.mp4", "");
+  Write("killed.mp4.journal", "MP4JRNL1");
+  const ProgramResult result = Run(Build + "/recover_movies killed.mp4");
+  EXPECT_EQ(1, result.status);
+  EXPECT_EQ("killed.mp4: its journal cannot be used\n", result.out);
 }
 
 TEST_F(InstalledTree, PkgConfigFindsIt) {

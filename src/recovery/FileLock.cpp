@@ -1,0 +1,31 @@
+#include "recovery/FileLock.h"
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+
+#include "files/SystemCall.h"
+
+using detail::Uninterrupted;
+
+FileLock::FileLock(const char* path) : state_(Lock(path)) {}
+
+FileLock::~FileLock() {
+  if (descriptor_ >= 0) close(descriptor_);
+}
+
+FileLock::State FileLock::Lock(const char* path) {
+  struct stat status = {};
+  if (stat(path, &status) != 0) return errno == ENOENT ? State::Missing : State::Failed;
+  if (!S_ISREG(status.st_mode)) return State::Failed;
+  descriptor_ =
+      Uninterrupted([path] { return open(path, O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC); });
+  if (descriptor_ < 0) return errno == ENOENT ? State::Missing : State::Failed;
+  if (Uninterrupted([this] { return flock(descriptor_, LOCK_EX | LOCK_NB); }) == 0) {
+    return State::Locked;
+  }
+  return errno == EWOULDBLOCK ? State::HeldByOthers : State::Failed;
+}

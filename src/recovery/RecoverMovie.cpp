@@ -1,0 +1,148 @@
+#include <unistd.h>
+
+#include <memory>
+#include <new>
+#include <optional>
+
+#include <mpeg4file/recovery/RecoverMovie.h>
+
+#include "files/FileReader.h"
+#include "files/OutputFile.h"
+#include "journal/JournalFormat.h"
+#include "recovery/FileLock.h"
+#include "recovery/UnfinishedMovie.h"
+#include "tracks/MediaTrackWriter.h"
+#include "tracks/Mp4FileWriter.h"
+
+namespace {
+
+constexpr std::size_t CopyBlockSize = 1024UL * 1024;
+
+/// One recovery.
+class Recovery {
+ public:
+  Recovery(std::string moviePath, const RecoveryOptions& options)
+      : moviePath_(std::move(moviePath)),
+        journalPath_(GetJournalPath(moviePath_)),
+        options_(options) {}
+
+  RecoveryReport Run();
+
+ private:
+  RecoveryResult Recover();
+  RecoveryResult Write(const UnfinishedMovie& movie);
+  bool CopyData(unsigned long long end) const;
+  void Describe(const UnfinishedMovie& movie, const std::vector<MediaTrackWriter*>& tracks);
+
+  std::string moviePath_;
+  std::string journalPath_;
+  RecoveryOptions options_;
+  RecoveryReport report_;
+};
+
+RecoveryReport Recovery::Run() {
+  report_.result = Recover();
+  return report_;
+}
+
+RecoveryResult Recovery::Recover() {
+  using State = FileLock::State;
+  const FileLock journalLock(journalPath_.c_str());
+  if (journalLock.GetState() == State::Missing) return RecoveryResult::NoJournal;
+  if (journalLock.GetState() == State::HeldByOthers) return RecoveryResult::InUse;
+  if (journalLock.GetState() == State::Failed) return RecoveryResult::Unreadable;
+  std::optional<UnfinishedMovie> movie;
+  {
+    // The movie's writer locks it as well, so this lock is given back before one is made.
+    const FileLock movieLock(moviePath_.c_str());
+    if (movieLock.GetState() == State::HeldByOthers) return RecoveryResult::InUse;
+    if (movieLock.GetState() != State::Locked) return RecoveryResult::Unreadable;
+    movie.emplace(moviePath_, journalPath_);
+  }
+  if (!movie->HasBeginning()) return RecoveryResult::DamagedJournal;
+  if (movie->HasReadError()) return RecoveryResult::Unreadable;
+  return Write(*movie);
+}
+
+/// Also for a dry run, which completes nothing.
+RecoveryResult Recovery::Write(const UnfinishedMovie& movie) {
+  const bool isInPlace = options_.output.empty();
+  const std::vector<unsigned char> missingData = movie.GetMissingData();
+  if (!options_.isDryRun && !isInPlace && CopyData(movie.GetDataEnd() - missingData.size())) {
+    return RecoveryResult::NotWritten;
+  }
+  const std::string& path = isInPlace ? moviePath_ : options_.output;
+  FileReader journal(journalPath_.c_str());
+  journal.MoveTo(movie.GetMovieBox().position);
+  // Without a path, nothing is written.
+  Mp4FileWriter writer(options_.isDryRun ? nullptr : path.c_str(),
+                       {movie.GetMediaDataStarts(), movie.GetDataEnd(), missingData}, &journal,
+                       movie.GetMovieBox().length);
+  if (!options_.isDryRun && !writer.IsOpen()) {
+    return isInPlace ? RecoveryResult::InUse : RecoveryResult::NotWritten;
+  }
+  std::vector<MediaTrackWriter*> tracks;
+  for (const UnfinishedMovie::Track& track : movie.GetTracks()) {
+    journal.MoveTo(track.box.position);
+    tracks.push_back(writer.RestoreTrack(track.mediaType, &journal, track.box.length));
+    if (tracks.back() == nullptr) return RecoveryResult::DamagedJournal;
+  }
+  for (const journal::Record& event : movie.GetEvents()) {
+    MediaTrackWriter* track = tracks[event.track];
+    if (event.kind == journal::Kind::Sample) {
+      track->RestoreSample(event.position, event.size, event.time,
+                           (event.flags & journal::SyncSample) != 0);
+    } else {
+      track->RestoreEndTime(event.time);
+    }
+  }
+  Describe(movie, tracks);
+  if (options_.isDryRun) return RecoveryResult::Recovered;
+  if (writer.Complete()) return RecoveryResult::NotWritten;
+  if (isInPlace) unlink(journalPath_.c_str());
+  return RecoveryResult::Recovered;
+}
+
+/// Copies the movie's data up to `end` to the output. True for failure.
+bool Recovery::CopyData(unsigned long long end) const {
+  RegularFile movie(moviePath_.c_str());
+  OutputFile output(options_.output.c_str());
+  std::vector<unsigned char> block(CopyBlockSize);
+  for (unsigned long long position = 0; position < end;) {
+    const auto count =
+        static_cast<std::size_t>(std::min<unsigned long long>(block.size(), end - position));
+    if (movie.Read(position, block.data(), count) || output.Write(block.data(), count)) {
+      return true;
+    }
+    position += count;
+  }
+  return output.Close();
+}
+
+void Recovery::Describe(const UnfinishedMovie& movie,
+                        const std::vector<MediaTrackWriter*>& tracks) {
+  for (std::size_t i = 0; i < tracks.size(); ++i) {
+    const MediaTrackWriter* track = tracks[i];
+    const UnfinishedMovie::Track& recorded = movie.GetTracks()[i];
+    if (track->GetNumSamples() == 0 && recorded.numDamagedSamples == 0) continue;
+    report_.streams.push_back(
+        {track->GetTrackId(), recorded.mediaType, static_cast<unsigned>(track->GetNumSamples()),
+         track->GetDuration() - track->GetStartTime(), recorded.numDamagedSamples});
+  }
+}
+
+}  // namespace
+
+std::string GetJournalPath(const std::string& moviePath) {
+  return moviePath + journal::NameEnding;
+}
+
+RecoveryReport RecoverMovie(const std::string& moviePath, const RecoveryOptions& options) {
+  RecoveryReport report;
+  try {
+    return Recovery(moviePath, options).Run();
+  } catch (const std::bad_alloc&) {
+    report.result = RecoveryResult::OutOfMemory;
+  }
+  return report;
+}

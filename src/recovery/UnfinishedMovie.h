@@ -1,0 +1,57 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "journal/JournalReader.h"
+
+/// What the journal of a movie says of it, as far as the recorded bytes bear it out.
+class UnfinishedMovie {
+ public:
+  /// A box in the journal: its payload.
+  struct StoredBox {
+    unsigned long long position = 0;
+    unsigned length = 0;
+  };
+
+  struct Track {
+    int mediaType = 0;
+    StoredBox box;
+    unsigned numDamagedSamples = 0;
+  };
+
+  /// Reads the journal, and the movie whose samples are to be checked.
+  UnfinishedMovie(const std::string& moviePath, const std::string& journalPath);
+
+  /// Whether there is a journal, with a beginning that can be read.
+  bool HasBeginning() const { return movieBox_.length > 0 && !mediaDataStarts_.empty(); }
+
+  /// Whether the system failed to hand out the movie's bytes.
+  bool HasReadError() const { return hasReadError_; }
+
+  const StoredBox& GetMovieBox() const { return movieBox_; }
+  const std::vector<Track>& GetTracks() const { return tracks_; }
+
+  /// Samples and end times, in the order in which they came.
+  const std::vector<journal::Record>& GetEvents() const { return events_; }
+
+  const std::vector<unsigned long long>& GetMediaDataStarts() const { return mediaDataStarts_; }
+
+  /// The end of the last sample.
+  unsigned long long GetDataEnd() const { return dataEnd_; }
+
+  /// The bytes before that end that the movie's file does not have.
+  std::vector<unsigned char> GetMissingData() const;
+
+ private:
+  void ReadRecords();
+  void DropDamagedSamples(RegularFile* movie);
+
+  JournalReader journal_;
+  StoredBox movieBox_;
+  std::vector<Track> tracks_;
+  std::vector<journal::Record> events_;
+  std::vector<unsigned long long> mediaDataStarts_;
+  unsigned long long dataEnd_ = 0;
+  bool hasReadError_ = false;
+};

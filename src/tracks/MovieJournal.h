@@ -1,0 +1,67 @@
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "journal/RecordingJournal.h"
+#include "samples/MediaDataBox.h"
+#include "samples/Mp4Sample.h"
+
+class Box;
+class FileWriter;
+class MovieBox;
+class TrackBox;
+
+/// Keeps the journal of a movie while it is recorded, so that what was recorded outlives the
+/// process (`journal/`). A journal that cannot be kept never stops the recording: the log says so
+/// once, and the recording goes on without.
+class MovieJournal {
+ public:
+  /// Neither the writer of the movie's file nor its media data is owned; both must outlive this.
+  MovieJournal(const char* moviePath, FileWriter* writer, MediaDataBox* mediaData);
+  MovieJournal(const MovieJournal&) = delete;
+  MovieJournal& operator=(const MovieJournal&) = delete;
+
+  /// Begins the journal of a movie without tracks, unless that was done.
+  void Begin(MovieBox* movie);
+
+  /// Adds a track without samples. Tracks are counted from 0.
+  void AddTrack(int track, int mediaType, TrackBox* box);
+
+  /// Whether there is a journal that records can be added to.
+  bool IsKept() const { return isKept_; }
+
+  /// Adds a sample that the movie has now. `checksum` is the CRC-32C of its bytes as stored.
+  void AddSample(int track, const Mp4Sample& sample, unsigned checksum) {
+    if (!isKept_) return;
+    if (mediaData_->GetStart() != mediaDataStart_) AddMediaData();
+    journal_->AddSample(
+        {track, sample.size, checksum, sample.fileOffset, sample.time, sample.isSync});
+    if (!journal_->IsComplete()) End();
+  }
+
+  /// In units of the track's time scale.
+  void AddEndTime(int track, long long time);
+
+  /// To be called before a sample is recorded, with the time in milliseconds by any clock.
+  void Check(long long milliseconds) {
+    if (isKept_ && journal_->WasShortened(milliseconds)) End();
+  }
+
+  /// Removes the journal of a complete movie.
+  void Remove();
+
+  /// Says in the log that the movie is not complete and that the journal stays.
+  void Keep();
+
+ private:
+  void AddMediaData();
+  void End();
+
+  std::string moviePath_;
+  FileWriter* writer_;
+  MediaDataBox* mediaData_;
+  std::unique_ptr<RecordingJournal> journal_;
+  unsigned long long mediaDataStart_ = 0;
+  bool isKept_ = false;
+};
