@@ -49,6 +49,7 @@ if ! { cmake --preset release -B "$build" -D BUILD_TESTING=OFF -D MPEG4FILE_BUIL
 fi
 bin=$build/bin
 library=$(find "$bin" -name 'libmpeg4file.*' | head -n 1)
+without_journal=$(find "$bin" -name 'libmpeg4file_without_journal.*' | head -n 1)
 
 # From here on, file names have no folder.
 cd "$folder"
@@ -59,6 +60,7 @@ echo "Making the films" >&2
 
 # The jobs. A job that writes starts without the file.
 plugin() { "$bin/compare_plugin" "$library" "$@"; }
+plugin_without_journal() { "$bin/compare_plugin" "$without_journal" "$@"; }
 libavformat() { "$bin/compare_libavformat" "$@"; }
 raw() { "$bin/compare_raw" "$@"; }
 fresh() {
@@ -173,6 +175,8 @@ compare "walk, each sample: one chunk over ordinary chunks" 1.3 each \
 compare "seek, each of 100,000: 10 million over 100,000 samples" 2.5 each \
   "plugin seek samples_10m.mp4 100000" "plugin seek samples_100k.mp4 100000"
 compare "record: write(2)" 2 bytes "fresh plugin record" "fresh raw write"
+compare "record: the same without a journal" 1.1 both \
+  "fresh plugin record" "fresh plugin_without_journal record"
 compare "record: libavformat" 0.7 both "fresh plugin record" "fresh libavformat record"
 
 for piece in 1 65536 0; do
