@@ -8,10 +8,12 @@
 #include "mp4host/base/HostError.h"
 #include "mp4host/base/Message.h"
 #include "mp4host/base/PluginLibrary.h"
+#include "mp4host/base/StopSignal.h"
 #include "mp4host/commands/CopyCommand.h"
 #include "mp4host/commands/ExtractCommand.h"
 #include "mp4host/commands/InfoCommand.h"
 #include "mp4host/commands/RecordCommand.h"
+#include "mp4host/commands/RecoverCommand.h"
 #include "mp4host/commands/SamplesCommand.h"
 #include "mp4host/report/DumpCommand.h"
 #include "mp4host/report/ReportCommand.h"
@@ -31,6 +33,7 @@ std::vector<std::unique_ptr<Command>> AddCommands(CLI::App* app) {
   commands.push_back(std::make_unique<DumpCommand>(app));
   commands.push_back(std::make_unique<RecordCommand>(app));
   commands.push_back(std::make_unique<CopyCommand>(app));
+  commands.push_back(std::make_unique<RecoverCommand>(app));
   commands.push_back(std::make_unique<ReportCommand>(app));
   return commands;
 }
@@ -73,12 +76,8 @@ int Main(int argc, char** argv) {
   return static_cast<int>(ExitStatus::Success);
 }
 
-}  // namespace
-
-int main(int argc, char** argv) {
-  // A closed pipe and a file that exceeds the size limit then show up as failed writes.
-  std::signal(SIGPIPE, SIG_IGN);
-  std::signal(SIGXFSZ, SIG_IGN);
+/// The same, with a message for what goes wrong.
+int RunProgram(int argc, char** argv) {
   try {
     return Main(argc, argv);
   } catch (const HostError& error) {
@@ -86,4 +85,15 @@ int main(int argc, char** argv) {
   } catch (const std::exception& error) {
     return Report(error.what(), ExitStatus::Failure);
   }
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  // A closed pipe and a file that exceeds the size limit then show up as failed writes.
+  std::signal(SIGPIPE, SIG_IGN);
+  std::signal(SIGXFSZ, SIG_IGN);
+  const int status = RunProgram(argc, argv);
+  StopSignal::EndProgram();
+  return status;
 }

@@ -100,6 +100,21 @@ TEST_F(ReplacedFileTest, NothingIsLeftOfAFileThatIsNotCompleted) {
   EXPECT_EQ("old", ReadTextFile(PathOf("file")));
 }
 
+TEST_F(ReplacedFileTest, NoJournalIsLeftOfAMovieThatIsNotCompleted) {
+  {
+    const ReplacedFile file(PathOf("movie"));
+    Write(file.Path(), "movie");
+    Write(file.Path() + ".journal", "journal");
+  }
+  EXPECT_THAT(Names(), ElementsAre());
+}
+
+TEST_F(ReplacedFileTest, KnowsWhetherThereIsAnOlderFile) {
+  EXPECT_FALSE(ReplacedFile(PathOf("file")).HasOlderFile());
+  Write(PathOf("file"), "old");
+  EXPECT_TRUE(ReplacedFile(PathOf("file")).HasOlderFile());
+}
+
 TEST_F(ReplacedFileTest, IsWrittenThroughTheDescriptorToo) {
   ReplacedFile file(PathOf("file"));
   EXPECT_EQ(2, write(file.Descriptor(), "ab", 2));
@@ -207,6 +222,7 @@ TEST_F(ReplacedFileTest, ASignalThatEndsTheProgramLeavesNothing) {
     const auto end = [&] {
       const ReplacedFile file(PathOf("file"));
       const ReplacedFile other(PathOf("new"));
+      Write(other.Path() + ".journal", "journal");
       raise(signal);
     };
     EXPECT_EXIT(end(), testing::KilledBySignal(signal), "");

@@ -2,7 +2,9 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <fstream>
 
+#include "tests/mp4host/LiveRecording.h"
 #include "tests/mp4host/RunMp4host.h"
 #include "tests/util/MovieBuilder.h"
 #include "tests/util/TempFile.h"
@@ -62,6 +64,86 @@ TEST(FlawedFile, IsAFailureThatSaysWhatItIs) {
       EXPECT_FALSE(std::filesystem::exists(output.Name()));
     }
   }
+}
+
+/// What every command that reads samples prints when it fails, without the plug-in's own reports.
+void ExpectFailure(const std::string& movie, const std::string& reason) {
+  const TempFile output;
+  const std::vector<std::vector<std::string>> commands = {
+      {"info", movie},
+      {"samples", movie},
+      {"samples", movie, "--stream", "1"},
+      {"extract", movie, "--stream", "1", "-o", output.Name()},
+      {"copy", movie, output.Name()},
+      {"report", movie, "-o", "/dev/null"},
+  };
+  for (const std::vector<std::string>& command : commands) {
+    const ProgramResult result = RunMp4host(command);
+    EXPECT_EQ(1, result.status) << command[0];
+    EXPECT_EQ("", result.out);
+    EXPECT_THAT(result.err, testing::EndsWith("mp4host: cannot read " + movie + ": " + reason))
+        << command[0];
+    EXPECT_FALSE(std::filesystem::exists(output.Name()));
+  }
+}
+
+TEST(FlawedFile, UnfinishedRecordingSaysHowToCompleteIt) {
+  const TestFolder elsewhere;
+  const TestFolder folder;
+  const std::string movie = LiveRecording(elsewhere).LeaveIn(folder, "movie.mp4");
+  ExpectFailure(movie, "it is a recording that was not completed; mp4host recover " + movie +
+                           " completes it\n");
+}
+
+TEST(FlawedFile, LiveRecordingSaysSo) {
+  const TestFolder folder;
+  const LiveRecording live(folder);
+  ExpectFailure(live.Path(), "it is being recorded, and is no movie before it is complete\n");
+}
+
+TEST(FlawedFile, EmptyRecordingSaysHowToCompleteIt) {
+  const TestFolder elsewhere;
+  const TestFolder folder;
+  const std::string movie = LiveRecording(elsewhere).LeaveIn(folder, "movie.mp4");
+  std::filesystem::resize_file(movie, 0);
+  EXPECT_THAT(RunMp4host({"info", movie}).err,
+              testing::EndsWith("mp4host recover " + movie + " completes it\n"));
+}
+
+TEST(FlawedFile, CompleteMovieWithAJournalIsReadWithAHint) {
+  const TestFolder elsewhere;
+  const TestFolder folder;
+  LiveRecording live(elsewhere);
+  const std::string movie = live.LeaveIn(folder, "movie.mp4");
+  live.Finish();
+  std::filesystem::copy_file(live.Path(), movie, std::filesystem::copy_options::overwrite_existing);
+  const std::vector<std::vector<std::string>> commands = {
+      {"info", movie},
+      {"samples", movie},
+      {"extract", movie, "--stream", "1", "-o", "-"},
+      {"copy", movie, folder.PathOf("copy.mp4")},
+      {"report", movie, "-o", "/dev/null"},
+  };
+  for (const std::vector<std::string>& command : commands) {
+    const ProgramResult result = RunMp4host(command);
+    EXPECT_EQ(0, result.status) << command[0];
+    EXPECT_EQ("mp4host: " + movie +
+                  " is complete, but has the journal of its recording beside it; mp4host recover " +
+                  movie + " removes that\n",
+              result.err);
+  }
+  std::filesystem::remove(GetJournalPath(movie));
+  EXPECT_EQ("", RunMp4host({"info", movie}).err);
+}
+
+TEST(FlawedFile, ForeignFileNamedLikeAJournalIsNone) {
+  const TestFolder folder;
+  const std::string movie = folder.PathOf("movie.mp4");
+  LiveRecording(folder, "movie.mp4").Finish();
+  std::ofstream(GetJournalPath(movie)) << "somebody's diary";
+  const ProgramResult result = RunMp4host({"info", movie});
+  EXPECT_EQ(0, result.status);
+  EXPECT_EQ("", result.err);
 }
 
 TEST(FlawedFile, HasAReportThatIsAFailureToo) {

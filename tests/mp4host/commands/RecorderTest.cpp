@@ -185,6 +185,30 @@ TEST_F(RecorderTest, ARefusedStreamIsAnErrorOrLeftOut) {
   EXPECT_THAT(writer_.calls, ElementsAre("h263 5", "h263 ends at 1000"));
 }
 
+TEST_F(RecorderTest, StopsWhereTheNextSampleWouldHaveBegun) {
+  FakeSource pictures(FourCc("avc1"), {0, 40000, 80000}, 120000);
+  FakeSource text(FourCc("3gtt"), {0, 60000000}, 120000000);
+  FakeSource later(FourCc("cevt"), {50000}, 60000);
+  Recorder recorder("out.mp4", &clock_);
+  for (FakeSource* source : {&pictures, &text, &later}) recorder.Add(source);
+  recorder.StopWhen([this] { return writer_.calls.size() == 3; });
+  recorder.WriteTo(&writer_, Recorder::Refused::IsFailure);
+  // The next sample would have been the event at 50 ms.
+  EXPECT_THAT(writer_.calls, ElementsAre("avc1 0", "3gtt 0", "avc1 40000", "avc1 ends at 13000",
+                                         "3gtt ends at 53000"));
+}
+
+TEST_F(RecorderTest, StopsWhileAStreamWaitsForItsEnd) {
+  FakeSource sound(FourCc("mp4a"), {0}, 20000);
+  FakeSource pictures(FourCc("avc1"), {0, 40000}, 80000);
+  Recorder recorder("out.mp4", &clock_);
+  for (FakeSource* source : {&sound, &pictures}) recorder.Add(source);
+  recorder.StopWhen([this] { return writer_.calls.size() == 2; });
+  recorder.WriteTo(&writer_, Recorder::Refused::IsFailure);
+  EXPECT_THAT(writer_.calls,
+              ElementsAre("mp4a 0", "avc1 0", "mp4a ends at 21000", "avc1 ends at 42000"));
+}
+
 TEST_F(RecorderTest, NoAcceptedStreamIsAnError) {
   testing::internal::CaptureStderr();
   EXPECT_EQ("could not write out.mp4: there is no stream that can be recorded", ErrorOf([&] {

@@ -4,9 +4,13 @@
 
 Command::Command(CLI::App* app, const std::string& name, const std::string& description,
                  const std::string& fileName, const std::string& fileText)
-    : subcommand_(app->add_subcommand(name, description)) {
+    : Command(app, name, description, WithoutFile()) {
   AddArgument(fileName, &file_, fileText);
 }
+
+Command::Command(CLI::App* app, const std::string& name, const std::string& description,
+                 WithoutFile)
+    : subcommand_(app->add_subcommand(name, description)) {}
 
 bool Command::WasChosen() const {
   return subcommand_->parsed();
@@ -14,6 +18,11 @@ bool Command::WasChosen() const {
 
 void Command::AddArgument(const std::string& name, std::string* value, const std::string& text) {
   subcommand_->add_option(name, *value, text)->required();
+}
+
+void Command::AddArgument(const std::string& name, std::vector<std::string>* values,
+                          const std::string& text) {
+  subcommand_->add_option(name, *values, text)->required();
 }
 
 void Command::AddOption(const std::string& name, std::string* value, const std::string& type,

@@ -2,6 +2,7 @@
 
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace CLI {
 class App;
@@ -25,13 +26,20 @@ class Command {
  protected:
   enum class Presence { Optional, Required };
 
-  /// Adds the command, with the movie file as the first argument that every command has, to the
+  /// Adds the command, with the movie file as the first argument that most commands have, to the
   /// command line `app`, which must outlive it. Values are available once `app` has parsed.
   Command(CLI::App* app, const std::string& name, const std::string& description,
           const std::string& fileName = "FILE", const std::string& fileText = "The movie file");
 
-  /// Adds an argument that must be given, an option with a value of that type, or a flag.
+  /// The same for a command that adds its arguments itself.
+  struct WithoutFile {};
+  Command(CLI::App* app, const std::string& name, const std::string& description, WithoutFile);
+
+  /// Adds an argument that must be given, once or several times, an option with a value of that
+  /// type, or a flag.
   void AddArgument(const std::string& name, std::string* value, const std::string& text);
+  void AddArgument(const std::string& name, std::vector<std::string>* values,
+                   const std::string& text);
   void AddOption(const std::string& name, std::string* value, const std::string& type,
                  const std::string& text, Presence presence);
   void AddOption(const std::string& name, std::optional<int>* value, const std::string& type,

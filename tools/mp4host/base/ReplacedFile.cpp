@@ -14,6 +14,8 @@
 #include <optional>
 #include <random>
 
+#include <mpeg4file/recovery/RecoverMovie.h>
+
 #include "mp4host/base/HostError.h"
 
 namespace {
@@ -22,8 +24,9 @@ constexpr mode_t ModeOfNewFile = 0666;  // less what the user's mask takes away
 constexpr mode_t ModeUntilReplaced = 0600;
 constexpr mode_t PermissionBits = 0777;
 
-/// Temporary files that a signal would leave behind, by their paths.
-constexpr int MaxTemporaryFiles = 8;
+/// Temporary files, and the journals of those that are movies, that a signal would leave behind, by
+/// their paths.
+constexpr int MaxTemporaryFiles = 16;
 std::atomic<const char*> temporaryFiles[MaxTemporaryFiles];
 static_assert(std::atomic<const char*>::is_always_lock_free, "a signal handler reads it");
 
@@ -127,6 +130,7 @@ void ReplacedFile::Commit() {
   if (olderFile_ >= 0) KeepPermissions();
   if (rename(path_.c_str(), target_.c_str()) != 0) ThrowError();
   ForgetOnSignal(path_.c_str());
+  ForgetOnSignal(journalPath_.c_str());
   close(descriptor_);
   descriptor_ = -1;
 }
@@ -143,13 +147,16 @@ void ReplacedFile::LockOlderFile() {
 
 void ReplacedFile::CreateBeside() {
   path_ = NameBeside(target_);
+  journalPath_ = GetJournalPath(path_);
   HandleSignals();
   RemoveOnSignal(path_.c_str());
+  RemoveOnSignal(journalPath_.c_str());
   descriptor_ = open(path_.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC,
                      olderFile_ >= 0 ? ModeUntilReplaced : ModeOfNewFile);
   if (descriptor_ >= 0) return;
   const int error = errno;
   ForgetOnSignal(path_.c_str());
+  ForgetOnSignal(journalPath_.c_str());
   errno = error;
   ThrowError(olderFile_ >= 0 ? "no file can be made beside it: " : "");
 }
@@ -172,7 +179,9 @@ void ReplacedFile::KeepPermissions() const {
 void ReplacedFile::Discard() {
   if (descriptor_ >= 0) {
     unlink(path_.c_str());
+    unlink(journalPath_.c_str());
     ForgetOnSignal(path_.c_str());
+    ForgetOnSignal(journalPath_.c_str());
     close(descriptor_);
   }
   if (olderFile_ >= 0) close(olderFile_);

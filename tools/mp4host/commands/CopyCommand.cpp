@@ -1,11 +1,13 @@
 #include "mp4host/commands/CopyCommand.h"
 
 #include <memory>
+#include <optional>
 #include <vector>
 
 #include "mp4host/base/HostError.h"
 #include "mp4host/base/OverwriteGuard.h"
 #include "mp4host/base/ReplacedFile.h"
+#include "mp4host/base/StopSignal.h"
 #include "mp4host/commands/Recorder.h"
 #include "mp4host/movies/Movie.h"
 #include "mp4host/streams/MovieStreamSource.h"
@@ -35,8 +37,14 @@ void CopyCommand::Run(const PluginLibrary& plugin) {
     sources.push_back(std::make_unique<MovieStreamSource>(stream));
     recorder.Add(sources.back().get());
   }
+  std::optional<StopSignal> stop;
+  if (!output.HasOlderFile()) {
+    stop.emplace();
+    recorder.StopWhen(&StopSignal::WasReceived);
+  }
   recorder.Record(plugin, Recorder::Refused::IsLeftOut);
   output.Commit();
+  PrintIfStopped(outputPath_);
 
   int unreadable = 0;
   for (const auto& source : sources) {

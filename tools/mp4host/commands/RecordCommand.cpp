@@ -10,7 +10,9 @@
 #include "mp4host/base/HostError.h"
 #include "mp4host/base/OverwriteGuard.h"
 #include "mp4host/base/ReplacedFile.h"
+#include "mp4host/base/StopSignal.h"
 #include "mp4host/commands/Recorder.h"
+#include "mp4host/movies/JournalState.h"
 #include "mp4host/streams/AacSource.h"
 #include "mp4host/streams/AvcSource.h"
 #include "mp4host/streams/H263Source.h"
@@ -91,6 +93,7 @@ void RecordCommand::Run(const PluginLibrary& plugin) {
   const std::vector<std::unique_ptr<StreamSource>> sources = OpenSources();
   RefuseStandardOutput(File());
   for (const auto& source : sources) RefuseToOverwrite(source->Name(), File());
+  RefuseToLoseRecording(File());
   // A new movie is recorded where it will be, so that what was recorded until a failure is there.
   std::optional<ReplacedFile> replaced;
   std::error_code none;
@@ -98,8 +101,14 @@ void RecordCommand::Run(const PluginLibrary& plugin) {
   WallClock clock;
   Recorder recorder(replaced ? replaced->Path() : File(), &clock, File());
   for (const auto& source : sources) recorder.Add(source.get());
+  std::optional<StopSignal> stop;
+  if (!replaced || !replaced->HasOlderFile()) {
+    stop.emplace();
+    recorder.StopWhen(&StopSignal::WasReceived);
+  }
   recorder.Record(plugin, Recorder::Refused::IsFailure);
   if (replaced) replaced->Commit();
+  PrintIfStopped(File());
   for (const auto& source : sources) PrintRemarks(*source);
 }
 

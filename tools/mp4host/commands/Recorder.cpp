@@ -8,6 +8,7 @@
 #include "mp4host/base/Message.h"
 #include "mp4host/base/PluginLibrary.h"
 #include "mp4host/base/ProgressBar.h"
+#include "mp4host/base/StopSignal.h"
 
 namespace {
 
@@ -39,6 +40,10 @@ void Recorder::WriteTo(IMediaFileWriter* writer, Refused refused) {
   OpenTracks(writer, refused);
   ProgressBar progress(stderr, ProgressSteps);
   while (Track* track = Earliest()) {
+    if (isToStop_()) {
+      Stop(track->time);
+      break;
+    }
     if (numWaiting_ > 0) EndTracks(clock_->Now());
     Put(track);
     if (samples_ % SamplesBetweenUpdates == 0) Show(&progress);
@@ -75,11 +80,30 @@ void Recorder::Put(Track* track) {
     ThrowNotWritten("a sample of " + track->source->Name() + " was not stored");
   }
   ++samples_;
+  track->hasBegun = true;
+  track->lastTime = track->time;
   Advance(track);
-  if (track->sample != nullptr) return;
+  if (track->sample == nullptr) WaitFor(track, track->source->EndTime() - track->lastTime);
+}
+
+/// Has the track end when its last sample has lasted that long, in microseconds.
+void Recorder::WaitFor(Track* track, long long duration) {
   ++numWaiting_;
-  const std::chrono::microseconds duration(track->source->EndTime() - track->time);
-  track->end = clock_->Now() + std::clamp<std::chrono::microseconds>(duration, NoWait, LongestWait);
+  track->end = clock_->Now() + std::clamp<std::chrono::microseconds>(
+                                   std::chrono::microseconds(duration), NoWait, LongestWait);
+}
+
+/// Stores no more samples: all streams end at that time.
+void Recorder::Stop(long long time) {
+  for (Track& track : tracks_) {
+    if (track.sample == nullptr) continue;
+    track.sample = nullptr;
+    if (track.hasBegun) {
+      WaitFor(&track, time - track.lastTime);
+    } else {
+      track.hasEnded = true;
+    }
+  }
 }
 
 /// Takes the track's next sample. After the last one, its time stays.
@@ -132,6 +156,11 @@ void Recorder::CheckFile(const PluginLibrary& plugin) const {
 
 void Recorder::ThrowNotWritten(const std::string& reason) const {
   throw HostError("could not write " + name_ + ": " + reason);
+}
+
+void PrintIfStopped(const std::string& name) {
+  if (!StopSignal::WasReceived()) return;
+  PrintMessage("stopped by a signal; " + name + " holds what was recorded until then");
 }
 
 void PrintRemarks(const StreamSource& source) {

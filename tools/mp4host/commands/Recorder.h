@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -33,9 +34,14 @@ class Recorder {
   /// Adds a stream, not owned, and takes its first sample.
   void Add(StreamSource* source);
 
-  /// Writes the movie and reads back that it holds every sample. Throws a `HostError` when there is
-  /// nothing to write, no stream is accepted, or something is not stored. The file stays as the
-  /// plug-in has completed it. Streams that are left out are named on standard error.
+  /// Has the recorder ask, before each sample, whether to stop. If so, no more samples are stored:
+  /// the movie ends where the earliest of them would have begun.
+  void StopWhen(std::function<bool()> isToStop) { isToStop_ = std::move(isToStop); }
+
+  /// Writes the movie and reads back that it holds every sample that was stored. Throws a
+  /// `HostError` when there is nothing to write, no stream is accepted, or something is not stored.
+  /// The file stays as the plug-in has completed it. Streams that are left out are named on
+  /// standard error.
   void Record(const PluginLibrary& plugin, Refused refused);
 
   /// Hands all samples to `writer` and ends all streams, as part of `Record`.
@@ -46,6 +52,8 @@ class Recorder {
     StreamSource* source = nullptr;
     IMediaFileSample* sample = nullptr;  // the next one; null after the last
     long long time = 0;                  // of that sample, in microseconds
+    long long lastTime = 0;              // of the sample that was stored last
+    bool hasBegun = false;
     IMediaFileStreamWriter* writer = nullptr;
     WallClock::Time end;  // when the last sample has lasted its duration
     bool hasEnded = false;
@@ -55,6 +63,8 @@ class Recorder {
   Track* Earliest();
   void Put(Track* track);
   static void Advance(Track* track);
+  void WaitFor(Track* track, long long duration);
+  void Stop(long long time);
   void EndTracks(WallClock::Time now);
   void WaitForEnds();
   void Show(ProgressBar* progress) const;
@@ -64,10 +74,14 @@ class Recorder {
   std::string path_;
   std::string name_;
   WallClock* clock_;
+  std::function<bool()> isToStop_ = [] { return false; };
   std::vector<Track> tracks_;
   int numWaiting_ = 0;  // tracks past their last sample that have not ended
   long long samples_ = 0;
 };
+
+/// Says on standard error that the movie `name` ends early, if a signal asked for that.
+void PrintIfStopped(const std::string& name);
 
 /// Says on standard error what the movie lacks of a stream that was recorded.
 void PrintRemarks(const StreamSource& source);

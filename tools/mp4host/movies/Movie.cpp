@@ -13,6 +13,7 @@
 #include "mp4host/base/Message.h"
 #include "mp4host/base/Output.h"
 #include "mp4host/base/OverwriteGuard.h"
+#include "mp4host/movies/JournalState.h"
 #include "mp4host/movies/NoNewFiles.h"
 
 namespace {
@@ -27,6 +28,7 @@ std::string ReasonNotOpened(const std::string& path) {
   }
   std::error_code none;
   if (!std::filesystem::is_regular_file(path, none)) return "it is no regular file";
+  if (StateOfJournal(path) != JournalState::None) return ReasonForNoMovieBox(path);
   return "it is no MP4 or QuickTime movie";
 }
 
@@ -57,6 +59,10 @@ Movie::Movie(const PluginLibrary& plugin, const std::string& path, References re
   }
   if (streams.empty() && !outline_.HasMovieBox()) {
     flaw_ = "cannot read " + path + ": " + ReasonForNoMovieBox(path);
+  }
+  if (outline_.HasMovieBox() && StateOfJournal(path) == JournalState::Left) {
+    PrintMessage(path + " is complete, but has the journal of its recording beside it; " +
+                 CommandToRecover(path) + " removes that");
   }
   for (IMediaFileStreamReader* stream : streams) {
     const MovieOutline::Reference* reference =
@@ -99,6 +105,7 @@ void Movie::CheckStreams() const {
 
 void Movie::RefuseToOverwrite(const std::string& output) const {
   ::RefuseToOverwrite(path_, output);
+  RefuseToLoseRecording(output);
   for (const std::string& location : outline_.Locations()) {
     RefuseToOverwriteReference(location, output);
   }

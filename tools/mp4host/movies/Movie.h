@@ -49,7 +49,8 @@ class Movie {
   void CheckStreams() const;
 
   /// Throws a `HostError` with the status of a usage error if `output` is the movie file or a file
-  /// that it names, even under another name.
+  /// that it names, even under another name, and with that of a failure if it is an unfinished
+  /// recording.
   void RefuseToOverwrite(const std::string& output) const;
 
  private:

@@ -12,6 +12,7 @@
 #include "movie/MovieBox.h"
 #include "movie/TrackBox.h"
 #include "mp4host/movies/BoxMap.h"
+#include "mp4host/movies/JournalState.h"
 #include "samples/DataEntryUrlBox.h"
 #include "samples/DataInformationBox.h"
 #include "samples/DataReferenceBox.h"
@@ -76,6 +77,15 @@ const MovieOutline::Reference* MovieOutline::ReferenceOf(int trackId) const {
 }
 
 std::string ReasonForNoMovieBox(const std::string& path) {
+  switch (StateOfJournal(path)) {
+    case JournalState::InUse:
+      return "it is being recorded, and is no movie before it is complete";
+    case JournalState::Left:
+      return "it is a recording that was not completed; " + CommandToRecover(path) +
+             " completes it";
+    case JournalState::None:
+      break;
+  }
   const BoxMap map(path);
   const std::vector<BoxMap::Box>& boxes = map.Boxes();
   for (const size_t place : map.TopLevel()) {

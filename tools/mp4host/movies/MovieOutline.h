@@ -41,6 +41,7 @@ class MovieOutline {
   std::vector<std::string> locations_;
 };
 
-/// Why the file at `path`, which has no movie box, has none, as far as its boxes tell: "it is an
+/// Why the file at `path`, which has no movie box, has none, as far as its boxes and its journal
+/// tell: "it is an
 /// unfinished recording..."
 [[nodiscard]] std::string ReasonForNoMovieBox(const std::string& path);

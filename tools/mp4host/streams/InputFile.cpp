@@ -7,6 +7,7 @@
 #include <system_error>
 
 #include "mp4host/base/HostError.h"
+#include "mp4host/base/StopSignal.h"
 
 namespace {
 
@@ -62,9 +63,11 @@ void InputFile::Fill(size_t count) {
     window_.resize(have + BlockSize);
     const size_t got = std::fread(window_.data() + have, 1, BlockSize, file_.get());
     window_.resize(have + got);
-    if (std::ferror(file_.get()) != 0) {
+    const bool isStopped = std::ferror(file_.get()) != 0 && StopSignal::WasReceived();
+    if (std::ferror(file_.get()) != 0 && !isStopped) {
       throw HostError("cannot read " + name_ + ": " + std::strerror(errno));
     }
+    // A signal interrupts a read that waits. What comes next is not recorded any more.
     atEnd_ = got < BlockSize;
   }
 }

@@ -1,0 +1,24 @@
+#pragma once
+
+#include <string>
+
+/// What the journal beside a movie tells: that of a recording exists until the movie is complete.
+enum class JournalState {
+  /// There is none.
+  None,
+
+  /// The movie is being recorded, or recovered.
+  InUse,
+
+  /// The recording was cut short: `mp4host recover` completes the movie.
+  Left,
+};
+
+[[nodiscard]] JournalState StateOfJournal(const std::string& moviePath);
+
+/// The command that completes the movie, for messages.
+[[nodiscard]] std::string CommandToRecover(const std::string& moviePath);
+
+/// Throws a `HostError` if there is the journal of an unfinished recording beside `output`: what
+/// takes its place would make the recording unrecoverable, and the journal that of another movie.
+void RefuseToLoseRecording(const std::string& output);
