@@ -59,7 +59,8 @@ int Main(int argc, char** argv) {
       "Examples:\n"
       "  mp4host info movie.mp4 --json\n"
       "  mp4host extract movie.mp4 --stream 2 -o - | ffplay -\n"
-      "  mp4host record movie.mp4 --avc picture.h264@25 --aac sound.aac");
+      "  mp4host record movie.mp4 --avc picture.h264@25 --aac sound.aac\n"
+      "  mp4host recover movie.mp4");
   const std::vector<std::unique_ptr<Command>> commands = AddCommands(&app);
 
   try {

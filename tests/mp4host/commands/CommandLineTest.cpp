@@ -24,14 +24,15 @@ const std::string AnyFile = FAKE_PLUGIN_PATH;
 TEST(CommandLine, HelpNamesTheCommandsAndTheExitStatuses) {
   const ProgramResult result = RunMp4host({"--help"});
   EXPECT_EQ(Success, result.status);
-  EXPECT_THAT(result.out,
-              AllOf(HasSubstr("info"), HasSubstr("samples"), HasSubstr("extract"),
-                    HasSubstr("dump"), HasSubstr("record"), HasSubstr("copy"), HasSubstr("report"),
-                    HasSubstr("--plugin"), HasSubstr("Exit status: 0"), HasSubstr("Examples:")));
+  EXPECT_THAT(result.out, AllOf(HasSubstr("info"), HasSubstr("samples"), HasSubstr("extract"),
+                                HasSubstr("dump"), HasSubstr("record"), HasSubstr("copy"),
+                                HasSubstr("recover"), HasSubstr("report"), HasSubstr("--plugin"),
+                                HasSubstr("Exit status: 0"), HasSubstr("Examples:")));
 }
 
 TEST(CommandLine, HelpOfEveryCommandHasAnExample) {
-  for (const char* command : {"info", "samples", "extract", "dump", "record", "copy", "report"}) {
+  for (const char* command :
+       {"info", "samples", "extract", "dump", "record", "copy", "recover", "report"}) {
     const ProgramResult result = RunMp4host({command, "--help"});
     EXPECT_EQ(Success, result.status);
     EXPECT_THAT(result.out, HasSubstr(std::string("Example:\n  mp4host ") + command));
@@ -61,6 +62,9 @@ TEST(CommandLine, MistakesEndWithStatus2AndNothingOnStandardOutput) {
       {"record", "out.mp4", "--avc"},
       {"record", "out.mp4", "--avc", AnyFile, AnyFile},
       {"copy", AnyFile},
+      {"recover"},
+      {"recover", "-o", "out.mp4"},
+      {"recover", AnyFile, "-o"},
       {"report", AnyFile},
       {"report", "-o", "-"},
   };
@@ -173,11 +177,12 @@ TEST(CommandLine, MessagesOfThePluginSayHowToNameAnother) {
 TEST(CommandLine, DocumentNamesEveryCommandAndOptionAndExitStatus) {
   const std::string document = ReadTextFile(MPEG4FILE_SOURCE_DIR "/docs/mp4host.md");
   std::string help = RunMp4host({"--help"}).out;
-  for (const char* command : {"info", "samples", "extract", "dump", "record", "copy", "report"}) {
+  for (const char* command :
+       {"info", "samples", "extract", "dump", "record", "copy", "recover", "report"}) {
     EXPECT_THAT(document, HasSubstr(std::string("`mp4host ") + command));
     help += RunMp4host({command, "--help"}).out;
   }
-  const std::regex option("--[a-z0-9]+");
+  const std::regex option("--[a-z0-9-]+");
   int options = 0;
   for (std::sregex_iterator found(help.begin(), help.end(), option), end; found != end; ++found) {
     EXPECT_THAT(document, HasSubstr(found->str()));

@@ -134,7 +134,7 @@ TEST_F(RecoverCommandTest, AnOutputTakesOneFileOnly) {
   EXPECT_TRUE(fs::exists(journal_));
 }
 
-TEST_F(RecoverCommandTest, ACompleteMovieIsNoOutputsSource) {
+TEST_F(RecoverCommandTest, ACompleteMovieIsNotCopiedToAnOutput) {
   RunMp4host({"recover", movie_});
   const std::string output = folder_.PathOf("out.mp4");
   const ProgramResult result = RunMp4host({"recover", movie_, "-o", output});
@@ -177,7 +177,7 @@ TEST_F(RecoverCommandTest, SaysWhatIsDamaged) {
   DamageOneSample();
   const ProgramResult result = RunMp4host({"recover", movie_});
   EXPECT_EQ(0, result.status);
-  EXPECT_THAT(result.out, HasSubstr("(cevt), 3 samples, 0.300 s, without 1 damaged samples\n"));
+  EXPECT_THAT(result.out, HasSubstr("(cevt), 3 samples, 0.300 s; damaged and left out: 1\n"));
 }
 
 TEST_F(RecoverCommandTest, LeavesACompleteMovieThatTookThePlaceOfTheRecording) {

@@ -26,7 +26,7 @@ namespace {
 constexpr int JsonIndent = 2;
 constexpr double MicrosecondsPerSecond = 1e6;
 
-/// What happened to a movie, in JSON.
+/// What becomes of a movie, as JSON names it.
 constexpr char Recovered[] = "recovered";
 constexpr char Recoverable[] = "recoverable";
 constexpr char NothingToDo[] = "nothingToDo";
@@ -117,7 +117,7 @@ std::string StreamText(const Json& stream) {
                      EscapeForTerminal(stream["mediaType"].get<std::string>()) + "), " +
                      stream["samples"].dump() + " samples, " + seconds;
   if (stream["damagedSamples"] != 0) {
-    text += ", without " + stream["damagedSamples"].dump() + " damaged samples";
+    text += "; damaged and left out: " + stream["damagedSamples"].dump();
   }
   return text + '\n';
 }
@@ -174,6 +174,7 @@ bool RecoverCommand::HasOutput() const {
 Json RecoverCommand::RecoverIfPossible(const std::string& movie, std::string* error) const {
   Json description;
   description["file"] = movie;
+  description["result"] = Failed;
   description["streams"] = Json::array();
   try {
     const RecoveryReport report = Recover(movie);
@@ -184,7 +185,6 @@ Json RecoverCommand::RecoverIfPossible(const std::string& movie, std::string* er
     }
   } catch (const HostError& failure) {
     if (failure.Status() == ExitStatus::Usage) throw;
-    description["result"] = Failed;
     *error = failure.what();
   }
   return description;

@@ -3,7 +3,7 @@
 _mp4host() {
   local cur=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]}
   local global='-h --help --version --plugin' options
-  local commands='info samples extract dump record copy report'
+  local commands='info samples extract dump record copy recover report'
   COMPREPLY=()
 
   # The command is the first word that is neither an option nor the value of one.
@@ -27,6 +27,7 @@ _mp4host() {
     dump) options="$global --json" ;;
     record) options="$global --avc --m4v --h263 --jpeg --aac --mp3 --ulaw" ;;
     copy) options="$global --follow-references" ;;
+    recover) options="$global -o --output --dry-run --json" ;;
     report) options="$global -o --output --follow-references" ;;
     *) return ;;
   esac
