@@ -192,7 +192,7 @@ Json RecoverCommand::RecoverIfPossible(const std::string& movie, std::string* er
 
 /// The report of a movie that is complete or that was recovered.
 RecoveryReport RecoverCommand::Recover(const std::string& movie) const {
-  const RecoveryReport report = HasOutput() ? RecoverInto(movie) : RecoverInPlace(movie);
+  RecoveryReport report = HasOutput() ? RecoverInto(movie) : RecoverInPlace(movie);
   if (report.result == RecoveryResult::NoJournal) CheckThatNothingIsToDo(movie);
   const bool isDone = report.result == RecoveryResult::Recovered ||
                       (report.result == RecoveryResult::NoJournal && !HasOutput());

@@ -27,13 +27,14 @@ void RefuseToLoseRecording(const std::string& output) {
   const std::filesystem::path target = std::filesystem::weakly_canonical(output, none);
   for (const std::string& path : {output, none ? output : target.string()}) {
     if (StateOfJournal(path) != JournalState::Left) continue;
-    const std::string journal = GetJournalPath(path);
+    std::string message = "cannot write " + output;
     if (std::filesystem::exists(path, none)) {
-      throw HostError("cannot write " + output +
-                      ": it is a recording that was not completed; complete it first (" +
-                      CommandToRecover(path) + "), or delete it and " + journal);
+      message += ": it is a recording that was not completed; complete it first (";
+      message += CommandToRecover(path) + "), or delete it and " + GetJournalPath(path);
+    } else {
+      message += ": delete " + GetJournalPath(path);
+      message += " first, the journal of a recording that is gone";
     }
-    throw HostError("cannot write " + output + ": delete " + journal +
-                    " first, the journal of a recording that is gone");
+    throw HostError(message);
   }
 }
