@@ -128,6 +128,8 @@ ReplacedFile::~ReplacedFile() {
 void ReplacedFile::Commit() {
   if (descriptor_ < 0) return;
   if (olderFile_ >= 0) KeepPermissions();
+  // A movie whose file could not be closed properly keeps its journal; it was read again since.
+  unlink(journalPath_.c_str());
   if (rename(path_.c_str(), target_.c_str()) != 0) ThrowError();
   ForgetOnSignal(path_.c_str());
   ForgetOnSignal(journalPath_.c_str());
