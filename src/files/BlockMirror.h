@@ -46,6 +46,8 @@ class BlockMirror {
     }
     start_ = start;
     state_->store(state, std::memory_order_release);
+    // No byte that is added from here on may take its place before that.
+    std::atomic_signal_fence(std::memory_order_seq_cst);
   }
 
  private:

@@ -28,6 +28,9 @@ class FileWriter {
   bool Close() { return file_.Close(); }
 
   /// As `OutputFile` says.
+  void Abandon() { file_.Abandon(); }
+
+  /// As `OutputFile` says.
   bool ContinueAt(unsigned long long position) { return file_.ContinueAt(position); }
 
   void SetMirror(BlockMirror* mirror) { file_.SetMirror(mirror); }

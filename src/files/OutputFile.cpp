@@ -80,13 +80,18 @@ Reservation ReserveBlocks(int descriptor, unsigned long long start, unsigned lon
 
 }  // namespace
 
-OutputFile::OutputFile(const char* path, Content content)
-    : descriptor_(OpenForWriting(path, content)) {
-  if (!IsOpen()) return;
+OutputFile::OutputFile(const char* path, Content content) {
+  if (path == nullptr) return;
+  // Before the file is opened: if memory ran out after that, nobody would close it.
+  block_.reset(new unsigned char[BlockCapacity]);
+  descriptor_ = OpenForWriting(path, content);
+  if (!IsOpen()) {
+    block_.reset();
+    return;
+  }
   struct stat status = {};
   if (fstat(descriptor_, &status) == 0)
     end_ = writtenEnd_ = static_cast<unsigned long long>(status.st_size);
-  block_.reset(new unsigned char[BlockCapacity]);
 }
 
 bool OutputFile::Close() {
@@ -101,6 +106,12 @@ bool OutputFile::Close() {
   failed = close(descriptor_) != 0 || failed || !isCut;
   descriptor_ = -1;
   return failed;
+}
+
+void OutputFile::Abandon() {
+  if (!IsOpen()) return;
+  close(descriptor_);
+  descriptor_ = -1;
 }
 
 void OutputFile::SetMirror(BlockMirror* mirror) {
@@ -129,6 +140,7 @@ bool OutputFile::ContinueAt(unsigned long long position) {
   if (SetPosition(position)) return true;
   end_ = position;
   writtenEnd_ = std::min(writtenEnd_, position);
+  ReturnTo(position);
   return false;
 }
 

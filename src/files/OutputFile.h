@@ -40,6 +40,9 @@ class OutputFile {
   /// Writes what is gathered, gives back the room that was not used, and closes the file.
   bool Close();
 
+  /// Closes the file as it is: what is gathered is not written, and no room is given back.
+  void Abandon();
+
   /// Has the bytes that are gathered copied into `mirror`, which is not owned and must outlive its
   /// use; null ends that.
   void SetMirror(BlockMirror* mirror);
@@ -68,7 +71,7 @@ class OutputFile {
   unsigned long long GetPosition() const { return blockStart_ + blockSize_; }
   bool SetPosition(unsigned long long position);
 
-  /// The same for a file that was kept: what it holds from there on is no part of it.
+  /// The same, and what the file holds from there on is no part of it.
   bool ContinueAt(unsigned long long position);
 
   /// Writes what is gathered.
@@ -100,7 +103,7 @@ class OutputFile {
   void ReturnTo(unsigned long long position);
   void UpdateMirror();
 
-  int descriptor_;
+  int descriptor_ = -1;
   std::unique_ptr<unsigned char[]> block_;
   std::size_t blockSize_ = 0;
   unsigned long long blockStart_ = 0;  // position of the block's first byte

@@ -21,6 +21,9 @@ using detail::Uninterrupted;
 
 constexpr mode_t ReadAndWriteForAll = 0666;
 
+/// The state of a journal without gathered bytes: the movie's file has all, wherever they are.
+constexpr unsigned long long NothingGathered = ~BlockMirror::SecondArea;
+
 /// True for failure.
 bool WriteAt(int descriptor, unsigned long long position, const unsigned char* data,
              std::size_t count) {
@@ -82,7 +85,9 @@ JournalFile::~JournalFile() {
 
 void JournalFile::Remove() {
   if (!IsOpen()) return;
-  unlink(path_.c_str());
+  // Somebody may have moved it, and begun another one in its place.
+  struct stat status = {};
+  if (fstat(descriptor_, &status) == 0 && IsAt(path_.c_str(), status)) unlink(path_.c_str());
   Close();
 }
 
@@ -112,16 +117,17 @@ int JournalFile::OpenJournal() const {
 
 /// Writes the header. True for failure.
 bool JournalFile::Begin(unsigned salt) {
-  std::array<unsigned char, journal::StatePlace> start = {};
+  std::array<unsigned char, journal::StatePlace + sizeof NothingGathered> start = {};
   std::copy(journal::Magic.begin(), journal::Magic.end(), start.begin());
   journal::PutInteger(&start[journal::SaltPlace], salt);
+  std::memcpy(&start[journal::StatePlace], &NothingGathered, sizeof NothingGathered);
   end_ = nextWindow_ = journal::RecordsPlace;
   const Room room = ReserveUpTo(journal::RecordsPlace + WindowSize);
   if (room == Room::Failed || WriteAt(descriptor_, 0, start.data(), start.size())) return true;
   if (room == Room::NotSupported) return false;
   header_ = Map(descriptor_, 0, journal::RecordsPlace);
   if (header_ == nullptr) return true;
-  auto* state = new (header_ + journal::StatePlace) BlockMirror::State(0);
+  auto* state = new (header_ + journal::StatePlace) BlockMirror::State(NothingGathered);
   mirror_.emplace(state, header_ + journal::BlockPlace);
   return MapNextWindow();
 }

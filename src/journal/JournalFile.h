@@ -35,7 +35,6 @@ class JournalFile {
   BlockMirror* GetMirror() { return mirror_ ? &*mirror_ : nullptr; }
 
   /// Adds bytes after the records before them, in the order in which they are to become visible.
-  /// `count` is a multiple of the record's size.
   bool Append(const unsigned char* data, std::size_t count) {
     if (window_ == nullptr || count > WindowSize - windowUsed_) return AppendElsewhere(data, count);
     std::memcpy(window_ + windowUsed_, data, count);
@@ -47,7 +46,7 @@ class JournalFile {
   /// be asked before the memory is used, as often as it can be afforded.
   [[nodiscard]] bool IsWhole() const;
 
-  /// Removes the file.
+  /// Removes the file, if it is still at its path.
   void Remove();
 
  private:

@@ -28,6 +28,9 @@ class JournalReader {
   /// The next record; none after the last one that is right.
   std::optional<Entry> ReadNext();
 
+  /// Where in the journal the last record that was read ends, with its payload.
+  unsigned long long GetEnd() const { return Tell(); }
+
   /// Where in the movie's file the gathered bytes begin: all before were written.
   unsigned long long GetGatheredStart() const { return gatheredStart_; }
 

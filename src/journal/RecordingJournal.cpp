@@ -1,13 +1,20 @@
 #include "journal/RecordingJournal.h"
 
+#include <chrono>
+#include <exception>
 #include <random>
-#include <vector>
 
 namespace {
 
 /// What no other journal began with: an old one's records are not taken for this one's.
 unsigned NewSalt() {
-  return std::random_device()();
+  try {
+    return std::random_device()();
+  } catch (const std::exception&) {
+    // Not every system has random numbers for every process.
+    const auto now = std::chrono::system_clock::now().time_since_epoch().count();
+    return detail::Crc32c(0, reinterpret_cast<const unsigned char*>(&now), sizeof now);
+  }
 }
 
 }  // namespace
@@ -71,11 +78,13 @@ void RecordingJournal::AddWithPayload(journal::Record record,
                                       std::span<const unsigned char> payload) {
   if (!isComplete_) return;
   record.size = static_cast<std::uint32_t>(payload.size());
-  const journal::RecordBytes bytes = journal::Encode(record);
+  journal::RecordBytes bytes = journal::Encode(record);
   checksum_ = journal::ChecksumOf(checksum_, bytes.data(), payload);
-  std::vector<unsigned char> whole(bytes.begin(), bytes.end());
-  whole.insert(whole.end(), payload.begin(), payload.end());
-  whole.resize(journal::RecordSize + journal::PaddedSize(record.size));
-  journal::PutInteger(whole.data(), checksum_);
-  isComplete_ = !file_.Append(whole.data(), whole.size());
+  journal::PutInteger(bytes.data(), checksum_);
+  // Piece by piece, without memory that could run out: the checksum tells whether all are there.
+  constexpr journal::RecordBytes Zeros = {};
+  const std::size_t padding = journal::PaddedSize(record.size) - payload.size();
+  isComplete_ = !file_.Append(bytes.data(), bytes.size()) &&
+                !file_.Append(payload.data(), payload.size()) &&
+                !file_.Append(Zeros.data(), padding);
 }

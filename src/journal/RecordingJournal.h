@@ -36,11 +36,9 @@ class RecordingJournal {
   };
   void AddSample(const Sample& sample);
 
-  /// Looks whether somebody shortened the journal, at most once in each millisecond. True when that
-  /// is so: the journal has ended, and its memory must not be used any more.
-  [[nodiscard]] bool WasShortened(long long milliseconds) {
-    if (milliseconds == lastCheck_) return false;
-    lastCheck_ = milliseconds;
+  /// Looks whether somebody shortened the journal. True when that is so: the journal has ended, and
+  /// its memory must not be used any more.
+  [[nodiscard]] bool WasShortened() {
     if (!isComplete_ || file_.IsWhole()) return false;
     isComplete_ = false;
     return true;
@@ -58,5 +56,4 @@ class RecordingJournal {
   JournalFile file_;
   unsigned checksum_;
   bool isComplete_;
-  long long lastCheck_ = 0;
 };

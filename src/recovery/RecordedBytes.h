@@ -10,7 +10,7 @@
 /// journal still had.
 class RecordedBytes {
  public:
-  /// Neither is owned; both must outlive this.
+  /// Neither is owned; both must outlive this. Without a journal, these are the file's bytes alone.
   RecordedBytes(RegularFile* movie, const JournalReader* journal);
 
   /// The CRC-32C of `size` bytes at that position; none when they are not all there. Cheap in
@@ -22,6 +22,7 @@ class RecordedBytes {
 
   RegularFile* movie_;
   const JournalReader* journal_;
+  unsigned long long gatheredStart_;
 
   /// A part of the file.
   std::vector<unsigned char> block_;

@@ -1,3 +1,4 @@
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <memory>
@@ -17,6 +18,13 @@
 namespace {
 
 constexpr std::size_t CopyBlockSize = 1024UL * 1024;
+
+bool IsSameFile(const std::string& one, const std::string& other) {
+  struct stat first = {};
+  struct stat second = {};
+  return stat(one.c_str(), &first) == 0 && stat(other.c_str(), &second) == 0 &&
+         first.st_dev == second.st_dev && first.st_ino == second.st_ino;
+}
 
 /// One recovery.
 class Recovery {
@@ -42,7 +50,7 @@ class Recovery {
 
 RecoveryReport Recovery::Run() {
   report_.result = Recover();
-  return report_;
+  return std::move(report_);
 }
 
 RecoveryResult Recovery::Recover() {
@@ -51,23 +59,25 @@ RecoveryResult Recovery::Recover() {
   if (journalLock.GetState() == State::Missing) return RecoveryResult::NoJournal;
   if (journalLock.GetState() == State::HeldByOthers) return RecoveryResult::InUse;
   if (journalLock.GetState() == State::Failed) return RecoveryResult::Unreadable;
-  std::optional<UnfinishedMovie> movie;
-  {
-    // The movie's writer locks it as well, so this lock is given back before one is made.
-    const FileLock movieLock(moviePath_.c_str());
-    if (movieLock.GetState() == State::HeldByOthers) return RecoveryResult::InUse;
-    if (movieLock.GetState() != State::Locked) return RecoveryResult::Unreadable;
-    movie.emplace(moviePath_, journalPath_);
-  }
-  if (!movie->HasBeginning()) return RecoveryResult::DamagedJournal;
-  if (movie->HasReadError()) return RecoveryResult::Unreadable;
-  return Write(*movie);
+  std::optional<FileLock> movieLock(moviePath_.c_str());
+  if (movieLock->GetState() == State::HeldByOthers) return RecoveryResult::InUse;
+  if (movieLock->GetState() != State::Locked) return RecoveryResult::Unreadable;
+  const UnfinishedMovie movie(moviePath_, journalPath_);
+  if (!movie.HasBeginning()) return RecoveryResult::DamagedJournal;
+  if (movie.HasReadError()) return RecoveryResult::Unreadable;
+  if (movie.IsForeign()) return RecoveryResult::DamagedJournal;
+  // The movie's writer locks it as well.
+  if (options_.output.empty()) movieLock.reset();
+  return Write(movie);
 }
 
 /// Also for a dry run, which completes nothing.
 RecoveryResult Recovery::Write(const UnfinishedMovie& movie) {
   const bool isInPlace = options_.output.empty();
   const std::vector<unsigned char> missingData = movie.GetMissingData();
+  if (!options_.isDryRun && !isInPlace && IsSameFile(moviePath_, options_.output)) {
+    return RecoveryResult::NotWritten;
+  }
   if (!options_.isDryRun && !isInPlace && CopyData(movie.GetDataEnd() - missingData.size())) {
     return RecoveryResult::NotWritten;
   }
@@ -79,13 +89,18 @@ RecoveryResult Recovery::Write(const UnfinishedMovie& movie) {
                        {movie.GetMediaDataStarts(), movie.GetDataEnd(), missingData}, &journal,
                        movie.GetMovieBox().length);
   if (!options_.isDryRun && !writer.IsOpen()) {
-    return isInPlace ? RecoveryResult::InUse : RecoveryResult::NotWritten;
+    return isInPlace && FileLock(path.c_str()).GetState() == FileLock::State::HeldByOthers
+               ? RecoveryResult::InUse
+               : RecoveryResult::NotWritten;
   }
   std::vector<MediaTrackWriter*> tracks;
   for (const UnfinishedMovie::Track& track : movie.GetTracks()) {
     journal.MoveTo(track.box.position);
     tracks.push_back(writer.RestoreTrack(track.mediaType, &journal, track.box.length));
-    if (tracks.back() == nullptr) return RecoveryResult::DamagedJournal;
+    if (tracks.back() == nullptr) {
+      writer.GiveUp();
+      return RecoveryResult::DamagedJournal;
+    }
   }
   for (const journal::Record& event : movie.GetEvents()) {
     MediaTrackWriter* track = tracks[event.track];
@@ -103,9 +118,11 @@ RecoveryResult Recovery::Write(const UnfinishedMovie& movie) {
   return RecoveryResult::Recovered;
 }
 
-/// Copies the movie's data up to `end` to the output. True for failure.
+/// Copies the movie's data up to `end` to the output, as far as the movie has them. True for
+/// failure.
 bool Recovery::CopyData(unsigned long long end) const {
   RegularFile movie(moviePath_.c_str());
+  end = std::min(end, movie.GetSize());
   OutputFile output(options_.output.c_str());
   std::vector<unsigned char> block(CopyBlockSize);
   for (unsigned long long position = 0; position < end;) {

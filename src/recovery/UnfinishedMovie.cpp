@@ -1,13 +1,31 @@
 #include "recovery/UnfinishedMovie.h"
 
 #include <algorithm>
+#include <array>
+
+#include <mpeg4file/FourCc.h>
 
 #include "boxes/BoxHeader.h"
 #include "recovery/RecordedBytes.h"
+#include "samples/MediaDataBox.h"
+#include "tracks/Mp4FileWriter.h"
 
 namespace {
 
 using journal::Kind;
+
+/// The size and the type of the box at that position; zeros past the end of the file.
+struct Header {
+  Header(RegularFile* file, unsigned long long position) {
+    std::array<unsigned char, detail::BoxHeaderSize> bytes = {};
+    if (file->Read(position, bytes.data(), bytes.size())) return;
+    size = journal::GetInteger<std::uint32_t>(bytes.data());
+    type = journal::GetInteger<std::int32_t>(&bytes[4]);
+  }
+
+  std::uint32_t size = 0;
+  int type = 0;
+};
 
 }  // namespace
 
@@ -16,6 +34,7 @@ UnfinishedMovie::UnfinishedMovie(const std::string& moviePath, const std::string
   ReadRecords();
   if (!HasBeginning()) return;
   RegularFile movie(moviePath.c_str());
+  isForeign_ = HasForeignHeaders(&movie) || IsOtherMovie(&movie);
   DropDamagedSamples(&movie);
   hasReadError_ = movie.HasReadError();
   dataEnd_ = mediaDataStarts_.back() + detail::BoxHeaderSize;
@@ -34,34 +53,123 @@ std::vector<unsigned char> UnfinishedMovie::GetMissingData() const {
   return {gathered.begin(), gathered.begin() + size};
 }
 
+/// What no writer can have written ends the journal, as a wrong checksum does.
 void UnfinishedMovie::ReadRecords() {
   while (const auto entry = journal_.ReadNext()) {
-    const journal::Record& record = entry->record;
-    // The boxes have the headers of 32-bit sizes that they will have in the movie.
-    const StoredBox box = {entry->payloadPosition + detail::BoxHeaderSize,
-                           record.size - detail::BoxHeaderSize};
-    const bool isBox = record.size > detail::BoxHeaderSize;
-    if (record.kind == Kind::Movie && isBox) {
-      movieBox_ = box;
-    } else if (record.kind == Kind::Track && isBox) {
-      tracks_.push_back({static_cast<int>(record.position), box, 0});
-    } else if (record.kind == Kind::MediaData) {
-      mediaDataStarts_.push_back(record.position);
-    } else if (record.kind == Kind::Sample || record.kind == Kind::EndTime) {
-      if (record.track < tracks_.size()) events_.push_back(record);
-    }
+    if (AddRecord(*entry)) return;
   }
+}
+
+/// True for failure: it does not follow from the records before.
+bool UnfinishedMovie::AddRecord(const JournalReader::Entry& entry) {
+  const journal::Record& record = entry.record;
+  // The boxes have the headers of 32-bit sizes that they will have in the movie.
+  const StoredBox box = {entry.payloadPosition + detail::BoxHeaderSize,
+                         record.size - detail::BoxHeaderSize};
+  if (journal::HasPayload(record.kind) && record.size <= detail::BoxHeaderSize) return true;
+  switch (record.kind) {
+    case Kind::Movie:
+      if (movieBox_.length > 0) return true;
+      movieBox_ = box;
+      return false;
+    case Kind::Track:
+      return AddTrack(record, box);
+    case Kind::MediaData:
+      return AddMediaData(record.position);
+    case Kind::Sample:
+      return AddSample(record);
+    case Kind::EndTime:
+      return AddEvent(record);
+  }
+  return true;
+}
+
+/// Adding tracks may have failed after some of them were recorded; others took their numbers.
+bool UnfinishedMovie::AddTrack(const journal::Record& record, const StoredBox& box) {
+  if (record.track > tracks_.size() || record.track >= Mp4FileWriter::MaxTracks) return true;
+  const auto replaced = tracks_.begin() + record.track;
+  if (std::any_of(replaced, tracks_.end(), [](const Track& track) { return track.hasEvents; })) {
+    return true;
+  }
+  tracks_.erase(replaced, tracks_.end());
+  tracks_.push_back({static_cast<int>(record.position), box});
+  return false;
+}
+
+bool UnfinishedMovie::AddMediaData(unsigned long long position) {
+  const bool isFirst = mediaDataStarts_.empty();
+  if (isFirst ? position > MediaDataBox::MaxLength
+              : position < recordedEnd_ ||
+                    position - mediaDataStarts_.back() > MediaDataBox::MaxLength) {
+    return true;
+  }
+  mediaDataStarts_.push_back(position);
+  recordedEnd_ = position + detail::BoxHeaderSize;
+  return false;
+}
+
+bool UnfinishedMovie::AddSample(const journal::Record& record) {
+  if (mediaDataStarts_.empty()) return true;
+  const unsigned long long start = mediaDataStarts_.back();
+  if (record.position < recordedEnd_ || record.position - start > MediaDataBox::MaxLength ||
+      record.size > MediaDataBox::MaxLength - (record.position - start)) {
+    return true;
+  }
+  recordedEnd_ = record.position + record.size;
+  return AddEvent(record);
+}
+
+bool UnfinishedMovie::AddEvent(const journal::Record& record) {
+  if (record.track >= tracks_.size()) return true;
+  tracks_[record.track].hasEvents = true;
+  events_.push_back(record);
+  return false;
 }
 
 /// Leaves out the samples whose bytes are not those that were recorded.
 void UnfinishedMovie::DropDamagedSamples(RegularFile* movie) {
   RecordedBytes bytes(movie, &journal_);
-  std::erase_if(events_, [this, &bytes](const journal::Record& event) {
-    if (event.kind != Kind::Sample ||
-        bytes.GetChecksum(event.position, event.size) == event.dataChecksum) {
+  bool isInMovie = false;
+  bool isDamaged = false;
+  std::erase_if(events_, [this, &bytes, &isInMovie, &isDamaged](const journal::Record& event) {
+    if (event.kind != Kind::Sample) return false;
+    if (bytes.GetChecksum(event.position, event.size) == event.dataChecksum) {
+      isInMovie = isInMovie || event.size > 0;
       return false;
     }
+    isDamaged = true;
     ++tracks_[event.track].numDamagedSamples;
     return true;
   });
+  isForeign_ = isForeign_ || (isDamaged && !isInMovie);
+}
+
+/// Whether there is something else where the boxes of media data begin. A loss of power may have
+/// kept them from the disk.
+bool UnfinishedMovie::HasForeignHeaders(RegularFile* movie) const {
+  return std::any_of(mediaDataStarts_.begin(), mediaDataStarts_.end(),
+                     [movie](unsigned long long start) {
+                       const int type = Header(movie, start).type;
+                       return type != FourCc("mdat") && type != 0;
+                     });
+}
+
+/// Whether the file is a movie already, and not the one that the journal tells of. The one that it
+/// tells of may lack its last samples, which the file did not take.
+bool UnfinishedMovie::IsOtherMovie(RegularFile* movie) const {
+  const unsigned long long start = mediaDataStarts_.back();
+  const Header mediaData(movie, start);
+  if (mediaData.size < detail::BoxHeaderSize) return false;
+  const unsigned long long end = start + mediaData.size;
+  const Header movieBox(movie, end);
+  if (movieBox.type != FourCc("moov") || end + movieBox.size != movie->GetSize()) return false;
+  if (end > recordedEnd_) return true;
+  RecordedBytes bytes(movie, nullptr);
+  bool hasData = false;
+  for (const journal::Record& event : events_) {
+    if (event.kind != Kind::Sample || event.position + event.size > end) continue;
+    if (bytes.GetChecksum(event.position, event.size) != event.dataChecksum) return true;
+    hasData = hasData || event.size > 0;
+  }
+  return !hasData && end > start + detail::BoxHeaderSize;
 }

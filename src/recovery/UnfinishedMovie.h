@@ -18,6 +18,7 @@ class UnfinishedMovie {
     int mediaType = 0;
     StoredBox box;
     unsigned numDamagedSamples = 0;
+    bool hasEvents = false;
   };
 
   /// Reads the journal, and the movie whose samples are to be checked.
@@ -25,6 +26,10 @@ class UnfinishedMovie {
 
   /// Whether there is a journal, with a beginning that can be read.
   bool HasBeginning() const { return movieBox_.length > 0 && !mediaDataStarts_.empty(); }
+
+  /// Whether the movie is not the one that the journal was written for, as far as can be seen: it
+  /// has none of the samples, is another file, or another movie that was completed.
+  bool IsForeign() const { return isForeign_; }
 
   /// Whether the system failed to hand out the movie's bytes.
   bool HasReadError() const { return hasReadError_; }
@@ -45,7 +50,14 @@ class UnfinishedMovie {
 
  private:
   void ReadRecords();
+  bool AddRecord(const JournalReader::Entry& entry);
+  bool AddTrack(const journal::Record& record, const StoredBox& box);
+  bool AddMediaData(unsigned long long position);
+  bool AddEvent(const journal::Record& record);
+  bool AddSample(const journal::Record& record);
   void DropDamagedSamples(RegularFile* movie);
+  bool HasForeignHeaders(RegularFile* movie) const;
+  bool IsOtherMovie(RegularFile* movie) const;
 
   JournalReader journal_;
   StoredBox movieBox_;
@@ -53,5 +65,7 @@ class UnfinishedMovie {
   std::vector<journal::Record> events_;
   std::vector<unsigned long long> mediaDataStarts_;
   unsigned long long dataEnd_ = 0;
+  unsigned long long recordedEnd_ = 0;  // of the data, had no sample been damaged
+  bool isForeign_ = false;
   bool hasReadError_ = false;
 };

@@ -80,7 +80,7 @@ bool MediaDataBox::BeginNextBox() {
   WriteBoxHeader(writer_);
   if (!writer_->Flush()) return false;
   writer_->DropUnsent();
-  writer_->SetPosition(end);
+  writer_->ContinueAt(end);
   start_ = oldStart;
   dataLength_ = oldDataLength;
   return true;

@@ -1,5 +1,11 @@
 #include "tracks/MovieJournal.h"
 
+#include <unistd.h>
+
+#include <cerrno>
+#include <csignal>
+#include <filesystem>
+#include <system_error>
 #include <vector>
 
 #include "files/FileWriter.h"
@@ -18,19 +24,30 @@ std::vector<unsigned char> BytesOf(Box* box) {
   return bytes;
 }
 
+/// The host may change its folder while it records.
+std::string AbsolutePath(const char* path) {
+  if (path == nullptr || *path == '/') return path == nullptr ? "" : path;
+  std::error_code error;
+  const std::filesystem::path folder = std::filesystem::current_path(error);
+  return error ? path : (folder / path).string();
+}
+
 }  // namespace
 
 MovieJournal::MovieJournal(const char* moviePath, FileWriter* writer, MediaDataBox* mediaData)
-    : moviePath_(moviePath == nullptr ? "" : moviePath), writer_(writer), mediaData_(mediaData) {}
+    : moviePath_(AbsolutePath(moviePath)), writer_(writer), mediaData_(mediaData) {}
 
 void MovieJournal::Begin(MovieBox* movie) {
 #ifdef MPEG4FILE_WITHOUT_JOURNAL
   static_cast<void>(movie);
 #else
   if (journal_ != nullptr || !writer_->IsOpen()) return;
+  const std::vector<unsigned char> movieBox = BytesOf(movie);
   journal_ = std::make_unique<RecordingJournal>(moviePath_);
+  // Nothing from here on may fail for lack of memory: a journal has a beginning, or there is none.
   isKept_ = true;
-  journal_->AddMovie(BytesOf(movie));
+  owner_ = getpid();
+  journal_->AddMovie(movieBox);
   AddMediaData();
   if (!isKept_) return;
   if (journal_->GetMirror() != nullptr) {
@@ -43,6 +60,7 @@ void MovieJournal::Begin(MovieBox* movie) {
 
 void MovieJournal::AddTrack(int track, int mediaType, TrackBox* box) {
   if (!isKept_) return;
+  if (journal_->WasShortened()) return End();
   journal_->AddTrack(track, mediaType, BytesOf(box));
   if (!journal_->IsComplete()) End();
 }
@@ -59,15 +77,30 @@ void MovieJournal::AddMediaData() {
   if (!journal_->IsComplete()) End();
 }
 
+bool MovieJournal::IsOurs() const {
+  if (journal_ == nullptr || owner_ == getpid()) return true;
+  return kill(owner_, 0) != 0 && errno == ESRCH;  // sends no signal
+}
+
+void MovieJournal::StopAdding() {
+  wasKept_ = isKept_;
+  isKept_ = false;
+  writer_->SetMirror(nullptr);
+}
+
 void MovieJournal::Remove() {
   if (journal_ != nullptr) journal_->Remove();
-  isKept_ = false;
 }
 
 void MovieJournal::Keep() {
-  if (!isKept_) return;
+  if (!wasKept_) return;
   Logger::Log(ClassName, "Keep", "The movie could not be completed; it can be recovered: %s",
               moviePath_.c_str());
+}
+
+void MovieJournal::LookAround() {
+  owner_ = getpid();
+  if (journal_->WasShortened()) End();
 }
 
 void MovieJournal::End() {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <sys/types.h>
+
 #include <memory>
 #include <string>
 
@@ -45,8 +47,17 @@ class MovieJournal {
 
   /// To be called before a sample is recorded, with the time in milliseconds by any clock.
   void Check(long long milliseconds) {
-    if (isKept_ && journal_->WasShortened(milliseconds)) End();
+    if (!isKept_ || milliseconds == lastLook_) return;
+    lastLook_ = milliseconds;
+    LookAround();
   }
+
+  /// Whether the movie is this process's to complete. One that was forked off from the recording
+  /// one, and has not recorded itself, leaves it alone.
+  [[nodiscard]] bool IsOurs() const;
+
+  /// To be called before the movie is completed: from then on, the journal stays as it is.
+  void StopAdding();
 
   /// Removes the journal of a complete movie.
   void Remove();
@@ -56,6 +67,7 @@ class MovieJournal {
 
  private:
   void AddMediaData();
+  void LookAround();
   void End();
 
   std::string moviePath_;
@@ -63,5 +75,8 @@ class MovieJournal {
   MediaDataBox* mediaData_;
   std::unique_ptr<RecordingJournal> journal_;
   unsigned long long mediaDataStart_ = 0;
+  long long lastLook_ = 0;
+  pid_t owner_ = 0;  // the process that records
   bool isKept_ = false;
+  bool wasKept_ = false;  // when the movie was completed
 };

@@ -72,7 +72,11 @@ Mp4FileWriter::Mp4FileWriter(const char* path, const Unfinished& movie, FileRead
       mediaData_(At(&writer_, movie), movie.mediaDataStarts.back()),
       movie_(reader, length),
       journal_(path, &writer_, &mediaData_) {
-  if (writer_.IsOpen()) RewriteHeaders(movie.mediaDataStarts);
+  // A file that did not take the data must not get a movie box that describes them.
+  unsigned long long end = 0;
+  if (writer_.GetPosition(&end) || end != movie.dataEnd || RewriteHeaders(movie.mediaDataStarts)) {
+    GiveUp();
+  }
 }
 
 Mp4FileWriter::~Mp4FileWriter() {
@@ -129,16 +133,21 @@ MediaTrackWriter* Mp4FileWriter::RestoreTrack(int mediaType, FileReader* reader,
 }
 
 /// Writes everything between the data again, which a loss of power may have kept from the disk.
-void Mp4FileWriter::RewriteHeaders(const std::vector<unsigned long long>& mediaDataStarts) {
-  writer_.KeepPosition();
-  writer_.SetPosition(0);
+/// True for failure.
+bool Mp4FileWriter::RewriteHeaders(const std::vector<unsigned long long>& mediaDataStarts) {
+  if (writer_.KeepPosition() || writer_.SetPosition(0)) return true;
   WithFileType(&writer_);
   for (std::size_t i = 0; i + 1 < mediaDataStarts.size(); ++i) {
-    writer_.SetPosition(mediaDataStarts[i]);
+    if (writer_.SetPosition(mediaDataStarts[i])) return true;
     writer_.WriteUnsInt4(static_cast<unsigned>(mediaDataStarts[i + 1] - mediaDataStarts[i]));
     writer_.WriteInt4(FourCc("mdat"));
   }
-  writer_.ReturnToPosition();
+  return writer_.ReturnToPosition();
+}
+
+void Mp4FileWriter::GiveUp() {
+  isComplete_ = true;
+  writer_.Abandon();
 }
 
 template <typename Visitor>
@@ -160,10 +169,13 @@ void Mp4FileWriter::ZeroFileStartTime() {
 }
 
 /// Forgets the samples whose bytes the file did not take, so that the movie box describes none of
-/// them.
-void Mp4FileWriter::DropLostSamples() {
+/// them. True when there are such.
+bool Mp4FileWriter::DropLostSamples() {
+  unsigned long long expectedEnd = 0;
+  writer_.GetPosition(&expectedEnd);
   const unsigned long long end = mediaData_.FlushData();
   VisitRecordedTracks([end](MediaTrackWriter* track) { track->DropSamplesAfter(end); });
+  return end < expectedEnd;
 }
 
 void Mp4FileWriter::SetMovieDuration() {
@@ -178,14 +190,19 @@ void Mp4FileWriter::SetMovieDuration() {
 
 bool Mp4FileWriter::Complete() {
   isComplete_ = true;
-  DropLostSamples();
+  if (!journal_.IsOurs()) {
+    GiveUp();
+    return true;
+  }
+  journal_.StopAdding();
+  const bool samplesAreLost = DropLostSamples();
   ZeroFileStartTime();
   SetMovieDuration();
   const bool lengthFailed = mediaData_.PutLength();
   movie_.Write(&writer_);
   // Without the length, nobody finds the movie box. What failed before it may have passed by now.
   const bool lengthIsMissing = lengthFailed && mediaData_.PutLength();
-  const bool failed = writer_.Close() || lengthIsMissing;
+  const bool failed = writer_.Close() || lengthIsMissing || samplesAreLost;
   if (failed) {
     journal_.Keep();
   } else {

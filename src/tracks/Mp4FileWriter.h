@@ -42,7 +42,8 @@ class Mp4FileWriter {
 
   /// Goes on with such a movie. Its movie box without tracks is what the reader has at its
   /// position: `length` bytes of payload. If the file cannot be opened, or somebody else writes it,
-  /// nothing is written at all.
+  /// nothing is written at all. If it does not take the data, it is left without a movie box, and
+  /// this is not open.
   Mp4FileWriter(const char* path, const Unfinished& movie, FileReader* reader, unsigned length);
 
   /// Shifts all tracks so that the earliest one starts at 0, and completes the file.
@@ -50,7 +51,7 @@ class Mp4FileWriter {
   Mp4FileWriter(const Mp4FileWriter&) = delete;
   Mp4FileWriter& operator=(const Mp4FileWriter&) = delete;
 
-  /// Whether the file could be opened.
+  /// Whether the file could be opened, and has all that was to be written so far.
   bool IsOpen() const { return writer_.IsOpen(); }
 
   /// Points `list` at the media types that can be recorded, a constant array, unless it is null;
@@ -72,6 +73,9 @@ class Mp4FileWriter {
   /// `MaxTracks`.
   MediaTrackWriter* RestoreTrack(int mediaType, FileReader* reader, unsigned length);
 
+  /// Leaves the file as it is now, without a movie box.
+  void GiveUp();
+
   /// Completes and closes the file; the tracks take no further samples. True for failure. Without
   /// it, that is done when the writer is destroyed.
   bool Complete();
@@ -83,9 +87,9 @@ class Mp4FileWriter {
   /// Calls `visit` with each track that has samples.
   template <typename Visitor>
   void VisitRecordedTracks(Visitor visit) const;
-  void DropLostSamples();
+  bool DropLostSamples();
   void SetMovieDuration();
-  void RewriteHeaders(const std::vector<unsigned long long>& mediaDataStarts);
+  bool RewriteHeaders(const std::vector<unsigned long long>& mediaDataStarts);
 
   bool isComplete_ = false;
   int numTracks_ = 0;

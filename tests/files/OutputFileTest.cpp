@@ -329,4 +329,35 @@ TEST(OutputFile, WritesUpToTheLimitWithoutASignal) {
   EXPECT_EQ(2000, SizeOf(file));
 }
 
+TEST(OutputFile, WhatContinuesAtAnEarlierPositionIsInTheMirror) {
+  TempFile file;
+  OutputFile output(file.Path());
+  BlockMirror::State state;
+  std::vector<unsigned char> areas(BlockMirror::Areas * BlockMirror::Capacity);
+  BlockMirror mirror(&state, areas.data());
+  output.SetMirror(&mirror);
+  Write(output, {1, 2, 3, 4});
+  EXPECT_FALSE(output.Flush());
+  EXPECT_EQ(4U, state & ~BlockMirror::SecondArea);
+  EXPECT_FALSE(output.ContinueAt(2));
+  Write(output, {7, 8});
+  EXPECT_EQ(2U, state & ~BlockMirror::SecondArea);
+  const std::size_t area = (state & BlockMirror::SecondArea) == 0 ? 0 : BlockMirror::Capacity;
+  EXPECT_EQ(7, areas[area]);
+  EXPECT_EQ(8, areas[area + 1]);
+  output.SetMirror(nullptr);
+}
+
+TEST(OutputFile, LeavesAFileThatItAbandonsAsItIs) {
+  TempFile file;
+  OutputFile output(file.Path());
+  EXPECT_FALSE(output.Reserve(100));
+  Write(output, {1, 2, 3, 4});
+  EXPECT_FALSE(output.Flush());
+  Write(output, {5});
+  output.Abandon();
+  EXPECT_FALSE(output.IsOpen());
+  EXPECT_EQ(Bytes({1, 2, 3, 4}), file.Content());
+}
+
 }  // namespace

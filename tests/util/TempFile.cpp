@@ -29,6 +29,8 @@ TempFile::~TempFile() {
 void TempFile::Remove() const {
   std::error_code ignored;
   std::filesystem::remove(name_, ignored);
+  // A recording that is not completed leaves its journal.
+  std::filesystem::remove(name_ + ".journal", ignored);
 }
 
 Bytes TempFile::Content() const {

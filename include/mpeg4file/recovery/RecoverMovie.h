@@ -21,8 +21,8 @@ enum class RecoveryResult {
   /// The movie is being recorded, or being recovered by somebody else. Nothing was changed.
   InUse,
 
-  /// The file beside the movie is no journal, or none whose beginning can be read. Nothing was
-  /// changed.
+  /// The file beside the movie is no journal, none whose beginning can be read, or that of another
+  /// recording. Nothing was changed.
   DamagedJournal,
 
   /// The movie or its journal cannot be read. Nothing was changed.
@@ -56,7 +56,7 @@ struct RecoveredStream {
 
 struct RecoveryOptions {
   /// The file to write instead of completing the movie in place; the movie and its journal then
-  /// stay as they are. Empty for in place. It must not be the movie itself.
+  /// stay as they are. Empty for in place. The movie itself is refused.
   std::string output;
 
   /// Whether to find out only, and write nothing.

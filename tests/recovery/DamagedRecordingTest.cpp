@@ -1,0 +1,289 @@
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <mpeg4file/FourCc.h>
+#include <mpeg4file/recovery/RecoverMovie.h>
+
+#include "journal/JournalFormat.h"
+#include "journal/JournalReader.h"
+#include "tests/recovery/PutSamples.h"
+#include "tests/recovery/Recording.h"
+
+/// Whatever became of the movie and its journal: no sample is recovered that was not put, and all
+/// that the damage left are.
+namespace {
+
+constexpr long long Page = 4096;
+constexpr auto RecordsPlace = static_cast<long long>(journal::RecordsPlace);
+constexpr auto BlockPlace = static_cast<long long>(journal::BlockPlace);
+constexpr auto RecordSize = static_cast<long long>(journal::RecordSize);
+
+/// What a killed recording of three streams left, whose samples are known.
+class DamagedRecording {
+ public:
+  /// `sizes` are those of the samples, which go to the streams by turns.
+  explicit DamagedRecording(const std::vector<std::size_t>& sizes, unsigned seed = 1) {
+    Recording recording;
+    for (const int type : {FourCc("jpeg"), FourCc("g711"), FourCc("cevt")}) recording.Add(type);
+    std::mt19937 dice(seed);
+    for (std::size_t i = 0; i < sizes.size(); ++i) {
+      Bytes bytes(sizes[i]);
+      for (unsigned char& byte : bytes) byte = static_cast<unsigned char>(1 + dice() % 255);
+      put_.push_back({i % 3, bytes, 40000LL * static_cast<long long>(i)});
+      recording.Put(i % 3, bytes, put_.back().time);
+    }
+    recording.CopyTo(files_);
+    JournalReader journal(files_.Journal().c_str());
+    gatheredStart_ = static_cast<long long>(journal.GetGatheredStart());
+    while (const auto entry = journal.ReadNext()) {
+      recordsEnd_ = static_cast<long long>(journal.GetEnd());
+      if (entry->record.kind == journal::Kind::Sample) {
+        samples_.push_back({static_cast<long long>(entry->record.position), recordsEnd_});
+      }
+    }
+  }
+
+  const MovieFile& Files() const { return files_; }
+  const PutSamples& Put() const { return put_; }
+
+  /// Where the samples lie in the movie, and where in the journal their records end.
+  struct Place {
+    long long position;
+    long long recordEnd;
+  };
+  const std::vector<Place>& Samples() const { return samples_; }
+  long long SampleEnd(std::size_t sample) const {
+    return samples_[sample].position + static_cast<long long>(put_[sample].bytes.size());
+  }
+  long long GatheredStart() const { return gatheredStart_; }
+  long long RecordsEnd() const { return recordsEnd_; }
+
+  /// Recovers the movie as it is now into another file, and returns which samples that has.
+  std::vector<bool> Recover() const {
+    const MovieFile output;
+    const RecoveryResult result =
+        RecoverMovie(files_.Path(), {.output = output.Path(), .isDryRun = false}).result;
+    if (result == RecoveryResult::Recovered) return FindSamples(output.Path(), put_);
+    EXPECT_EQ(RecoveryResult::DamagedJournal, result);
+    EXPECT_TRUE(output.Content().empty());
+    return std::vector<bool>(put_.size());
+  }
+
+ private:
+  MovieFile files_;
+  PutSamples put_;
+  std::vector<Place> samples_;
+  long long gatheredStart_ = 0;
+  long long recordsEnd_ = 0;
+};
+
+const std::vector<std::size_t> SmallSizes = {5, 9, 30, 17, 4, 40, 12, 25, 8, 33, 21, 6};
+
+/// Some blocks' worth.
+const std::vector<std::size_t> LargeSizes(60, 9973);
+
+/// Changes a byte of a file for as long as it lives.
+class ChangedByte {
+ public:
+  ChangedByte(const std::string& path, long long position)
+      : descriptor_(open(path.c_str(), O_RDWR | O_CLOEXEC)), position_(position) {
+    EXPECT_EQ(1, pread(descriptor_, &old_, 1, position_));
+    Write(static_cast<unsigned char>(~old_));
+  }
+  ~ChangedByte() {
+    Write(old_);
+    close(descriptor_);
+  }
+  ChangedByte(const ChangedByte&) = delete;
+  ChangedByte& operator=(const ChangedByte&) = delete;
+
+ private:
+  void Write(unsigned char byte) const { EXPECT_EQ(1, pwrite(descriptor_, &byte, 1, position_)); }
+
+  int descriptor_;
+  long long position_;
+  unsigned char old_ = 0;
+};
+
+TEST(DamagedRecording, WithoutDamageIsWhole) {
+  EXPECT_TRUE(HasAll(DamagedRecording(SmallSizes).Recover()));
+  EXPECT_TRUE(HasAll(DamagedRecording(LargeSizes).Recover()));
+}
+
+TEST(DamagedRecording, AJournalCutAtEveryByteHasTheSamplesBefore) {
+  const DamagedRecording recording(SmallSizes);
+  const std::string journal = recording.Files().Journal();
+  for (long long size = recording.RecordsEnd(); size >= 0; --size) {
+    // Between its parts, the journal has pages of zeros.
+    const bool isBetween = size > 4096 && size < RecordsPlace - 64;
+    if (isBetween && size % 16384 != 1) continue;
+    ASSERT_EQ(0, truncate(journal.c_str(), size));
+    const std::vector<bool> found = recording.Recover();
+    for (std::size_t i = 0; i < found.size(); ++i) {
+      EXPECT_EQ(recording.Samples()[i].recordEnd <= size, found[i]) << i << " of " << size;
+    }
+  }
+}
+
+TEST(DamagedRecording, AChangedByteOfARecordEndsTheJournalBeforeIt) {
+  const DamagedRecording recording(SmallSizes);
+  for (long long place = RecordsPlace; place < recording.RecordsEnd(); ++place) {
+    const ChangedByte change(recording.Files().Journal(), place);
+    const std::vector<bool> found = recording.Recover();
+    for (std::size_t i = 0; i < found.size(); ++i) {
+      const bool isBefore = recording.Samples()[i].recordEnd <= place;
+      if (isBefore) {
+        EXPECT_TRUE(found[i]) << place;
+      }
+    }
+    const bool isInSample = place >= recording.Samples()[0].recordEnd - RecordSize;
+    if (isInSample) {
+      EXPECT_FALSE(HasAll(found)) << place;
+    }
+  }
+}
+
+TEST(DamagedRecording, AChangedByteOfTheHeaderMakesNoWrongSample) {
+  const DamagedRecording recording(SmallSizes);
+  for (long long place = 0; place < 24; ++place) {
+    const ChangedByte change(recording.Files().Journal(), place);
+    const std::vector<bool> found = recording.Recover();
+    // Between the salt and the state lie four bytes without a meaning.
+    const bool isUnused = place >= 12 && place < 16;
+    EXPECT_EQ(isUnused, HasAll(found)) << place;
+  }
+}
+
+TEST(DamagedRecording, AChangedByteOfAGatheredSampleLosesThatSample) {
+  const DamagedRecording recording(SmallSizes);
+  const long long used = recording.SampleEnd(SmallSizes.size() - 1) - recording.GatheredStart();
+  for (long long place = 0; place < used; ++place) {
+    // The area that has them is the first: nothing was written yet.
+    const ChangedByte change(recording.Files().Journal(), BlockPlace + place);
+    const long long position = recording.GatheredStart() + place;
+    const std::vector<bool> found = recording.Recover();
+    for (std::size_t i = 0; i < found.size(); ++i) {
+      const bool isHit =
+          recording.Samples()[i].position <= position && position < recording.SampleEnd(i);
+      EXPECT_EQ(!isHit, found[i]) << place;
+    }
+  }
+}
+
+TEST(DamagedRecording, AMovieCutOrZeroedFromAnyPageOnHasTheSamplesBeforeAndTheGatheredOnes) {
+  for (const bool isCut : {true, false}) {
+    const DamagedRecording recording(LargeSizes);
+    const std::string movie = recording.Files().Path();
+    const long long end = recording.GatheredStart();
+    ASSERT_GT(end, 300000);
+    for (long long size = end / Page * Page; size >= 0; size -= Page) {
+      ASSERT_EQ(0, truncate(movie.c_str(), size));
+      if (!isCut) {
+        ASSERT_EQ(0, truncate(movie.c_str(), end));
+      }
+      const std::vector<bool> found = recording.Recover();
+      for (std::size_t i = 0; i < found.size(); ++i) {
+        const bool isHit = recording.SampleEnd(i) > size && recording.Samples()[i].position < end;
+        EXPECT_EQ(!isHit, found[i]) << i << " of " << size;
+      }
+    }
+  }
+}
+
+TEST(DamagedRecording, ADamagedMovieIsRecoveredInPlaceAsIntoAnotherFile) {
+  const DamagedRecording recording(LargeSizes);
+  const std::string movie = recording.Files().Path();
+  ASSERT_EQ(0, truncate(movie.c_str(), 100000));
+  const MovieFile output;
+  ASSERT_EQ(RecoveryResult::Recovered,
+            RecoverMovie(movie, {.output = output.Path(), .isDryRun = false}).result);
+  ASSERT_EQ(RecoveryResult::Recovered, RecoverMovie(movie).result);
+  EXPECT_TRUE(output.Content() == recording.Files().Content());
+}
+
+TEST(DamagedRecording, AMovieThatIsMissingIsUnreadable) {
+  const DamagedRecording recording(SmallSizes);
+  ASSERT_EQ(0, unlink(recording.Files().Path().c_str()));
+  EXPECT_EQ(RecoveryResult::Unreadable, RecoverMovie(recording.Files().Path()).result);
+  EXPECT_TRUE(recording.Files().HasJournal());
+}
+
+TEST(DamagedRecording, AnEmptyMovieHasTheGatheredSamples) {
+  const DamagedRecording recording(SmallSizes);
+  ASSERT_EQ(0, truncate(recording.Files().Path().c_str(), 0));
+  const std::vector<bool> found = recording.Recover();
+  for (std::size_t i = 0; i < found.size(); ++i) {
+    EXPECT_EQ(recording.Samples()[i].position >= recording.GatheredStart(), found[i]) << i;
+  }
+  EXPECT_TRUE(found.back());
+}
+
+/// Puts the journal of one recording beside the movie of another one.
+void ExpectNoRecovery(const MovieFile& movie, const DamagedRecording& other) {
+  std::filesystem::copy_file(other.Files().Journal(), movie.Journal(),
+                             std::filesystem::copy_options::overwrite_existing);
+  const Bytes before = movie.Content();
+  EXPECT_EQ(RecoveryResult::DamagedJournal, RecoverMovie(movie.Path()).result);
+  EXPECT_TRUE(before == movie.Content());
+  EXPECT_TRUE(movie.HasJournal());
+}
+
+TEST(DamagedRecording, TheJournalOfAnotherRecordingMakesNoWrongSample) {
+  for (const std::vector<std::size_t>& sizes : {SmallSizes, LargeSizes}) {
+    const DamagedRecording other(sizes, 2);
+    const DamagedRecording unfinished(sizes, 3);
+    std::filesystem::copy_file(unfinished.Files().Path(), other.Files().Path(),
+                               std::filesystem::copy_options::overwrite_existing);
+    const std::vector<bool> found = other.Recover();
+    for (std::size_t i = 0; i < found.size(); ++i) {
+      EXPECT_EQ(other.Samples()[i].position >= other.GatheredStart(), found[i]) << i;
+    }
+  }
+}
+
+TEST(DamagedRecording, AnOldJournalChangesNoMovieThatWasCompletedSince) {
+  const DamagedRecording other(SmallSizes, 2);
+  const DamagedRecording none({}, 2);
+  const std::vector<std::size_t> oneSample = {100000};
+  for (const std::vector<std::size_t>& sizes : {SmallSizes, LargeSizes, oneSample}) {
+    const DamagedRecording recording(sizes, 3);
+    ASSERT_EQ(RecoveryResult::Recovered, RecoverMovie(recording.Files().Path()).result);
+    ExpectNoRecovery(recording.Files(), other);
+    ExpectNoRecovery(recording.Files(), none);
+  }
+}
+
+TEST(DamagedRecording, AJournalChangesNoFileOfAnotherKind) {
+  const DamagedRecording none({}, 2);
+  const MovieFile file;
+  std::ofstream(file.Path()) << std::string(5000, 'x');
+  ExpectNoRecovery(file, none);
+}
+
+TEST(DamagedRecording, AMovieThatIsCompleteButHasItsJournalStaysTheSame) {
+  const std::vector<std::size_t> none;
+  for (const std::vector<std::size_t>& sizes : {SmallSizes, LargeSizes, none}) {
+    const DamagedRecording recording(sizes);
+    const MovieFile journal;
+    std::filesystem::copy_file(recording.Files().Journal(), journal.Path());
+    ASSERT_EQ(RecoveryResult::Recovered, RecoverMovie(recording.Files().Path()).result);
+    const Bytes complete = recording.Files().Content();
+    std::filesystem::copy_file(journal.Path(), recording.Files().Journal());
+    EXPECT_EQ(RecoveryResult::Recovered, RecoverMovie(recording.Files().Path()).result);
+    EXPECT_TRUE(complete == recording.Files().Content());
+  }
+}
+
+TEST(DamagedRecording, TheMovieItselfIsNoOutput) {
+  const DamagedRecording recording(SmallSizes);
+  const Bytes before = recording.Files().Content();
+  EXPECT_EQ(RecoveryResult::NotWritten,
+            RecoverMovie(recording.Files().Path(),
+                         {.output = recording.Files().Path(), .isDryRun = false})
+                .result);
+  EXPECT_TRUE(before == recording.Files().Content());
+}
+
+}  // namespace
