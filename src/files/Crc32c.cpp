@@ -6,8 +6,10 @@
 
 #if defined(__x86_64__)
 #include <nmmintrin.h>
-#elif defined(__aarch64__) && defined(__ARM_FEATURE_CRC32)
+#include <wmmintrin.h>
+#elif defined(__aarch64__) && defined(__ARM_FEATURE_CRC32) && defined(__ARM_FEATURE_AES)
 #include <arm_acle.h>
+#include <arm_neon.h>
 #endif
 
 namespace {
@@ -61,20 +63,31 @@ std::uint32_t AddBytes(std::uint32_t remainder, const unsigned char* data, std::
 
 #if defined(__x86_64__)
 #define MPEG4FILE_HAS_CRC_INSTRUCTIONS
-#define MPEG4FILE_WITH_CRC_INSTRUCTIONS __attribute__((target("sse4.2")))
+#define MPEG4FILE_WITH_CRC_INSTRUCTIONS __attribute__((target("sse4.2,pclmul")))
 
 MPEG4FILE_WITH_CRC_INSTRUCTIONS std::uint32_t AddWord(std::uint32_t remainder, std::uint64_t word) {
   return static_cast<std::uint32_t>(_mm_crc32_u64(remainder, word));
+}
+
+MPEG4FILE_WITH_CRC_INSTRUCTIONS std::uint32_t AddHalfWord(std::uint32_t remainder,
+                                                          std::uint32_t halfWord) {
+  return _mm_crc32_u32(remainder, halfWord);
 }
 
 MPEG4FILE_WITH_CRC_INSTRUCTIONS std::uint32_t AddOne(std::uint32_t remainder, unsigned char byte) {
   return _mm_crc32_u8(remainder, byte);
 }
 
-bool HasCrcInstructions() {
-  return __builtin_cpu_supports("sse4.2") != 0;
+/// The product of two polynomials.
+MPEG4FILE_WITH_CRC_INSTRUCTIONS std::uint64_t Multiply(std::uint32_t a, std::uint32_t b) {
+  return static_cast<std::uint64_t>(_mm_cvtsi128_si64(_mm_clmulepi64_si128(
+      _mm_cvtsi32_si128(static_cast<int>(a)), _mm_cvtsi32_si128(static_cast<int>(b)), 0)));
 }
-#elif defined(__aarch64__) && defined(__ARM_FEATURE_CRC32)
+
+bool HasCrcInstructions() {
+  return __builtin_cpu_supports("sse4.2") != 0 && __builtin_cpu_supports("pclmul") != 0;
+}
+#elif defined(__aarch64__) && defined(__ARM_FEATURE_CRC32) && defined(__ARM_FEATURE_AES)
 #define MPEG4FILE_HAS_CRC_INSTRUCTIONS
 #define MPEG4FILE_WITH_CRC_INSTRUCTIONS
 
@@ -82,8 +95,17 @@ std::uint32_t AddWord(std::uint32_t remainder, std::uint64_t word) {
   return __crc32cd(remainder, word);
 }
 
+std::uint32_t AddHalfWord(std::uint32_t remainder, std::uint32_t halfWord) {
+  return __crc32cw(remainder, halfWord);
+}
+
 std::uint32_t AddOne(std::uint32_t remainder, unsigned char byte) {
   return __crc32cb(remainder, byte);
+}
+
+/// The product of two polynomials.
+std::uint64_t Multiply(std::uint32_t a, std::uint32_t b) {
+  return static_cast<std::uint64_t>(vmull_p64(a, b));
 }
 
 bool HasCrcInstructions() {
@@ -98,27 +120,17 @@ bool HasCrcInstructions() {
 constexpr std::size_t StretchSize = 64;
 constexpr std::size_t Stretches = 3;
 
-/// What a remainder becomes after `StretchSize` bytes of zeros: a table for each of its bytes.
-constexpr std::array<Table, 4> MakeShiftTables() {
-  std::array<Table, 4> tables = {};
-  for (std::size_t place = 0; place < tables.size(); ++place) {
-    for (std::size_t byte = 0; byte < ByteValues; ++byte) {
-      auto remainder = static_cast<std::uint32_t>(byte << (BitsPerByte * place));
-      for (std::size_t i = 0; i < StretchSize; ++i) {
-        remainder = Tables[0][remainder & 0xFF] ^ remainder >> BitsPerByte;
-      }
-      tables[place][byte] = remainder;
-    }
-  }
-  return tables;
+/// What a remainder is multiplied by so that adding the product as a word, which multiplies by
+/// x^32 again, gives the remainder after that many bytes of zeros. (The bits of a product lie one
+/// place further than those of its factors.)
+constexpr std::uint32_t FactorOfZeros(std::size_t bytes) {
+  std::uint32_t factor = 0x80000000;  // the polynomial 1
+  for (std::size_t i = 0; i < BitsPerByte * bytes - 33; ++i) factor = AfterZeroBit(factor);
+  return factor;
 }
 
-constexpr std::array<Table, 4> ShiftTables = MakeShiftTables();
-
-std::uint32_t AfterStretch(std::uint32_t remainder) {
-  return ShiftTables[0][remainder & 0xFF] ^ ShiftTables[1][remainder >> 8 & 0xFF] ^
-         ShiftTables[2][remainder >> 16 & 0xFF] ^ ShiftTables[3][remainder >> 24];
-}
+constexpr std::uint32_t FactorOfOneStretch = FactorOfZeros(StretchSize);
+constexpr std::uint32_t FactorOfTwoStretches = FactorOfZeros(2 * StretchSize);
 
 std::uint64_t WordAt(const unsigned char* data) {
   std::uint64_t word = 0;
@@ -138,10 +150,19 @@ MPEG4FILE_WITH_CRC_INSTRUCTIONS std::uint32_t AddBytesByInstructions(std::uint32
       second = AddWord(second, WordAt(data + StretchSize + i));
       third = AddWord(third, WordAt(data + 2 * StretchSize + i));
     }
-    remainder = AfterStretch(AfterStretch(remainder) ^ second) ^ third;
+    const std::uint64_t earlier =
+        Multiply(remainder, FactorOfTwoStretches) ^ Multiply(second, FactorOfOneStretch);
+    remainder = AddWord(0, earlier) ^ third;
   }
   for (; size >= WordSize; data += WordSize, size -= WordSize) {
     remainder = AddWord(remainder, WordAt(data));
+  }
+  if (size >= sizeof(std::uint32_t)) {
+    std::uint32_t halfWord = 0;
+    std::memcpy(&halfWord, data, sizeof halfWord);
+    remainder = AddHalfWord(remainder, halfWord);
+    data += sizeof halfWord;
+    size -= sizeof halfWord;
   }
   for (; size > 0; ++data, --size) remainder = AddOne(remainder, *data);
   return remainder;

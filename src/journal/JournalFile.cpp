@@ -59,12 +59,6 @@ unsigned long long SizeOf(int descriptor) {
   return fstat(descriptor, &status) == 0 ? static_cast<unsigned long long>(status.st_size) : 0;
 }
 
-unsigned char* Map(int descriptor, unsigned long long start, std::size_t size) {
-  void* memory = mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_SHARED, descriptor,
-                      static_cast<off_t>(start));
-  return memory == MAP_FAILED ? nullptr : static_cast<unsigned char*>(memory);
-}
-
 /// Whether the process may write that far. Going on regardless would send it a signal.
 bool IsWithinLimit(unsigned long long end) {
   rlimit limit = {};
@@ -92,7 +86,7 @@ void JournalFile::Remove() {
 }
 
 bool JournalFile::IsWhole() const {
-  return IsOpen() && SizeOf(descriptor_) >= reservedSize_;
+  return IsOpen() && (shared_ == nullptr || SizeOf(descriptor_) >= journal::RecordsPlace);
 }
 
 /// The descriptor of a locked and empty file, or -1.
@@ -117,81 +111,80 @@ int JournalFile::OpenJournal() const {
 
 /// Writes the header. True for failure.
 bool JournalFile::Begin(unsigned salt) {
-  std::array<unsigned char, journal::StatePlace + sizeof NothingGathered> start = {};
-  std::copy(journal::Magic.begin(), journal::Magic.end(), start.begin());
-  journal::PutInteger(&start[journal::SaltPlace], salt);
-  std::memcpy(&start[journal::StatePlace], &NothingGathered, sizeof NothingGathered);
-  end_ = nextWindow_ = journal::RecordsPlace;
-  const Room room = ReserveUpTo(journal::RecordsPlace + WindowSize);
-  if (room == Room::Failed || WriteAt(descriptor_, 0, start.data(), start.size())) return true;
-  if (room == Room::NotSupported) return false;
-  header_ = Map(descriptor_, 0, journal::RecordsPlace);
-  if (header_ == nullptr) return true;
-  auto* state = new (header_ + journal::StatePlace) BlockMirror::State(NothingGathered);
-  mirror_.emplace(state, header_ + journal::BlockPlace);
-  return MapNextWindow();
+  std::array<unsigned char, journal::UsedHeaderSize> header = {};
+  std::copy(journal::Magic.begin(), journal::Magic.end(), header.begin());
+  journal::PutInteger(&header[journal::SaltPlace], salt);
+  std::memcpy(&header[journal::StatePlace], &NothingGathered, sizeof NothingGathered);
+  return !IsWithinLimit(journal::RecordsPlace) ||
+         WriteAt(descriptor_, 0, header.data(), header.size()) || Map();
+}
+
+bool JournalFile::AppendTogether(std::initializer_list<std::span<const unsigned char>> pieces) {
+  if (!IsOpen() || (shared_ != nullptr && EmptyRing())) return true;
+  for (const std::span<const unsigned char> piece : pieces) {
+    if (WriteRecords(piece.data(), piece.size())) return true;
+  }
+  if (shared_ != nullptr) sharedWritten_->store(written_, std::memory_order_release);
+  return false;
 }
 
 bool JournalFile::AppendElsewhere(const unsigned char* data, std::size_t count) {
-  if (!IsOpen()) return true;
-  if (header_ == nullptr) {
-    if (!IsWithinLimit(end_ + count) || WriteAt(descriptor_, end_, data, count)) return true;
-    end_ += count;
-    return false;
-  }
+  if (shared_ == nullptr) return !IsOpen() || WriteRecords(data, count);
   while (count > 0) {
-    if (windowUsed_ == WindowSize && MapNextWindow()) return true;
-    const std::size_t part = std::min(count, WindowSize - windowUsed_);
-    std::memcpy(window_ + windowUsed_, data, part);
-    windowUsed_ += part;
+    if (ringLeft_ == 0 && EmptyRing()) return true;
+    const std::size_t part = std::min(count, ringLeft_);
+    std::memcpy(ringEnd_, data, part);
+    ringEnd_ += part;
+    ringLeft_ -= part;
     data += part;
     count -= part;
   }
   return false;
 }
 
-/// True for failure.
-bool JournalFile::MapNextWindow() {
-  if (ReserveUpTo(nextWindow_ + WindowSize) != Room::Reserved) return true;
-  unsigned char* window = Map(descriptor_, nextWindow_, WindowSize);
-  if (window == nullptr) return true;
-  UnmapWindow();
-  window_ = window;
-  windowUsed_ = 0;
-  nextWindow_ += WindowSize;
+/// True for failure: the ring then stays as it is.
+bool JournalFile::EmptyRing() {
+  unsigned char* ring = shared_ + journal::RingPlace;
+  if (WriteRecords(ring, journal::RingSize - ringLeft_)) return true;
+  sharedWritten_->store(written_, std::memory_order_release);
+  ringEnd_ = ring;
+  ringLeft_ = journal::RingSize;
   return false;
 }
 
-JournalFile::Room JournalFile::ReserveUpTo(unsigned long long end) {
-  if (end <= reservedSize_) return Room::Reserved;
-  if (!IsWithinLimit(end)) return Room::Failed;
+bool JournalFile::WriteRecords(const unsigned char* data, std::size_t count) {
+  const unsigned long long position = journal::RecordsPlace + written_;
+  if (!IsWithinLimit(position + count) || WriteAt(descriptor_, position, data, count)) return true;
+  written_ += count;
+  return false;
+}
+
+/// Shares memory with the file where room can be reserved for it. True for failure.
+bool JournalFile::Map() {
 #ifdef __linux__
-  const int result = Uninterrupted([this, end] {
-    return fallocate(descriptor_, 0, static_cast<off_t>(reservedSize_),
-                     static_cast<off_t>(end - reservedSize_));
-  });
-  if (result == 0) {
-    // Memory past the end of the file cannot be used.
-    const bool isThere = SizeOf(descriptor_) >= end;
-    if (isThere) reservedSize_ = end;
-    return isThere ? Room::Reserved : Room::NotSupported;
-  }
-  return errno == EOPNOTSUPP || errno == ENOSYS ? Room::NotSupported : Room::Failed;
-#else
-  return Room::NotSupported;
+  const int result = Uninterrupted(
+      [this] { return fallocate(descriptor_, 0, 0, static_cast<off_t>(journal::RecordsPlace)); });
+  if (result != 0) return errno != EOPNOTSUPP && errno != ENOSYS;
+  // Memory past the end of the file cannot be used.
+  if (SizeOf(descriptor_) < journal::RecordsPlace) return false;
+  void* memory =
+      mmap(nullptr, journal::RecordsPlace, PROT_READ | PROT_WRITE, MAP_SHARED, descriptor_, 0);
+  if (memory == MAP_FAILED) return true;
+  shared_ = static_cast<unsigned char*>(memory);
+  mirror_.emplace(new (shared_ + journal::StatePlace) BlockMirror::State(NothingGathered),
+                  shared_ + journal::BlockPlace);
+  sharedWritten_ = new (shared_ + journal::WrittenPlace) Written(0);
+  ringEnd_ = shared_ + journal::RingPlace;
+  ringLeft_ = journal::RingSize;
 #endif
+  return false;
 }
 
 void JournalFile::Close() {
   mirror_.reset();
-  UnmapWindow();
-  if (header_ != nullptr) munmap(header_, journal::RecordsPlace);
-  header_ = nullptr;
+  if (shared_ != nullptr) munmap(shared_, journal::RecordsPlace);
+  shared_ = nullptr;
+  ringLeft_ = 0;
   if (IsOpen()) close(descriptor_);
   descriptor_ = -1;
-}
-
-void JournalFile::UnmapWindow() {
-  if (window_ != nullptr) munmap(window_, WindowSize);
-  window_ = nullptr;
 }

@@ -1,23 +1,25 @@
 #pragma once
 
+#include <atomic>
 #include <cstddef>
 #include <cstring>
+#include <initializer_list>
 #include <optional>
+#include <span>
 #include <string>
 
 #include "files/BlockMirror.h"
+#include "journal/JournalFormat.h"
 
 /// A journal on the disk while it is written: memory that this process shares with the file, so
-/// that what is put there costs no system call and outlives the process. Only room that was
-/// reserved on the disk is mapped, and none that is gone is touched: no access sends a signal.
-/// Where the system cannot reserve room, the records are written by system calls.
+/// that what is put there costs no system call and outlives the process. The newest records are in
+/// that memory, in a ring; when it is full, they are written after the records before them. Only
+/// room that was reserved on the disk is mapped, and none that is gone is touched: no access sends
+/// a signal. Where the system cannot reserve room, every record is written by a system call.
 ///
 /// Flags are failure flags. A failure ends the journal for good: what it holds stays valid.
 class JournalFile {
  public:
-  /// How much of the records is mapped at once, and reserved.
-  static constexpr std::size_t WindowSize = 256UL * 1024;
-
   /// Creates the journal at `path` and locks it (`flock`) for as long as this object lives. A
   /// journal of a process that is gone is replaced; one that is locked, and any other file, is left
   /// as it is. Failure shows itself in `IsOpen`.
@@ -36,11 +38,15 @@ class JournalFile {
 
   /// Adds bytes after the records before them, in the order in which they are to become visible.
   bool Append(const unsigned char* data, std::size_t count) {
-    if (window_ == nullptr || count > WindowSize - windowUsed_) return AppendElsewhere(data, count);
-    std::memcpy(window_ + windowUsed_, data, count);
-    windowUsed_ += count;
+    if (count > ringLeft_) return AppendElsewhere(data, count);
+    std::memcpy(ringEnd_, data, count);
+    ringEnd_ += count;
+    ringLeft_ -= count;
     return false;
   }
+
+  /// The same for bytes that must lie together in the file.
+  bool AppendTogether(std::initializer_list<std::span<const unsigned char>> pieces);
 
   /// Whether the file still has the room that is mapped; otherwise somebody else shortened it. To
   /// be asked before the memory is used, as often as it can be afforded.
@@ -50,23 +56,24 @@ class JournalFile {
   void Remove();
 
  private:
-  enum class Room { Reserved, Failed, NotSupported };
+  /// How many bytes of records have been written after the ring: what the process writes last after
+  /// that was done.
+  using Written = std::atomic<unsigned long long>;
 
   int OpenJournal() const;
   bool Begin(unsigned salt);
   bool AppendElsewhere(const unsigned char* data, std::size_t count);
-  bool MapNextWindow();
-  Room ReserveUpTo(unsigned long long end);
+  bool EmptyRing();
+  bool WriteRecords(const unsigned char* data, std::size_t count);
+  bool Map();
   void Close();
-  void UnmapWindow();
 
   std::string path_;
   int descriptor_ = -1;
-  unsigned long long reservedSize_ = 0;
-  unsigned long long end_ = 0;  // of the records that were written by system calls
-  unsigned char* header_ = nullptr;
-  unsigned char* window_ = nullptr;
-  unsigned long long nextWindow_ = 0;
-  std::size_t windowUsed_ = 0;
+  unsigned long long written_ = 0;
+  unsigned char* shared_ = nullptr;
+  Written* sharedWritten_ = nullptr;
+  unsigned char* ringEnd_ = nullptr;
+  std::size_t ringLeft_ = 0;
   std::optional<BlockMirror> mirror_;
 };

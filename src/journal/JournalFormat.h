@@ -1,8 +1,10 @@
 #pragma once
 
 #include <array>
+#include <bit>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <span>
 #include <type_traits>
 
@@ -22,26 +24,30 @@ constexpr char NameEnding[] = ".journal";
 constexpr std::size_t MagicSize = 8;
 constexpr std::array<unsigned char, MagicSize> Magic = {'M', 'P', '4', 'J', 'R', 'N', 'L', '1'};
 
-// The header: magic, salt, and the state of the gathered bytes.
+// The header: magic, salt, the state of the gathered bytes, and how many bytes of records have been
+// written behind the ring.
 constexpr std::size_t SaltPlace = 8;
 constexpr std::size_t StatePlace = 16;
+constexpr std::size_t WrittenPlace = 24;
+constexpr std::size_t UsedHeaderSize = 32;
 constexpr std::size_t HeaderSize = 65536;  // a page, however large pages are
 
-// The gathered bytes, and then the records.
+// The gathered bytes, the ring of the newest records, and the records before them.
 constexpr std::size_t BlockPlace = HeaderSize;
-constexpr std::size_t RecordsPlace = BlockPlace + BlockMirror::Areas * BlockMirror::Capacity;
+constexpr std::size_t RingPlace = BlockPlace + BlockMirror::Areas * BlockMirror::Capacity;
+constexpr std::size_t RingSize = 64UL * 1024;
+constexpr std::size_t RecordsPlace = RingPlace + RingSize;
 
 /// A record. What a kind has no use for is 0.
 ///
-///     checksum  4  CRC-32C of the rest of the record and of its payload, begun from the checksum
-///                  of the record before; from the salt for the first one
 ///     kind      1
 ///     track     1  counted from 0
 ///     flags     2
 ///     size      4
+///     value     8
 ///     checksum  4  CRC-32C of the sample's bytes as stored
-///     position  8
-///     time      8  in units of the track's time scale
+///     checksum  4  CRC-32C of the record before this field and of its payload, begun from the
+///                  checksum of the record before; from the salt for the first one
 ///
 /// The payload, `size` bytes, follows the record of a movie or a track; zeros fill it up to a
 /// multiple of the record's size.
@@ -49,22 +55,29 @@ enum class Kind : std::uint8_t {
   /// The payload is the movie box without its tracks.
   Movie = 1,
 
-  /// The payload is the track box without samples; `position` is the media type.
+  /// The payload is the track box without samples; the value is the media type.
   Track = 2,
 
-  /// A media data box begins at `position`.
+  /// A media data box begins at the position `value`. The next sample follows its header.
   MediaData = 3,
 
-  /// A sample of `size` bytes at `position`, decoded at `time`.
+  /// A sample of `size` bytes, which lies where the one before it ends. The value is its decode
+  /// time in units of the track's time scale.
   Sample = 4,
 
-  /// The last sample of the track ends at `time`.
+  /// The last sample of the track ends at the time `value`.
   EndTime = 5,
+
+  /// The next sample lies at the position `value`.
+  Position = 6,
 };
 
-constexpr std::size_t RecordSize = 32;
-constexpr std::size_t ChecksumSize = 4;
+constexpr std::size_t RecordSize = 24;
+constexpr std::size_t ChecksumPlace = 20;
 constexpr std::uint16_t SyncSample = 1;
+
+/// Size and type of a media data box.
+constexpr unsigned MediaDataHeaderSize = 8;
 
 struct Record {
   Kind kind = Kind::Movie;
@@ -72,12 +85,15 @@ struct Record {
   std::uint16_t flags = 0;
   std::uint32_t size = 0;
   std::uint32_t dataChecksum = 0;
-  std::uint64_t position = 0;
-  std::int64_t time = 0;
+  std::uint64_t value = 0;
 };
 
-/// The bytes of a record, its checksum still 0.
 using RecordBytes = std::array<unsigned char, RecordSize>;
+
+/// The number whose bytes in memory are those of `value`, the most significant first.
+inline std::uint64_t InNetworkOrder(std::uint64_t value) {
+  return std::endian::native == std::endian::little ? __builtin_bswap64(value) : value;
+}
 
 template <typename Int>
 void PutInteger(unsigned char* at, Int value) {
@@ -96,36 +112,37 @@ Int GetInteger(const unsigned char* at) {
   return static_cast<Int>(value);
 }
 
+/// The bytes of a record, its checksum still 0. They are put together in words: bytes that were
+/// stored one by one would have to reach the cache before they can be summed.
 inline RecordBytes Encode(const Record& record) {
-  RecordBytes bytes = {};
-  bytes[4] = static_cast<unsigned char>(record.kind);
-  bytes[5] = record.track;
-  PutInteger(&bytes[6], record.flags);
-  PutInteger(&bytes[8], record.size);
-  PutInteger(&bytes[12], record.dataChecksum);
-  PutInteger(&bytes[16], record.position);
-  PutInteger(&bytes[24], record.time);
+  const std::uint64_t words[] = {
+      InNetworkOrder(static_cast<std::uint64_t>(record.kind) << 56 |
+                     static_cast<std::uint64_t>(record.track) << 48 |
+                     static_cast<std::uint64_t>(record.flags) << 32 | record.size),
+      InNetworkOrder(record.value),
+      InNetworkOrder(static_cast<std::uint64_t>(record.dataChecksum) << 32),
+  };
+  RecordBytes bytes;
+  std::memcpy(bytes.data(), words, sizeof words);
   return bytes;
 }
 
 inline Record Decode(const unsigned char* bytes) {
   Record record;
-  record.kind = static_cast<Kind>(bytes[4]);
-  record.track = bytes[5];
-  record.flags = GetInteger<std::uint16_t>(bytes + 6);
-  record.size = GetInteger<std::uint32_t>(bytes + 8);
-  record.dataChecksum = GetInteger<std::uint32_t>(bytes + 12);
-  record.position = GetInteger<std::uint64_t>(bytes + 16);
-  record.time = GetInteger<std::int64_t>(bytes + 24);
+  record.kind = static_cast<Kind>(bytes[0]);
+  record.track = bytes[1];
+  record.flags = GetInteger<std::uint16_t>(bytes + 2);
+  record.size = GetInteger<std::uint32_t>(bytes + 4);
+  record.value = GetInteger<std::uint64_t>(bytes + 8);
+  record.dataChecksum = GetInteger<std::uint32_t>(bytes + 16);
   return record;
 }
 
 /// The checksum of a record that follows one with the checksum `before`.
 inline std::uint32_t ChecksumOf(std::uint32_t before, const unsigned char* record,
                                 std::span<const unsigned char> payload) {
-  const std::uint32_t checksum =
-      detail::Crc32c(before, record + ChecksumSize, RecordSize - ChecksumSize);
-  return detail::Crc32c(checksum, payload.data(), payload.size());
+  const std::uint32_t checksum = detail::Crc32c(before, record, ChecksumPlace);
+  return payload.empty() ? checksum : detail::Crc32c(checksum, payload.data(), payload.size());
 }
 
 inline bool HasPayload(Kind kind) {

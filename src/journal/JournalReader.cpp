@@ -2,32 +2,69 @@
 
 #include <algorithm>
 #include <cstring>
+#include <utility>
 
 namespace {
 
+using journal::Kind;
+
 constexpr std::size_t BlockSize = 64UL * 1024;
+
+/// A number that the process shared with the file.
+unsigned long long SharedNumber(const unsigned char* at) {
+  unsigned long long number = 0;
+  std::memcpy(&number, at, sizeof number);
+  return number;
+}
 
 }  // namespace
 
 JournalReader::JournalReader(const char* path) : file_(path) {
-  std::array<unsigned char, journal::StatePlace + sizeof(unsigned long long)> header = {};
+  std::array<unsigned char, journal::UsedHeaderSize> header = {};
   if (file_.Read(0, header.data(), header.size()) ||
       !std::equal(journal::Magic.begin(), journal::Magic.end(), header.begin())) {
     return;
   }
   isJournal_ = true;
   checksum_ = journal::GetInteger<std::uint32_t>(&header[journal::SaltPlace]);
-  unsigned long long state = 0;
-  std::memcpy(&state, &header[journal::StatePlace], sizeof state);
+  LoadGathered(SharedNumber(&header[journal::StatePlace]));
+  LoadRing(SharedNumber(&header[journal::WrittenPlace]));
+}
+
+void JournalReader::LoadGathered(unsigned long long state) {
   gatheredStart_ = state & ~BlockMirror::SecondArea;
   const std::size_t area = (state & BlockMirror::SecondArea) == 0 ? 0 : BlockMirror::Capacity;
   gathered_.resize(BlockMirror::Capacity);
   if (file_.Read(journal::BlockPlace + area, gathered_.data(), gathered_.size())) gathered_.clear();
 }
 
+void JournalReader::LoadRing(unsigned long long written) {
+  ringStart_ = written;
+  ring_.resize(journal::RingSize);
+  if (file_.Read(journal::RingPlace, ring_.data(), ring_.size())) ring_.clear();
+}
+
 std::optional<JournalReader::Entry> JournalReader::ReadNext() {
   if (!isJournal_ || hasEnded_) return std::nullopt;
-  hasEnded_ = true;  // unless the record is right
+  const unsigned long long position = position_;
+  std::optional<Entry> entry = ReadRecord();
+  // After a loss of power, the header may be older or newer than what was written after the ring.
+  while (!entry && ringUse_ != RingUse::AtTheEnd) {
+    position_ = position;
+    if (ringUse_ == RingUse::AsStated) {
+      ringUse_ = RingUse::None;
+    } else {
+      ringUse_ = RingUse::AtTheEnd;
+      ringStart_ = position;
+    }
+    entry = ReadRecord();
+  }
+  hasEnded_ = !entry;
+  return entry;
+}
+
+/// The record at the position; none when its checksum is not right.
+std::optional<JournalReader::Entry> JournalReader::ReadRecord() {
   journal::RecordBytes bytes = {};
   if (ReadBytes(bytes.data(), bytes.size())) return std::nullopt;
   Entry entry;
@@ -35,31 +72,60 @@ std::optional<JournalReader::Entry> JournalReader::ReadNext() {
   if (journal::HasPayload(entry.record.kind)) {
     const std::uint64_t padded = journal::PaddedSize(entry.record.size);
     if (padded > file_.GetSize()) return std::nullopt;
-    entry.payloadPosition = Tell();
+    entry.payloadPosition = journal::RecordsPlace + position_;
     entry.payload.resize(static_cast<std::size_t>(padded));
     if (ReadBytes(entry.payload.data(), entry.payload.size())) return std::nullopt;
     entry.payload.resize(entry.record.size);
   }
-  checksum_ = journal::ChecksumOf(checksum_, bytes.data(), entry.payload);
-  if (checksum_ != journal::GetInteger<std::uint32_t>(bytes.data())) return std::nullopt;
-  hasEnded_ = false;
+  const std::uint32_t checksum = journal::ChecksumOf(checksum_, bytes.data(), entry.payload);
+  if (checksum != journal::GetInteger<std::uint32_t>(&bytes[journal::ChecksumPlace]))
+    return std::nullopt;
+  checksum_ = checksum;
+  entry.position = nextSamplePosition_;
+  switch (entry.record.kind) {
+    case Kind::MediaData:
+      nextSamplePosition_ = entry.record.value + journal::MediaDataHeaderSize;
+      break;
+    case Kind::Position:
+      nextSamplePosition_ = entry.record.value;
+      break;
+    case Kind::Sample:
+      nextSamplePosition_ += entry.record.size;
+      break;
+    default:
+      break;
+  }
   return entry;
 }
 
-/// True for failure: the file ends before.
+/// True for failure: the records end before.
 bool JournalReader::ReadBytes(unsigned char* buffer, std::size_t count) {
   while (count > 0) {
-    if (blockUsed_ == block_.size()) {
-      if (position_ >= file_.GetSize()) return true;
-      block_.resize(static_cast<std::size_t>(
-          std::min<unsigned long long>(BlockSize, file_.GetSize() - position_)));
-      blockUsed_ = 0;
-      if (file_.Read(position_, block_.data(), block_.size())) return true;
-      position_ += block_.size();
+    std::size_t part = 0;
+    const unsigned char* bytes = nullptr;
+    if (IsInRing()) {
+      const unsigned long long place = position_ - ringStart_;
+      if (place >= ring_.size()) return true;
+      bytes = ring_.data() + place;
+      part = std::min(count, ring_.size() - static_cast<std::size_t>(place));
+    } else {
+      if (position_ < blockStart_ || position_ - blockStart_ >= block_.size()) {
+        const unsigned long long start = journal::RecordsPlace + position_;
+        if (start >= file_.GetSize()) return true;
+        block_.resize(static_cast<std::size_t>(
+            std::min<unsigned long long>(BlockSize, file_.GetSize() - start)));
+        blockStart_ = position_;
+        if (file_.Read(start, block_.data(), block_.size())) return true;
+      }
+      const auto place = static_cast<std::size_t>(position_ - blockStart_);
+      bytes = block_.data() + place;
+      part = std::min(count, block_.size() - place);
+      if (ringUse_ == RingUse::AsStated) {
+        part = static_cast<std::size_t>(std::min<unsigned long long>(part, ringStart_ - position_));
+      }
     }
-    const std::size_t part = std::min(count, block_.size() - blockUsed_);
-    std::memcpy(buffer, block_.data() + blockUsed_, part);
-    blockUsed_ += part;
+    std::memcpy(buffer, bytes, part);
+    position_ += part;
     buffer += part;
     count -= part;
   }

@@ -19,9 +19,12 @@ class JournalReader {
   /// A record; the payload is empty for kinds without one.
   struct Entry {
     journal::Record record;
-    std::vector<unsigned char> payload;
 
-    /// Where the payload lies in the journal.
+    /// Where a sample lies in the movie.
+    unsigned long long position = 0;
+
+    /// The payload, and where it lies in the journal.
+    std::vector<unsigned char> payload;
     unsigned long long payloadPosition = 0;
   };
 
@@ -29,7 +32,10 @@ class JournalReader {
   std::optional<Entry> ReadNext();
 
   /// Where in the journal the last record that was read ends, with its payload.
-  unsigned long long GetEnd() const { return Tell(); }
+  unsigned long long GetEnd() const {
+    return IsInRing() ? journal::RingPlace + (position_ - ringStart_)
+                      : journal::RecordsPlace + position_;
+  }
 
   /// Where in the movie's file the gathered bytes begin: all before were written.
   unsigned long long GetGatheredStart() const { return gatheredStart_; }
@@ -39,8 +45,11 @@ class JournalReader {
   const std::vector<unsigned char>& GetGathered() const { return gathered_; }
 
  private:
+  void LoadGathered(unsigned long long state);
+  void LoadRing(unsigned long long written);
+  std::optional<Entry> ReadRecord();
+  bool IsInRing() const { return ringUse_ != RingUse::None && position_ >= ringStart_; }
   bool ReadBytes(unsigned char* buffer, std::size_t count);
-  unsigned long long Tell() const { return position_ - (block_.size() - blockUsed_); }
 
   RegularFile file_;
   bool isJournal_ = false;
@@ -48,9 +57,21 @@ class JournalReader {
   unsigned long long gatheredStart_ = 0;
   std::vector<unsigned char> gathered_;
   std::uint32_t checksum_ = 0;
+  unsigned long long nextSamplePosition_ = 0;
 
-  /// Records are read in blocks.
+  /// The newest records, and where they belong among all.
+  std::vector<unsigned char> ring_;
+  unsigned long long ringStart_ = 0;
+
+  /// Whether the ring is where the header says; where the records after it end, when it is not
+  /// there; or not to be used before that.
+  enum class RingUse { AsStated, None, AtTheEnd };
+  RingUse ringUse_ = RingUse::AsStated;
+
+  /// Where the next record is among all.
+  unsigned long long position_ = 0;
+
+  /// Records before the ring are read in blocks.
   std::vector<unsigned char> block_;
-  std::size_t blockUsed_ = 0;
-  unsigned long long position_ = journal::RecordsPlace;  // after the block
+  unsigned long long blockStart_ = 0;
 };

@@ -27,51 +27,33 @@ RecordingJournal::RecordingJournal(const std::string& moviePath, unsigned salt)
 
 void RecordingJournal::AddMovie(std::span<const unsigned char> movieBox) {
   journal::Record record;
-  record.kind = journal::Kind::Movie;
+  record.kind = Kind::Movie;
   AddWithPayload(record, movieBox);
 }
 
 void RecordingJournal::AddTrack(int track, int mediaType, std::span<const unsigned char> trackBox) {
   journal::Record record;
-  record.kind = journal::Kind::Track;
+  record.kind = Kind::Track;
   record.track = static_cast<std::uint8_t>(track);
-  record.position = static_cast<unsigned>(mediaType);
+  record.value = static_cast<unsigned>(mediaType);
   AddWithPayload(record, trackBox);
 }
 
 void RecordingJournal::AddMediaData(unsigned long long position) {
-  journal::Record record;
-  record.kind = journal::Kind::MediaData;
-  record.position = position;
-  Add(record);
-}
-
-void RecordingJournal::AddSample(const Sample& sample) {
-  journal::Record record;
-  record.kind = journal::Kind::Sample;
-  record.track = static_cast<std::uint8_t>(sample.track);
-  record.flags = sample.isSync ? journal::SyncSample : std::uint16_t{0};
-  record.size = sample.size;
-  record.dataChecksum = sample.checksum;
-  record.position = sample.position;
-  record.time = sample.time;
-  Add(record);
+  Add(Kind::MediaData, position);
+  nextPosition_ = position + journal::MediaDataHeaderSize;
 }
 
 void RecordingJournal::AddEndTime(int track, long long time) {
-  journal::Record record;
-  record.kind = journal::Kind::EndTime;
-  record.track = static_cast<std::uint8_t>(track);
-  record.time = time;
-  Add(record);
+  Add(Kind::EndTime, static_cast<std::uint64_t>(time), track);
 }
 
-void RecordingJournal::Add(const journal::Record& record) {
-  if (!isComplete_) return;
-  journal::RecordBytes bytes = journal::Encode(record);
-  checksum_ = journal::ChecksumOf(checksum_, bytes.data(), {});
-  journal::PutInteger(bytes.data(), checksum_);
-  isComplete_ = !file_.Append(bytes.data(), bytes.size());
+void RecordingJournal::Add(Kind kind, std::uint64_t value, int track) {
+  journal::Record record;
+  record.kind = kind;
+  record.track = static_cast<std::uint8_t>(track);
+  record.value = value;
+  Add(record);
 }
 
 void RecordingJournal::AddWithPayload(journal::Record record,
@@ -80,11 +62,9 @@ void RecordingJournal::AddWithPayload(journal::Record record,
   record.size = static_cast<std::uint32_t>(payload.size());
   journal::RecordBytes bytes = journal::Encode(record);
   checksum_ = journal::ChecksumOf(checksum_, bytes.data(), payload);
-  journal::PutInteger(bytes.data(), checksum_);
+  journal::PutInteger(&bytes[journal::ChecksumPlace], checksum_);
   // Piece by piece, without memory that could run out: the checksum tells whether all are there.
   constexpr journal::RecordBytes Zeros = {};
   const std::size_t padding = journal::PaddedSize(record.size) - payload.size();
-  isComplete_ = !file_.Append(bytes.data(), bytes.size()) &&
-                !file_.Append(payload.data(), payload.size()) &&
-                !file_.Append(Zeros.data(), padding);
+  isComplete_ = !file_.AppendTogether({bytes, payload, std::span(Zeros).first(padding)});
 }

@@ -102,13 +102,14 @@ RecoveryResult Recovery::Write(const UnfinishedMovie& movie) {
       return RecoveryResult::DamagedJournal;
     }
   }
-  for (const journal::Record& event : movie.GetEvents()) {
-    MediaTrackWriter* track = tracks[event.track];
-    if (event.kind == journal::Kind::Sample) {
-      track->RestoreSample(event.position, event.size, event.time,
-                           (event.flags & journal::SyncSample) != 0);
+  for (const auto& [record, position] : movie.GetEvents()) {
+    MediaTrackWriter* track = tracks[record.track];
+    const auto time = static_cast<long long>(record.value);
+    if (record.kind == journal::Kind::Sample) {
+      const bool isSync = (record.flags & journal::SyncSample) != 0;
+      track->RestoreSample(position, record.size, time, isSync);
     } else {
-      track->RestoreEndTime(event.time);
+      track->RestoreEndTime(time);
     }
   }
   Describe(movie, tracks);

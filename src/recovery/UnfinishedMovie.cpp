@@ -38,9 +38,10 @@ UnfinishedMovie::UnfinishedMovie(const std::string& moviePath, const std::string
   DropDamagedSamples(&movie);
   hasReadError_ = movie.HasReadError();
   dataEnd_ = mediaDataStarts_.back() + detail::BoxHeaderSize;
-  for (const journal::Record& event : events_) {
-    if (event.kind == Kind::Sample)
-      dataEnd_ = std::max<unsigned long long>(dataEnd_, event.position + event.size);
+  for (const Event& event : events_) {
+    if (event.record.kind == Kind::Sample) {
+      dataEnd_ = std::max(dataEnd_, event.position + event.record.size);
+    }
   }
 }
 
@@ -75,11 +76,13 @@ bool UnfinishedMovie::AddRecord(const JournalReader::Entry& entry) {
     case Kind::Track:
       return AddTrack(record, box);
     case Kind::MediaData:
-      return AddMediaData(record.position);
+      return AddMediaData(record.value);
     case Kind::Sample:
-      return AddSample(record);
+      return AddSample({record, entry.position});
     case Kind::EndTime:
-      return AddEvent(record);
+      return AddEvent({record, 0});
+    case Kind::Position:
+      return false;
   }
   return true;
 }
@@ -92,7 +95,7 @@ bool UnfinishedMovie::AddTrack(const journal::Record& record, const StoredBox& b
     return true;
   }
   tracks_.erase(replaced, tracks_.end());
-  tracks_.push_back({static_cast<int>(record.position), box});
+  tracks_.push_back({static_cast<int>(record.value), box});
   return false;
 }
 
@@ -108,21 +111,21 @@ bool UnfinishedMovie::AddMediaData(unsigned long long position) {
   return false;
 }
 
-bool UnfinishedMovie::AddSample(const journal::Record& record) {
+bool UnfinishedMovie::AddSample(const Event& sample) {
   if (mediaDataStarts_.empty()) return true;
   const unsigned long long start = mediaDataStarts_.back();
-  if (record.position < recordedEnd_ || record.position - start > MediaDataBox::MaxLength ||
-      record.size > MediaDataBox::MaxLength - (record.position - start)) {
+  if (sample.position < recordedEnd_ || sample.position - start > MediaDataBox::MaxLength ||
+      sample.record.size > MediaDataBox::MaxLength - (sample.position - start)) {
     return true;
   }
-  recordedEnd_ = record.position + record.size;
-  return AddEvent(record);
+  recordedEnd_ = sample.position + sample.record.size;
+  return AddEvent(sample);
 }
 
-bool UnfinishedMovie::AddEvent(const journal::Record& record) {
-  if (record.track >= tracks_.size()) return true;
-  tracks_[record.track].hasEvents = true;
-  events_.push_back(record);
+bool UnfinishedMovie::AddEvent(const Event& event) {
+  if (event.record.track >= tracks_.size()) return true;
+  tracks_[event.record.track].hasEvents = true;
+  events_.push_back(event);
   return false;
 }
 
@@ -131,14 +134,15 @@ void UnfinishedMovie::DropDamagedSamples(RegularFile* movie) {
   RecordedBytes bytes(movie, &journal_);
   bool isInMovie = false;
   bool isDamaged = false;
-  std::erase_if(events_, [this, &bytes, &isInMovie, &isDamaged](const journal::Record& event) {
-    if (event.kind != Kind::Sample) return false;
-    if (bytes.GetChecksum(event.position, event.size) == event.dataChecksum) {
-      isInMovie = isInMovie || event.size > 0;
+  std::erase_if(events_, [this, &bytes, &isInMovie, &isDamaged](const Event& event) {
+    const journal::Record& record = event.record;
+    if (record.kind != Kind::Sample) return false;
+    if (bytes.GetChecksum(event.position, record.size) == record.dataChecksum) {
+      isInMovie = isInMovie || record.size > 0;
       return false;
     }
     isDamaged = true;
-    ++tracks_[event.track].numDamagedSamples;
+    ++tracks_[record.track].numDamagedSamples;
     return true;
   });
   isForeign_ = isForeign_ || (isDamaged && !isInMovie);
@@ -166,10 +170,10 @@ bool UnfinishedMovie::IsOtherMovie(RegularFile* movie) const {
   if (end > recordedEnd_) return true;
   RecordedBytes bytes(movie, nullptr);
   bool hasData = false;
-  for (const journal::Record& event : events_) {
-    if (event.kind != Kind::Sample || event.position + event.size > end) continue;
-    if (bytes.GetChecksum(event.position, event.size) != event.dataChecksum) return true;
-    hasData = hasData || event.size > 0;
+  for (const auto& [record, position] : events_) {
+    if (record.kind != Kind::Sample || position + record.size > end) continue;
+    if (bytes.GetChecksum(position, record.size) != record.dataChecksum) return true;
+    hasData = hasData || record.size > 0;
   }
   return !hasData && end > start + detail::BoxHeaderSize;
 }

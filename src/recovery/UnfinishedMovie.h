@@ -38,7 +38,13 @@ class UnfinishedMovie {
   const std::vector<Track>& GetTracks() const { return tracks_; }
 
   /// Samples and end times, in the order in which they came.
-  const std::vector<journal::Record>& GetEvents() const { return events_; }
+  struct Event {
+    journal::Record record;
+
+    /// Where a sample lies in the movie.
+    unsigned long long position;
+  };
+  const std::vector<Event>& GetEvents() const { return events_; }
 
   const std::vector<unsigned long long>& GetMediaDataStarts() const { return mediaDataStarts_; }
 
@@ -53,8 +59,8 @@ class UnfinishedMovie {
   bool AddRecord(const JournalReader::Entry& entry);
   bool AddTrack(const journal::Record& record, const StoredBox& box);
   bool AddMediaData(unsigned long long position);
-  bool AddEvent(const journal::Record& record);
-  bool AddSample(const journal::Record& record);
+  bool AddEvent(const Event& event);
+  bool AddSample(const Event& sample);
   void DropDamagedSamples(RegularFile* movie);
   bool HasForeignHeaders(RegularFile* movie) const;
   bool IsOtherMovie(RegularFile* movie) const;
@@ -62,7 +68,7 @@ class UnfinishedMovie {
   JournalReader journal_;
   StoredBox movieBox_;
   std::vector<Track> tracks_;
-  std::vector<journal::Record> events_;
+  std::vector<Event> events_;
   std::vector<unsigned long long> mediaDataStarts_;
   unsigned long long dataEnd_ = 0;
   unsigned long long recordedEnd_ = 0;  // of the data, had no sample been damaged

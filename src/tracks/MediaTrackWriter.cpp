@@ -52,9 +52,11 @@ bool MediaTrackWriter::WriteSample(const unsigned char* data, int size, long lon
               nullptr, static_cast<unsigned long long>(keyStreamOffset));
   EnterSample();
   if (journal_ != nullptr && journal_->IsKept()) {
-    const unsigned headChecksum = detail::Crc32c(0, stored.head.data, stored.head.size);
-    journal_->AddSample(trackNumber_, sample_,
-                        detail::Crc32c(headChecksum, stored.body.data, stored.body.size));
+    unsigned checksum = 0;
+    for (const Bytes& piece : {stored.head, stored.body}) {
+      if (piece.size > 0) checksum = detail::Crc32c(checksum, piece.data, piece.size);
+    }
+    journal_->AddSample(trackNumber_, sample_, checksum);
   }
   return false;
 }

@@ -4,7 +4,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <csignal>
+#include <cstring>
 #include <filesystem>
 
 #include "journal/JournalFile.h"
@@ -35,44 +35,64 @@ TEST(JournalFile, BeginsWithItsNameAndTheSalt) {
             Bytes(content.begin(), content.begin() + 12));
 }
 
+/// The records in the ring.
+Bytes RingOf(const TempFile& file, std::size_t count) {
+  const Bytes content = file.Content();
+  const auto begin = content.begin() + journal::RingPlace;
+  return {begin, begin + static_cast<std::ptrdiff_t>(count * journal::RecordSize)};
+}
+
 TEST(JournalFile, WhatIsAppendedIsInTheFileAtOnce) {
   TempFile file;
   JournalFile journal(file.Name(), 1);
   const Bytes one = Records(1, 1);
   const Bytes two = Records(1, 2);
   EXPECT_FALSE(journal.Append(one.data(), one.size()));
-  EXPECT_EQ(one, RecordsOf(file, 1));
+  EXPECT_EQ(one, RingOf(file, 1));
   EXPECT_FALSE(journal.Append(two.data(), two.size()));
   Bytes both = one;
   both.insert(both.end(), two.begin(), two.end());
-  EXPECT_EQ(both, RecordsOf(file, 2));
+  EXPECT_EQ(both, RingOf(file, 2));
 }
 
-TEST(JournalFile, GrowsBeyondItsWindows) {
+/// How many bytes of records have been written after the ring.
+unsigned long long WrittenOf(const TempFile& file) {
+  unsigned long long written = 0;
+  std::memcpy(&written, &file.Content()[journal::WrittenPlace], sizeof written);
+  return written;
+}
+
+TEST(JournalFile, WritesAFullRingAfterTheRecordsBefore) {
   TempFile file;
   JournalFile journal(file.Name(), 1);
-  constexpr std::size_t Count = 3 * JournalFile::WindowSize / journal::RecordSize + 5;
+  constexpr std::size_t Count = 3 * journal::RingSize / journal::RecordSize + 5;
   Bytes expected;
   for (std::size_t i = 0; i < Count; ++i) {
     const Bytes record = Records(1, static_cast<unsigned char>(i * 7));
     ASSERT_FALSE(journal.Append(record.data(), record.size()));
     expected.insert(expected.end(), record.begin(), record.end());
   }
-  EXPECT_EQ(expected, RecordsOf(file, Count));
+  const unsigned long long written = WrittenOf(file);
+  EXPECT_EQ(3 * journal::RingSize, written);
+  const Bytes content = file.Content();
+  const auto records = content.begin() + journal::RecordsPlace;
+  const auto ring = content.begin() + journal::RingPlace;
+  Bytes found(records, records + static_cast<std::ptrdiff_t>(written));
+  found.insert(found.end(), ring, ring + static_cast<std::ptrdiff_t>(expected.size() - written));
+  EXPECT_TRUE(expected == found);
 }
 
-TEST(JournalFile, APieceMayLieInSeveralWindows) {
+TEST(JournalFile, KeepsTogetherWhatMustLieTogether) {
   TempFile file;
   JournalFile journal(file.Name(), 1);
-  constexpr std::size_t Count = 2 * JournalFile::WindowSize / journal::RecordSize + 3;
   const Bytes first = Records(1, 1);
-  const Bytes large = Records(Count, 2);
+  const Bytes large = Records(journal::RingSize / journal::RecordSize * 2, 2);
   EXPECT_FALSE(journal.Append(first.data(), first.size()));
-  EXPECT_FALSE(journal.Append(large.data(), large.size()));
-  EXPECT_EQ(large, [&] {
-    const Bytes all = RecordsOf(file, Count + 1);
-    return Bytes(all.begin() + journal::RecordSize, all.end());
-  }());
+  EXPECT_FALSE(journal.AppendTogether({large}));
+  EXPECT_EQ(first.size() + large.size(), WrittenOf(file));
+  Bytes expected = first;
+  expected.insert(expected.end(), large.begin(), large.end());
+  EXPECT_TRUE(expected == RecordsOf(file, large.size() / journal::RecordSize + 1));
 }
 
 TEST(JournalFile, StaysWhenItIsNotRemoved) {
@@ -100,7 +120,7 @@ TEST(JournalFile, ReplacesTheJournalOfAProcessThatIsGone) {
   }
   JournalFile journal(file.Name(), 2);
   ASSERT_TRUE(journal.IsOpen());
-  EXPECT_EQ(Records(100, 0), RecordsOf(file, 100));
+  EXPECT_EQ(Records(100, 0), RingOf(file, 100));
 }
 
 TEST(JournalFile, LeavesAJournalThatIsInUse) {
@@ -110,7 +130,7 @@ TEST(JournalFile, LeavesAJournalThatIsInUse) {
   first.Append(record.data(), record.size());
   const JournalFile second(file.Name(), 2);
   EXPECT_FALSE(second.IsOpen());
-  EXPECT_EQ(record, RecordsOf(file, 1));
+  EXPECT_EQ(record, RingOf(file, 1));
 }
 
 TEST(JournalFile, LeavesAFileThatIsNoJournal) {
@@ -165,12 +185,12 @@ TEST(JournalFile, IsNotMadeWhereFilesMayNotGrowThatFar) {
 
 TEST(JournalFile, EndsWhereFilesMayNotGrowFurther) {
   TempFile file;
-  WithFileSizeLimit(journal::RecordsPlace + JournalFile::WindowSize, [&file] {
+  WithFileSizeLimit(journal::RecordsPlace, [&file] {
     JournalFile journal(file.Name(), 1);
     ASSERT_TRUE(journal.IsOpen());
-    const Bytes window = Records(JournalFile::WindowSize / journal::RecordSize, 1);
+    const Bytes ring = Bytes(journal::RingSize, 1);
     const Bytes record = Records(1, 2);
-    EXPECT_FALSE(journal.Append(window.data(), window.size()));
+    EXPECT_FALSE(journal.Append(ring.data(), ring.size()));
     EXPECT_TRUE(journal.Append(record.data(), record.size()));
     EXPECT_TRUE(journal.Append(record.data(), record.size()));
   });

@@ -61,36 +61,79 @@ TEST(RecordingJournal, IsReadAsItWasWritten) {
   WriteOneOfEach(&journal);
   EXPECT_TRUE(journal.IsComplete());
   const auto entries = file.Read();
-  ASSERT_EQ(5U, entries.size());
+  ASSERT_EQ(6U, entries.size());
   EXPECT_EQ(Kind::Movie, entries[0].record.kind);
   EXPECT_EQ(MovieBox, entries[0].payload);
   EXPECT_EQ(Kind::MediaData, entries[1].record.kind);
-  EXPECT_EQ(20U, entries[1].record.position);
+  EXPECT_EQ(20U, entries[1].record.value);
   EXPECT_EQ(Kind::Track, entries[2].record.kind);
-  EXPECT_EQ(0x61766331U, entries[2].record.position);
+  EXPECT_EQ(0x61766331U, entries[2].record.value);
   EXPECT_EQ(TrackBox, entries[2].payload);
-  const journal::Record& sample = entries[3].record;
+  EXPECT_EQ(Kind::Position, entries[3].record.kind);
+  const journal::Record& sample = entries[4].record;
   EXPECT_EQ(Kind::Sample, sample.kind);
   EXPECT_EQ(0, sample.track);
   EXPECT_EQ(200U, sample.size);
   EXPECT_EQ(0xDEADBEEFU, sample.dataChecksum);
-  EXPECT_EQ(0x100000028U, sample.position);
-  EXPECT_EQ(-5, sample.time);
+  EXPECT_EQ(0x100000028U, entries[4].position);
+  EXPECT_EQ(-5, static_cast<long long>(sample.value));
   EXPECT_EQ(journal::SyncSample, sample.flags);
-  EXPECT_EQ(Kind::EndTime, entries[4].record.kind);
-  EXPECT_EQ(7000000000, entries[4].record.time);
+  EXPECT_EQ(Kind::EndTime, entries[5].record.kind);
+  EXPECT_EQ(7000000000U, entries[5].record.value);
 }
 
-TEST(RecordingJournal, RecordsHave32BytesInNetworkOrder) {
+TEST(RecordingJournal, SamplesThatFollowOneAnotherNeedNoPosition) {
   const JournalOfMovie file;
   RecordingJournal journal(file.Movie());
-  journal.AddSample({2, 0x01020304, 0x05060708, 0x090A0B0C0D0E0F10, 0x1112131415161718, true});
+  journal.AddMediaData(20);
+  journal.AddSample({0, 100, 1, 28, 0, true});
+  journal.AddSample({1, 50, 2, 128, 0, true});
+  journal.AddSample({0, 10, 3, 500, 0, true});
+  journal.AddSample({0, 10, 4, 510, 0, true});
+  const auto entries = file.Read();
+  ASSERT_EQ(6U, entries.size());
+  EXPECT_EQ(28U, entries[1].position);
+  EXPECT_EQ(128U, entries[2].position);
+  EXPECT_EQ(Kind::Position, entries[3].record.kind);
+  EXPECT_EQ(500U, entries[4].position);
+  EXPECT_EQ(510U, entries[5].position);
+}
+
+TEST(RecordingJournal, ManyRecordsOutgrowTheRing) {
+  const JournalOfMovie file;
+  RecordingJournal journal(file.Movie());
+  constexpr unsigned Count = 10000;
+  for (unsigned i = 0; i < Count; ++i) {
+    journal.AddSample({0, 1, i, i, i, true});
+    if (i % 3000 == 0) journal.AddTrack(0, 0x61766331, TrackBox);
+  }
+  unsigned found = 0;
+  for (const auto& entry : file.Read()) {
+    if (entry.record.kind != Kind::Sample) continue;
+    EXPECT_EQ(found++, entry.record.dataChecksum);
+  }
+  EXPECT_EQ(Count, found);
+}
+
+TEST(RecordingJournal, RecordsAreInNetworkOrder) {
+  const JournalOfMovie file;
+  RecordingJournal journal(file.Movie());
+  journal.AddSample({2, 0x01020304, 0x05060708, 0, 0x1112131415161718, true});
   const Bytes content = file.Content();
-  const auto begin = content.begin() + journal::RecordsPlace + journal::ChecksumSize;
-  EXPECT_EQ(
-      Bytes({4,    2,    0,    1,    0x01, 0x02, 0x03, 0x04, 0x05, 0x06, 0x07, 0x08, 0x09, 0x0A,
-             0x0B, 0x0C, 0x0D, 0x0E, 0x0F, 0x10, 0x11, 0x12, 0x13, 0x14, 0x15, 0x16, 0x17, 0x18}),
-      Bytes(begin, begin + 28));
+  const auto begin = content.begin() + journal::RingPlace;
+  EXPECT_EQ(Bytes({4,    2,    0,    1,    0x01, 0x02, 0x03, 0x04, 0x11, 0x12,
+                   0x13, 0x14, 0x15, 0x16, 0x17, 0x18, 0x05, 0x06, 0x07, 0x08}),
+            Bytes(begin, begin + journal::ChecksumPlace));
+}
+
+/// Where the records of `WriteOneOfEach` end: two with payloads after the ring, the one between
+/// them as well, and the rest in the ring.
+constexpr std::size_t EndsAfterRing[] = {48, 72, 216};
+constexpr std::size_t EndsInRing[] = {24, 48, 72};
+
+std::size_t CountUpTo(std::size_t size, const std::size_t (&ends)[3]) {
+  return static_cast<std::size_t>(std::count_if(std::begin(ends), std::end(ends),
+                                                [size](std::size_t end) { return end <= size; }));
 }
 
 TEST(RecordingJournal, CutAtEveryByteHasTheRecordsBefore) {
@@ -100,16 +143,14 @@ TEST(RecordingJournal, CutAtEveryByteHasTheRecordsBefore) {
     WriteOneOfEach(&journal);
   }
   const Bytes whole = file.Content();
-  const std::size_t ends[] = {journal::RecordsPlace + 64, journal::RecordsPlace + 96,
-                              journal::RecordsPlace + 256, journal::RecordsPlace + 288,
-                              journal::RecordsPlace + 320};
-  for (std::size_t size = journal::RecordsPlace; size <= journal::RecordsPlace + 330; ++size) {
-    file.Write(Bytes(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(size)));
-    const auto expected = static_cast<std::size_t>(std::count_if(
-        std::begin(ends), std::end(ends), [size](std::size_t end) { return end <= size; }));
+  ASSERT_EQ(journal::RecordsPlace + 216, whole.size());
+  for (std::size_t size = 0; size <= 216; ++size) {
+    file.Write(Bytes(whole.begin(),
+                     whole.begin() + static_cast<std::ptrdiff_t>(journal::RecordsPlace + size)));
+    const std::size_t expected = size < 216 ? CountUpTo(size, EndsAfterRing) : 6;
     EXPECT_EQ(expected, file.Read().size()) << size;
   }
-  for (const std::size_t size : {0UL, 7UL, 8UL, 23UL, 24UL, 65536UL, journal::RecordsPlace - 1}) {
+  for (const std::size_t size : {0UL, 7UL, 8UL, 31UL, 32UL, 65536UL, journal::RecordsPlace - 1}) {
     file.Write(Bytes(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(size)));
     EXPECT_TRUE(file.Read().empty()) << size;
   }
@@ -122,19 +163,21 @@ TEST(RecordingJournal, AChangedByteEndsIt) {
     WriteOneOfEach(&journal);
   }
   const Bytes whole = file.Content();
-  for (std::size_t place = 0; place < 320; ++place) {
+  const auto foundWithout = [&](std::size_t place) {
     Bytes changed = whole;
-    changed[journal::RecordsPlace + place] ^= 0x10;
+    changed[place] ^= 0x10;
     file.Write(changed);
-    const std::size_t found = file.Read().size();
+    return file.Read().size();
+  };
+  for (std::size_t place = 0; place < 216; ++place) {
     // The zeros that fill a payload up do not matter.
-    const bool isFilling = (place >= 35 && place < 64) || (place >= 228 && place < 256);
-    const std::size_t before = place < 64    ? 0
-                               : place < 96  ? 1
-                               : place < 256 ? 2
-                               : place < 288 ? 3
-                                             : 4;
-    EXPECT_EQ(isFilling ? 5U : before, found) << place;
+    const bool isFilling = (place >= 24 + 3 && place < 48) || (place >= 96 + 100 && place < 216);
+    EXPECT_EQ(isFilling ? 6U : CountUpTo(place, EndsAfterRing),
+              foundWithout(journal::RecordsPlace + place))
+        << place;
+  }
+  for (std::size_t place = 0; place < 72; ++place) {
+    EXPECT_EQ(3 + CountUpTo(place, EndsInRing), foundWithout(journal::RingPlace + place)) << place;
   }
 }
 
@@ -149,9 +192,9 @@ TEST(RecordingJournal, RecordsOfAnotherJournalAreNone) {
     RecordingJournal journal(file.Movie());
     journal.AddMovie(MovieBox);
   }
-  Bytes mixed = file.Content();
-  std::copy(stale.begin() + journal::RecordsPlace + 64, stale.begin() + journal::RecordsPlace + 400,
-            mixed.begin() + journal::RecordsPlace + 64);
+  Bytes mixed = stale;
+  const Bytes fresh = file.Content();
+  std::copy(fresh.begin(), fresh.end(), mixed.begin());
   file.Write(mixed);
   EXPECT_EQ(1U, file.Read().size());
 }

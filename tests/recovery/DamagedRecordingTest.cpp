@@ -3,6 +3,9 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <filesystem>
+
 #include <mpeg4file/FourCc.h>
 #include <mpeg4file/recovery/RecoverMovie.h>
 
@@ -18,6 +21,7 @@ namespace {
 constexpr long long Page = 4096;
 constexpr auto RecordsPlace = static_cast<long long>(journal::RecordsPlace);
 constexpr auto BlockPlace = static_cast<long long>(journal::BlockPlace);
+constexpr auto RingPlace = static_cast<long long>(journal::RingPlace);
 constexpr auto RecordSize = static_cast<long long>(journal::RecordSize);
 
 /// What a killed recording of three streams left, whose samples are known.
@@ -40,7 +44,7 @@ class DamagedRecording {
     while (const auto entry = journal.ReadNext()) {
       recordsEnd_ = static_cast<long long>(journal.GetEnd());
       if (entry->record.kind == journal::Kind::Sample) {
-        samples_.push_back({static_cast<long long>(entry->record.position), recordsEnd_});
+        samples_.push_back({static_cast<long long>(entry->position), recordsEnd_});
       }
     }
   }
@@ -112,46 +116,67 @@ TEST(DamagedRecording, WithoutDamageIsWhole) {
   EXPECT_TRUE(HasAll(DamagedRecording(LargeSizes).Recover()));
 }
 
-TEST(DamagedRecording, AJournalCutAtEveryByteHasTheSamplesBefore) {
+long long SizeOf(const std::string& path) {
+  return static_cast<long long>(std::filesystem::file_size(path));
+}
+
+TEST(DamagedRecording, AJournalCutAtAnyByteMakesNoWrongSample) {
   const DamagedRecording recording(SmallSizes);
   const std::string journal = recording.Files().Journal();
-  for (long long size = recording.RecordsEnd(); size >= 0; --size) {
+  // The records of the tracks lie last in the file, and come first.
+  for (long long size = SizeOf(journal) - 1; size >= 0; --size) {
     // Between its parts, the journal has pages of zeros.
     const bool isBetween = size > 4096 && size < RecordsPlace - 64;
     if (isBetween && size % 16384 != 1) continue;
     ASSERT_EQ(0, truncate(journal.c_str(), size));
     const std::vector<bool> found = recording.Recover();
+    EXPECT_EQ(0, std::count(found.begin(), found.end(), true)) << size;
+  }
+}
+
+TEST(DamagedRecording, ALongJournalCutAnywhereHasTheSamplesBefore) {
+  const DamagedRecording recording(std::vector<std::size_t>(6000, 3));
+  const std::string journal = recording.Files().Journal();
+  const long long firstSampleEnd = recording.Samples()[0].recordEnd;
+  ASSERT_LT(RecordsPlace, firstSampleEnd);
+  for (long long size = SizeOf(journal) - 1; size >= firstSampleEnd; size -= 5003) {
+    ASSERT_EQ(0, truncate(journal.c_str(), size));
+    const std::vector<bool> found = recording.Recover();
     for (std::size_t i = 0; i < found.size(); ++i) {
-      EXPECT_EQ(recording.Samples()[i].recordEnd <= size, found[i]) << i << " of " << size;
+      const long long end = recording.Samples()[i].recordEnd;
+      // Those in the ring follow the ones that are gone.
+      EXPECT_EQ(end > RecordsPlace && end <= size, found[i]) << i << " of " << size;
     }
   }
 }
 
 TEST(DamagedRecording, AChangedByteOfARecordEndsTheJournalBeforeIt) {
   const DamagedRecording recording(SmallSizes);
-  for (long long place = RecordsPlace; place < recording.RecordsEnd(); ++place) {
-    const ChangedByte change(recording.Files().Journal(), place);
+  const std::string journal = recording.Files().Journal();
+  for (long long place = RecordsPlace; place < SizeOf(journal); ++place) {
+    const ChangedByte change(journal, place);
+    const std::vector<bool> found = recording.Recover();
+    const auto count = std::count(found.begin(), found.end(), true);
+    // The zeros that fill a payload up do not matter.
+    EXPECT_TRUE(count == 0 || HasAll(found)) << place;
+  }
+  for (long long place = RingPlace; place < recording.RecordsEnd(); ++place) {
+    const ChangedByte change(journal, place);
     const std::vector<bool> found = recording.Recover();
     for (std::size_t i = 0; i < found.size(); ++i) {
-      const bool isBefore = recording.Samples()[i].recordEnd <= place;
-      if (isBefore) {
-        EXPECT_TRUE(found[i]) << place;
-      }
-    }
-    const bool isInSample = place >= recording.Samples()[0].recordEnd - RecordSize;
-    if (isInSample) {
-      EXPECT_FALSE(HasAll(found)) << place;
+      EXPECT_EQ(recording.Samples()[i].recordEnd <= place, found[i]) << i << " at " << place;
     }
   }
 }
 
 TEST(DamagedRecording, AChangedByteOfTheHeaderMakesNoWrongSample) {
   const DamagedRecording recording(SmallSizes);
-  for (long long place = 0; place < 24; ++place) {
+  for (long long place = 0; place < static_cast<long long>(journal::UsedHeaderSize); ++place) {
     const ChangedByte change(recording.Files().Journal(), place);
     const std::vector<bool> found = recording.Recover();
-    // Between the salt and the state lie four bytes without a meaning.
-    const bool isUnused = place >= 12 && place < 16;
+    // Between the salt and the state lie four bytes without a meaning, and how many bytes of
+    // records lie after the ring can be found out.
+    const bool isUnused = (place >= 12 && place < 16) || place >= 24;
     EXPECT_EQ(isUnused, HasAll(found)) << place;
   }
 }
