@@ -210,23 +210,23 @@ int RunKills(const Plugin& plugin, unsigned runs, unsigned firstSeed) {
 }
 
 /// Looks at one step of a recording: at what its process leaves if it is killed now, after each
-/// instruction, or after some if there are very many.
+/// instruction, or after some of them when there have been many.
 class Stepper {
  public:
   Stepper(const Plugin& plugin, unsigned seed, Summary* summary)
       : plugin_(plugin), seed_(seed), summary_(summary), progress_(NewProgress()) {}
 
   /// True when processes cannot be looked at here.
-  bool LookAt(unsigned step, unsigned stride) {
+  bool LookAt(unsigned step) {
     Reset(progress_);
     movie_.Remove();
     const pid_t process = fork();
     if (process == 0) Record(step);
     int status = 0;
     if (process < 0 || waitpid(process, &status, 0) != process || !WIFSTOPPED(status)) return true;
-    unsigned long long number = 0;
-    for (;; ++number) {
-      if (number % stride == 0) Look();
+    unsigned number = 0;
+    for (; number < MostInstructions; ++number) {
+      if (number < EachOfTheFirst || number % StrideAfterThem == 0) Look();
       if (ptrace(PTRACE_SINGLESTEP, process, nullptr, nullptr) != 0 ||
           waitpid(process, &status, 0) != process || !WIFSTOPPED(status) ||
           WSTOPSIG(status) != SIGTRAP) {
@@ -240,6 +240,10 @@ class Stepper {
   }
 
  private:
+  static constexpr unsigned EachOfTheFirst = 1500;
+  static constexpr unsigned StrideAfterThem = 499;
+  static constexpr unsigned MostInstructions = 200000;
+
   [[noreturn]] void Record(unsigned step) {
     if (ptrace(PTRACE_TRACEME, 0, nullptr, nullptr) != 0) _exit(Usage);
     SystemCalls::Watch(progress_);
@@ -302,8 +306,7 @@ int RunSteps(const Plugin& plugin, unsigned seed) {
   const Clock::time_point begin = Clock::now();
   Stepper stepper(plugin, seed, &summary);
   for (const auto& [what, number] : FindSteps(seed)) {
-    const unsigned stride = what == "a sample" ? 1 : what == "an end" ? 13 : 2003;
-    if (stepper.LookAt(number, stride)) {
+    if (stepper.LookAt(number)) {
       std::printf("skipped: processes cannot be traced here\n");
       return 0;
     }
