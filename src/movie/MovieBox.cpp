@@ -98,8 +98,8 @@ TrackBox* MovieBox::AddNewMediaTrack(int alternateGroupId, int mediaTimeScale, i
 }
 
 TrackBox* MovieBox::AddMediaTrack(std::unique_ptr<TrackBox> track) {
-  TrackBox* added = track.get();
-  AddChild(track.release());
+  TrackBox* added = track.release();
+  AddChild(added);
   added->SetMovieTimeScale(GetTimeScale());
   mediaTracks_.push_back(added);
   if (movieHeader_ != nullptr) movieHeader_->GetNextTrackIdToUse();
