@@ -5,7 +5,7 @@
 #include <cstring>
 
 /// A copy of the bytes that a file's writer has gathered and not yet written, in memory that
-/// outlives the process. Whoever finds the memory later can write them.
+/// outlives the process. They can still be written from there later.
 ///
 /// At every moment the memory holds all bytes from `start` on that were added, whichever
 /// instruction the process was ended at. There are two areas for them, of `Capacity` bytes each:

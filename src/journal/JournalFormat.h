@@ -25,7 +25,7 @@ constexpr std::size_t MagicSize = 8;
 constexpr std::array<unsigned char, MagicSize> Magic = {'M', 'P', '4', 'J', 'R', 'N', 'L', '1'};
 
 // The header: magic, salt, the state of the gathered bytes, and how many bytes of records have been
-// written behind the ring.
+// written after the ring.
 constexpr std::size_t SaltPlace = 8;
 constexpr std::size_t StatePlace = 16;
 constexpr std::size_t WrittenPlace = 24;

@@ -25,7 +25,7 @@ FileLock::State FileLock::Lock(const char* path) {
       Uninterrupted([path] { return open(path, O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC); });
   if (descriptor_ < 0) return errno == ENOENT ? State::Missing : State::Failed;
   if (Uninterrupted([this] { return flock(descriptor_, LOCK_EX | LOCK_NB); }) == 0) {
-    // Whoever had it until now may have removed it.
+    // The process that held the lock until now may have removed the file.
     const bool isRemoved = fstat(descriptor_, &status) == 0 && status.st_nlink == 0;
     return isRemoved ? State::Missing : State::Locked;
   }

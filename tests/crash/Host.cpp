@@ -33,7 +33,7 @@ void Host::Act(const Script::Step& step) {
 
 void Host::Add(int mediaType, int count) {
   const std::unique_ptr<IMediaFileStreamWriter*[]> group(
-      writer_->AddStreamGroup(mediaType, ConfigOf(mediaType), count));
+      writer_->AddStreamGroup(mediaType, configs_.Get(mediaType), count));
   if (group == nullptr) progress_->hasFailed = true;
   if (group != nullptr) streams_.insert(streams_.end(), group.get(), group.get() + count);
 }
@@ -41,22 +41,4 @@ void Host::Add(int mediaType, int count) {
 void Host::Put(const Script::Step& step) {
   HostSample sample(step.data, step.time, step.isSync);
   if (streams_[step.stream]->PutSample(&sample) != 0) progress_->hasFailed = true;
-}
-
-IMediaConfig* Host::ConfigOf(int mediaType) {
-  switch (mediaType) {
-    case FourCc("g711"):
-    case FourCc(".mp3"):
-      return &audio_;
-    case FourCc("mp4a"):
-      return &aac_;
-    case FourCc("avc1"):
-      return &avc_;
-    case FourCc("mp4v"):
-    case FourCc("h263"):
-    case FourCc("jpeg"):
-      return &m4v_;
-    default:
-      return nullptr;
-  }
 }

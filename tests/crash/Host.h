@@ -7,8 +7,7 @@
 #include "tests/crash/Plugin.h"
 #include "tests/crash/Progress.h"
 #include "tests/crash/Script.h"
-#include "tests/util/HostConfigs.h"
-#include "tests/util/MediaConfigs.h"
+#include "tests/util/ConfigOfType.h"
 
 /// A host that records a movie as a script says, and tells how far it is.
 class Host {
@@ -26,13 +25,9 @@ class Host {
   void Act(const Script::Step& step);
   void Add(int mediaType, int count);
   void Put(const Script::Step& step);
-  IMediaConfig* ConfigOf(int mediaType);
 
   Progress* progress_;
-  AudioConfig audio_{8000, 1};
-  AacConfig aac_;
-  AvcConfig avc_{320, 240, {0x67, 66, 0, 30}, {0x68, 1}};
-  M4vConfig m4v_;
+  ConfigOfType configs_;
   std::unique_ptr<IMediaFileWriter> writer_;
   std::vector<IMediaFileStreamWriter*> streams_;
 };

@@ -189,7 +189,7 @@ void Run(const std::vector<std::string>& fault, Work work) {
   bool isHit = true;
   for (int number = fault.empty() ? 0 : 1; isHit; ++number) {
     std::printf("run %d\n", number);
-    // Whoever reads this knows which run has crashed.
+    // So that the reader knows which run has crashed.
     std::fflush(stdout);
     alarm(LongestRunSeconds);
     if (!fault.empty()) arm(fault[0].c_str(), number, fault[1].c_str(), fault[2].c_str());

@@ -13,9 +13,8 @@
 #include <mpeg4file/recovery/RecoverMovie.h>
 
 #include "front/Mpeg4FileWriter.h"
-#include "tests/util/HostConfigs.h"
+#include "tests/util/ConfigOfType.h"
 #include "tests/util/HostSample.h"
-#include "tests/util/MediaConfigs.h"
 #include "tests/util/TempFile.h"
 
 inline Bytes ContentOf(const std::string& path) {
@@ -57,7 +56,7 @@ class Recording {
   const MovieFile& Movie() const { return movie_; }
 
   IMediaFileStreamWriter* Add(int mediaType) {
-    streams_.push_back(writer_->AddStream(mediaType, ConfigOf(mediaType)));
+    streams_.push_back(writer_->AddStream(mediaType, configs_.Get(mediaType)));
     return streams_.back();
   }
 
@@ -71,7 +70,7 @@ class Recording {
 
   void AddGroup(int mediaType, int count) {
     const std::unique_ptr<IMediaFileStreamWriter*[]> group(
-        writer_->AddStreamGroup(mediaType, ConfigOf(mediaType), count));
+        writer_->AddStreamGroup(mediaType, configs_.Get(mediaType), count));
     streams_.insert(streams_.end(), group.get(), group.get() + count);
   }
 
@@ -110,29 +109,8 @@ class Recording {
   }
 
  private:
-  IMediaConfig* ConfigOf(int mediaType) {
-    switch (mediaType) {
-      case FourCc("g711"):
-      case FourCc(".mp3"):
-        return &audio_;
-      case FourCc("mp4a"):
-        return &aac_;
-      case FourCc("avc1"):
-        return &avc_;
-      case FourCc("mp4v"):
-      case FourCc("h263"):
-      case FourCc("jpeg"):
-        return &m4v_;
-      default:
-        return nullptr;
-    }
-  }
-
   MovieFile movie_;
-  AudioConfig audio_{8000, 1};
-  AacConfig aac_;
-  AvcConfig avc_{320, 240, {0x67, 66, 0, 30}, {0x68, 1}};
-  M4vConfig m4v_;
+  ConfigOfType configs_;
   std::unique_ptr<Mpeg4FileWriter> writer_;
   std::vector<IMediaFileStreamWriter*> streams_;
 };

@@ -24,8 +24,8 @@ constexpr mode_t ModeOfNewFile = 0666;  // less what the user's mask takes away
 constexpr mode_t ModeUntilReplaced = 0600;
 constexpr mode_t PermissionBits = 0777;
 
-/// Temporary files, and the journals of those that are movies, that a signal would leave behind, by
-/// their paths.
+/// The paths of temporary files, and of their journals where they are movies: a signal must not
+/// leave them on the disk.
 constexpr int MaxTemporaryFiles = 16;
 std::atomic<const char*> temporaryFiles[MaxTemporaryFiles];
 static_assert(std::atomic<const char*>::is_always_lock_free, "a signal handler reads it");

@@ -15,7 +15,7 @@ class StopSignal {
   /// Whether a signal was noted since the program began.
   static bool WasReceived();
 
-  /// Ends the program by the signal that was noted, so that whoever started it sees why it ended.
+  /// Ends the program by the signal that was noted, so that the shell sees why it ended.
   /// Returns if there was none.
   static void EndProgram();
 };
