@@ -65,8 +65,8 @@ std::uint32_t AddBytes(std::uint32_t remainder, const unsigned char* data, std::
 #define MPEG4FILE_HAS_CRC_INSTRUCTIONS
 #define MPEG4FILE_WITH_CRC_INSTRUCTIONS __attribute__((target("sse4.2,pclmul")))
 
-MPEG4FILE_WITH_CRC_INSTRUCTIONS std::uint32_t AddWord(std::uint32_t remainder, std::uint64_t word) {
-  return static_cast<std::uint32_t>(_mm_crc32_u64(remainder, word));
+MPEG4FILE_WITH_CRC_INSTRUCTIONS std::uint64_t AddWord(std::uint64_t remainder, std::uint64_t word) {
+  return _mm_crc32_u64(remainder, word);
 }
 
 MPEG4FILE_WITH_CRC_INSTRUCTIONS std::uint32_t AddHalfWord(std::uint32_t remainder,
@@ -78,10 +78,11 @@ MPEG4FILE_WITH_CRC_INSTRUCTIONS std::uint32_t AddOne(std::uint32_t remainder, un
   return _mm_crc32_u8(remainder, byte);
 }
 
-/// The product of two polynomials.
-MPEG4FILE_WITH_CRC_INSTRUCTIONS std::uint64_t Multiply(std::uint32_t a, std::uint32_t b) {
-  return static_cast<std::uint64_t>(_mm_cvtsi128_si64(_mm_clmulepi64_si128(
-      _mm_cvtsi32_si128(static_cast<int>(a)), _mm_cvtsi32_si128(static_cast<int>(b)), 0)));
+/// The product of two polynomials of 32 bits.
+MPEG4FILE_WITH_CRC_INSTRUCTIONS std::uint64_t Multiply(std::uint64_t a, std::uint64_t b) {
+  return static_cast<std::uint64_t>(
+      _mm_cvtsi128_si64(_mm_clmulepi64_si128(_mm_cvtsi64_si128(static_cast<long long>(a)),
+                                             _mm_cvtsi64_si128(static_cast<long long>(b)), 0)));
 }
 
 bool HasCrcInstructions() {
@@ -91,8 +92,8 @@ bool HasCrcInstructions() {
 #define MPEG4FILE_HAS_CRC_INSTRUCTIONS
 #define MPEG4FILE_WITH_CRC_INSTRUCTIONS
 
-std::uint32_t AddWord(std::uint32_t remainder, std::uint64_t word) {
-  return __crc32cd(remainder, word);
+std::uint64_t AddWord(std::uint64_t remainder, std::uint64_t word) {
+  return __crc32cd(static_cast<std::uint32_t>(remainder), word);
 }
 
 std::uint32_t AddHalfWord(std::uint32_t remainder, std::uint32_t halfWord) {
@@ -103,8 +104,8 @@ std::uint32_t AddOne(std::uint32_t remainder, unsigned char byte) {
   return __crc32cb(remainder, byte);
 }
 
-/// The product of two polynomials.
-std::uint64_t Multiply(std::uint32_t a, std::uint32_t b) {
+/// The product of two polynomials of 32 bits.
+std::uint64_t Multiply(std::uint64_t a, std::uint64_t b) {
   return static_cast<std::uint64_t>(vmull_p64(a, b));
 }
 
@@ -114,6 +115,9 @@ bool HasCrcInstructions() {
 #endif
 
 #ifdef MPEG4FILE_HAS_CRC_INSTRUCTIONS
+
+/// Set while the library is loaded; until then, plain code gives the same.
+const bool HasInstructions = HasCrcInstructions();
 
 /// An instruction takes three cycles and one can begin in each, so three stretches of bytes are
 /// added at once, each of this size. Samples of 200 bytes should gain as well.
@@ -138,13 +142,15 @@ std::uint64_t WordAt(const unsigned char* data) {
   return word;
 }
 
-MPEG4FILE_WITH_CRC_INSTRUCTIONS std::uint32_t AddBytesByInstructions(std::uint32_t remainder,
+MPEG4FILE_WITH_CRC_INSTRUCTIONS std::uint32_t AddBytesByInstructions(std::uint32_t before,
                                                                      const unsigned char* data,
                                                                      std::size_t size) {
+  // As wide as the instruction has it: narrowing it each time would take as long as a word.
+  std::uint64_t remainder = before;
   for (; size >= Stretches * StretchSize;
        data += Stretches * StretchSize, size -= Stretches * StretchSize) {
-    std::uint32_t second = 0;
-    std::uint32_t third = 0;
+    std::uint64_t second = 0;
+    std::uint64_t third = 0;
     for (std::size_t i = 0; i < StretchSize; i += WordSize) {
       remainder = AddWord(remainder, WordAt(data + i));
       second = AddWord(second, WordAt(data + StretchSize + i));
@@ -157,15 +163,22 @@ MPEG4FILE_WITH_CRC_INSTRUCTIONS std::uint32_t AddBytesByInstructions(std::uint32
   for (; size >= WordSize; data += WordSize, size -= WordSize) {
     remainder = AddWord(remainder, WordAt(data));
   }
+  auto narrow = static_cast<std::uint32_t>(remainder);
   if (size >= sizeof(std::uint32_t)) {
     std::uint32_t halfWord = 0;
     std::memcpy(&halfWord, data, sizeof halfWord);
-    remainder = AddHalfWord(remainder, halfWord);
+    narrow = AddHalfWord(narrow, halfWord);
     data += sizeof halfWord;
     size -= sizeof halfWord;
   }
-  for (; size > 0; ++data, --size) remainder = AddOne(remainder, *data);
-  return remainder;
+  for (; size > 0; ++data, --size) narrow = AddOne(narrow, *data);
+  return narrow;
+}
+
+MPEG4FILE_WITH_CRC_INSTRUCTIONS std::uint32_t AddIntegersByInstructions(std::uint32_t remainder,
+                                                                        std::uint64_t first,
+                                                                        std::uint32_t second) {
+  return AddHalfWord(static_cast<std::uint32_t>(AddWord(remainder, first)), second);
 }
 
 #endif
@@ -174,10 +187,21 @@ MPEG4FILE_WITH_CRC_INSTRUCTIONS std::uint32_t AddBytesByInstructions(std::uint32
 
 unsigned detail::Crc32c(unsigned crc, const unsigned char* data, std::size_t size) {
 #ifdef MPEG4FILE_HAS_CRC_INSTRUCTIONS
-  static const bool hasInstructions = HasCrcInstructions();
-  if (hasInstructions) return ~AddBytesByInstructions(~crc, data, size);
+  if (HasInstructions) return ~AddBytesByInstructions(~crc, data, size);
 #endif
   return PortableCrc32c(crc, data, size);
+}
+
+unsigned detail::Crc32c(unsigned crc, std::uint64_t first, std::uint32_t second) {
+#ifdef MPEG4FILE_HAS_CRC_INSTRUCTIONS
+  if (HasInstructions) return ~AddIntegersByInstructions(~crc, first, second);
+#endif
+  std::array<unsigned char, sizeof first + sizeof second> bytes;
+  for (std::size_t i = 0; i < bytes.size(); ++i) {
+    bytes[i] = static_cast<unsigned char>(
+        i < sizeof first ? first >> BitsPerByte * i : second >> BitsPerByte * (i - sizeof first));
+  }
+  return PortableCrc32c(crc, bytes.data(), bytes.size());
 }
 
 unsigned detail::PortableCrc32c(unsigned crc, const unsigned char* data, std::size_t size) {

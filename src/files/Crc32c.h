@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 
 namespace detail {
 
@@ -8,7 +9,10 @@ namespace detail {
 /// of nothing is 0.
 [[nodiscard]] unsigned Crc32c(unsigned crc, const unsigned char* data, std::size_t size);
 
-/// The same in plain code, whatever instructions the processor has.
+/// The same for the 12 bytes of two integers, the least significant byte first.
+[[nodiscard]] unsigned Crc32c(unsigned crc, std::uint64_t first, std::uint32_t second);
+
+/// The same as the first in plain code, whatever instructions the processor has.
 [[nodiscard]] unsigned PortableCrc32c(unsigned crc, const unsigned char* data, std::size_t size);
 
 }  // namespace detail

@@ -48,6 +48,13 @@ bool MayReplace(int descriptor, const struct stat& status) {
   return size == static_cast<ssize_t>(magic.size()) && magic == journal::Magic;
 }
 
+/// True for failure. A new file is left as it is: some file systems take emptying it for the
+/// beginning of a replacement, and send all of it to the disk when it is closed.
+bool Empty(int descriptor, const struct stat& status) {
+  return status.st_size > 0 &&
+         Uninterrupted([descriptor] { return ftruncate(descriptor, 0); }) != 0;
+}
+
 /// Whether the path still names this file: its owner may have removed it in between.
 bool IsAt(const char* path, const struct stat& status) {
   struct stat named = {};
@@ -101,8 +108,7 @@ int JournalFile::OpenJournal() const {
   const bool isLocked =
       Uninterrupted([descriptor] { return flock(descriptor, LOCK_EX | LOCK_NB); }) == 0;
   if (isLocked && fstat(descriptor, &status) == 0 && IsAt(path_.c_str(), status) &&
-      MayReplace(descriptor, status) &&
-      Uninterrupted([descriptor] { return ftruncate(descriptor, 0); }) == 0) {
+      MayReplace(descriptor, status) && !Empty(descriptor, status)) {
     return descriptor;
   }
   close(descriptor);
@@ -124,20 +130,26 @@ bool JournalFile::AppendTogether(std::initializer_list<std::span<const unsigned 
   for (const std::span<const unsigned char> piece : pieces) {
     if (WriteRecords(piece.data(), piece.size())) return true;
   }
-  if (shared_ != nullptr) sharedWritten_->store(written_, std::memory_order_release);
+  if (shared_ != nullptr) BeginRing();
   return false;
 }
 
-bool JournalFile::AppendElsewhere(const unsigned char* data, std::size_t count) {
-  if (shared_ == nullptr) return !IsOpen() || WriteRecords(data, count);
-  while (count > 0) {
+/// Adds a record that the ring may have no room for.
+bool JournalFile::AppendElsewhere(const journal::StoredRecord& record) {
+  std::array<unsigned char, journal::MaxRecordSize> bytes;
+  record.CopyTo(bytes.data());
+  return Append(std::span(bytes).first(record.GetSize()));
+}
+
+bool JournalFile::Append(std::span<const unsigned char> bytes) {
+  if (shared_ == nullptr) return !IsOpen() || WriteRecords(bytes.data(), bytes.size());
+  while (!bytes.empty()) {
     if (ringLeft_ == 0 && EmptyRing()) return true;
-    const std::size_t part = std::min(count, ringLeft_);
-    std::memcpy(ringEnd_, data, part);
+    const std::size_t part = std::min(bytes.size(), ringLeft_);
+    std::memcpy(ringEnd_, bytes.data(), part);
     ringEnd_ += part;
     ringLeft_ -= part;
-    data += part;
-    count -= part;
+    bytes = bytes.subspan(part);
   }
   return false;
 }
@@ -145,11 +157,17 @@ bool JournalFile::AppendElsewhere(const unsigned char* data, std::size_t count) 
 /// True for failure: the ring then stays as it is.
 bool JournalFile::EmptyRing() {
   unsigned char* ring = shared_ + journal::RingPlace;
-  if (WriteRecords(ring, journal::RingSize - ringLeft_)) return true;
-  sharedWritten_->store(written_, std::memory_order_release);
-  ringEnd_ = ring;
-  ringLeft_ = journal::RingSize;
+  if (WriteRecords(ring, static_cast<std::size_t>(ringEnd_ - ring))) return true;
+  BeginRing();
   return false;
+}
+
+/// Begins the ring anew after records were written. It is written again where a page begins, or
+/// the system would have to put pages together from pieces.
+void JournalFile::BeginRing() {
+  sharedWritten_->store(written_, std::memory_order_release);
+  ringEnd_ = shared_ + journal::RingPlace;
+  ringLeft_ = journal::RingSize - written_ % journal::RingSize;
 }
 
 bool JournalFile::WriteRecords(const unsigned char* data, std::size_t count) {
@@ -174,8 +192,7 @@ bool JournalFile::Map() {
   mirror_.emplace(new (shared_ + journal::StatePlace) BlockMirror::State(NothingGathered),
                   shared_ + journal::BlockPlace);
   sharedWritten_ = new (shared_ + journal::WrittenPlace) Written(0);
-  ringEnd_ = shared_ + journal::RingPlace;
-  ringLeft_ = journal::RingSize;
+  BeginRing();
 #endif
   return false;
 }

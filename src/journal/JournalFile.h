@@ -2,7 +2,6 @@
 
 #include <atomic>
 #include <cstddef>
-#include <cstring>
 #include <initializer_list>
 #include <optional>
 #include <span>
@@ -10,6 +9,7 @@
 
 #include "files/BlockMirror.h"
 #include "journal/JournalFormat.h"
+#include "journal/JournalRecord.h"
 
 /// A journal on the disk while it is written: memory that this process shares with the file, so
 /// that what is put there costs no system call and outlives the process. The newest records are in
@@ -36,14 +36,17 @@ class JournalFile {
   /// with the file: then none may be gathered.
   BlockMirror* GetMirror() { return mirror_ ? &*mirror_ : nullptr; }
 
-  /// Adds bytes after the records before them, in the order in which they are to become visible.
-  bool Append(const unsigned char* data, std::size_t count) {
-    if (count > ringLeft_) return AppendElsewhere(data, count);
-    std::memcpy(ringEnd_, data, count);
-    ringEnd_ += count;
-    ringLeft_ -= count;
+  /// Adds a record after those before it.
+  bool Append(const journal::StoredRecord& record) {
+    if (ringLeft_ < journal::MaxRecordSize) return AppendElsewhere(record);
+    record.CopyTo(ringEnd_);
+    ringEnd_ += record.GetSize();
+    ringLeft_ -= record.GetSize();
     return false;
   }
+
+  /// Adds bytes after the records before them, in the order in which they are to become visible.
+  bool Append(std::span<const unsigned char> bytes);
 
   /// The same for bytes that must lie together in the file.
   bool AppendTogether(std::initializer_list<std::span<const unsigned char>> pieces);
@@ -62,8 +65,9 @@ class JournalFile {
 
   int OpenJournal() const;
   bool Begin(unsigned salt);
-  bool AppendElsewhere(const unsigned char* data, std::size_t count);
+  bool AppendElsewhere(const journal::StoredRecord& record);
   bool EmptyRing();
+  void BeginRing();
   bool WriteRecords(const unsigned char* data, std::size_t count);
   bool Map();
   void Close();

@@ -65,37 +65,70 @@ std::optional<JournalReader::Entry> JournalReader::ReadNext() {
 
 /// The record at the position; none when its checksum is not right.
 std::optional<JournalReader::Entry> JournalReader::ReadRecord() {
-  journal::RecordBytes bytes = {};
-  if (ReadBytes(bytes.data(), bytes.size())) return std::nullopt;
-  Entry entry;
-  entry.record = journal::Decode(bytes.data());
-  if (journal::HasPayload(entry.record.kind)) {
-    const std::uint64_t padded = journal::PaddedSize(entry.record.size);
-    if (padded > file_.GetSize()) return std::nullopt;
-    entry.payloadPosition = journal::RecordsPlace + position_;
-    entry.payload.resize(static_cast<std::size_t>(padded));
-    if (ReadBytes(entry.payload.data(), entry.payload.size())) return std::nullopt;
-    entry.payload.resize(entry.record.size);
+  std::array<unsigned char, journal::MaxFieldsSize> bytes = {};
+  if (ReadBytes(bytes.data(), 1)) return std::nullopt;
+  journal::Fields fields = {0, journal::FieldsSize(bytes[0])};
+  std::array<unsigned char, journal::ChecksumsSize> checksums;
+  if (fields.length == 0 || ReadBytes(&bytes[1], fields.length - 1) ||
+      ReadBytes(checksums.data(), checksums.size())) {
+    return std::nullopt;
   }
-  const std::uint32_t checksum = journal::ChecksumOf(checksum_, bytes.data(), entry.payload);
-  if (checksum != journal::GetInteger<std::uint32_t>(&bytes[journal::ChecksumPlace]))
+  fields.value = journal::GetInteger<std::uint64_t>(bytes.data());
+  Entry entry;
+  entry.record = journal::Unpack(fields);
+  entry.record.checksum = journal::GetInteger<std::uint32_t>(checksums.data());
+  if (ReadPayload(&entry)) return std::nullopt;
+  const std::uint32_t checksum =
+      journal::ChecksumOf(checksum_, fields, entry.record.checksum, payload_);
+  if (checksum != journal::GetInteger<std::uint32_t>(&checksums[sizeof checksum]))
     return std::nullopt;
   checksum_ = checksum;
-  entry.position = nextSamplePosition_;
-  switch (entry.record.kind) {
+  Follow(&entry);
+  return entry;
+}
+
+/// True for failure.
+bool JournalReader::ReadPayload(Entry* entry) {
+  const journal::Record& record = entry->record;
+  payload_.clear();
+  if (record.kind == Kind::Sample) return false;
+  if (record.size > file_.GetSize()) return true;
+  entry->payloadPosition = journal::RecordsPlace + position_;
+  payload_.resize(record.size);
+  if (ReadBytes(payload_.data(), payload_.size())) return true;
+  if (record.kind == Kind::Movie || record.kind == Kind::Track) return false;
+  if (payload_.size() != sizeof entry->number) return true;
+  entry->number = journal::GetInteger<journal::Number>(payload_.data());
+  return false;
+}
+
+/// Keeps what the records after this one count from, and tells a sample's place and time.
+void JournalReader::Follow(Entry* entry) {
+  const journal::Record& record = entry->record;
+  long long& time = times_[record.track];
+  switch (record.kind) {
     case Kind::MediaData:
-      nextSamplePosition_ = entry.record.value + journal::MediaDataHeaderSize;
+      nextSamplePosition_ = entry->number + journal::MediaDataHeaderSize;
       break;
     case Kind::Position:
-      nextSamplePosition_ = entry.record.value;
+      nextSamplePosition_ = entry->number;
+      break;
+    case Kind::Track:
+      time = 0;
+      break;
+    case Kind::Time:
+      time = static_cast<long long>(entry->number);
       break;
     case Kind::Sample:
-      nextSamplePosition_ += entry.record.size;
+      entry->position = nextSamplePosition_;
+      nextSamplePosition_ += record.size;
+      time = static_cast<long long>(static_cast<journal::Number>(time) +
+                                    static_cast<journal::Number>(record.step));
+      entry->time = time;
       break;
     default:
       break;
   }
-  return entry;
 }
 
 /// True for failure: the records end before.

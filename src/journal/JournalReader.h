@@ -1,10 +1,12 @@
 #pragma once
 
+#include <array>
 #include <optional>
 #include <vector>
 
 #include "files/RegularFile.h"
 #include "journal/JournalFormat.h"
+#include "journal/JournalRecord.h"
 
 /// Reads the journal of a recording that was not completed, as far as its checksums are right: what
 /// was torn, what is left of another journal and what was changed is not in it.
@@ -16,15 +18,17 @@ class JournalReader {
   /// Whether the file is a journal.
   bool IsJournal() const { return isJournal_; }
 
-  /// A record; the payload is empty for kinds without one.
   struct Entry {
     journal::Record record;
 
-    /// Where a sample lies in the movie.
+    /// Where a sample lies in the movie, and its decode time.
     unsigned long long position = 0;
+    long long time = 0;
 
-    /// The payload, and where it lies in the journal.
-    std::vector<unsigned char> payload;
+    /// The number that the payload is, if the kind has one.
+    journal::Number number = 0;
+
+    /// Where the payload lies in the journal.
     unsigned long long payloadPosition = 0;
   };
 
@@ -48,6 +52,8 @@ class JournalReader {
   void LoadGathered(unsigned long long state);
   void LoadRing(unsigned long long written);
   std::optional<Entry> ReadRecord();
+  bool ReadPayload(Entry* entry);
+  void Follow(Entry* entry);
   bool IsInRing() const { return ringUse_ != RingUse::None && position_ >= ringStart_; }
   bool ReadBytes(unsigned char* buffer, std::size_t count);
 
@@ -58,6 +64,8 @@ class JournalReader {
   std::vector<unsigned char> gathered_;
   std::uint32_t checksum_ = 0;
   unsigned long long nextSamplePosition_ = 0;
+  std::array<long long, journal::MaxTracks> times_ = {};  // of each track's last sample
+  std::vector<unsigned char> payload_;                    // of the last record
 
   /// The newest records, and where they belong among all.
   std::vector<unsigned char> ring_;

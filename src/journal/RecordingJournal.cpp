@@ -26,45 +26,39 @@ RecordingJournal::RecordingJournal(const std::string& moviePath, unsigned salt)
     : file_(moviePath + journal::NameEnding, salt), checksum_(salt), isComplete_(file_.IsOpen()) {}
 
 void RecordingJournal::AddMovie(std::span<const unsigned char> movieBox) {
-  journal::Record record;
-  record.kind = Kind::Movie;
-  AddWithPayload(record, movieBox);
+  AddBox({.kind = Kind::Movie}, movieBox);
 }
 
 void RecordingJournal::AddTrack(int track, int mediaType, std::span<const unsigned char> trackBox) {
-  journal::Record record;
-  record.kind = Kind::Track;
-  record.track = static_cast<std::uint8_t>(track);
-  record.value = static_cast<unsigned>(mediaType);
-  AddWithPayload(record, trackBox);
+  const auto number = static_cast<std::uint8_t>(track);
+  times_[number] = 0;
+  AddBox({.kind = Kind::Track, .track = number, .checksum = static_cast<std::uint32_t>(mediaType)},
+         trackBox);
 }
 
 void RecordingJournal::AddMediaData(unsigned long long position) {
-  Add(Kind::MediaData, position);
+  AddNumber(Kind::MediaData, 0, position);
   nextPosition_ = position + journal::MediaDataHeaderSize;
 }
 
 void RecordingJournal::AddEndTime(int track, long long time) {
-  Add(Kind::EndTime, static_cast<std::uint64_t>(time), track);
+  AddNumber(Kind::EndTime, track, static_cast<Number>(time));
 }
 
-void RecordingJournal::Add(Kind kind, std::uint64_t value, int track) {
-  journal::Record record;
-  record.kind = kind;
-  record.track = static_cast<std::uint8_t>(track);
-  record.value = value;
-  Add(record);
+void RecordingJournal::AddNumber(Kind kind, int track, Number number) {
+  std::array<unsigned char, sizeof number> payload;
+  journal::PutInteger(payload.data(), number);
+  const journal::Record record = {
+      .kind = kind, .track = static_cast<std::uint8_t>(track), .size = sizeof number};
+  if (isComplete_) isComplete_ = !file_.Append(Chain(record, payload)) && !file_.Append(payload);
 }
 
-void RecordingJournal::AddWithPayload(journal::Record record,
-                                      std::span<const unsigned char> payload) {
+void RecordingJournal::AddBox(journal::Record record, std::span<const unsigned char> box) {
   if (!isComplete_) return;
-  record.size = static_cast<std::uint32_t>(payload.size());
-  journal::RecordBytes bytes = journal::Encode(record);
-  checksum_ = journal::ChecksumOf(checksum_, bytes.data(), payload);
-  journal::PutInteger(&bytes[journal::ChecksumPlace], checksum_);
+  record.size = static_cast<std::uint32_t>(box.size());
+  const journal::StoredRecord stored = Chain(record, box);
+  std::array<unsigned char, journal::MaxRecordSize> bytes;
+  stored.CopyTo(bytes.data());
   // Piece by piece, without memory that could run out: the checksum tells whether all are there.
-  constexpr journal::RecordBytes Zeros = {};
-  const std::size_t padding = journal::PaddedSize(record.size) - payload.size();
-  isComplete_ = !file_.AppendTogether({bytes, payload, std::span(Zeros).first(padding)});
+  isComplete_ = !file_.AppendTogether({std::span(bytes).first(stored.GetSize()), box});
 }

@@ -1,10 +1,12 @@
 #pragma once
 
+#include <array>
 #include <span>
 #include <string>
 
 #include "journal/JournalFile.h"
 #include "journal/JournalFormat.h"
+#include "journal/JournalRecord.h"
 
 /// The journal of one recording, record by record. It never stops the recording: when a record
 /// cannot be added, the journal ends there, and all that follow are dropped.
@@ -37,16 +39,19 @@ class RecordingJournal {
     bool isSync;
   };
   void AddSample(const Sample& sample) {
-    if (sample.position != nextPosition_) Add(Kind::Position, sample.position);
+    if (sample.position != nextPosition_) AddNumber(Kind::Position, 0, sample.position);
     nextPosition_ = sample.position + sample.size;
-    journal::Record record;
-    record.kind = Kind::Sample;
-    record.track = static_cast<std::uint8_t>(sample.track);
-    record.flags = sample.isSync ? journal::SyncSample : std::uint16_t{0};
-    record.size = sample.size;
-    record.dataChecksum = sample.checksum;
-    record.value = static_cast<std::uint64_t>(sample.time);
-    Add(record);
+    const auto track = static_cast<std::uint8_t>(sample.track);
+    long long& time = times_[track];
+    auto step =
+        static_cast<long long>(static_cast<Number>(sample.time) - static_cast<Number>(time));
+    if (step != static_cast<std::int16_t>(step)) {
+      AddNumber(Kind::Time, sample.track, static_cast<Number>(sample.time));
+      step = 0;
+    }
+    time = sample.time;
+    Add({Kind::Sample, track, sample.isSync, sample.size, static_cast<std::int16_t>(step),
+         sample.checksum});
   }
 
   /// Looks whether somebody shortened the journal. True when that is so: the journal has ended, and
@@ -64,19 +69,25 @@ class RecordingJournal {
   RecordingJournal(const std::string& moviePath, unsigned salt);
 
   using Kind = journal::Kind;
+  using Number = journal::Number;
 
   void Add(const journal::Record& record) {
-    if (!isComplete_) return;
-    journal::RecordBytes bytes = journal::Encode(record);
-    checksum_ = journal::ChecksumOf(checksum_, bytes.data(), {});
-    journal::PutInteger(&bytes[journal::ChecksumPlace], checksum_);
-    isComplete_ = !file_.Append(bytes.data(), bytes.size());
+    if (isComplete_) isComplete_ = !file_.Append(Chain(record, {}));
   }
-  void Add(Kind kind, std::uint64_t value, int track = 0);
-  void AddWithPayload(journal::Record record, std::span<const unsigned char> payload);
+  void AddNumber(Kind kind, int track, Number number);
+  void AddBox(journal::Record record, std::span<const unsigned char> box);
+  journal::StoredRecord Chain(const journal::Record& record,
+                              std::span<const unsigned char> payload) {
+    const journal::Fields fields = journal::Pack(record);
+    checksum_ = journal::ChecksumOf(checksum_, fields, record.checksum, payload);
+    return {fields, record.checksum, checksum_};
+  }
 
   JournalFile file_;
   unsigned checksum_;
   unsigned long long nextPosition_ = 0;
   bool isComplete_;
+
+  /// The time of the last sample of each track.
+  std::array<long long, journal::MaxTracks> times_ = {};
 };

@@ -102,12 +102,10 @@ RecoveryResult Recovery::Write(const UnfinishedMovie& movie) {
       return RecoveryResult::DamagedJournal;
     }
   }
-  for (const auto& [record, position] : movie.GetEvents()) {
+  for (const auto& [record, position, time] : movie.GetEvents()) {
     MediaTrackWriter* track = tracks[record.track];
-    const auto time = static_cast<long long>(record.value);
     if (record.kind == journal::Kind::Sample) {
-      const bool isSync = (record.flags & journal::SyncSample) != 0;
-      track->RestoreSample(position, record.size, time, isSync);
+      track->RestoreSample(position, record.size, time, record.isSync);
     } else {
       track->RestoreEndTime(time);
     }

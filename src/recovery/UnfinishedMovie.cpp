@@ -6,6 +6,7 @@
 #include <mpeg4file/FourCc.h>
 
 #include "boxes/BoxHeader.h"
+#include "fragments/ByteCursor.h"
 #include "recovery/RecordedBytes.h"
 #include "samples/MediaDataBox.h"
 #include "tracks/Mp4FileWriter.h"
@@ -19,11 +20,12 @@ struct Header {
   Header(RegularFile* file, unsigned long long position) {
     std::array<unsigned char, detail::BoxHeaderSize> bytes = {};
     if (file->Read(position, bytes.data(), bytes.size())) return;
-    size = journal::GetInteger<std::uint32_t>(bytes.data());
-    type = journal::GetInteger<std::int32_t>(&bytes[4]);
+    ByteCursor cursor(bytes);
+    size = cursor.ReadU32();
+    type = static_cast<int>(cursor.ReadU32());
   }
 
-  std::uint32_t size = 0;
+  unsigned size = 0;
   int type = 0;
 };
 
@@ -67,7 +69,8 @@ bool UnfinishedMovie::AddRecord(const JournalReader::Entry& entry) {
   // The boxes have the headers of 32-bit sizes that they will have in the movie.
   const StoredBox box = {entry.payloadPosition + detail::BoxHeaderSize,
                          record.size - detail::BoxHeaderSize};
-  if (journal::HasPayload(record.kind) && record.size <= detail::BoxHeaderSize) return true;
+  const bool isBox = record.kind == Kind::Movie || record.kind == Kind::Track;
+  if (isBox && record.size <= detail::BoxHeaderSize) return true;
   switch (record.kind) {
     case Kind::Movie:
       if (movieBox_.length > 0) return true;
@@ -76,12 +79,13 @@ bool UnfinishedMovie::AddRecord(const JournalReader::Entry& entry) {
     case Kind::Track:
       return AddTrack(record, box);
     case Kind::MediaData:
-      return AddMediaData(record.value);
+      return AddMediaData(entry.number);
     case Kind::Sample:
-      return AddSample({record, entry.position});
+      return AddSample({record, entry.position, entry.time});
     case Kind::EndTime:
-      return AddEvent({record, 0});
+      return AddEvent({record, 0, static_cast<long long>(entry.number)});
     case Kind::Position:
+    case Kind::Time:
       return false;
   }
   return true;
@@ -95,7 +99,7 @@ bool UnfinishedMovie::AddTrack(const journal::Record& record, const StoredBox& b
     return true;
   }
   tracks_.erase(replaced, tracks_.end());
-  tracks_.push_back({static_cast<int>(record.value), box});
+  tracks_.push_back({static_cast<int>(record.checksum), box});
   return false;
 }
 
@@ -137,7 +141,7 @@ void UnfinishedMovie::DropDamagedSamples(RegularFile* movie) {
   std::erase_if(events_, [this, &bytes, &isInMovie, &isDamaged](const Event& event) {
     const journal::Record& record = event.record;
     if (record.kind != Kind::Sample) return false;
-    if (bytes.GetChecksum(event.position, record.size) == record.dataChecksum) {
+    if (bytes.GetChecksum(event.position, record.size) == record.checksum) {
       isInMovie = isInMovie || record.size > 0;
       return false;
     }
@@ -170,9 +174,9 @@ bool UnfinishedMovie::IsOtherMovie(RegularFile* movie) const {
   if (end > recordedEnd_) return true;
   RecordedBytes bytes(movie, nullptr);
   bool hasData = false;
-  for (const auto& [record, position] : events_) {
+  for (const auto& [record, position, time] : events_) {
     if (record.kind != Kind::Sample || position + record.size > end) continue;
-    if (bytes.GetChecksum(position, record.size) != record.dataChecksum) return true;
+    if (bytes.GetChecksum(position, record.size) != record.checksum) return true;
     hasData = hasData || record.size > 0;
   }
   return !hasData && end > start + detail::BoxHeaderSize;

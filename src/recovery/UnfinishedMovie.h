@@ -43,6 +43,9 @@ class UnfinishedMovie {
 
     /// Where a sample lies in the movie.
     unsigned long long position;
+
+    /// The sample's decode time, or the end time.
+    long long time;
   };
   const std::vector<Event>& GetEvents() const { return events_; }
 

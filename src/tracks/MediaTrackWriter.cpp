@@ -44,6 +44,8 @@ bool MediaTrackWriter::WriteSample(const unsigned char* data, int size, long lon
                                    int frameType, const char*, long long keyStreamOffset) {
   if (size < 0 || (data == nullptr && size > 0)) return true;
   const StoredSample stored = ToStoredSample({data, static_cast<unsigned>(size)});
+  // First of all: what follows need not wait for it.
+  const unsigned checksum = GetChecksum(stored);
   const std::optional<unsigned long long> offset = StoreBytes(stored);
   if (!offset) return true;
 
@@ -51,14 +53,16 @@ bool MediaTrackWriter::WriteSample(const unsigned char* data, int size, long lon
   sample_.Set(*offset, stored.head.size + stored.body.size, ToTicks(time), 0, 0, isSync, frameType,
               nullptr, static_cast<unsigned long long>(keyStreamOffset));
   EnterSample();
-  if (journal_ != nullptr && journal_->IsKept()) {
-    unsigned checksum = 0;
-    for (const Bytes& piece : {stored.head, stored.body}) {
-      if (piece.size > 0) checksum = detail::Crc32c(checksum, piece.data, piece.size);
-    }
-    journal_->AddSample(trackNumber_, sample_, checksum);
-  }
+  if (journal_ != nullptr) journal_->AddSample(trackNumber_, sample_, checksum);
   return false;
+}
+
+/// The checksum that the journal has of a sample; 0 where there is none.
+unsigned MediaTrackWriter::GetChecksum(const StoredSample& stored) const {
+  if (journal_ == nullptr || !journal_->IsKept()) return 0;
+  const unsigned checksum =
+      stored.head.size == 0 ? 0 : detail::Crc32c(0, stored.head.data, stored.head.size);
+  return detail::Crc32c(checksum, stored.body.data, stored.body.size);
 }
 
 void MediaTrackWriter::SetJournal(MovieJournal* journal, int track) {

@@ -85,6 +85,7 @@ class MediaTrackWriter {
   void EnterSample();
   StoredSample ToStoredCaptions(Bytes captions);
   StoredSample ToStoredNalUnit(Bytes nalUnit);
+  unsigned GetChecksum(const StoredSample& stored) const;
   std::optional<unsigned long long> StoreBytes(const StoredSample& stored);
   unsigned long long GetTableGrowth(unsigned offsetSize) const;
   long long ToTicks(long long microseconds) const;

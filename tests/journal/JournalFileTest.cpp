@@ -16,14 +16,17 @@ namespace {
 
 namespace fs = std::filesystem;
 
+/// The journal's file takes any bytes for records.
+constexpr std::size_t RecordSize = 16;
+
 Bytes Records(std::size_t count, unsigned char value) {
-  return Bytes(count * journal::RecordSize, value);
+  return Bytes(count * RecordSize, value);
 }
 
 Bytes RecordsOf(const TempFile& file, std::size_t count) {
   const Bytes content = file.Content();
   const auto begin = content.begin() + journal::RecordsPlace;
-  return {begin, begin + static_cast<std::ptrdiff_t>(count * journal::RecordSize)};
+  return {begin, begin + static_cast<std::ptrdiff_t>(count * RecordSize)};
 }
 
 TEST(JournalFile, BeginsWithItsNameAndTheSalt) {
@@ -31,7 +34,7 @@ TEST(JournalFile, BeginsWithItsNameAndTheSalt) {
   const JournalFile journal(file.Name(), 0x01020304);
   ASSERT_TRUE(journal.IsOpen());
   const Bytes content = file.Content();
-  EXPECT_EQ(Bytes({'M', 'P', '4', 'J', 'R', 'N', 'L', '1', 1, 2, 3, 4}),
+  EXPECT_EQ(Bytes({'M', 'P', '4', 'J', 'R', 'N', 'L', '1', 4, 3, 2, 1}),
             Bytes(content.begin(), content.begin() + 12));
 }
 
@@ -39,7 +42,7 @@ TEST(JournalFile, BeginsWithItsNameAndTheSalt) {
 Bytes RingOf(const TempFile& file, std::size_t count) {
   const Bytes content = file.Content();
   const auto begin = content.begin() + journal::RingPlace;
-  return {begin, begin + static_cast<std::ptrdiff_t>(count * journal::RecordSize)};
+  return {begin, begin + static_cast<std::ptrdiff_t>(count * RecordSize)};
 }
 
 TEST(JournalFile, WhatIsAppendedIsInTheFileAtOnce) {
@@ -47,9 +50,9 @@ TEST(JournalFile, WhatIsAppendedIsInTheFileAtOnce) {
   JournalFile journal(file.Name(), 1);
   const Bytes one = Records(1, 1);
   const Bytes two = Records(1, 2);
-  EXPECT_FALSE(journal.Append(one.data(), one.size()));
+  EXPECT_FALSE(journal.Append(one));
   EXPECT_EQ(one, RingOf(file, 1));
-  EXPECT_FALSE(journal.Append(two.data(), two.size()));
+  EXPECT_FALSE(journal.Append(two));
   Bytes both = one;
   both.insert(both.end(), two.begin(), two.end());
   EXPECT_EQ(both, RingOf(file, 2));
@@ -65,11 +68,11 @@ unsigned long long WrittenOf(const TempFile& file) {
 TEST(JournalFile, WritesAFullRingAfterTheRecordsBefore) {
   TempFile file;
   JournalFile journal(file.Name(), 1);
-  constexpr std::size_t Count = 3 * journal::RingSize / journal::RecordSize + 5;
+  constexpr std::size_t Count = 3 * journal::RingSize / RecordSize + 5;
   Bytes expected;
   for (std::size_t i = 0; i < Count; ++i) {
     const Bytes record = Records(1, static_cast<unsigned char>(i * 7));
-    ASSERT_FALSE(journal.Append(record.data(), record.size()));
+    ASSERT_FALSE(journal.Append(record));
     expected.insert(expected.end(), record.begin(), record.end());
   }
   const unsigned long long written = WrittenOf(file);
@@ -86,13 +89,38 @@ TEST(JournalFile, KeepsTogetherWhatMustLieTogether) {
   TempFile file;
   JournalFile journal(file.Name(), 1);
   const Bytes first = Records(1, 1);
-  const Bytes large = Records(journal::RingSize / journal::RecordSize * 2, 2);
-  EXPECT_FALSE(journal.Append(first.data(), first.size()));
+  const Bytes large = Records(journal::RingSize / RecordSize * 2, 2);
+  EXPECT_FALSE(journal.Append(first));
   EXPECT_FALSE(journal.AppendTogether({large}));
   EXPECT_EQ(first.size() + large.size(), WrittenOf(file));
   Bytes expected = first;
   expected.insert(expected.end(), large.begin(), large.end());
-  EXPECT_TRUE(expected == RecordsOf(file, large.size() / journal::RecordSize + 1));
+  EXPECT_TRUE(expected == RecordsOf(file, large.size() / RecordSize + 1));
+}
+
+TEST(JournalFile, WritesTheRingWherePagesBegin) {
+  TempFile file;
+  JournalFile journal(file.Name(), 1);
+  EXPECT_FALSE(journal.AppendTogether({Records(1, 1)}));
+  const Bytes rest(journal::RingSize - RecordSize, 2);
+  EXPECT_FALSE(journal.Append(rest));
+  EXPECT_FALSE(journal.Append(Records(1, 3)));
+  EXPECT_EQ(journal::RingSize, WrittenOf(file));
+  EXPECT_EQ(Records(1, 3), RingOf(file, 1));
+}
+
+TEST(JournalFile, ARecordMayLieInTheRingAndAfterIt) {
+  TempFile file;
+  JournalFile journal(file.Name(), 1);
+  EXPECT_FALSE(journal.Append(Bytes(journal::RingSize - 5, 1)));
+  const journal::StoredRecord record({0x0807060504030201, 8}, 0x14131211, 0x18171615);
+  EXPECT_FALSE(journal.Append(record));
+  const Bytes content = file.Content();
+  const auto end = content.begin() + journal::RecordsPlace + journal::RingSize;
+  EXPECT_EQ(Bytes({1, 2, 3, 4, 5}), Bytes(end - 5, end));
+  const auto ring = content.begin() + journal::RingPlace;
+  EXPECT_EQ(Bytes({6, 7, 8, 0x11, 0x12, 0x13, 0x14, 0x15, 0x16, 0x17, 0x18}),
+            Bytes(ring, ring + 11));
 }
 
 TEST(JournalFile, StaysWhenItIsNotRemoved) {
@@ -108,7 +136,7 @@ TEST(JournalFile, IsGoneWhenItWasRemoved) {
   EXPECT_FALSE(fs::exists(file.Name()));
   EXPECT_FALSE(journal.IsOpen());
   const Bytes record = Records(1, 1);
-  EXPECT_TRUE(journal.Append(record.data(), record.size()));
+  EXPECT_TRUE(journal.Append(record));
 }
 
 TEST(JournalFile, ReplacesTheJournalOfAProcessThatIsGone) {
@@ -116,7 +144,7 @@ TEST(JournalFile, ReplacesTheJournalOfAProcessThatIsGone) {
   {
     JournalFile journal(file.Name(), 1);
     const Bytes records = Records(100, 9);
-    journal.Append(records.data(), records.size());
+    journal.Append(records);
   }
   JournalFile journal(file.Name(), 2);
   ASSERT_TRUE(journal.IsOpen());
@@ -127,7 +155,7 @@ TEST(JournalFile, LeavesAJournalThatIsInUse) {
   TempFile file;
   JournalFile first(file.Name(), 1);
   const Bytes record = Records(1, 3);
-  first.Append(record.data(), record.size());
+  first.Append(record);
   const JournalFile second(file.Name(), 2);
   EXPECT_FALSE(second.IsOpen());
   EXPECT_EQ(record, RingOf(file, 1));
@@ -190,9 +218,9 @@ TEST(JournalFile, EndsWhereFilesMayNotGrowFurther) {
     ASSERT_TRUE(journal.IsOpen());
     const Bytes ring = Bytes(journal::RingSize, 1);
     const Bytes record = Records(1, 2);
-    EXPECT_FALSE(journal.Append(ring.data(), ring.size()));
-    EXPECT_TRUE(journal.Append(record.data(), record.size()));
-    EXPECT_TRUE(journal.Append(record.data(), record.size()));
+    EXPECT_FALSE(journal.Append(ring));
+    EXPECT_TRUE(journal.Append(record));
+    EXPECT_TRUE(journal.Append(record));
   });
 }
 

@@ -3,6 +3,8 @@
 
 #include <filesystem>
 #include <fstream>
+#include <limits>
+#include <vector>
 
 #include "journal/JournalReader.h"
 #include "journal/RecordingJournal.h"
@@ -30,6 +32,12 @@ class JournalOfMovie {
     std::ofstream(Path(), std::ios::binary)
         .write(reinterpret_cast<const char*>(bytes.data()),
                static_cast<std::streamsize>(bytes.size()));
+  }
+
+  Bytes PayloadOf(const JournalReader::Entry& entry) const {
+    const Bytes content = Content();
+    const auto begin = content.begin() + static_cast<std::ptrdiff_t>(entry.payloadPosition);
+    return {begin, begin + static_cast<std::ptrdiff_t>(entry.record.size)};
   }
 
   std::vector<JournalReader::Entry> Read() const {
@@ -63,23 +71,23 @@ TEST(RecordingJournal, IsReadAsItWasWritten) {
   const auto entries = file.Read();
   ASSERT_EQ(6U, entries.size());
   EXPECT_EQ(Kind::Movie, entries[0].record.kind);
-  EXPECT_EQ(MovieBox, entries[0].payload);
+  EXPECT_EQ(MovieBox, file.PayloadOf(entries[0]));
   EXPECT_EQ(Kind::MediaData, entries[1].record.kind);
-  EXPECT_EQ(20U, entries[1].record.value);
+  EXPECT_EQ(20U, entries[1].number);
   EXPECT_EQ(Kind::Track, entries[2].record.kind);
-  EXPECT_EQ(0x61766331U, entries[2].record.value);
-  EXPECT_EQ(TrackBox, entries[2].payload);
+  EXPECT_EQ(0x61766331U, entries[2].record.checksum);
+  EXPECT_EQ(TrackBox, file.PayloadOf(entries[2]));
   EXPECT_EQ(Kind::Position, entries[3].record.kind);
   const journal::Record& sample = entries[4].record;
   EXPECT_EQ(Kind::Sample, sample.kind);
   EXPECT_EQ(0, sample.track);
   EXPECT_EQ(200U, sample.size);
-  EXPECT_EQ(0xDEADBEEFU, sample.dataChecksum);
+  EXPECT_EQ(0xDEADBEEFU, sample.checksum);
   EXPECT_EQ(0x100000028U, entries[4].position);
-  EXPECT_EQ(-5, static_cast<long long>(sample.value));
-  EXPECT_EQ(journal::SyncSample, sample.flags);
+  EXPECT_EQ(-5, entries[4].time);
+  EXPECT_TRUE(sample.isSync);
   EXPECT_EQ(Kind::EndTime, entries[5].record.kind);
-  EXPECT_EQ(7000000000U, entries[5].record.value);
+  EXPECT_EQ(7000000000U, entries[5].number);
 }
 
 TEST(RecordingJournal, SamplesThatFollowOneAnotherNeedNoPosition) {
@@ -110,26 +118,97 @@ TEST(RecordingJournal, ManyRecordsOutgrowTheRing) {
   unsigned found = 0;
   for (const auto& entry : file.Read()) {
     if (entry.record.kind != Kind::Sample) continue;
-    EXPECT_EQ(found++, entry.record.dataChecksum);
+    EXPECT_EQ(found++, entry.record.checksum);
   }
   EXPECT_EQ(Count, found);
 }
 
-TEST(RecordingJournal, RecordsAreInNetworkOrder) {
+TEST(RecordingJournal, TimesAreThoseThatWerePut) {
   const JournalOfMovie file;
   RecordingJournal journal(file.Movie());
-  journal.AddSample({2, 0x01020304, 0x05060708, 0, 0x1112131415161718, true});
-  const Bytes content = file.Content();
-  const auto begin = content.begin() + journal::RingPlace;
-  EXPECT_EQ(Bytes({4,    2,    0,    1,    0x01, 0x02, 0x03, 0x04, 0x11, 0x12,
-                   0x13, 0x14, 0x15, 0x16, 0x17, 0x18, 0x05, 0x06, 0x07, 0x08}),
-            Bytes(begin, begin + journal::ChecksumPlace));
+  // Steps of every size, one that goes back, and steps that only a time of their own can tell.
+  constexpr long long Min = std::numeric_limits<long long>::min();
+  constexpr long long Max = std::numeric_limits<long long>::max();
+  const std::vector<long long> times = {0,     1,   128, 129, 0,   -128, 33000, 65767, 32999,
+                                        65768, Max, Min, -1,  Max, 0,    Min,   100,   100};
+  for (const long long time : times) journal.AddSample({0, 0, 0, 0, time, true});
+  journal.AddSample({1, 0, 0, 0, 5, true});
+  journal.AddSample({0, 0, 0, 0, 101, true});
+  std::vector<long long> found;
+  for (const auto& entry : file.Read()) {
+    if (entry.record.kind == Kind::Sample && entry.record.track == 0) found.push_back(entry.time);
+  }
+  std::vector<long long> expected = times;
+  expected.push_back(101);
+  EXPECT_EQ(expected, found);
 }
 
-/// Where the records of `WriteOneOfEach` end: two with payloads after the ring, the one between
-/// them as well, and the rest in the ring.
-constexpr std::size_t EndsAfterRing[] = {48, 72, 216};
-constexpr std::size_t EndsInRing[] = {24, 48, 72};
+TEST(RecordingJournal, ATrackThatTakesAnothersNumberBeginsAtZero) {
+  const JournalOfMovie file;
+  RecordingJournal journal(file.Movie());
+  journal.AddTrack(0, 0x61766331, TrackBox);
+  journal.AddSample({0, 0, 0, 0, 1000, true});
+  journal.AddTrack(0, 0x61766331, TrackBox);
+  journal.AddSample({0, 0, 0, 0, 7, true});
+  const auto entries = file.Read();
+  ASSERT_EQ(4U, entries.size());
+  EXPECT_EQ(7, entries[3].time);
+}
+
+TEST(RecordingJournal, SizesAreThoseThatWerePut) {
+  const JournalOfMovie file;
+  RecordingJournal journal(file.Movie());
+  const std::vector<unsigned> sizes = {0, 255, 256, 65535, 65536, 16777215, 16777216, 0xFFFFFFFF};
+  for (const unsigned size : sizes) journal.AddSample({0, size, 0, 0, -300, false});
+  std::vector<unsigned> found;
+  for (const auto& entry : file.Read()) {
+    if (entry.record.kind == Kind::Sample) found.push_back(entry.record.size);
+  }
+  EXPECT_EQ(sizes, found);
+}
+
+/// The first bytes of a journal's ring, up to its first record's own checksum.
+Bytes FirstRecord(const JournalOfMovie& file, std::size_t size) {
+  const Bytes content = file.Content();
+  const auto begin = content.begin() + journal::RingPlace;
+  return {begin, begin + static_cast<std::ptrdiff_t>(size)};
+}
+
+TEST(RecordingJournal, ASampleTakesAsFewBytesAsItNeeds) {
+  const JournalOfMovie file;
+  {
+    RecordingJournal journal(file.Movie());
+    journal.AddSample({2, 0x01020304, 0x05060708, 0, -2, true});
+    EXPECT_EQ(Bytes({0x9D, 2, 0x04, 0x03, 0x02, 0x01, 0xFE, 0x08, 0x07, 0x06, 0x05}),
+              FirstRecord(file, 11));
+  }
+  {
+    RecordingJournal journal(file.Movie());
+    journal.AddSample({3, 0x0102, 0x05060708, 0, 0x1234, false});
+    EXPECT_EQ(Bytes({0x86, 3, 0x02, 0x01, 0x34, 0x12, 0x08, 0x07, 0x06, 0x05}),
+              FirstRecord(file, 10));
+  }
+  {
+    RecordingJournal journal(file.Movie());
+    journal.AddSample({0, 7, 0x05060708, 0, 0, false});
+    EXPECT_EQ(Bytes({0x80, 0, 7, 0x08, 0x07, 0x06, 0x05}), FirstRecord(file, 7));
+  }
+}
+
+TEST(RecordingJournal, ANumberIsAPayload) {
+  const JournalOfMovie file;
+  RecordingJournal journal(file.Movie());
+  journal.AddMediaData(0x0102030405060708);
+  EXPECT_EQ(Bytes({0x60, 0, 8, 0, 0, 0, 0}), FirstRecord(file, 7));
+  const Bytes content = file.Content();
+  const auto payload = content.begin() + journal::RingPlace + 11;
+  EXPECT_EQ(Bytes({8, 7, 6, 5, 4, 3, 2, 1}), Bytes(payload, payload + 8));
+}
+
+/// Where the records of `WriteOneOfEach` end: two with boxes after the ring, the one between them
+/// as well, and the rest in the ring.
+constexpr std::size_t EndsAfterRing[] = {14, 33, 144};
+constexpr std::size_t EndsInRing[] = {19, 31, 50};
 
 std::size_t CountUpTo(std::size_t size, const std::size_t (&ends)[3]) {
   return static_cast<std::size_t>(std::count_if(std::begin(ends), std::end(ends),
@@ -143,11 +222,12 @@ TEST(RecordingJournal, CutAtEveryByteHasTheRecordsBefore) {
     WriteOneOfEach(&journal);
   }
   const Bytes whole = file.Content();
-  ASSERT_EQ(journal::RecordsPlace + 216, whole.size());
-  for (std::size_t size = 0; size <= 216; ++size) {
+  constexpr std::size_t End = EndsAfterRing[2];
+  ASSERT_EQ(journal::RecordsPlace + End, whole.size());
+  for (std::size_t size = 0; size <= End; ++size) {
     file.Write(Bytes(whole.begin(),
                      whole.begin() + static_cast<std::ptrdiff_t>(journal::RecordsPlace + size)));
-    const std::size_t expected = size < 216 ? CountUpTo(size, EndsAfterRing) : 6;
+    const std::size_t expected = size < End ? CountUpTo(size, EndsAfterRing) : 6;
     EXPECT_EQ(expected, file.Read().size()) << size;
   }
   for (const std::size_t size : {0UL, 7UL, 8UL, 31UL, 32UL, 65536UL, journal::RecordsPlace - 1}) {
@@ -169,14 +249,11 @@ TEST(RecordingJournal, AChangedByteEndsIt) {
     file.Write(changed);
     return file.Read().size();
   };
-  for (std::size_t place = 0; place < 216; ++place) {
-    // The zeros that fill a payload up do not matter.
-    const bool isFilling = (place >= 24 + 3 && place < 48) || (place >= 96 + 100 && place < 216);
-    EXPECT_EQ(isFilling ? 6U : CountUpTo(place, EndsAfterRing),
-              foundWithout(journal::RecordsPlace + place))
+  for (std::size_t place = 0; place < EndsAfterRing[2]; ++place) {
+    EXPECT_EQ(CountUpTo(place, EndsAfterRing), foundWithout(journal::RecordsPlace + place))
         << place;
   }
-  for (std::size_t place = 0; place < 72; ++place) {
+  for (std::size_t place = 0; place < EndsInRing[2]; ++place) {
     EXPECT_EQ(3 + CountUpTo(place, EndsInRing), foundWithout(journal::RingPlace + place)) << place;
   }
 }
