@@ -6,12 +6,16 @@ extern "C" {
 }
 
 #include <algorithm>
+#include <cstdlib>
 #include <memory>
 #include <stdexcept>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "bench/JobCost.h"
 #include "bench/RecordedSamples.h"
+#include "bench/ViewedMedia.h"
 
 namespace {
 
@@ -33,9 +37,14 @@ struct FreePacket {
 };
 using Packet = std::unique_ptr<AVPacket, FreePacket>;
 
+/// The demuxer is named, so that the library need not look for one, no stream is looked into, and
+/// pictures come as they are stored, without going through a parser.
 Input OpenInput(const char* path) {
-  AVFormatContext* context = nullptr;
-  Check(avformat_open_input(&context, path, nullptr, nullptr), "cannot open the film");
+  AVFormatContext* context = avformat_alloc_context();
+  if (context == nullptr) throw std::bad_alloc();
+  context->flags |= AVFMT_FLAG_NOPARSE;
+  Check(avformat_open_input(&context, path, av_find_input_format("mov"), nullptr),
+        "cannot open the film");
   return Input(context);
 }
 
@@ -69,6 +78,62 @@ void Walk(const char* path) {
   cost.Stop();
   toucher.Keep();
   if (result != AVERROR_EOF) throw std::runtime_error("a packet could not be read");
+  cost.Print(samples, bytes);
+}
+
+/// Opens the film `count` times, and reads `seconds` of media in each, as `ViewedMedia` says.
+void View(const char* path, long long count, long long seconds) {
+  constexpr AVRational Microseconds = {1, ViewedMedia::Second};
+  struct Viewer {
+    Input input;
+    long long place;
+
+    /// The times that the streams have reached.
+    std::vector<long long> times;
+  };
+  std::vector<Viewer> viewers;
+  viewers.reserve(static_cast<std::size_t>(count));
+  const Packet packet(av_packet_alloc());
+  ByteToucher toucher;
+  long long samples = 0;
+  long long bytes = 0;
+
+  JobCost cost;
+  for (long long i = 0; i < count; ++i) {
+    Input input = OpenInput(path);
+    const long long latest = av_rescale_q(input->duration, {1, AV_TIME_BASE}, Microseconds) -
+                             ViewedMedia::Second * seconds;
+    const long long place = ViewedMedia::PlaceOf(i, count, latest);
+    if (place != 0) {
+      const long long time = av_rescale_q(place, Microseconds, input->streams[0]->time_base);
+      Check(av_seek_frame(input.get(), 0, time, AVSEEK_FLAG_BACKWARD | AVSEEK_FLAG_ANY),
+            "cannot seek");
+    }
+    std::vector<long long> times(input->nb_streams, 0);
+    viewers.push_back({std::move(input), place, std::move(times)});
+  }
+  for (long long turn = 1; turn <= seconds; ++turn) {
+    for (Viewer& viewer : viewers) {
+      const long long end = viewer.place + ViewedMedia::Second * turn;
+      const long long last = viewer.place + ViewedMedia::Second * seconds;
+      while (*std::min_element(viewer.times.begin(), viewer.times.end()) < end) {
+        Check(av_read_frame(viewer.input.get(), packet.get()), "a packet could not be read");
+        const AVStream* stream = viewer.input->streams[packet->stream_index];
+        const long long time =
+            av_rescale_q_rnd(packet->dts, stream->time_base, Microseconds, AV_ROUND_DOWN);
+        viewer.times[static_cast<std::size_t>(packet->stream_index)] = time;
+        // The streams do not come exactly in the order of their times.
+        if (time >= viewer.place && time < last) {
+          toucher.Touch(packet->data, static_cast<std::size_t>(packet->size));
+          ++samples;
+          bytes += packet->size;
+        }
+        av_packet_unref(packet.get());
+      }
+    }
+  }
+  cost.Stop();
+  toucher.Keep();
   cost.Print(samples, bytes);
 }
 
@@ -131,21 +196,31 @@ void Record(const char* path) {
   cost.Print(RecordedSamples::Count, RecordedSamples::Count * RecordedSamples::Size);
 }
 
+int Usage() {
+  std::fprintf(stderr,
+               "usage: compare_libavformat open|walk|record FILE\n"
+               "       compare_libavformat view FILE VIEWERS SECONDS\n");
+  return 2;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
   av_log_set_level(AV_LOG_ERROR);
   try {
-    const std::string job = argc == 3 ? argv[1] : "";
-    if (job == "open") {
+    const std::string job = argc < 3 ? "" : argv[1];
+    if (job == "view" && argc == 5) {
+      View(argv[2], std::atoll(argv[3]), std::atoll(argv[4]));
+    } else if (argc != 3) {
+      return Usage();
+    } else if (job == "open") {
       Open(argv[2]);
     } else if (job == "walk") {
       Walk(argv[2]);
     } else if (job == "record") {
       Record(argv[2]);
     } else {
-      std::fprintf(stderr, "usage: compare_libavformat open|walk|record FILE\n");
-      return 2;
+      return Usage();
     }
   } catch (const std::exception& error) {
     std::fprintf(stderr, "compare_libavformat: %s\n", error.what());

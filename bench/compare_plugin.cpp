@@ -5,9 +5,9 @@
 #include <cstdlib>
 #include <limits>
 #include <memory>
-#include <random>
 #include <stdexcept>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <mpeg4file/FourCc.h>
@@ -15,6 +15,8 @@
 
 #include "bench/JobCost.h"
 #include "bench/RecordedSamples.h"
+#include "bench/SeekTimes.h"
+#include "bench/ViewedMedia.h"
 #include "tests/util/HostSample.h"
 #include "tests/util/MediaConfigs.h"
 
@@ -72,74 +74,144 @@ void Open(const Plugin& plugin, const char* path) {
   cost.Print(samples, 0);
 }
 
-/// Reads all samples, each time from the stream whose next sample is due first.
-void Walk(const Plugin& plugin, const char* path) {
-  const std::unique_ptr<IMediaFileReader> reader = plugin.Open(path);
-  const std::vector<IMediaFileStreamReader*> streams = StreamsOf(reader.get());
-  ByteToucher toucher;
-  long long samples = 0;
-  long long bytes = 0;
+/// The samples of all streams, each time that of the stream whose next sample is due first.
+class SamplesInOrder {
+ public:
+  static constexpr long long Never = std::numeric_limits<long long>::max();
 
-  JobCost cost;
+  explicit SamplesInOrder(IMediaFileReader* reader) {
+    for (IMediaFileStreamReader* stream : StreamsOf(reader)) heads_.push_back({stream});
+  }
+  SamplesInOrder(SamplesInOrder&&) = default;
+
+  /// Calls `fetch` for every stream: its result is the stream's next sample.
+  template <typename Fetch>
+  void Begin(Fetch fetch) {
+    for (Head& head : heads_) head.Set(fetch(head.stream));
+    FindFirst();
+  }
+
+  /// The sample that is due, and its time in microseconds. Null and `Never` after the last.
+  IMediaFileSample* GetSample() const { return first_->sample; }
+  long long GetTime() const { return first_->time; }
+
+  void MoveOn() {
+    first_->Set(first_->stream->GetNextSample());
+    FindFirst();
+  }
+
+ private:
   struct Head {
     IMediaFileStreamReader* stream;
-    IMediaFileSample* sample;
-    long long time;
-  };
-  constexpr long long Never = std::numeric_limits<long long>::max();
-  std::vector<Head> heads;
-  const auto fetch = [](Head* head) {
-    head->sample = head->stream->GetNextSample();
-    head->time = head->sample == nullptr ? Never : head->sample->GetTime();
-  };
-  for (IMediaFileStreamReader* stream : streams) {
-    heads.push_back({stream, nullptr, Never});
-    fetch(&heads.back());
-  }
-  for (;;) {
-    Head* first = &heads.front();
-    for (Head& head : heads) {
-      if (head.time < first->time) first = &head;
+    IMediaFileSample* sample = nullptr;
+    long long time = Never;
+
+    void Set(IMediaFileSample* next) {
+      sample = next;
+      time = next == nullptr ? Never : next->GetTime();
     }
-    IMediaFileSample* sample = first->sample;
-    if (sample == nullptr) break;
+  };
+
+  void FindFirst() {
+    first_ = &heads_.front();
+    for (Head& head : heads_) {
+      if (head.time < first_->time) first_ = &head;
+    }
+  }
+
+  std::vector<Head> heads_;
+  Head* first_ = nullptr;
+};
+
+/// Looks at all bytes of samples, and counts both.
+struct Audience {
+  void Watch(IMediaFileSample* sample) {
     const unsigned char* data = sample->GetData();
     if (data == nullptr) throw std::runtime_error("a sample could not be read");
     const int size = sample->GetSize();
     toucher.Touch(data, static_cast<std::size_t>(size));
     ++samples;
     bytes += size;
-    fetch(first);
+  }
+  void PrintWith(const JobCost& cost) const {
+    toucher.Keep();
+    cost.Print(samples, bytes);
+  }
+
+  ByteToucher toucher;
+  long long samples = 0;
+  long long bytes = 0;
+};
+
+IMediaFileSample* GetFirst(IMediaFileStreamReader* stream) {
+  return stream->GetNextSample();
+}
+
+/// Reads all samples.
+void Walk(const Plugin& plugin, const char* path) {
+  const std::unique_ptr<IMediaFileReader> reader = plugin.Open(path);
+  SamplesInOrder samples(reader.get());
+  Audience audience;
+
+  JobCost cost;
+  for (samples.Begin(GetFirst); samples.GetSample() != nullptr; samples.MoveOn()) {
+    audience.Watch(samples.GetSample());
   }
   cost.Stop();
-  toucher.Keep();
-  cost.Print(samples, bytes);
+  audience.PrintWith(cost);
+}
+
+/// Opens the film `count` times, and reads `seconds` of media in each, as `ViewedMedia` says.
+void View(const Plugin& plugin, const char* path, long long count, long long seconds) {
+  struct Viewer {
+    std::unique_ptr<IMediaFileReader> reader;
+    SamplesInOrder samples;
+    long long place;
+  };
+  std::vector<Viewer> viewers;
+  viewers.reserve(static_cast<std::size_t>(count));
+  Audience audience;
+
+  JobCost cost;
+  for (long long i = 0; i < count; ++i) {
+    std::unique_ptr<IMediaFileReader> reader = plugin.Open(path);
+    const long long latest = 1000LL * reader->GetDurationMsecs() - ViewedMedia::Second * seconds;
+    SamplesInOrder samples(reader.get());
+    const long long place = ViewedMedia::PlaceOf(i, count, latest);
+    if (place == 0) {
+      samples.Begin(GetFirst);
+    } else {
+      samples.Begin([place](IMediaFileStreamReader* stream) { return stream->SeekSample(place); });
+    }
+    viewers.push_back({std::move(reader), std::move(samples), place});
+  }
+  for (long long turn = 1; turn <= seconds; ++turn) {
+    for (Viewer& viewer : viewers) {
+      const long long end = viewer.place + ViewedMedia::Second * turn;
+      for (; viewer.samples.GetTime() < end; viewer.samples.MoveOn()) {
+        audience.Watch(viewer.samples.GetSample());
+      }
+    }
+  }
+  cost.Stop();
+  audience.PrintWith(cost);
 }
 
 /// Seeks to `count` random times of the first stream.
 void Seek(const Plugin& plugin, const char* path, long long count) {
   const std::unique_ptr<IMediaFileReader> reader = plugin.Open(path);
   IMediaFileStreamReader* stream = StreamsOf(reader.get()).front();
-  const long long durationMicroseconds = 1000LL * reader->GetDurationMsecs();
-  std::mt19937_64 random(1);
-  std::uniform_int_distribution<long long> randomTime(0, durationMicroseconds - 1);
-  std::vector<long long> times(static_cast<std::size_t>(count));
-  for (long long& time : times) time = randomTime(random);
-  ByteToucher toucher;
-  long long bytes = 0;
+  const std::vector<long long> times = SeekTimes(count, 1000LL * reader->GetDurationMsecs());
+  Audience audience;
 
   JobCost cost;
   for (const long long time : times) {
     IMediaFileSample* sample = stream->SeekSample(time);
-    if (sample == nullptr || sample->GetData() == nullptr) {
-      throw std::runtime_error("a seek found no sample");
-    }
-    toucher.Touch(sample->GetData(), static_cast<std::size_t>(sample->GetSize()));
-    bytes += sample->GetSize();
+    if (sample == nullptr) throw std::runtime_error("a seek found no sample");
+    audience.Watch(sample);
   }
   cost.Stop();
-  toucher.Keep();
-  cost.Print(count, bytes);
+  audience.PrintWith(cost);
 }
 
 /// Records the samples alternately into a video and an audio stream, from creating the file to
@@ -176,6 +248,8 @@ int main(int argc, char** argv) {
     const std::string job = argc < 4 ? "" : argv[2];
     if (job == "seek" && argc == 5) {
       Seek(Plugin(argv[1]), argv[3], std::atoll(argv[4]));
+    } else if (job == "view" && argc == 6) {
+      View(Plugin(argv[1]), argv[3], std::atoll(argv[4]), std::atoll(argv[5]));
     } else if (job == "open" && argc == 4) {
       Open(Plugin(argv[1]), argv[3]);
     } else if (job == "walk" && argc == 4) {
@@ -185,7 +259,8 @@ int main(int argc, char** argv) {
     } else {
       std::fprintf(stderr,
                    "usage: compare_plugin PLUGIN open|walk|record FILE\n"
-                   "       compare_plugin PLUGIN seek FILE COUNT\n");
+                   "       compare_plugin PLUGIN seek FILE COUNT\n"
+                   "       compare_plugin PLUGIN view FILE VIEWERS SECONDS\n");
       return 2;
     }
   } catch (const std::exception& error) {

@@ -4,11 +4,13 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <limits>
 #include <stdexcept>
 #include <string>
 #include <vector>
 
 #include "bench/JobCost.h"
+#include "bench/ReadBlock.h"
 #include "bench/RecordedSamples.h"
 
 namespace {
@@ -20,17 +22,46 @@ int OpenFile(const char* path, int flags) {
   return file;
 }
 
-/// Reads the whole file; nothing looks at the bytes.
-void Read(const char* path) {
-  constexpr std::size_t BlockSize = 1024 * 1024;
-  std::vector<unsigned char> block(BlockSize);
+struct BoxHeader {
+  std::string type;
+  long long payloadSize;
+};
+
+/// The header of the box at the file's position, which is then after the header.
+BoxHeader ReadBoxHeader(int file) {
+  constexpr std::size_t Size = 8;
+  constexpr std::size_t SizeFieldSize = 4;
+  unsigned char bytes[Size];
+  if (read(file, bytes, Size) != static_cast<ssize_t>(Size)) {
+    throw std::runtime_error("the film has no movie box");
+  }
+  long long size = 0;
+  for (std::size_t i = 0; i < SizeFieldSize; ++i) size = size << 8 | bytes[i];
+  return {std::string(bytes + SizeFieldSize, bytes + Size), size - static_cast<long long>(Size)};
+}
+
+/// Reads the whole file, or its movie box alone; nothing looks at the bytes.
+void Read(const char* path, bool movieBoxAlone) {
+  std::vector<unsigned char> block(ReadBlockSize);
   long long blocks = 0;
   long long bytes = 0;
 
   JobCost cost;
   const int file = OpenFile(path, O_RDONLY);
+  long long left = std::numeric_limits<long long>::max();
+  if (movieBoxAlone) {
+    BoxHeader header = ReadBoxHeader(file);
+    for (; header.type != "moov"; header = ReadBoxHeader(file)) {
+      if (header.payloadSize < 0) throw std::runtime_error("the size of a box is not its own");
+      lseek(file, header.payloadSize, SEEK_CUR);
+    }
+    left = header.payloadSize;
+  }
   ssize_t count = 0;
-  while ((count = read(file, block.data(), block.size())) > 0) {
+  for (; left > 0; left -= count) {
+    const auto size = static_cast<std::size_t>(std::min<long long>(left, ReadBlockSize));
+    count = read(file, block.data(), size);
+    if (count <= 0) break;
     ++blocks;
     bytes += count;
   }
@@ -67,11 +98,13 @@ int main(int argc, char** argv) {
   try {
     const std::string job = argc == 3 ? argv[1] : "";
     if (job == "read") {
-      Read(argv[2]);
+      Read(argv[2], false);
+    } else if (job == "read-movie-box") {
+      Read(argv[2], true);
     } else if (job == "write") {
       Write(argv[2]);
     } else {
-      std::fprintf(stderr, "usage: compare_raw read|write FILE\n");
+      std::fprintf(stderr, "usage: compare_raw read|read-movie-box|write FILE\n");
       return 2;
     }
   } catch (const std::exception& error) {

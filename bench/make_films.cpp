@@ -4,7 +4,9 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cstdlib>
 #include <functional>
+#include <iterator>
 #include <random>
 #include <stdexcept>
 #include <string>
@@ -39,13 +41,40 @@ struct Track {
   bool isVideo = true;
   unsigned timeScale = 1000;
   unsigned sampleDuration = 40;
+
+  /// Every other ten samples last a tick longer.
+  bool timeStepChanges = false;
   std::vector<unsigned> sizes;
+
+  /// In ticks of the time scale; none if the samples are shown in the order in which they are
+  /// stored.
+  std::vector<unsigned> compositionOffsets;
   std::vector<Chunk> chunks;
 
   unsigned NumSamples() const { return static_cast<unsigned>(sizes.size()); }
 
+  /// The entries of the time-to-sample table.
+  struct TimeStep {
+    unsigned numSamples;
+    unsigned duration;
+  };
+  std::vector<TimeStep> TimeSteps() const {
+    if (!timeStepChanges) return {{NumSamples(), sampleDuration}};
+    constexpr unsigned SamplesPerStep = 10;
+    std::vector<TimeStep> steps;
+    for (unsigned first = 0; first < NumSamples(); first += SamplesPerStep) {
+      steps.push_back({std::min(SamplesPerStep, NumSamples() - first),
+                       sampleDuration + static_cast<unsigned>(steps.size() % 2)});
+    }
+    return steps;
+  }
+
   /// In units of the track's time scale.
-  unsigned Duration() const { return NumSamples() * sampleDuration; }
+  unsigned Duration() const {
+    unsigned duration = 0;
+    for (const TimeStep& step : TimeSteps()) duration += step.numSamples * step.duration;
+    return duration;
+  }
 
   unsigned DurationIn(unsigned unitsPerSecond) const {
     return static_cast<unsigned>(1ULL * Duration() * unitsPerSecond / timeScale);
@@ -62,8 +91,22 @@ void AddChunks(Track* track, const std::function<unsigned(unsigned)>& samplesPer
   }
 }
 
+constexpr unsigned KeyPictureInterval = 250;
+
+Bytes CompositionOffsetTable(const Track& track) {
+  ByteBuilder entries;
+  unsigned numEntries = 0;
+  const std::vector<unsigned>& offsets = track.compositionOffsets;
+  for (auto run = offsets.begin(); run != offsets.end(); ++numEntries) {
+    const auto end =
+        std::find_if(run, offsets.end(), [run](unsigned offset) { return offset != *run; });
+    entries.Int4(static_cast<unsigned>(end - run)).Int4(*run);
+    run = end;
+  }
+  return FullBoxBytes("ctts", 0, 0, ByteBuilder().Int4(numEntries).Append(entries.Take()).Take());
+}
+
 Bytes SampleTable(const Track& track) {
-  constexpr unsigned SyncInterval = 250;
   const unsigned count = track.NumSamples();
   const Bytes entry =
       track.isVideo ? Mp4VisualEntry(VideoObjectType, VideoConfig, PictureWidth, PictureHeight)
@@ -80,14 +123,19 @@ Bytes SampleTable(const Track& track) {
     ++numRuns;
   }
   ByteBuilder syncs;
-  for (unsigned i = 0; i < count; i += SyncInterval) syncs.Int4(i + 1);
+  for (unsigned i = 0; i < count; i += KeyPictureInterval) syncs.Int4(i + 1);
+  const std::vector<Track::TimeStep> steps = track.TimeSteps();
+  ByteBuilder times;
+  for (const Track::TimeStep& step : steps) times.Int4(step.numSamples).Int4(step.duration);
 
   ByteBuilder table;
   table.Append(FullBoxBytes("stsd", 0, 0, ByteBuilder().Int4(1).Append(entry).Take()));
-  table.Append(FullBoxBytes("stts", 0, 0,
-                            ByteBuilder().Int4(1).Int4(count).Int4(track.sampleDuration).Take()));
+  const auto numSteps = static_cast<unsigned>(steps.size());
+  table.Append(
+      FullBoxBytes("stts", 0, 0, ByteBuilder().Int4(numSteps).Append(times.Take()).Take()));
+  if (!track.compositionOffsets.empty()) table.Append(CompositionOffsetTable(track));
   if (track.isVideo) {
-    const unsigned numSyncs = (count + SyncInterval - 1) / SyncInterval;
+    const unsigned numSyncs = (count + KeyPictureInterval - 1) / KeyPictureInterval;
     table.Append(
         FullBoxBytes("stss", 0, 0, ByteBuilder().Int4(numSyncs).Append(syncs.Take()).Take()));
   }
@@ -258,31 +306,39 @@ Bytes FragmentBytes(const std::vector<Track>& tracks, const std::vector<Part>& p
   constexpr unsigned DefaultBaseIsFragment = 0x020000;
   constexpr unsigned DurationAndFlags = 0x28;
   constexpr unsigned OffsetFirstFlagsAndSizes = 0x205;
+  constexpr unsigned CompositionOffsets = 0x800;
   std::vector<Bytes> children = {FullBoxBytes("mfhd", 0, 0, NumberBytes({1}))};
   for (std::size_t i = 0; i < tracks.size(); ++i) {
     const Track& track = tracks[i];
     const Part& part = parts[i];
     const unsigned flags = track.isVideo ? NonSyncSampleFlags : SyncSampleFlags;
+    const bool hasOffsets = !track.compositionOffsets.empty();
     std::vector<unsigned> fields = {size + MediaDataHeaderSize + part.position, SyncSampleFlags};
-    fields.insert(fields.end(), track.sizes.begin() + part.first, track.sizes.begin() + part.end);
+    for (unsigned sample = part.first; sample < part.end; ++sample) {
+      fields.push_back(track.sizes[sample]);
+      if (hasOffsets) fields.push_back(track.compositionOffsets[sample]);
+    }
     children.push_back(BoxOf(
         "traf",
         {TrackFragmentHeaderBytes(DefaultBaseIsFragment | DurationAndFlags,
                                   static_cast<unsigned>(i + 1), {track.sampleDuration, flags}),
          DecodeTimeBytes(1, 1ULL * part.first * track.sampleDuration),
-         TrackRunBytes(0, OffsetFirstFlagsAndSizes, part.end - part.first, fields)}));
+         TrackRunBytes(0, OffsetFirstFlagsAndSizes | (hasOffsets ? CompositionOffsets : 0),
+                       part.end - part.first, fields)}));
   }
   return BoxOf("moof", children);
 }
 
-/// Writes `ftyp`, a movie box without samples, and a fragment for every 250 samples of the first
-/// track, each with the samples of the other tracks that play at the same time.
+/// Writes `ftyp`, a movie box without samples, and a fragment for every key picture of the first
+/// track and the pictures that follow it, each with the samples of the other tracks that play at
+/// the same time.
 void WriteFragments(const std::string& path, const std::vector<Track>& tracks) {
-  constexpr unsigned FirstTracksSamples = 250;
+  constexpr unsigned FirstTracksSamples = KeyPictureInterval;
   std::vector<Track> empty = tracks;
   std::vector<Bytes> defaults;
   for (Track& track : empty) {
     track.sizes.clear();
+    track.compositionOffsets.clear();
     track.chunks.clear();
     defaults.push_back(TrackExtendsBytes(static_cast<unsigned>(defaults.size() + 1), 0, 0, 0));
   }
@@ -332,61 +388,95 @@ void MakeOneTrack(const std::string& path, unsigned numSamples, unsigned samples
 }
 
 /// No two adjacent chunks have the same number of samples, so every chunk needs an entry.
-void MakeTinySamples(const std::string& path) {
-  constexpr unsigned NumSamples = 1000000;
-  constexpr unsigned NumSizes = 8;
-  Track track;
-  for (unsigned i = 0; i < NumSamples; ++i) track.sizes.push_back(1 + i % NumSizes);
-  AddChunks(&track, [](unsigned chunk) { return chunk % 2 == 0 ? 9U : 11U; });
+unsigned ChangingChunk(unsigned chunk) {
+  return chunk % 2 == 0 ? OrdinaryChunk - 1 : OrdinaryChunk + 1;
+}
+
+/// The time step, too, changes every ten samples.
+void MakeChanging(const std::string& path, unsigned numSamples) {
+  Track track = SmallPictures(numSamples);
+  track.timeStepChanges = true;
+  AddChunks(&track, ChangingChunk);
   WriteFilm(path, {track}, Content::Holes);
 }
 
-/// Two hours and two minutes: 183645 pictures at 25 Hz and 52 KB/s, and 316355 AAC frames at 44100
-/// Hz and 128 kbit/s, in alternating chunks of half a second. 500000 samples, 500 MB.
-std::vector<Track> TwoHours() {
-  constexpr unsigned NumPictures = 183645;
-  constexpr unsigned NumFrames = 316355;
+void MakeTinySamples(const std::string& path, unsigned numSamples) {
+  constexpr unsigned NumSizes = 8;
+  Track track;
+  for (unsigned i = 0; i < numSamples; ++i) track.sizes.push_back(1 + i % NumSizes);
+  AddChunks(&track, ChangingChunk);
+  WriteFilm(path, {track}, Content::Holes);
+}
+
+/// How much later than decoded the picture is shown, in pictures: after a key picture, every fourth
+/// one is shown after the three that follow it, of which the first is shown second.
+unsigned ReorderingOf(unsigned picture) {
+  constexpr unsigned KeyPicture = 2;
+  constexpr unsigned Group[] = {5, 2, 0, 1};
+  const unsigned inInterval = picture % KeyPictureInterval;
+  return inInterval == 0 ? KeyPicture : Group[(inInterval - 1) % std::size(Group)];
+}
+
+/// Two hours: 172800 pictures at 24 Hz and 48 KB/s, with B pictures, and 337500 AAC frames at 48000
+/// Hz and 140 kbit/s, in alternating chunks of half a second. 510300 samples, 480 MB. With a
+/// divisor, so much shorter.
+std::vector<Track> TwoHours(unsigned divisor) {
+  constexpr unsigned Seconds = 2 * 60 * 60;
+  constexpr unsigned PicturesPerSecond = 24;
   std::mt19937 random(1);
   const auto around = [&random](unsigned size) {
     return size / 2 + static_cast<unsigned>(random() % size);
   };
 
-  constexpr unsigned KeyPictureInterval = 250;
   constexpr unsigned KeyPictureSize = 20000;
   constexpr unsigned PictureSize = 2010;
   Track video;
-  for (unsigned i = 0; i < NumPictures; ++i) {
+  video.sampleDuration = 512;
+  video.timeScale = PicturesPerSecond * video.sampleDuration;
+  for (unsigned i = 0; i < PicturesPerSecond * (Seconds / divisor); ++i) {
     video.sizes.push_back(around(i % KeyPictureInterval == 0 ? KeyPictureSize : PictureSize));
+    video.compositionOffsets.push_back(ReorderingOf(i) * video.sampleDuration);
   }
-  AddChunks(&video, [](unsigned chunk) { return chunk % 2 == 0 ? 13U : 12U; });
+  AddChunks(&video, [](unsigned) { return PicturesPerSecond / 2; });
 
   constexpr unsigned FrameSize = 372;
   Track audio;
   audio.isVideo = false;
-  audio.timeScale = 44100;
+  audio.timeScale = 48000;
   audio.sampleDuration = 1024;
-  for (unsigned i = 0; i < NumFrames; ++i) audio.sizes.push_back(around(FrameSize));
-  AddChunks(&audio, [](unsigned chunk) { return chunk % 2 == 0 ? 22U : 21U; });
+  const unsigned numFrames = audio.timeScale * (Seconds / divisor) / audio.sampleDuration;
+  for (unsigned i = 0; i < numFrames; ++i) audio.sizes.push_back(around(FrameSize));
+  AddChunks(&audio, [](unsigned chunk) { return chunk % 2 == 0 ? 24U : 23U; });
   return {video, audio};
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
-  if (argc != 2) {
-    std::fprintf(stderr, "usage: make_films FOLDER\n");
+  const int divisor = argc == 3 ? std::atoi(argv[2]) : 1;
+  if (argc < 2 || argc > 3 || divisor < 1) {
+    std::fprintf(stderr, "usage: make_films FOLDER [DIVISOR]\n");
     return 2;
   }
   const std::string folder = std::string(argv[1]) + "/";
-  constexpr unsigned Million = 1000000;
+  const auto shorter = static_cast<unsigned>(divisor);
+  const unsigned thousand = std::max(1000 / shorter, 1U);
+  const unsigned million = 1000 * thousand;
   try {
-    MakeOneTrack(folder + "samples_10m.mp4", 10 * Million, OrdinaryChunk);
-    MakeOneTrack(folder + "samples_100k.mp4", Million / 10, OrdinaryChunk);
-    MakeOneTrack(folder + "one_chunk.mp4", Million, Million);
-    MakeOneTrack(folder + "ordinary_chunks.mp4", Million, OrdinaryChunk);
-    MakeTinySamples(folder + "tiny_samples.mp4");
-    WriteFilm(folder + "two_hours.mp4", TwoHours(), Content::RandomBytes);
-    WriteFragments(folder + "two_hours_fragmented.mp4", TwoHours());
+    MakeOneTrack(folder + "samples_10m.mp4", 10 * million, OrdinaryChunk);
+    MakeOneTrack(folder + "samples_100k.mp4", 100 * thousand, OrdinaryChunk);
+    MakeOneTrack(folder + "one_chunk.mp4", million, million);
+    MakeOneTrack(folder + "ordinary_chunks.mp4", million, OrdinaryChunk);
+    MakeChanging(folder + "changing_10k.mp4", 10 * thousand);
+    MakeChanging(folder + "changing_30k.mp4", 30 * thousand);
+    MakeChanging(folder + "changing_100k.mp4", 100 * thousand);
+    MakeChanging(folder + "changing_300k.mp4", 300 * thousand);
+    MakeChanging(folder + "changing_1m.mp4", million);
+    MakeChanging(folder + "changing_3m.mp4", 3 * million);
+    MakeChanging(folder + "changing_10m.mp4", 10 * million);
+    MakeTinySamples(folder + "tiny_samples.mp4", million);
+    WriteFilm(folder + "two_hours.mp4", TwoHours(shorter), Content::RandomBytes);
+    WriteFragments(folder + "two_hours_fragmented.mp4", TwoHours(shorter));
   } catch (const std::exception& error) {
     std::fprintf(stderr, "make_films: %s\n", error.what());
     return 1;

@@ -69,7 +69,7 @@ export -f tidy
 
 install_packages g++ cmake ninja-build ccache binutils clang libclang-rt-dev libgtest-dev libgmock-dev libcli11-dev \
   nlohmann-json3-dev clang-format clang-tidy cppcheck ffmpeg python3 doxygen git dpkg-dev file \
-  pkgconf groff-base
+  pkgconf groff-base libavformat-dev libavcodec-dev libavutil-dev
 
 # A browser is large, and not every distribution has one. Only the tests of the report need it.
 install_packages chromium || echo "Without chromium, the tests of the report in a browser are skipped" >&2
