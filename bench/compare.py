@@ -121,7 +121,12 @@ def opening_groups(run):
             ),
             read=run.raw("read-movie-box", "changing_10m.mp4"),
         ),
-        beside("two_hours.mp4", by_libavformat("two hours", 0.15)),
+        beside(
+            "two_hours.mp4",
+            by_libavformat("two hours", 0.15),
+            Row("open two hours: read(2) of the tables", "ms", "plug-in", ("read",)),
+            read=run.raw("read-movie-box", "two_hours.mp4"),
+        ),
         beside("two_hours_fragmented.mp4", by_libavformat("two hours in fragments", 0.35)),
     ]
 

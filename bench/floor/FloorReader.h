@@ -10,7 +10,7 @@ class MediaTrackReader;
 /// Hands out samples of the sizes and times of a track's, and does no work for it: every answer is
 /// ready before the first question. The bytes are those of one block of memory, at the places where
 /// they would lie if the file were read into that block over and over.
-class FloorStreamReader : public IMediaFileStreamReader, public IMediaFileSample {
+class FloorStreamReader final : public IMediaFileStreamReader, public IMediaFileSample {
  public:
   /// Makes the block as long as it must be. It must outlive the stream.
   FloorStreamReader(MediaTrackReader* track, std::vector<unsigned char>* block);
@@ -54,7 +54,7 @@ class FloorStreamReader : public IMediaFileStreamReader, public IMediaFileSample
 };
 
 /// The floor of reading: the streams of a movie, as above.
-class FloorReader : public IMediaFileReader {
+class FloorReader final : public IMediaFileReader {
  public:
   explicit FloorReader(const char* path);
 

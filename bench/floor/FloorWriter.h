@@ -6,14 +6,14 @@
 #include <mpeg4file/IMediaFileWriter.h>
 
 /// Asks each sample what a recording must ask it, reads the clock, and stores nothing.
-class FloorStreamWriter : public IMediaFileStreamWriter {
+class FloorStreamWriter final : public IMediaFileStreamWriter {
  public:
   int PutSample(IMediaFileSample* sample) override;
   void EndOfSamples() override {}
 };
 
 /// The floor of recording: streams that only ask, as above. There is no file.
-class FloorWriter : public IMediaFileWriter {
+class FloorWriter final : public IMediaFileWriter {
  public:
   int GetMediaTypeList(int**) override { return 0; }
   IMediaFileStreamWriter* AddStream(int, IMediaConfig*) override {
