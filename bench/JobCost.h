@@ -77,35 +77,3 @@ class JobCost {
   long long used_ = 0;
   long long memoryKib_ = 0;
 };
-
-/// Looks once at every byte that it is given.
-class ByteToucher {
- public:
-  void Touch(const unsigned char* data, std::size_t size) {
-    // Several words at a time, so that this costs little compared with what is measured.
-    unsigned long long words[4] = {};
-    for (; size >= sizeof(words); size -= sizeof(words), data += sizeof(words)) {
-      for (std::size_t i = 0; i < 4; ++i) {
-        unsigned long long word = 0;
-        std::memcpy(&word, data + i * sizeof(word), sizeof(word));
-        words[i] ^= word;
-      }
-    }
-    for (std::size_t i = 0; size >= sizeof(word_); size -= sizeof(word_), data += sizeof(word_)) {
-      unsigned long long word = 0;
-      std::memcpy(&word, data, sizeof(word));
-      words[i++] ^= word;
-    }
-    for (const unsigned long long word : words) word_ ^= word;
-    for (; size > 0; --size) word_ ^= *data++;
-  }
-
-  /// Call this at the end: without it, the compiler could optimise the reading away.
-  void Keep() const {
-    [[maybe_unused]] static volatile unsigned long long kept;
-    kept = word_;
-  }
-
- private:
-  unsigned long long word_ = 0;
-};

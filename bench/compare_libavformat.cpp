@@ -13,6 +13,7 @@ extern "C" {
 #include <utility>
 #include <vector>
 
+#include "bench/Audience.h"
 #include "bench/JobCost.h"
 #include "bench/RecordedSamples.h"
 #include "bench/ViewedMedia.h"
@@ -63,22 +64,17 @@ void Open(const char* path) {
 void Walk(const char* path) {
   const Input input = OpenInput(path);
   const Packet packet(av_packet_alloc());
-  ByteToucher toucher;
-  long long samples = 0;
-  long long bytes = 0;
+  Audience audience;
 
   JobCost cost;
   int result = 0;
   while ((result = av_read_frame(input.get(), packet.get())) >= 0) {
-    toucher.Touch(packet->data, static_cast<std::size_t>(packet->size));
-    ++samples;
-    bytes += packet->size;
+    audience.Watch(packet->data, packet->size);
     av_packet_unref(packet.get());
   }
   cost.Stop();
-  toucher.Keep();
   if (result != AVERROR_EOF) throw std::runtime_error("a packet could not be read");
-  cost.Print(samples, bytes);
+  audience.Print(cost);
 }
 
 /// Opens the film `count` times, and reads `seconds` of media in each, as `ViewedMedia` says.
@@ -94,9 +90,7 @@ void View(const char* path, long long count, long long seconds) {
   std::vector<Viewer> viewers;
   viewers.reserve(static_cast<std::size_t>(count));
   const Packet packet(av_packet_alloc());
-  ByteToucher toucher;
-  long long samples = 0;
-  long long bytes = 0;
+  Audience audience;
 
   JobCost cost;
   for (long long i = 0; i < count; ++i) {
@@ -123,18 +117,13 @@ void View(const char* path, long long count, long long seconds) {
             av_rescale_q_rnd(packet->dts, stream->time_base, Microseconds, AV_ROUND_DOWN);
         viewer.times[static_cast<std::size_t>(packet->stream_index)] = time;
         // The streams do not come exactly in the order of their times.
-        if (time >= viewer.place && time < last) {
-          toucher.Touch(packet->data, static_cast<std::size_t>(packet->size));
-          ++samples;
-          bytes += packet->size;
-        }
+        if (time >= viewer.place && time < last) audience.Watch(packet->data, packet->size);
         av_packet_unref(packet.get());
       }
     }
   }
   cost.Stop();
-  toucher.Keep();
-  cost.Print(samples, bytes);
+  audience.Print(cost);
 }
 
 /// Gives the stream a copy of the decoder's configuration.

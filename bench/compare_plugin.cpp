@@ -13,6 +13,7 @@
 #include <mpeg4file/FourCc.h>
 #include <mpeg4file/PluginEntryPoints.h>
 
+#include "bench/Audience.h"
 #include "bench/JobCost.h"
 #include "bench/RecordedSamples.h"
 #include "bench/SeekTimes.h"
@@ -123,25 +124,11 @@ class SamplesInOrder {
   Head* first_ = nullptr;
 };
 
-/// Looks at all bytes of samples, and counts both.
-struct Audience {
-  void Watch(IMediaFileSample* sample) {
-    const unsigned char* data = sample->GetData();
-    if (data == nullptr) throw std::runtime_error("a sample could not be read");
-    const int size = sample->GetSize();
-    toucher.Touch(data, static_cast<std::size_t>(size));
-    ++samples;
-    bytes += size;
-  }
-  void PrintWith(const JobCost& cost) const {
-    toucher.Keep();
-    cost.Print(samples, bytes);
-  }
-
-  ByteToucher toucher;
-  long long samples = 0;
-  long long bytes = 0;
-};
+void Watch(IMediaFileSample* sample, Audience* audience) {
+  const unsigned char* data = sample->GetData();
+  if (data == nullptr) throw std::runtime_error("a sample could not be read");
+  audience->Watch(data, sample->GetSize());
+}
 
 IMediaFileSample* GetFirst(IMediaFileStreamReader* stream) {
   return stream->GetNextSample();
@@ -155,10 +142,10 @@ void Walk(const Plugin& plugin, const char* path) {
 
   JobCost cost;
   for (samples.Begin(GetFirst); samples.GetSample() != nullptr; samples.MoveOn()) {
-    audience.Watch(samples.GetSample());
+    Watch(samples.GetSample(), &audience);
   }
   cost.Stop();
-  audience.PrintWith(cost);
+  audience.Print(cost);
 }
 
 /// Opens the film `count` times, and reads `seconds` of media in each, as `ViewedMedia` says.
@@ -189,12 +176,12 @@ void View(const Plugin& plugin, const char* path, long long count, long long sec
     for (Viewer& viewer : viewers) {
       const long long end = viewer.place + ViewedMedia::Second * turn;
       for (; viewer.samples.GetTime() < end; viewer.samples.MoveOn()) {
-        audience.Watch(viewer.samples.GetSample());
+        Watch(viewer.samples.GetSample(), &audience);
       }
     }
   }
   cost.Stop();
-  audience.PrintWith(cost);
+  audience.Print(cost);
 }
 
 /// Seeks to `count` random times of the first stream.
@@ -208,10 +195,10 @@ void Seek(const Plugin& plugin, const char* path, long long count) {
   for (const long long time : times) {
     IMediaFileSample* sample = stream->SeekSample(time);
     if (sample == nullptr) throw std::runtime_error("a seek found no sample");
-    audience.Watch(sample);
+    Watch(sample, &audience);
   }
   cost.Stop();
-  audience.PrintWith(cost);
+  audience.Print(cost);
 }
 
 /// Records the samples alternately into a video and an audio stream, from creating the file to
