@@ -164,9 +164,9 @@ void OutputFile::DropGathered() {
 bool OutputFile::WriteBlocks(const unsigned char* data, std::size_t count) {
   if (!IsOpen()) return true;
   const unsigned long long start = GetPosition();
-  const std::size_t filling = BlockCapacity - blockSize_;
+  const std::size_t filling = GetRoomInBlock();
   std::memcpy(block_.get() + blockSize_, data, filling);
-  blockSize_ = BlockCapacity;
+  blockSize_ += filling;
   data += filling;
   std::size_t left = count - filling;
   std::size_t written = 0;

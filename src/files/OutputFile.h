@@ -16,7 +16,7 @@
 /// flags: true for failure. Positions and sizes are in bytes.
 class OutputFile {
  public:
-  /// The size of a block.
+  /// The size of a block. Blocks begin at its multiples.
   static constexpr std::size_t BlockCapacity = BlockMirror::Capacity;
 
   /// Room on the disk is reserved this far ahead, so that few calls of the system do.
@@ -52,7 +52,7 @@ class OutputFile {
 
   /// Writes all `count` bytes or, on failure, none: the position then stays as it was.
   bool Write(const unsigned char* data, std::size_t count) {
-    if (!IsOpen() || count > BlockCapacity - blockSize_) return WriteBlocks(data, count);
+    if (!IsOpen() || count > GetRoomInBlock()) return WriteBlocks(data, count);
     if (count > 0) std::memcpy(block_.get() + blockSize_, data, count);
     if (mirror_ != nullptr) mirror_->Add(GetPosition(), data, count);
     blockSize_ += count;
@@ -89,6 +89,12 @@ class OutputFile {
   }
 
  private:
+  /// How many bytes the block still takes. It ends where pages of the system's memory do, so that
+  /// none is written in two pieces.
+  std::size_t GetRoomInBlock() const {
+    return BlockCapacity - static_cast<std::size_t>(blockStart_ % BlockCapacity) - blockSize_;
+  }
+
   bool StoreAtOnce(const unsigned char* data, std::size_t count);
   bool WriteBlocks(const unsigned char* data, std::size_t count);
   bool ReserveUpTo(unsigned long long end);

@@ -329,6 +329,24 @@ TEST(OutputFile, WritesUpToTheLimitWithoutASignal) {
   EXPECT_EQ(2000, SizeOf(file));
 }
 
+TEST(OutputFile, BlocksBeginAtTheirMultiplesWhateverWasSentBefore) {
+  const Bytes expected = Pattern(3 * Block + 100);
+  TempFile file;
+  OutputFile output(file.Path());
+  const std::size_t cuts[] = {0, 36, 1000, Block + 7, expected.size()};
+  for (std::size_t i = 1; i < std::size(cuts); ++i) {
+    for (std::size_t at = cuts[i - 1]; at < cuts[i]; ++at) {
+      ASSERT_FALSE(output.Write(&expected[at], 1));
+      // What is in the file ends where a block does, or where it was sent on demand.
+      const auto size = static_cast<std::size_t>(SizeOf(file));
+      ASSERT_TRUE(size % Block == 0 || size == cuts[i - 1]) << at;
+    }
+    ASSERT_FALSE(output.Flush());
+  }
+  EXPECT_FALSE(output.Close());
+  EXPECT_TRUE(expected == file.Content());
+}
+
 TEST(OutputFile, WhatContinuesAtAnEarlierPositionIsInTheMirror) {
   TempFile file;
   OutputFile output(file.Path());

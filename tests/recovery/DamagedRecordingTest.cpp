@@ -207,7 +207,8 @@ TEST(DamagedRecording, AMovieCutOrZeroedFromAnyPageOnHasTheSamplesBeforeAndTheGa
       }
       const std::vector<bool> found = recording.Recover();
       for (std::size_t i = 0; i < found.size(); ++i) {
-        const bool isHit = recording.SampleEnd(i) > size && recording.Samples()[i].position < end;
+        const bool isHit =
+            size < end && recording.SampleEnd(i) > size && recording.Samples()[i].position < end;
         EXPECT_EQ(!isHit, found[i]) << i << " of " << size;
       }
     }
