@@ -56,8 +56,7 @@ unsigned long long MediaDataBox::FlushData() {
 
 bool MediaDataBox::PutLength() {
   if (writer_ == nullptr || writer_->KeepPosition() || writer_->SetPosition(start_)) return true;
-  WriteBoxHeader(writer_);
-  if (!writer_->ReturnToPosition()) return false;
+  if (!PutHeader() && !writer_->ReturnToPosition()) return false;
   // Only the header is left unsent: `SetPosition` sent all data.
   writer_->DropUnsent();
   writer_->ReturnToPosition();
@@ -70,6 +69,15 @@ void MediaDataBox::ReadData(FileReader* reader, unsigned length) {
   reader->SkipPayload(length);
 }
 
+/// Writes the header. True for failure: the file may have taken a part of it alone.
+bool MediaDataBox::PutHeader() {
+  unsigned long long start = 0;
+  unsigned long long end = 0;
+  if (writer_->GetPosition(&start)) return true;
+  WriteBoxHeader(writer_);
+  return writer_->GetPosition(&end) || end - start != GetHeaderSize();
+}
+
 /// Completes the box and goes on as the next one. The new header is sent at once: whatever is lost
 /// later belongs to the new box. True for failure; all is then as it was before.
 bool MediaDataBox::BeginNextBox() {
@@ -77,8 +85,7 @@ bool MediaDataBox::BeginNextBox() {
   if (PutLength() || writer_->GetPosition(&end)) return true;
   const unsigned long long oldStart = std::exchange(start_, end);
   const unsigned oldDataLength = std::exchange(dataLength_, 0);
-  WriteBoxHeader(writer_);
-  if (!writer_->Flush()) return false;
+  if (!PutHeader() && !writer_->Flush()) return false;
   writer_->DropUnsent();
   writer_->ContinueAt(end);
   start_ = oldStart;

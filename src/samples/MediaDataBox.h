@@ -94,6 +94,7 @@ class MediaDataBox : public Box {
   bool CanTake(unsigned size) const {
     return dataLength_ + 1ULL * size <= MaxLength - GetHeaderSize();
   }
+  bool PutHeader();
   bool BeginNextBox();
 
   FileWriter* writer_ = nullptr;

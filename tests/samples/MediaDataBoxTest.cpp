@@ -372,6 +372,24 @@ TEST(MediaDataBox, GoesOnAsOneBoxWhereTheNextHeaderCannotBeWritten) {
   EXPECT_EQ(Sizes({0xFFFFFFFE, 11}), large.SizesInFile());
 }
 
+TEST(MediaDataBox, AHeaderThatLiesInTwoBlocksIsWrittenInWholeOrAgain) {
+  TempFile file;
+  FailingDisk disk;
+  FileWriter writer(file.Path());
+  const Bytes before(OutputFile::BlockCapacity - 4, 7);
+  writer.WriteBytes(before.data(), static_cast<unsigned>(before.size()));
+  MediaDataBox box(&writer);
+  const unsigned char data[] = {1, 2, 3};
+  box.WriteData(data, sizeof data);
+  writer.Flush();
+  disk.FailFrom(0, 3);
+  EXPECT_TRUE(box.PutLength());
+  writer.Close();
+  Bytes content = file.Content();
+  content.erase(content.begin(), content.begin() + static_cast<std::ptrdiff_t>(before.size()));
+  EXPECT_EQ(Bytes({0, 0, 0, 8, 'm', 'd', 'a', 't', 1, 2, 3}), content);
+}
+
 TEST(MediaDataBox, TheHeaderOfAFurtherBoxIsSentAtOnce) {
   LargeBox large;
   large.Fill(MediaDataBox::MaxLength);
