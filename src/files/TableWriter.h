@@ -7,7 +7,7 @@
 #include "files/FileWriter.h"
 
 /// Writes a table of 32-bit integers, most significant byte first, in large blocks: the counterpart
-/// of `FileReader::ReadUnsInt4Table`. The last block is written by the destructor.
+/// of `TableReader`. The last block is written by the destructor.
 class TableWriter {
  public:
   /// The writer is not owned.

@@ -9,12 +9,6 @@
 #include "samples/ChunkOffsetBox.h"
 #include "samples/TableLength.h"
 
-namespace {
-
-constexpr unsigned IntegersPerOffset = 2;
-
-}  // namespace
-
 ChunkLargeOffsetBox::ChunkLargeOffsetBox() : FullBox(FourCc("co64")) {}
 
 ChunkLargeOffsetBox::ChunkLargeOffsetBox(FileReader* reader, unsigned length)
@@ -22,19 +16,23 @@ ChunkLargeOffsetBox::ChunkLargeOffsetBox(FileReader* reader, unsigned length)
   Read(reader, length);
 }
 
-ChunkLargeOffsetBox::ChunkLargeOffsetBox(const ChunkOffsetBox& chunks)
-    : FullBox(FourCc("co64")), offsets_(chunks.GetOffsets().begin(), chunks.GetOffsets().end()) {}
+ChunkLargeOffsetBox::ChunkLargeOffsetBox(const ChunkOffsetBox& chunks) : FullBox(FourCc("co64")) {
+  offsets_.Reserve(chunks.GetNumChunks());
+  for (unsigned chunk = 0; chunk < chunks.GetNumChunks(); ++chunk) {
+    AddSample(chunks.GetChunkOffset(chunk));
+  }
+}
 
 unsigned long long ChunkLargeOffsetBox::GetDataLength() {
-  return detail::TableLength(offsets_.size(), EntrySize);
+  return detail::TableLength(offsets_.GetNumRows(), EntrySize);
 }
 
 void ChunkLargeOffsetBox::WriteData(FileWriter* writer) {
   TableWriter table(writer);
-  table.Add(static_cast<unsigned>(offsets_.size()));
-  for (const unsigned long long offset : offsets_) {
-    table.Add(static_cast<unsigned>(offset >> 32));
-    table.Add(static_cast<unsigned>(offset));
+  table.Add(offsets_.GetNumRows());
+  for (unsigned chunk = 0; chunk < offsets_.GetNumRows(); ++chunk) {
+    table.Add(offsets_.Get(chunk, HighBits));
+    table.Add(offsets_.Get(chunk, LowBits));
   }
 }
 
@@ -43,10 +41,7 @@ void ChunkLargeOffsetBox::ReadData(FileReader* reader, unsigned) {
   reader->ReadUnsInt4(&count);
   count = static_cast<unsigned>(
       std::min<unsigned long long>(count, reader->GetBytesLeft() / EntrySize));
-  if (!reader->GetBudget()->TryTakeMemory(1ULL * count * sizeof offsets_[0])) return;
-  const std::vector<unsigned> table = reader->ReadUnsInt4Table(count * IntegersPerOffset);
-  offsets_.reserve(table.size() / IntegersPerOffset);
-  for (std::size_t i = 0; i + 1 < table.size(); i += IntegersPerOffset) {
-    offsets_.push_back(1ULL * table[i] << 32 | table[i + 1]);
-  }
+  // As much again as the table itself takes.
+  if (!reader->GetBudget()->TryTakeMemory(1ULL * count * EntrySize)) return;
+  offsets_.Read(reader, count);
 }

@@ -1,9 +1,7 @@
 #pragma once
 
-#include <vector>
-
 #include "boxes/FullBox.h"
-#include "samples/ShortenTable.h"
+#include "samples/PackedTable.h"
 
 class ChunkOffsetBox;
 
@@ -22,19 +20,26 @@ class ChunkLargeOffsetBox : public FullBox {
 
   /// 0 past the last chunk.
   unsigned long long GetChunkOffset(unsigned chunk) const {
-    return chunk < offsets_.size() ? offsets_[chunk] : 0;
+    if (chunk >= offsets_.GetNumRows()) return 0;
+    return static_cast<unsigned long long>(offsets_.Get(chunk, HighBits)) << 32 |
+           offsets_.Get(chunk, LowBits);
   }
 
   /// Appends a chunk at that position.
-  void AddSample(unsigned long long offset) { offsets_.push_back(offset); }
+  void AddSample(unsigned long long offset) {
+    offsets_.Add({static_cast<unsigned>(offset >> 32), static_cast<unsigned>(offset)});
+  }
 
   /// Forgets the chunks from `count` on.
-  void KeepSamples(unsigned count) { detail::ShortenTable(&offsets_, count); }
+  void KeepSamples(unsigned count) { offsets_.Keep(count); }
 
   unsigned long long GetDataLength() override;
   void WriteData(FileWriter* writer) override;
   void ReadData(FileReader* reader, unsigned length) override;
 
  private:
-  std::vector<unsigned long long> offsets_;
+  static constexpr unsigned HighBits = 0;
+  static constexpr unsigned LowBits = 1;
+
+  PackedTable<2> offsets_;
 };

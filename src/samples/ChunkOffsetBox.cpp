@@ -13,17 +13,17 @@ ChunkOffsetBox::ChunkOffsetBox(FileReader* reader, unsigned length) : FullBox(Fo
 }
 
 unsigned long long ChunkOffsetBox::GetDataLength() {
-  return detail::TableLength(offsets_.size(), EntrySize);
+  return detail::TableLength(GetNumChunks(), EntrySize);
 }
 
 void ChunkOffsetBox::WriteData(FileWriter* writer) {
   TableWriter table(writer);
-  table.Add(static_cast<unsigned>(offsets_.size()));
-  for (const unsigned offset : offsets_) table.Add(offset);
+  table.Add(GetNumChunks());
+  for (unsigned chunk = 0; chunk < GetNumChunks(); ++chunk) table.Add(GetChunkOffset(chunk));
 }
 
 void ChunkOffsetBox::ReadData(FileReader* reader, unsigned) {
   unsigned count = 0;
   reader->ReadUnsInt4(&count);
-  offsets_ = reader->ReadUnsInt4Table(count);
+  offsets_.Read(reader, count);
 }

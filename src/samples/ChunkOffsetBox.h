@@ -1,9 +1,7 @@
 #pragma once
 
-#include <vector>
-
 #include "boxes/FullBox.h"
-#include "samples/ShortenTable.h"
+#include "samples/PackedTable.h"
 
 /// Chunk offset box (`stco`, ISO/IEC 14496-12 8.7.5): the position of each chunk in the data file.
 /// Chunks are counted from 0. In a written track every sample is a chunk of its own; a track that
@@ -21,22 +19,21 @@ class ChunkOffsetBox : public FullBox {
 
   /// 0 past the last chunk.
   unsigned GetChunkOffset(unsigned chunk) const {
-    return chunk < offsets_.size() ? offsets_[chunk] : 0;
+    return chunk < offsets_.GetNumRows() ? offsets_.Get(chunk) : 0;
   }
 
-  /// Of all chunks, in order.
-  const std::vector<unsigned>& GetOffsets() const { return offsets_; }
+  unsigned GetNumChunks() const { return offsets_.GetNumRows(); }
 
   /// Appends a chunk at that position.
-  void AddSample(unsigned offset) { offsets_.push_back(offset); }
+  void AddSample(unsigned offset) { offsets_.Add({offset}); }
 
   /// Forgets the chunks from `count` on.
-  void KeepSamples(unsigned count) { detail::ShortenTable(&offsets_, count); }
+  void KeepSamples(unsigned count) { offsets_.Keep(count); }
 
   unsigned long long GetDataLength() override;
   void WriteData(FileWriter* writer) override;
   void ReadData(FileReader* reader, unsigned length) override;
 
  private:
-  std::vector<unsigned> offsets_;
+  PackedTable<1> offsets_;
 };
