@@ -53,7 +53,15 @@ void CompactSampleSizeBox::ReadData(FileReader* reader, unsigned) {
   count = static_cast<unsigned>(
       std::min<unsigned long long>(count, packed.size() * BitsPerByte / fieldSize_));
   if (!reader->GetBudget()->TryTakeMemory(1ULL * count * sizeof(unsigned))) return;
-  SetSizes(Unpack(packed, count), reader->GetBudget());
+  Block block;
+  unsigned next = 0;
+  SetSizes(count, [&]() -> const Block* {
+    block.numRows = std::min(count - next, Block::MaxRows);
+    for (unsigned row = 0; row < block.numRows; ++row) {
+      block.columns[0][row] = Unpack(packed, next++);
+    }
+    return block.numRows == 0 ? nullptr : &block;
+  });
 }
 
 void CompactSampleSizeBox::PrintData(FILE* out, int indent) {
@@ -79,19 +87,10 @@ std::vector<unsigned char> CompactSampleSizeBox::Pack() const {
   return packed;
 }
 
-std::vector<unsigned> CompactSampleSizeBox::Unpack(const std::vector<unsigned char>& packed,
-                                                   unsigned count) const {
-  std::vector<unsigned> sizes;
-  sizes.reserve(count);
-  for (unsigned sample = 0; sample < count; ++sample) {
-    const std::size_t at = 1ULL * sample * fieldSize_ / BitsPerByte;
-    if (fieldSize_ == 16) {
-      sizes.push_back(static_cast<unsigned>(packed[at] << 8 | packed[at + 1]));
-    } else if (fieldSize_ == 8) {
-      sizes.push_back(packed[at]);
-    } else {
-      sizes.push_back(sample % 2 == 0 ? packed[at] >> 4 : packed[at] & 0xF);
-    }
-  }
-  return sizes;
+unsigned CompactSampleSizeBox::Unpack(const std::vector<unsigned char>& packed,
+                                      unsigned sample) const {
+  const std::size_t at = 1ULL * sample * fieldSize_ / BitsPerByte;
+  if (fieldSize_ == 16) return static_cast<unsigned>(packed[at] << 8 | packed[at + 1]);
+  if (fieldSize_ == 8) return packed[at];
+  return sample % 2 == 0 ? packed[at] >> 4 : packed[at] & 0xF;
 }

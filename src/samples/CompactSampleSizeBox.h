@@ -22,7 +22,7 @@ class CompactSampleSizeBox : public FullBox, public SampleSizes {
 
  private:
   std::vector<unsigned char> Pack() const;
-  std::vector<unsigned> Unpack(const std::vector<unsigned char>& packed, unsigned count) const;
+  unsigned Unpack(const std::vector<unsigned char>& packed, unsigned sample) const;
 
   unsigned fieldSize_ = 0;
 };

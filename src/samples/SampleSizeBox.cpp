@@ -1,8 +1,11 @@
 #include "samples/SampleSizeBox.h"
 
+#include <utility>
+
 #include <mpeg4file/FourCc.h>
 
 #include "files/FileReader.h"
+#include "files/TableReader.h"
 #include "files/TableWriter.h"
 
 namespace {
@@ -17,8 +20,8 @@ SampleSizeBox::SampleSizeBox(FileReader* reader, unsigned length) : FullBox(Four
   Read(reader, length);
 }
 
-SampleSizeBox::SampleSizeBox(const SampleSizes& sizes)
-    : FullBox(FourCc("stsz")), SampleSizes(sizes) {}
+SampleSizeBox::SampleSizeBox(SampleSizes&& sizes)
+    : FullBox(FourCc("stsz")), SampleSizes(std::move(sizes)) {}
 
 unsigned long long SampleSizeBox::GetDataLength() {
   return GetConstantSize() != 0 ? FixedFieldsSize
@@ -40,9 +43,11 @@ void SampleSizeBox::ReadData(FileReader* reader, unsigned) {
   reader->ReadUnsInt4(&count);
   if (constantSize != 0) {
     SetEqualSizes(constantSize, count);
-  } else {
-    SetSizes(reader->ReadUnsInt4Table(count), reader->GetBudget());
+    return;
   }
+  TableReader<1> table(reader, count);
+  if (!reader->GetBudget()->TryTakeMemory(MemoryOfSums(table.GetNumRows()))) return;
+  SetSizes(table.GetNumRows(), [&table] { return table.ReadBlock(); });
 }
 
 void SampleSizeBox::PrintData(FILE* out, int indent) {

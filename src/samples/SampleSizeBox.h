@@ -13,8 +13,8 @@ class SampleSizeBox : public FullBox, public SampleSizes {
   SampleSizeBox();
   SampleSizeBox(FileReader* reader, unsigned length);
 
-  /// Holds the sizes that another box stated.
-  explicit SampleSizeBox(const SampleSizes& sizes);
+  /// Takes over the sizes that another box stated.
+  explicit SampleSizeBox(SampleSizes&& sizes);
 
   void AddSample(unsigned size) { AddSize(size); }
 

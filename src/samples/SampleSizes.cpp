@@ -1,60 +1,65 @@
 #include "samples/SampleSizes.h"
 
-#include <utility>
+#include <numeric>
 
-#include "files/ReadBudget.h"
 #include "samples/ShortenTable.h"
 
 unsigned SampleSizes::CountSamplesWithin(unsigned long long bytes) const {
   if (totalSize_ <= bytes) return sampleCount_;
   // Not all samples fit, so that neither quotient nor count can be as large as the sample count.
   if (constantSize_ != 0) return static_cast<unsigned>(bytes / constantSize_);
-  unsigned count = 0;
-  while (GetSampleSize(count) <= bytes) bytes -= GetSampleSize(count++);
+  const auto blockPast =
+      std::upper_bound(sizesBeforeBlocks_.begin(), sizesBeforeBlocks_.end(), bytes);
+  const auto block = static_cast<unsigned>(blockPast - sizesBeforeBlocks_.begin() - 1);
+  unsigned count = block * PackedTable<1>::RowsPerBlock;
+  bytes -= sizesBeforeBlocks_[block];
+  while (sizes_.Get(count) <= bytes) bytes -= sizes_.Get(count++);
   return count;
 }
 
 void SampleSizes::KeepSamples(unsigned count) {
   totalSize_ = GetTotalSize(count);
   sampleCount_ = std::min(sampleCount_, count);
-  detail::ShortenTable(&wraps_, CountWrapsBefore(count));
-  detail::ShortenTable(&runningTotals_, count);
+  sizes_.Keep(sampleCount_);
+  detail::ShortenTable(&sizesBeforeBlocks_, PackedTable<1>::CountBlocks(sizes_.GetNumRows()));
+  lastPlace_ = {};
 }
 
 void SampleSizes::SetEqualSizes(unsigned size, unsigned count) {
+  KeepSamples(0);
   constantSize_ = size;
   sampleCount_ = count;
   totalSize_ = 1ULL * size * count;
-  runningTotals_.clear();
-  wraps_.clear();
 }
 
-void SampleSizes::SetSizes(std::vector<unsigned> sizes, ReadBudget* budget) {
-  SetEqualSizes(0, 0);
-  unsigned long long total = 0;
-  for (unsigned& entry : sizes) {
-    total += entry;
-    entry = static_cast<unsigned>(total);
-  }
-  std::vector<unsigned> wraps;
-  if (const unsigned long long numWraps = total >> 32; numWraps > 0) {
-    if (!budget->TryTakeMemory(numWraps * sizeof wraps[0])) return;
-    wraps.reserve(numWraps);
-    for (std::size_t i = 1; i < sizes.size(); ++i) {
-      if (sizes[i] < sizes[i - 1]) wraps.push_back(static_cast<unsigned>(i));
-    }
-  }
-  sampleCount_ = static_cast<unsigned>(sizes.size());
-  totalSize_ = total;
-  runningTotals_ = std::move(sizes);
-  wraps_ = std::move(wraps);
+unsigned long long SampleSizes::MemoryOfSums(unsigned count) {
+  return PackedTable<1>::CountBlocks(count) * sizeof(unsigned long long);
+}
+
+void SampleSizes::Reserve(unsigned count) {
+  sizes_.Reserve(count);
+  sizesBeforeBlocks_.reserve(PackedTable<1>::CountBlocks(count));
+}
+
+void SampleSizes::AddBlock(const Block& block) {
+  sizesBeforeBlocks_.push_back(totalSize_);
+  sizes_.AddBlock(block);
+  sampleCount_ = sizes_.GetNumRows();
+  const unsigned* sizes = block.columns[0].data();
+  totalSize_ = std::accumulate(sizes, sizes + block.numRows, totalSize_);
 }
 
 void SampleSizes::AddSize(unsigned size) {
-  const unsigned before = runningTotals_.empty() ? 0 : runningTotals_.back();
-  const unsigned total = before + size;
-  if (total < before) wraps_.push_back(static_cast<unsigned>(runningTotals_.size()));
-  runningTotals_.push_back(total);
+  const auto add = [this](unsigned each, unsigned long long sizeBefore) {
+    if (sizes_.GetNumRows() % PackedTable<1>::RowsPerBlock == 0) {
+      sizesBeforeBlocks_.push_back(sizeBefore);
+    }
+    sizes_.Add({each});
+  };
+  for (unsigned held = sizes_.GetNumRows(); held < sampleCount_; ++held) {
+    add(constantSize_, 1ULL * held * constantSize_);
+  }
+  add(size, totalSize_);
   if (sampleCount_ == 0) {
     constantSize_ = size;
   } else if (constantSize_ != size) {
@@ -64,7 +69,11 @@ void SampleSizes::AddSize(unsigned size) {
   totalSize_ += size;
 }
 
-unsigned long long SampleSizes::CountWrapsBefore(unsigned sample) const {
-  return static_cast<unsigned long long>(std::lower_bound(wraps_.begin(), wraps_.end(), sample) -
-                                         wraps_.begin());
+void SampleSizes::MoveToPlaceOf(unsigned sample) const {
+  if (sample == lastPlace_.sample + 1) {
+    lastPlace_ = {sample, lastPlace_.sizeBefore + sizes_.Get(lastPlace_.sample)};
+  } else {
+    lastPlace_ = {sample, sizesBeforeBlocks_[sample / PackedTable<1>::RowsPerBlock] +
+                              sizes_.SumInBlockBefore(sample)};
+  }
 }

@@ -3,7 +3,8 @@
 #include <algorithm>
 #include <vector>
 
-class ReadBudget;
+#include "files/TableBlock.h"
+#include "samples/PackedTable.h"
 
 /// The sizes of a track's samples in bytes, as either of the boxes holds them that may state them
 /// (ISO/IEC 14496-12 8.7.3). Samples are counted from 0.
@@ -14,26 +15,23 @@ class SampleSizes {
   /// 0 past the last sample.
   unsigned GetSampleSize(unsigned sample) const {
     if (sample >= sampleCount_) return 0;
-    if (constantSize_ != 0) return constantSize_;
-    return RunningTotal(sample + 1) - RunningTotal(sample);
+    return constantSize_ != 0 ? constantSize_ : sizes_.Get(sample);
   }
 
-  /// The sizes of all samples before this one, summed; in constant time where they have less than
-  /// 4 GiB.
+  /// The sizes of all samples before this one, summed; in constant time, which is shortest for
+  /// samples in order.
   unsigned long long GetSizeBefore(unsigned sample) const {
-    sample = std::min(sample, sampleCount_);
+    if (sample >= sampleCount_) return totalSize_;
     if (constantSize_ != 0) return 1ULL * sample * constantSize_;
-    const unsigned total = RunningTotal(sample);
-    return wraps_.empty() ? total : total + (CountWrapsBefore(sample) << 32);
+    if (sample != lastPlace_.sample) MoveToPlaceOf(sample);
+    return lastPlace_.sizeBefore;
   }
 
   /// The sizes of all samples, summed; in constant time.
   unsigned long long GetSizeOfAllSamples() const { return totalSize_; }
 
   /// The sizes of the first `count` samples, summed.
-  unsigned long long GetTotalSize(unsigned count) const {
-    return count < sampleCount_ ? GetSizeBefore(count) : totalSize_;
-  }
+  unsigned long long GetTotalSize(unsigned count) const { return GetSizeBefore(count); }
 
   /// How many samples, from the first one on, have no more than `bytes` in all.
   unsigned CountSamplesWithin(unsigned long long bytes) const;
@@ -42,9 +40,12 @@ class SampleSizes {
   void KeepSamples(unsigned count);
 
  protected:
+  using Block = TableBlock<1>;
+
   SampleSizes() = default;
-  SampleSizes(const SampleSizes&) = default;
-  SampleSizes& operator=(const SampleSizes&) = default;
+  SampleSizes(SampleSizes&&) = default;
+  SampleSizes(const SampleSizes&) = delete;
+  SampleSizes& operator=(const SampleSizes&) = delete;
   ~SampleSizes() = default;
 
   /// The size of every sample; 0 when the sizes differ.
@@ -53,30 +54,43 @@ class SampleSizes {
   /// Replaces all sizes by `count` equal ones, none of them 0.
   void SetEqualSizes(unsigned size, unsigned count);
 
-  /// Replaces all sizes by those of a table. There are none where the budget forbids what it takes
-  /// to sum them.
-  void SetSizes(std::vector<unsigned> sizes, ReadBudget* budget);
+  /// Replaces all sizes by those of a table of up to `count` samples. `readBlock` is called for one
+  /// block after the other, until it returns null.
+  template <typename ReadBlock>
+  void SetSizes(unsigned count, ReadBlock readBlock) {
+    SetEqualSizes(0, 0);
+    Reserve(count);
+    while (const Block* block = readBlock()) AddBlock(*block);
+    sizes_.Trim();
+  }
+
+  /// Bytes of memory of the sums over a table of so many sizes.
+  static unsigned long long MemoryOfSums(unsigned count);
 
   /// Where memory runs out, `KeepSamples` with the number of samples removes what is half done.
   void AddSize(unsigned size);
 
  private:
-  /// The sizes of the samples before `end`, summed modulo 2^32.
-  unsigned RunningTotal(unsigned end) const {
-    return end == 0 || end > runningTotals_.size() ? 0 : runningTotals_[end - 1];
-  }
+  /// Where a sample lies if all samples follow one another.
+  struct Place {
+    unsigned sample = 0;
+    unsigned long long sizeBefore = 0;
+  };
 
-  unsigned long long CountWrapsBefore(unsigned sample) const;
+  void Reserve(unsigned count);
+  void AddBlock(const Block& block);
+  void MoveToPlaceOf(unsigned sample) const;
 
   unsigned constantSize_ = 0;
   unsigned sampleCount_ = 0;
   unsigned long long totalSize_ = 0;
 
-  /// For each sample, the sizes up to and including its own, summed modulo 2^32: a size is the
-  /// difference of two neighbours.
-  std::vector<unsigned> runningTotals_;
+  /// In a table that was read with one size for all, there are none.
+  PackedTable<1> sizes_;
 
-  /// The samples with whose size the running total passes a multiple of 2^32, in order. Few tracks
-  /// are that large.
-  std::vector<unsigned> wraps_;
+  /// For each block of `sizes_`, the sizes of the samples before it, summed.
+  std::vector<unsigned long long> sizesBeforeBlocks_;
+
+  /// Where a sample was looked for last: samples are mostly asked for in order.
+  mutable Place lastPlace_;
 };

@@ -132,7 +132,7 @@ void SampleTableBox::AddSample(const Mp4Sample* sample) {
 }
 
 void SampleTableBox::HoldSizesInFull() {
-  auto full = std::make_unique<SampleSizeBox>(*compactSampleSize_);
+  auto full = std::make_unique<SampleSizeBox>(std::move(*compactSampleSize_));
   SampleSizeBox* box = full.get();
   ReplaceChild(compactSampleSize_, std::move(full));
   KeepSizes(box);

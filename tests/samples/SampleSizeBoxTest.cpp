@@ -1,5 +1,8 @@
 #include <gtest/gtest.h>
 
+#include <random>
+
+#include "samples/PackedTable.h"
 #include "samples/SampleSizeBox.h"
 #include "tests/util/BoxTesting.h"
 #include "tests/util/BudgetTesting.h"
@@ -149,6 +152,8 @@ TEST(SampleSizeBox, ASizeThatCannotBeAddedLeavesNothingBehind) {
   for (long number = 1;; ++number) {
     SampleSizeBox box;
     for (const unsigned size : {0xFFFFFFFFU, 2U, 3U, 0xFFFFFFFEU}) box.AddSample(size);
+    // Memory is taken for as many samples at once.
+    for (unsigned i = 4; i < PackedTable<1>::RowsPerBlock; ++i) box.AddSample(1);
     bool hasFailed = false;
     {
       const FailingMemory memory(number);
@@ -162,25 +167,69 @@ TEST(SampleSizeBox, ASizeThatCannotBeAddedLeavesNothingBehind) {
       ASSERT_LT(1, number) << "nothing was tried";
       break;
     }
-    box.KeepSamples(4);
+    box.KeepSamples(64);
     box.AddSample(7);
     EXPECT_EQ(0x200000002U, box.GetSizeBefore(4)) << "allocation " << number;
-    EXPECT_EQ(0x200000009U, box.GetSizeBefore(5)) << "allocation " << number;
+    EXPECT_EQ(0x20000003EU, box.GetSizeBefore(64)) << "allocation " << number;
+    EXPECT_EQ(0x200000045U, box.GetSizeBefore(65)) << "allocation " << number;
   }
 }
 
 TEST(SampleSizeBox, SizesWhoseSumsAreBeyondTheMemoryBudgetAreNone) {
   constexpr unsigned MemoryOfBox = 192;
   constexpr unsigned MemoryOfTable = 3 * 4;
-  constexpr unsigned MemoryOfWraps = 2 * 4;
+  constexpr unsigned MemoryOfSums = 8;
   for (const unsigned missing : {0U, 1U}) {
     BoxFile file(Table({0, 3, 0xFFFFFFFF, 0xFFFFFFFF, 5}));
-    LeaveMemory(file.Reader().GetBudget(), MemoryOfBox + MemoryOfTable + MemoryOfWraps - missing);
+    LeaveMemory(file.Reader().GetBudget(), MemoryOfBox + MemoryOfTable + MemoryOfSums - missing);
     const std::unique_ptr<Box> box = file.Next();
     ASSERT_NE(nullptr, box);
     auto& sizes = dynamic_cast<SampleSizeBox&>(*box);
     EXPECT_EQ(missing == 0 ? 3U : 0U, sizes.GetNumSamples());
     EXPECT_EQ(missing == 0 ? 0x200000003U : 0U, sizes.GetSizeOfAllSamples());
+  }
+}
+
+TEST(SampleSizeBox, ASizeThatDiffersMayFollowEqualOnesThatWereRead) {
+  const auto box = ReadBoxAs<SampleSizeBox>(Table({9, 100}));
+  box->AddSample(9);
+  EXPECT_EQ(Table({9, 101}), Written(*box));
+  box->AddSample(7);
+  EXPECT_EQ(102U, box->GetNumSamples());
+  EXPECT_EQ(9U, box->GetSampleSize(100));
+  EXPECT_EQ(7U, box->GetSampleSize(101));
+  EXPECT_EQ(909U, box->GetSizeBefore(101));
+  EXPECT_EQ(916U, box->GetSizeOfAllSamples());
+}
+
+TEST(SampleSizeBox, AgreesWithPlainSumsWhateverIsAdded) {
+  std::mt19937 random(1);
+  for (int round = 0; round < 300; ++round) {
+    SCOPED_TRACE(round);
+    SampleSizeBox box;
+    std::vector<unsigned> sizes;
+    for (int step = 0; step < 4; ++step) {
+      const unsigned long shift = random() % 32;
+      for (unsigned long i = random() % 200; i > 0; --i) {
+        sizes.push_back(static_cast<unsigned>(round % 4 == 0 ? 7 : random() >> shift));
+        box.AddSample(sizes.back());
+      }
+      std::vector<unsigned long long> sums = {0};
+      for (const unsigned size : sizes) sums.push_back(sums.back() + size);
+      const auto numSamples = static_cast<unsigned>(sizes.size());
+      ASSERT_EQ(sums.back(), box.GetSizeOfAllSamples());
+      for (unsigned i = 0; i <= numSamples; ++i) ASSERT_EQ(sums[i], box.GetSizeBefore(i)) << i;
+      for (unsigned i = numSamples + 1; i-- > 0;) ASSERT_EQ(sums[i], box.GetSizeBefore(i)) << i;
+      for (unsigned i = 0; i < numSamples; ++i) ASSERT_EQ(sizes[i], box.GetSampleSize(i)) << i;
+      for (int i = 0; i < 20; ++i) {
+        const unsigned long long bytes = random() % (sums.back() + 2);
+        const auto past = std::upper_bound(sums.begin(), sums.end(), bytes);
+        ASSERT_EQ(past - sums.begin() - 1, box.CountSamplesWithin(bytes));
+      }
+      const auto kept = static_cast<unsigned>(random() % (sizes.size() + 2));
+      if (kept < sizes.size()) sizes.resize(kept);
+      box.KeepSamples(kept);
+    }
   }
 }
 

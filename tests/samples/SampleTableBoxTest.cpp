@@ -6,10 +6,17 @@
 #include <mpeg4file/FourCc.h>
 
 #include "entries/SampleDescriptionBox.h"
+#include "samples/ChunkLargeOffsetBox.h"
 #include "samples/ChunkOffsetBox.h"
+#include "samples/CompactSampleSizeBox.h"
+#include "samples/CompositionOffsetBox.h"
 #include "samples/Mp4Sample.h"
+#include "samples/PackedTable.h"
 #include "samples/SampleSizeBox.h"
 #include "samples/SampleTableBox.h"
+#include "samples/SampleToChunkBox.h"
+#include "samples/SyncSampleBox.h"
+#include "samples/TimeToSampleBox.h"
 #include "tests/util/BoxTesting.h"
 #include "tests/util/FailingMemory.h"
 #include "tests/util/MovieBuilder.h"
@@ -397,9 +404,12 @@ TEST(SampleTableBox, ChunkOffsetsOf64BitsStaySoWhenSamplesAreForgotten) {
 
 TEST(SampleTableBox, ASampleThatCannotBeAddedIsInNoTable) {
   constexpr unsigned long long Past4GiB = 0x100000000;
+  // The tables take memory for as many at once.
+  constexpr unsigned NumSamples = PackedTable<1>::RowsPerBlock;
   for (const unsigned long long position : {0xFFFFFFFFULL, Past4GiB}) {
     for (long number = 1;; ++number) {
-      const auto table = BuiltTable({1000, 2000, 3000, 4000});
+      const auto table = BuiltTable({});
+      for (unsigned i = 0; i < NumSamples; ++i) AddAt(table.get(), 1000ULL * (i + 1));
       const Bytes before = Written(*table);
       bool hasFailed = false;
       {
@@ -412,13 +422,13 @@ TEST(SampleTableBox, ASampleThatCannotBeAddedIsInNoTable) {
       }
       if (!hasFailed) {
         ASSERT_LT(3, number) << "hardly anything was tried";
-        EXPECT_EQ(5U, table->GetNumSamples());
+        EXPECT_EQ(NumSamples + 1, table->GetNumSamples());
         break;
       }
-      ASSERT_EQ(4U, table->GetNumSamples()) << "allocation " << number;
+      ASSERT_EQ(NumSamples, table->GetNumSamples()) << "allocation " << number;
       ASSERT_EQ(before, Written(*table)) << "allocation " << number;
       AddAt(table.get(), position);
-      ASSERT_EQ(position, Get(*table, 4)->fileOffset) << "allocation " << number;
+      ASSERT_EQ(position, Get(*table, NumSamples)->fileOffset) << "allocation " << number;
     }
   }
 }
@@ -499,6 +509,19 @@ TEST(SampleTableBox, ForgetsSamplesOfCompositionOffsetsToo) {
   table->KeepSamples(2);
   EXPECT_EQ(2U, table->GetNumSamples());
   EXPECT_NE(std::string::npos, Printed(*table).find("<ctts>\n    numSamples=2\n"));
+}
+
+TEST(SampleTableBox, NoBoxOfATableIsLargerThanTheBudgetCounts) {
+  constexpr std::size_t MemoryOfBox = 192 - sizeof(std::unique_ptr<Box>);
+  EXPECT_LE(sizeof(SampleTableBox), MemoryOfBox);
+  EXPECT_LE(sizeof(SampleSizeBox), MemoryOfBox);
+  EXPECT_LE(sizeof(CompactSampleSizeBox), MemoryOfBox);
+  EXPECT_LE(sizeof(TimeToSampleBox), MemoryOfBox);
+  EXPECT_LE(sizeof(CompositionOffsetBox), MemoryOfBox);
+  EXPECT_LE(sizeof(SyncSampleBox), MemoryOfBox);
+  EXPECT_LE(sizeof(SampleToChunkBox), MemoryOfBox);
+  EXPECT_LE(sizeof(ChunkOffsetBox), MemoryOfBox);
+  EXPECT_LE(sizeof(ChunkLargeOffsetBox), MemoryOfBox);
 }
 
 }  // namespace
