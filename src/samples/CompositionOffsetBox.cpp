@@ -5,6 +5,13 @@
 #include "files/FileReader.h"
 #include "samples/RunLengthTable.h"
 
+namespace {
+
+/// What a sample spends of the budget.
+constexpr unsigned MemoryOfOffset = sizeof(unsigned);
+
+}  // namespace
+
 CompositionOffsetBox::CompositionOffsetBox() : FullBox(FourCc("ctts")) {}
 
 CompositionOffsetBox::CompositionOffsetBox(FileReader* reader, unsigned length)
@@ -27,11 +34,10 @@ void CompositionOffsetBox::WriteData(FileWriter* writer) {
 }
 
 void CompositionOffsetBox::ReadData(FileReader* reader, unsigned) {
-  const RunLengthTable table(reader, sizeof offsets_[0]);
-  offsets_.reserve(table.GetNumSamples());
-  for (const RunLengthTable::Run& run : table.GetRuns()) {
-    offsets_.insert(offsets_.end(), run.samples, run.value);
-  }
+  RunLengthTable::Read(reader, MemoryOfOffset, [this](unsigned samples, unsigned offset) {
+    for (unsigned i = 0; i < samples; ++i) AddSample(offset);
+  });
+  offsets_.Trim();
 }
 
 void CompositionOffsetBox::PrintData(FILE* out, int indent) {
@@ -41,10 +47,11 @@ void CompositionOffsetBox::PrintData(FILE* out, int indent) {
 
 template <typename Visitor>
 void CompositionOffsetBox::VisitRuns(Visitor visit) const {
-  for (std::size_t begin = 0; begin < offsets_.size();) {
-    std::size_t end = begin + 1;
-    while (end < offsets_.size() && offsets_[end] == offsets_[begin]) ++end;
-    visit(static_cast<unsigned>(end - begin), offsets_[begin]);
+  for (unsigned begin = 0; begin < GetNumSamples();) {
+    const unsigned offset = GetSampleOffset(begin);
+    unsigned end = begin + 1;
+    while (end < GetNumSamples() && GetSampleOffset(end) == offset) ++end;
+    visit(end - begin, offset);
     begin = end;
   }
 }

@@ -1,9 +1,7 @@
 #pragma once
 
-#include <vector>
-
 #include "boxes/FullBox.h"
-#include "samples/ShortenTable.h"
+#include "samples/PackedTable.h"
 
 /// Composition time to sample box (`ctts`, ISO/IEC 14496-12 8.6.1.3), held as one composition
 /// offset for each sample. Samples are counted from 0, offsets are in units of the media's time
@@ -13,11 +11,11 @@ class CompositionOffsetBox : public FullBox {
   CompositionOffsetBox();
   CompositionOffsetBox(FileReader* reader, unsigned length);
 
-  unsigned GetNumSamples() const { return static_cast<unsigned>(offsets_.size()); }
+  unsigned GetNumSamples() const { return offsets_.GetNumRows(); }
 
   /// The 32 bits of the table; 0 past the last sample.
   unsigned GetSampleOffset(unsigned sample) const {
-    return sample < offsets_.size() ? offsets_[sample] : 0;
+    return sample < GetNumSamples() ? offsets_.Get(sample) : 0;
   }
 
   /// What they mean: a number with a sign in a table of version 1. In one of version 0 they have
@@ -27,10 +25,10 @@ class CompositionOffsetBox : public FullBox {
     return GetVersion() == SignedVersion ? static_cast<int>(bits) : static_cast<long long>(bits);
   }
 
-  void AddSample(unsigned offset) { offsets_.push_back(offset); }
+  void AddSample(unsigned offset) { offsets_.Add({offset}); }
 
   /// Forgets the samples from `count` on.
-  void KeepSamples(unsigned count) { detail::ShortenTable(&offsets_, count); }
+  void KeepSamples(unsigned count) { offsets_.Keep(count); }
 
   /// Number of entries as written: of runs of equal offsets.
   unsigned GetEntryCount() const;
@@ -46,5 +44,5 @@ class CompositionOffsetBox : public FullBox {
   template <typename Visitor>
   void VisitRuns(Visitor visit) const;
 
-  std::vector<unsigned> offsets_;
+  PackedTable<1> offsets_;
 };

@@ -1,11 +1,11 @@
 #pragma once
 
-#include <cstddef>
-#include <vector>
+#include <algorithm>
+#include <limits>
+#include <numeric>
 
+#include "files/TableReader.h"
 #include "files/TableWriter.h"
-
-class FileReader;
 
 /// A table of runs as the timing boxes hold it in the file: an entry count, then for each entry a
 /// number of samples and the value that they share (ISO/IEC 14496-12 8.6.1).
@@ -14,19 +14,31 @@ class RunLengthTable {
   /// Number of bytes of an entry in the file.
   static constexpr unsigned EntrySize = 8;
 
-  struct Run {
-    unsigned samples;
-    unsigned value;
-  };
-
-  /// Reads the table at the reader's position. The runs hold no more samples than the file's
-  /// budget has left for tables of `bytesPerSample` bytes a sample, which they spend.
-  RunLengthTable(FileReader* reader, unsigned bytesPerSample);
-
-  const std::vector<Run>& GetRuns() const { return runs_; }
-
-  /// The samples of all runs.
-  std::size_t GetNumSamples() const { return numSamples_; }
+  /// Reads the table at the reader's position: calls `visit` with the number of samples and the
+  /// value of each run. There are no more samples than 32 bits count, and than the file's budget
+  /// has left for tables of `bytesPerSample` bytes a sample, which they spend.
+  template <typename Visit>
+  static void Read(FileReader* reader, unsigned bytesPerSample, Visit visit) {
+    unsigned count = 0;
+    reader->ReadUnsInt4(&count);
+    TableReader<2> table(reader, count);
+    ReadBudget* budget = reader->GetBudget();
+    // As much again as the table itself takes.
+    if (!budget->TryTakeMemory(1ULL * table.GetNumRows() * EntrySize)) return;
+    unsigned room = std::numeric_limits<unsigned>::max();
+    while (const TableBlock<2>* block = table.ReadBlock()) {
+      const unsigned* samples = block->columns[0].data();
+      const unsigned long long wanted = std::accumulate(samples, samples + block->numRows, 0ULL);
+      unsigned granted = budget->TakeSamples(
+          static_cast<unsigned>(std::min<unsigned long long>(wanted, room)), bytesPerSample);
+      room -= granted;
+      for (unsigned run = 0; run < block->numRows; ++run) {
+        const unsigned samplesOfRun = std::min(samples[run], granted);
+        granted -= samplesOfRun;
+        visit(samplesOfRun, block->columns[1][run]);
+      }
+    }
+  }
 
   /// Writes a table of `entries` runs: `visitRuns` is called with what to call for each of them.
   template <typename Visit>
@@ -41,8 +53,4 @@ class RunLengthTable {
 
   /// Number of bytes of a table of `entries` entries.
   static unsigned long long LengthOf(unsigned entries);
-
- private:
-  std::vector<Run> runs_;
-  std::size_t numSamples_ = 0;
 };

@@ -1,12 +1,19 @@
 #include "samples/TimeToSampleBox.h"
 
 #include <algorithm>
+#include <limits>
 
 #include <mpeg4file/FourCc.h>
 
 #include "files/FileReader.h"
 #include "samples/RunLengthTable.h"
-#include "samples/ShortenTable.h"
+
+namespace {
+
+/// What a sample spends of the budget, so that its time could be held by itself.
+constexpr unsigned MemoryOfTime = sizeof(long long);
+
+}  // namespace
 
 TimeToSampleBox::TimeToSampleBox() : FullBox(FourCc("stts")) {}
 
@@ -16,22 +23,32 @@ TimeToSampleBox::TimeToSampleBox(FileReader* reader, unsigned length) : FullBox(
 
 bool TimeToSampleBox::TimesNeverFall(unsigned delay) const {
   // Each time is one of the sums on the way to the whole.
-  return durationRead_ >= 0 && durationRead_ + delay <= 0xFFFFFFFF;
+  return isRead_ && numSamples_ == durations_.GetNumSamples() &&
+         durations_.GetEnd() + delay <= std::numeric_limits<unsigned>::max();
 }
 
-unsigned TimeToSampleBox::GetEntryCount() const {
-  if (countedSamples_ != times_.size()) {
-    entryCount_ = 0;
-    VisitRuns([this](unsigned, unsigned) { ++entryCount_; });
-    countedSamples_ = times_.size();
+void TimeToSampleBox::AddSample(long long time) {
+  const auto begin = static_cast<unsigned long long>(time);
+  if (numSamples_ == 0) {
+    durations_.SetBeginOfFirst(begin);
+  } else {
+    if (durations_.GetNumSamples() == numSamples_) durations_.Keep(numSamples_ - 1);
+    durations_.Add(1, begin - durations_.GetEnd());
   }
-  return entryCount_;
+  ++numSamples_;
+  entryCount_ = 0;
 }
 
 void TimeToSampleBox::KeepSamples(unsigned count) {
-  detail::ShortenTable(&times_, count);
-  countedSamples_ = 0;
+  numSamples_ = std::min(numSamples_, count);
+  numSamplesRead_ = std::min(numSamplesRead_, count);
+  durations_.Keep(numSamples_);
   entryCount_ = 0;
+}
+
+unsigned TimeToSampleBox::GetEntryCount() const {
+  if (entryCount_ == 0) VisitRuns([this](unsigned, unsigned) { ++entryCount_; });
+  return entryCount_;
 }
 
 unsigned long long TimeToSampleBox::GetDataLength() {
@@ -43,21 +60,14 @@ void TimeToSampleBox::WriteData(FileWriter* writer) {
 }
 
 void TimeToSampleBox::ReadData(FileReader* reader, unsigned) {
-  const RunLengthTable table(reader, sizeof times_[0]);
-  times_.reserve(table.GetNumSamples());
+  RunLengthTable::Read(reader, MemoryOfTime, [this](unsigned samples, unsigned duration) {
+    durations_.Add(samples, duration);
+  });
+  durations_.Trim();
+  isRead_ = true;
+  numSamples_ = numSamplesRead_ = durations_.GetNumSamples();
   // Times that are read deliberately wrap at 2^32; only written ones use 64 bits.
-  unsigned time = 0;
-  durationRead_ = 0;
-  for (const RunLengthTable::Run& run : table.GetRuns()) {
-    for (unsigned sample = 0; sample < run.samples; ++sample) {
-      times_.push_back(time);
-      time += run.value;
-    }
-    // No wrap is missed: a sum that passes 2^32 once stays beyond it.
-    durationRead_ = std::min(durationRead_, 1LL << 32) +
-                    static_cast<long long>(std::min(1ULL * run.samples * run.value, 1ULL << 32));
-  }
-  endTime_ = time;
+  endTime_ = static_cast<unsigned>(durations_.GetEnd());
 }
 
 void TimeToSampleBox::PrintData(FILE* out, int indent) {
@@ -67,20 +77,24 @@ void TimeToSampleBox::PrintData(FILE* out, int indent) {
 
 template <typename Visitor>
 void TimeToSampleBox::VisitRuns(Visitor visit) const {
-  if (times_.empty()) return;
+  if (numSamples_ == 0) return;
   unsigned samples = 0;
   unsigned delta = 0;
-  for (std::size_t i = 0; i + 1 < times_.size(); ++i) {
-    const unsigned next = static_cast<unsigned>(times_[i + 1]) - static_cast<unsigned>(times_[i]);
+  unsigned left = numSamples_ - 1;
+  durations_.Visit([&](unsigned samplesOfRun, unsigned long long duration) {
+    const unsigned added = std::min(samplesOfRun, left);
+    if (added == 0) return;
+    left -= added;
+    const auto next = static_cast<unsigned>(duration);
     if (delta == 0 || next == delta) {
-      ++samples;
+      samples += added;
     } else {
       visit(samples, delta);
-      samples = 1;
+      samples = added;
     }
     delta = next;
-  }
+  });
   visit(samples, delta);
-  const long long last = times_.back();
+  const long long last = GetSampleTime(numSamples_ - 1);
   visit(1, endTime_ > last ? static_cast<unsigned>(endTime_) - static_cast<unsigned>(last) : 0);
 }

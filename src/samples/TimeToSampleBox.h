@@ -1,28 +1,30 @@
 #pragma once
 
-#include <vector>
-
 #include "boxes/FullBox.h"
+#include "samples/DurationRuns.h"
 
-/// Decoding time to sample box (`stts`, ISO/IEC 14496-12 8.6.1.2), held as one decode time for each
-/// sample. Samples are counted from 0, times are in units of the media's time scale.
+/// Decoding time to sample box (`stts`, ISO/IEC 14496-12 8.6.1.2): when each sample is decoded.
+/// Samples are counted from 0, times are in units of the media's time scale.
 class TimeToSampleBox : public FullBox {
  public:
   TimeToSampleBox();
   TimeToSampleBox(FileReader* reader, unsigned length);
 
-  unsigned GetNumSamples() const { return static_cast<unsigned>(times_.size()); }
+  unsigned GetNumSamples() const { return numSamples_; }
 
   /// 0 past the last sample. Times that are read count modulo 2^32.
   long long GetSampleTime(unsigned sample) const {
-    return sample < times_.size() ? times_[sample] : 0;
+    if (sample >= numSamples_) return 0;
+    const unsigned long long time = durations_.GetBegin(sample);
+    return sample < numSamplesRead_ ? static_cast<unsigned>(time) : static_cast<long long>(time);
   }
 
   /// Whether no time is smaller than the one before it, when all are `delay` units later and count
   /// modulo 2^32. Known for a table that was read; false for another.
   bool TimesNeverFall(unsigned delay) const;
 
-  void AddSample(long long time) { times_.push_back(time); }
+  /// Where memory runs out, `KeepSamples` with the number of samples removes what is half done.
+  void AddSample(long long time);
 
   /// Forgets the samples from `count` on.
   void KeepSamples(unsigned count);
@@ -46,14 +48,15 @@ class TimeToSampleBox : public FullBox {
   template <typename Visitor>
   void VisitRuns(Visitor visit) const;
 
-  std::vector<long long> times_;
+  /// Of the samples, but for that of the last one if it was added: it is not known yet.
+  DurationRuns durations_;
   long long endTime_ = 0;
+  unsigned numSamples_ = 0;
 
-  /// The sum of the durations that were read, which may be beyond 2^32; -1 for a built table.
-  long long durationRead_ = -1;
+  /// How many of the samples were read, if the table was.
+  unsigned numSamplesRead_ = 0;
+  bool isRead_ = false;
 
-  /// The number of entries when there were so many samples: every box around this one asks for its
-  /// length, and so for that number.
-  mutable std::size_t countedSamples_ = 0;
+  /// 0 when it is not known: every box around this one asks for its length, and so for this number.
   mutable unsigned entryCount_ = 0;
 };

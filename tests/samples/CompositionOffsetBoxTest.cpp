@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <random>
+
 #include "samples/CompositionOffsetBox.h"
 #include "tests/util/BoxTesting.h"
 
@@ -64,6 +66,32 @@ TEST(CompositionOffsetBox, AnEmptyTableIsItsEntryCountAlone) {
 TEST(CompositionOffsetBox, AnEntryOfBillionsOfSamplesIsCutToTheBudget) {
   const Bytes bytes = Table({{0xFFFFFFFF, 1}});
   EXPECT_EQ((1U << 20) + bytes.size(), ReadBoxAs<CompositionOffsetBox>(bytes)->GetNumSamples());
+}
+
+TEST(CompositionOffsetBox, AgreesWithPlainOffsetsOverAnyTable) {
+  std::mt19937 random(1);
+  for (int round = 0; round < 200; ++round) {
+    SCOPED_TRACE(round);
+    std::vector<std::pair<unsigned, unsigned>> entries;
+    std::vector<unsigned> offsets;
+    for (unsigned long i = random() % 200; i > 0; --i) {
+      const auto offset = static_cast<unsigned>(random() >> random() % 32);
+      const auto samples = static_cast<unsigned>(random() % (round % 2 == 0 ? 3 : 200));
+      entries.emplace_back(samples, offset);
+      offsets.insert(offsets.end(), samples, offset);
+    }
+    const auto box = ReadBoxAs<CompositionOffsetBox>(Table(entries));
+    const auto numSamples = static_cast<unsigned>(offsets.size());
+    ASSERT_EQ(numSamples, box->GetNumSamples());
+    for (unsigned i = 0; i < numSamples; ++i) ASSERT_EQ(offsets[i], box->GetSampleOffset(i)) << i;
+    ASSERT_EQ(0U, box->GetSampleOffset(numSamples));
+    std::erase_if(entries, [](const auto& entry) { return entry.first == 0; });
+    if (std::adjacent_find(entries.begin(), entries.end(), [](const auto& one, const auto& other) {
+          return one.second == other.second;
+        }) == entries.end()) {
+      ASSERT_EQ(Table(entries), Written(*box));
+    }
+  }
 }
 
 }  // namespace

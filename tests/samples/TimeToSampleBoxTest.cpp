@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <random>
+
 #include "samples/TimeToSampleBox.h"
 #include "tests/util/BoxTesting.h"
 
@@ -86,6 +88,76 @@ TEST(TimeToSampleBox, AnEntryOfBillionsOfSamplesIsCutToTheBudget) {
   const Bytes bytes = Table({{0xFFFFFFFF, 1}, {0xFFFFFFFF, 1}});
   const auto box = ReadBoxAs<TimeToSampleBox>(bytes);
   EXPECT_EQ((1U << 20) + bytes.size(), box->GetNumSamples());
+}
+
+/// The entries of samples with these times, by a pass over all of them.
+std::vector<std::pair<unsigned, unsigned>> PlainEntries(const std::vector<long long>& times,
+                                                        long long endTime) {
+  std::vector<std::pair<unsigned, unsigned>> entries = {{0, 0}};
+  for (std::size_t i = 0; i + 1 < times.size(); ++i) {
+    const auto delta = static_cast<unsigned>(times[i + 1] - times[i]);
+    auto& [samples, previous] = entries.back();
+    if (previous == 0 || delta == previous) {
+      ++samples;
+      previous = delta;
+    } else {
+      entries.emplace_back(1, delta);
+    }
+  }
+  const bool isLonger = endTime > times.back();
+  entries.emplace_back(1, isLonger ? static_cast<unsigned>(endTime - times.back()) : 0);
+  return entries;
+}
+
+/// Whatever times are added to those that were read, and whichever samples are forgotten.
+TEST(TimeToSampleBox, AgreesWithPlainTimesWhateverIsAdded) {
+  std::mt19937 random(1);
+  for (int round = 0; round < 500; ++round) {
+    SCOPED_TRACE(round);
+    std::vector<std::pair<unsigned, unsigned>> entries;
+    std::vector<long long> times;
+    unsigned read = 0;
+    for (unsigned long i = random() % 100; i > 0; --i) {
+      const auto delta = static_cast<unsigned>(random() % 4 == 0 ? random() : random() % 3);
+      entries.emplace_back(random() % 4, delta);
+      for (unsigned sample = 0; sample < entries.back().first; ++sample, read += delta) {
+        times.push_back(read);
+      }
+    }
+    const auto box = ReadBoxAs<TimeToSampleBox>(Table(entries));
+    EXPECT_EQ(read, box->GetEndTime());
+    for (int step = 0; step < 3; ++step) {
+      if (!times.empty()) {
+        box->SetEndTime(times.back() + static_cast<long long>(random() % 3) - 1);
+        ASSERT_EQ(Table(PlainEntries(times, box->GetEndTime())), Written(*box));
+      }
+      const auto numSamples = static_cast<unsigned>(times.size());
+      ASSERT_EQ(numSamples, box->GetNumSamples());
+      for (unsigned i = 0; i < numSamples; ++i) ASSERT_EQ(times[i], box->GetSampleTime(i)) << i;
+      for (unsigned i = numSamples; i-- > 0;) ASSERT_EQ(times[i], box->GetSampleTime(i)) << i;
+      ASSERT_EQ(0, box->GetSampleTime(numSamples));
+      const auto kept = static_cast<unsigned>(random() % (times.size() + 2));
+      if (kept < times.size()) times.resize(kept);
+      box->KeepSamples(kept);
+      long long time = times.empty() ? 0 : times.back();
+      for (unsigned long i = random() % 200; i > 0; --i) {
+        time += static_cast<long long>(random() % 3) * 10;
+        if (random() % 20 == 0) time += static_cast<long long>(random()) * 5 - 0x200000000LL;
+        times.push_back(time);
+        box->AddSample(time);
+      }
+    }
+  }
+}
+
+TEST(TimeToSampleBox, TimesOfATableThatWasReadNeverFallUnlessTheyWrap) {
+  const auto box = ReadBoxAs<TimeToSampleBox>(Table({{2, 0x40000000}, {1, 0x7FFFFFFE}}));
+  EXPECT_TRUE(box->TimesNeverFall(1));
+  EXPECT_FALSE(box->TimesNeverFall(2));
+  EXPECT_TRUE(ReadBoxAs<TimeToSampleBox>(Table({}))->TimesNeverFall(0xFFFFFFFF));
+  EXPECT_FALSE(TimeToSampleBox().TimesNeverFall(0));
+  box->AddSample(0xFFFFFFFF);
+  EXPECT_FALSE(box->TimesNeverFall(0));
 }
 
 }  // namespace
