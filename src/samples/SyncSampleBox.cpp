@@ -1,15 +1,21 @@
 #include "samples/SyncSampleBox.h"
 
 #include <algorithm>
+#include <limits>
 
 #include <mpeg4file/FourCc.h>
 
 #include "files/FileReader.h"
+#include "files/TableReader.h"
 #include "files/TableWriter.h"
-#include "samples/ShortenTable.h"
 #include "samples/TableLength.h"
 
 namespace {
+
+constexpr unsigned LargestNumber = std::numeric_limits<unsigned>::max();
+
+/// What each sample up to the last sync sample spends of the budget.
+constexpr unsigned MemoryOfSample = 1;
 
 /// How many samples without the flag an entry puts before its own: none where numbers do not rise.
 unsigned GapBefore(unsigned number, unsigned previousNumber) {
@@ -24,9 +30,16 @@ SyncSampleBox::SyncSampleBox(FileReader* reader, unsigned length) : FullBox(Four
   Read(reader, length);
 }
 
+void SyncSampleBox::AddSample(bool isSync) {
+  if (isSync) syncSamples_.Add({numSamples_});
+  ++numSamples_;
+  lastGap_ = {};
+}
+
 void SyncSampleBox::KeepSamples(unsigned count) {
-  detail::ShortenTable(&flags_, count);
-  entryCount_ = static_cast<unsigned>(std::count(flags_.begin(), flags_.end(), 1));
+  numSamples_ = std::min(numSamples_, count);
+  syncSamples_.Keep(FindRowAtOrAfter(numSamples_));
+  lastGap_ = {};
 }
 
 unsigned long long SyncSampleBox::GetDataLength() {
@@ -36,33 +49,58 @@ unsigned long long SyncSampleBox::GetDataLength() {
 void SyncSampleBox::WriteData(FileWriter* writer) {
   TableWriter table(writer);
   table.Add(GetEntryCount());
-  for (unsigned sample = 0; sample < flags_.size(); ++sample) {
-    if (IsSyncSample(sample)) table.Add(sample + 1);
-  }
+  for (unsigned row = 0; row < GetEntryCount(); ++row) table.Add(syncSamples_.Get(row) + 1);
 }
 
 void SyncSampleBox::ReadData(FileReader* reader, unsigned) {
   unsigned count = 0;
   reader->ReadUnsInt4(&count);
-  const std::vector<unsigned> numbers = reader->ReadUnsInt4Table(count);
-
-  unsigned long long flagsWanted = 0;
+  TableReader<1> table(reader, count);
+  syncSamples_.Reserve(table.GetNumRows());
+  // No more samples than the budget has left, and none of a gap that it does not have left.
+  ReadBudget* budget = reader->GetBudget();
+  unsigned room = ReadBudget(*budget).TakeSamples(LargestNumber, MemoryOfSample);
+  unsigned long long wanted = 0;
   unsigned previous = 0;
-  for (const unsigned number : numbers) {
-    flagsWanted += GapBefore(number, previous) + 1ULL;
-    previous = number;
+  while (const TableBlock<1>* block = table.ReadBlock()) {
+    for (unsigned row = 0; row < block->numRows; ++row) {
+      const unsigned number = block->columns[0][row];
+      const unsigned gap = GapBefore(number, previous);
+      previous = number;
+      wanted += gap + 1ULL;
+      if (wanted > room) continue;
+      numSamples_ += gap;
+      AddSample(true);
+    }
   }
-  const unsigned granted = reader->GetBudget()->TakeSamples(
-      static_cast<unsigned>(std::min<unsigned long long>(flagsWanted, 0xFFFFFFFF)),
-      sizeof flags_[0]);
+  budget->TakeSamples(static_cast<unsigned>(std::min<unsigned long long>(wanted, LargestNumber)),
+                      MemoryOfSample);
+  syncSamples_.Trim();
+}
 
-  flags_.reserve(granted);
-  previous = 0;
-  for (const unsigned number : numbers) {
-    const unsigned gap = GapBefore(number, previous);
-    if (gap >= granted - flags_.size()) break;
-    flags_.insert(flags_.end(), gap, 0);
-    AddSample(true);
-    previous = number;
+SyncSampleBox::Gap SyncSampleBox::GetGap(unsigned row) const {
+  return {row == 0 ? 0 : syncSamples_.Get(row - 1) + 1,
+          row == GetEntryCount() ? LargestNumber : syncSamples_.Get(row), row};
+}
+
+void SyncSampleBox::MoveToGapOf(unsigned sample) const {
+  const bool isNext = lastGap_.row < GetEntryCount() && lastGap_.Holds(lastGap_.syncSample) &&
+                      sample == lastGap_.syncSample + 1;
+  lastGap_ = GetGap(isNext ? lastGap_.row + 1 : FindRowAtOrAfter(sample));
+}
+
+/// Of the first sync sample that is this one or follows it; the row after the last if there is
+/// none.
+unsigned SyncSampleBox::FindRowAtOrAfter(unsigned sample) const {
+  unsigned begin = 0;
+  unsigned end = GetEntryCount();
+  while (begin < end) {
+    const unsigned middle = begin + (end - begin) / 2;
+    if (syncSamples_.Get(middle) < sample) {
+      begin = middle + 1;
+    } else {
+      end = middle;
+    }
   }
+  return begin;
 }

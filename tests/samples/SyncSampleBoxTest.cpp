@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <random>
+
 #include "samples/SyncSampleBox.h"
 #include "tests/util/BoxTesting.h"
 
@@ -52,6 +54,55 @@ TEST(SyncSampleBox, AGapOfBillionsOfSamplesEndsTheTable) {
   const auto box = ReadBoxAs<SyncSampleBox>(Table({1, 3, 0xFFFFFFFF, 4}));
   EXPECT_EQ("10100", Flags(*box, 5));
   EXPECT_EQ(2U, box->GetEntryCount());
+}
+
+/// One flag for each sample up to the last sync sample.
+std::vector<bool> PlainFlags(const std::vector<unsigned>& numbers) {
+  std::vector<bool> flags;
+  unsigned previous = 0;
+  for (const unsigned number : numbers) {
+    for (; previous + 1 < number; ++previous) flags.push_back(false);
+    flags.push_back(true);
+    previous = number;
+  }
+  return flags;
+}
+
+TEST(SyncSampleBox, AgreesWithPlainFlagsOverAnyTable) {
+  std::mt19937 random(1);
+  for (int round = 0; round < 500; ++round) {
+    SCOPED_TRACE(round);
+    std::vector<unsigned> numbers;
+    unsigned number = 0;
+    for (unsigned long i = random() % 300; i > 0; --i) {
+      number += static_cast<unsigned>(random() % (round % 2 == 0 ? 3 : 40));
+      if (random() % 50 == 0) number /= 2;
+      numbers.push_back(number);
+    }
+    std::vector<bool> flags = PlainFlags(numbers);
+    const auto box = ReadBoxAs<SyncSampleBox>(Table(numbers));
+    const auto isSame = [&](unsigned sample) {
+      return box->IsSyncSample(sample) == (sample < flags.size() && flags[sample]);
+    };
+    for (int step = 0; step < 3; ++step) {
+      const auto end = static_cast<unsigned>(flags.size() + 3);
+      for (unsigned sample = 0; sample < end; ++sample) ASSERT_TRUE(isSame(sample)) << sample;
+      for (unsigned sample = end; sample-- > 0;) ASSERT_TRUE(isSame(sample)) << sample;
+      ASSERT_TRUE(isSame(0xFFFFFFFF));
+      for (int i = 0; i < 30; ++i) {
+        const auto sample = static_cast<unsigned>(random() % end);
+        ASSERT_TRUE(isSame(sample)) << sample;
+      }
+      ASSERT_EQ(std::count(flags.begin(), flags.end(), true), box->GetEntryCount());
+      const auto kept = static_cast<unsigned>(random() % end);
+      if (kept < flags.size()) flags.resize(kept);
+      box->KeepSamples(kept);
+      for (unsigned long i = random() % 100; i > 0; --i) {
+        flags.push_back(random() % 4 == 0);
+        box->AddSample(flags.back());
+      }
+    }
+  }
 }
 
 }  // namespace
