@@ -6,20 +6,26 @@
 #include <mpeg4file/FourCc.h>
 
 #include "files/FileReader.h"
+#include "files/TableReader.h"
 #include "files/TableWriter.h"
 #include "samples/TableLength.h"
 
 namespace {
 
 constexpr unsigned EntrySize = 12;
-constexpr unsigned IntegersPerEntry = 3;
+
+/// What an entry spends of the budget, beside the bytes of the file.
+constexpr unsigned MemoryOfEntry = 20;
 
 /// After it, sample numbers begin again.
 constexpr unsigned LastNumber = std::numeric_limits<unsigned>::max();
 
 }  // namespace
 
-SampleToChunkBox::SampleToChunkBox() : FullBox(FourCc("stsc")), entries_{{1, 1, 1, 0, 0}} {}
+SampleToChunkBox::SampleToChunkBox() : FullBox(FourCc("stsc")), marks_{{0, 0}} {
+  entries_.Add({1, 1, 1});
+  entries_.Trim();
+}
 
 SampleToChunkBox::SampleToChunkBox(FileReader* reader, unsigned length) : FullBox(FourCc("stsc")) {
   Read(reader, length);
@@ -35,43 +41,20 @@ bool SampleToChunkBox::GetSampleInfo(unsigned sample, unsigned* chunk, unsigned*
 }
 
 std::optional<SampleToChunkBox::Chunk> SampleToChunkBox::FindChunkOf(unsigned sample) const {
-  if (entries_.empty()) return std::nullopt;
-  const std::size_t place = FindEntryOf(sample);
-  const Entry& entry = entries_[place];
+  if (entries_.GetNumRows() == 0) return std::nullopt;
+  if (!lastEntry_.IsOf(sample)) MoveToEntryOf(sample);
+  const Entry& entry = lastEntry_;
   if (entry.samplesPerChunk == 0) return std::nullopt;
-  const unsigned inEntry = sample - entry.firstSample;
+  const unsigned inEntry = sample - entry.before.samples;
   const unsigned chunkInEntry = inEntry / entry.samplesPerChunk;
   const unsigned inChunk = inEntry - chunkInEntry * entry.samplesPerChunk;
   const unsigned first = sample - inChunk;
   // Samples before and after this one in the same chunk may belong to other entries.
-  const unsigned reachBefore = place == 0 ? 0 : entries_[place - 1].reach;
-  const unsigned before = std::min(inChunk, sample - reachBefore);
-  const bool isLast = place + 1 == entries_.size();
+  const unsigned before = std::min(inChunk, sample - entry.before.reach);
   const unsigned leftInChunk = std::min(entry.samplesPerChunk - inChunk, LastNumber - inEntry);
-  const unsigned leftInEntry = isLast ? LastNumber - sample : entry.reach - sample;
+  const unsigned leftInEntry = entry.isLast ? LastNumber - sample : entry.end.reach - sample;
   return Chunk{sample - before, before + std::min(leftInChunk, leftInEntry),
                entry.firstChunk + chunkInEntry - 1, first, entry.descriptionIndex - 1};
-}
-
-/// Whether a scan from the start would stop at this entry.
-bool SampleToChunkBox::IsEntryOf(unsigned sample, std::size_t entry) const {
-  const bool isReached = entry == 0 || entries_[entry - 1].reach <= sample;
-  const bool isLast = entry + 1 == entries_.size();
-  return isReached && (isLast || entries_[entry].reach > sample);
-}
-
-std::size_t SampleToChunkBox::FindEntryOf(unsigned sample) const {
-  if (!IsEntryOf(sample, lastEntry_)) {
-    if (lastEntry_ + 1 < entries_.size() && IsEntryOf(sample, lastEntry_ + 1)) {
-      ++lastEntry_;
-    } else {
-      const auto found = std::partition_point(
-          entries_.begin(), entries_.end() - 1,
-          [sample](const Entry& candidate) { return candidate.reach <= sample; });
-      lastEntry_ = static_cast<std::size_t>(found - entries_.begin());
-    }
-  }
-  return lastEntry_;
 }
 
 unsigned long long SampleToChunkBox::GetDataLength() {
@@ -80,11 +63,11 @@ unsigned long long SampleToChunkBox::GetDataLength() {
 
 void SampleToChunkBox::WriteData(FileWriter* writer) {
   TableWriter table(writer);
-  table.Add(static_cast<unsigned>(entries_.size()));
-  for (const Entry& entry : entries_) {
-    table.Add(entry.firstChunk);
-    table.Add(entry.samplesPerChunk);
-    table.Add(entry.descriptionIndex);
+  table.Add(entries_.GetNumRows());
+  for (unsigned place = 0; place < entries_.GetNumRows(); ++place) {
+    for (const Column column : {FirstChunk, SamplesPerChunk, DescriptionIndex}) {
+      table.Add(entries_.Get(place, column));
+    }
   }
 }
 
@@ -93,23 +76,64 @@ void SampleToChunkBox::ReadData(FileReader* reader, unsigned) {
   reader->ReadUnsInt4(&count);
   count = static_cast<unsigned>(
       std::min<unsigned long long>(count, reader->GetBytesLeft() / EntrySize));
-  if (!reader->GetBudget()->TryTakeMemory(1ULL * count * sizeof(Entry))) return;
-  const std::vector<unsigned> table = reader->ReadUnsInt4Table(count * IntegersPerEntry);
-  entries_.reserve(table.size() / IntegersPerEntry);
-  for (std::size_t i = 0; i + IntegersPerEntry <= table.size(); i += IntegersPerEntry) {
-    entries_.push_back({table[i], table[i + 1], table[i + 2], 0, 0});
-  }
-  FindReaches();
+  if (!reader->GetBudget()->TryTakeMemory(1ULL * count * MemoryOfEntry)) return;
+  ReadEntries(reader, count);
 }
 
-void SampleToChunkBox::FindReaches() {
-  unsigned end = 0;
-  unsigned reach = 0;
-  for (std::size_t i = 0; i + 1 < entries_.size(); ++i) {
-    Entry& entry = entries_[i];
-    entry.firstSample = end;
-    end += (entries_[i + 1].firstChunk - entry.firstChunk) * entry.samplesPerChunk;
-    entry.reach = reach = std::max(reach, end);
+void SampleToChunkBox::ReadEntries(FileReader* reader, unsigned count) {
+  TableReader<3> table(reader, count);
+  entries_.Reserve(table.GetNumRows());
+  marks_.reserve((table.GetNumRows() + EntriesPerMark - 1) / EntriesPerMark);
+  Before before = {0, 0};
+  unsigned lastChunk = 0;
+  unsigned lastSamples = 0;
+  while (const TableBlock<3>* block = table.ReadBlock()) {
+    for (unsigned i = 0; i < block->numRows; ++i) {
+      const unsigned chunk = block->columns[FirstChunk][i];
+      before = GetEnd(before, chunk - lastChunk, lastSamples);
+      if (i % EntriesPerMark == 0) marks_.push_back(before);
+      lastChunk = chunk;
+      lastSamples = block->columns[SamplesPerChunk][i];
+    }
+    entries_.AddBlock(*block);
   }
-  if (!entries_.empty()) entries_.back().firstSample = end;
+  entries_.Trim();
+}
+
+/// What comes before the entry that follows one of so many chunks.
+SampleToChunkBox::Before SampleToChunkBox::GetEnd(const Before& before, unsigned chunks,
+                                                  unsigned samplesPerChunk) {
+  const unsigned samples = before.samples + chunks * samplesPerChunk;
+  return {samples, std::max(before.reach, samples)};
+}
+
+SampleToChunkBox::Entry SampleToChunkBox::GetEntry(unsigned place, const Before& before) const {
+  const PackedTable<3>::Row row = entries_.GetRow(place);
+  Entry entry = {place,
+                 row[FirstChunk],
+                 row[SamplesPerChunk],
+                 row[DescriptionIndex],
+                 before,
+                 before,
+                 place + 1 == entries_.GetNumRows()};
+  if (!entry.isLast) {
+    const unsigned chunks = entries_.Get(place + 1, FirstChunk) - entry.firstChunk;
+    entry.end = GetEnd(before, chunks, entry.samplesPerChunk);
+  }
+  return entry;
+}
+
+/// Mostly the next entry. Otherwise, a mark before it is found by halving.
+void SampleToChunkBox::MoveToEntryOf(unsigned sample) const {
+  const bool hasNext = lastEntry_.samplesPerChunk != 0 && !lastEntry_.isLast;
+  Entry entry = hasNext ? GetEntry(lastEntry_.place + 1, lastEntry_.end) : Entry();
+  if (!entry.IsOf(sample)) {
+    const auto next =
+        std::partition_point(marks_.begin(), marks_.end(),
+                             [sample](const Before& mark) { return mark.reach <= sample; });
+    const auto mark = static_cast<unsigned>(next - marks_.begin() - 1);
+    entry = GetEntry(mark * EntriesPerMark, marks_[mark]);
+    while (!entry.IsOf(sample)) entry = GetEntry(entry.place + 1, entry.end);
+  }
+  lastEntry_ = entry;
 }

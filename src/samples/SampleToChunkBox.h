@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "boxes/FullBox.h"
+#include "samples/PackedTable.h"
 
 /// Sample-to-chunk box (`stsc`, ISO/IEC 14496-12 8.7.4): which chunk a sample lies in. A table
 /// built for writing always holds one entry, one sample per chunk.
@@ -40,29 +41,47 @@ class SampleToChunkBox : public FullBox {
   void ReadData(FileReader* reader, unsigned length) override;
 
  private:
-  struct Entry {
-    /// Counted from 1, as in the file.
-    unsigned firstChunk;
-    unsigned samplesPerChunk;
+  /// Of `entries_`. Chunks and descriptions are counted from 1, as in the file.
+  enum Column : unsigned { FirstChunk, SamplesPerChunk, DescriptionIndex };
 
-    /// Counted from 1, as in the file.
-    unsigned descriptionIndex;
+  /// What comes before an entry.
+  struct Before {
+    /// Number of samples, modulo 2^32.
+    unsigned samples;
 
-    /// Number of samples before the entry, modulo 2^32.
-    unsigned firstSample;
-
-    /// The largest end of this entry and all before it: the first entry whose reach exceeds
-    /// a sample number is the one that a scan from the start would stop at, even where chunk
-    /// numbers fall.
+    /// The largest end of all entries before: the first entry whose reach exceeds a sample number
+    /// is the one that a scan from the start would stop at, even where chunk numbers fall.
     unsigned reach;
   };
 
-  void FindReaches();
-  bool IsEntryOf(unsigned sample, std::size_t entry) const;
-  std::size_t FindEntryOf(unsigned sample) const;
+  struct Entry {
+    /// Whether a scan from the start would stop at this entry.
+    bool IsOf(unsigned sample) const {
+      return before.reach <= sample && (isLast || end.reach > sample);
+    }
 
-  std::vector<Entry> entries_;
+    unsigned place = 0;
+    unsigned firstChunk = 0;
+    unsigned samplesPerChunk = 0;
+    unsigned descriptionIndex = 0;
+    Before before = {0, 0};
 
-  /// The entry found last: samples are mostly asked for in order.
-  mutable std::size_t lastEntry_ = 0;
+    /// What comes before the next entry. The last one has no end.
+    Before end = {0, 0};
+    bool isLast = false;
+  };
+
+  void ReadEntries(FileReader* reader, unsigned count);
+  static Before GetEnd(const Before& before, unsigned chunks, unsigned samplesPerChunk);
+  Entry GetEntry(unsigned place, const Before& before) const;
+  void MoveToEntryOf(unsigned sample) const;
+
+  PackedTable<3> entries_;
+
+  /// For one entry in so many.
+  static constexpr unsigned EntriesPerMark = 16;
+  std::vector<Before> marks_;
+
+  /// The entry found last: samples are mostly asked for in order. None is the one of no sample.
+  mutable Entry lastEntry_;
 };

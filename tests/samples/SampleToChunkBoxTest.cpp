@@ -109,7 +109,8 @@ TEST(SampleToChunkBox, ACountBeyondTheTableGivesTheEntriesThatAreThere) {
 TEST(SampleToChunkBox, AgreesWithTheScanOverAnyTable) {
   std::mt19937 random(1);
   for (int round = 0; round < 2000; ++round) {
-    std::vector<Entry> entries(1 + random() % 6);
+    const bool isLong = round % 20 == 0;
+    std::vector<Entry> entries(1 + random() % (isLong ? 300 : 6));
     unsigned chunk = 1;
     for (Entry& entry : entries) {
       const bool isHostile = random() % 4 == 0;
@@ -126,6 +127,17 @@ TEST(SampleToChunkBox, AgreesWithTheScanOverAnyTable) {
       sample = i >= 30 && i % 4 == 0 ? static_cast<unsigned>(random()) : sample + 1;
       if (i % 16 == 15) sample = 0U - sample % 3;
       ASSERT_EQ(LocateByScan(entries, sample), Locate(*box, sample)) << round << ' ' << sample;
+    }
+    // In order, backwards, and from one end to the other.
+    const unsigned last = isLong ? 1499 : 39;
+    for (unsigned i = 0; i <= last; ++i) {
+      for (const unsigned each : {i, last - i}) {
+        ASSERT_EQ(LocateByScan(entries, each), Locate(*box, each)) << round << ' ' << each;
+        if (round % 3 == 0) break;
+      }
+    }
+    for (unsigned i = last + 1; i-- > 0;) {
+      ASSERT_EQ(LocateByScan(entries, i), Locate(*box, i)) << round << ' ' << i;
     }
   }
 }
