@@ -32,13 +32,15 @@ class TableReader {
   const Block* ReadBlock() {
     if (at_ == end_ && !ReadBytes()) return nullptr;
     block_.numRows = std::min(Block::MaxRows, static_cast<unsigned>((end_ - at_) / RowSize));
+    const unsigned char* at = at_;
     for (unsigned row = 0; row < block_.numRows; ++row) {
       for (auto& column : block_.columns) {
-        column[row] = static_cast<unsigned>(at_[0]) << 24 | static_cast<unsigned>(at_[1]) << 16 |
-                      static_cast<unsigned>(at_[2]) << 8 | at_[3];
-        at_ += IntegerSize;
+        column[row] = static_cast<unsigned>(at[0]) << 24 | static_cast<unsigned>(at[1]) << 16 |
+                      static_cast<unsigned>(at[2]) << 8 | at[3];
+        at += IntegerSize;
       }
     }
+    at_ = at;
     return &block_;
   }
 

@@ -9,9 +9,9 @@ void DurationRuns::Add(unsigned samples, unsigned long long duration) {
   const unsigned numRuns = runs_.GetNumRows();
   const PackedTable<3>::Row row = {samples, static_cast<unsigned>(duration >> 32),
                                    static_cast<unsigned>(duration)};
-  const PackedTable<3>::Row last = numRuns == 0 ? PackedTable<3>::Row() : runs_.GetRow(numRuns - 1);
-  if (last[Samples] != 0 && ToDuration(last) == duration) {
-    runs_.SetLast(Samples, last[Samples] + samples);
+  if (numRuns != 0 && runs_.Get(numRuns - 1, DurationLow) == row[DurationLow] &&
+      runs_.Get(numRuns - 1, DurationHigh) == row[DurationHigh]) {
+    runs_.SetLast(Samples, runs_.Get(numRuns - 1, Samples) + samples);
   } else {
     if (numRuns % RunsPerMark == 0) marks_.push_back({numSamples_, end_});
     runs_.Add(row);

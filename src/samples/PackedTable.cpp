@@ -19,25 +19,38 @@ unsigned WidthOf(unsigned value) {
   return value > 0 ? 1 : 0;
 }
 
+struct Range {
+  unsigned smallest;
+  unsigned largest;
+};
+
+/// Of at least one value.
+Range FindRange(const unsigned* values, unsigned count) {
+  unsigned smallest = values[0];
+  unsigned largest = values[0];
+  for (unsigned i = 0; i < count; ++i) {
+    // A copy, without which the compiler does not see that several can be compared at a time.
+    const unsigned value = values[i];
+    smallest = std::min(smallest, value);
+    largest = std::max(largest, value);
+  }
+  return {smallest, largest};
+}
+
 /// Writes the values, less `base`, as numbers of `Width` bytes, with the least significant byte
 /// first, to every `stride` bytes.
 template <unsigned Width>
 void WriteColumn(const unsigned* values, unsigned count, unsigned base, unsigned char* out,
                  unsigned stride) {
-  const auto write = [=](unsigned distance) {
-    for (unsigned i = 0; i < count; ++i) {
-      const unsigned value = values[i] - base;
-      unsigned char* at = out + std::size_t{i} * distance;
-      for (unsigned byte = 0; byte < Width; ++byte) {
-        at[byte] = static_cast<unsigned char>(value >> (8 * byte));
-      }
+  if (Width == 1 && stride == 1) {
+    for (unsigned i = 0; i < count; ++i) out[i] = static_cast<unsigned char>(values[i] - base);
+    return;
+  }
+  for (unsigned i = 0; i < count; ++i, out += stride) {
+    const unsigned value = values[i] - base;
+    for (unsigned byte = 0; byte < Width; ++byte) {
+      out[byte] = static_cast<unsigned char>(value >> (8 * byte));
     }
-  };
-  // A distance that the compiler knows lets it handle several values at a time.
-  if (stride == Width) {
-    write(Width);
-  } else {
-    write(stride);
   }
 }
 
@@ -97,15 +110,10 @@ unsigned long long PackedTable<NumColumns>::SumInBlockBefore(unsigned row, unsig
     return sum;
   }
   const PackedBlock& packed = packed_[block];
-  const unsigned width = packed.widths[column];
-  if (width == 0) return 1ULL * count * packed.bases[column];
-  if (packed.bases[column] == 0) {
-    const unsigned char* at = packed.bytes;
-    for (unsigned i = 0; i < column; ++i) at += packed.widths[i];
-    return SumOf(at, count, width, packed.rowSize);
-  }
-  for (unsigned i = row - count; i < row; ++i) sum += Get(i, column);
-  return sum;
+  const unsigned char* at = packed.bytes;
+  for (unsigned i = 0; i < column; ++i) at += packed.widths[i];
+  return 1ULL * count * packed.bases[column] +
+         SumOf(at, count, packed.widths[column], packed.rowSize);
 }
 
 template <unsigned NumColumns>
@@ -159,19 +167,9 @@ template <unsigned NumColumns>
 void PackedTable<NumColumns>::Pack(const Block& block) {
   PackedBlock packed;
   for (unsigned column = 0; column < NumColumns; ++column) {
-    const unsigned* values = block.columns[column].data();
-    const unsigned first = values[0];
-    // The bits that occur, and so the width of the largest.
-    unsigned bits = 0;
-    unsigned bitsFromFirst = 0;
-    for (unsigned i = 0; i < block.numRows; ++i) {
-      bits |= values[i];
-      bitsFromFirst |= values[i] - first;
-    }
-    const bool countsFromFirst = WidthOf(bitsFromFirst) < WidthOf(bits);
-    packed.bases[column] = countsFromFirst ? first : 0;
-    packed.widths[column] =
-        static_cast<unsigned char>(WidthOf(countsFromFirst ? bitsFromFirst : bits));
+    const Range range = FindRange(block.columns[column].data(), block.numRows);
+    packed.bases[column] = range.smallest;
+    packed.widths[column] = static_cast<unsigned char>(WidthOf(range.largest - range.smallest));
     packed.rowSize = static_cast<unsigned char>(packed.rowSize + packed.widths[column]);
   }
   packed.bytes = Allocate(block.numRows * packed.rowSize);

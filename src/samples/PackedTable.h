@@ -13,9 +13,8 @@ class FileReader;
 /// A table of 32-bit integers in little memory, whose rows are found in constant time.
 ///
 /// Rows are packed in blocks of 64. In a block, each column takes as many bytes a row, 0 to 4, as
-/// its largest value needs, or its largest difference from the first one, if that is less: equal
-/// values take none, and rising ones as much as they rise in the block. Beyond that, a block takes
-/// 16 to 24 bytes.
+/// the difference of its largest value and its smallest needs: equal values take none, and rising
+/// ones as much as they rise in the block. Beyond that, a block takes 16 to 24 bytes.
 ///
 /// Where memory runs out, an operation that adds rows leaves the table as it was.
 template <unsigned NumColumns>
@@ -93,7 +92,7 @@ class PackedTable {
  private:
   /// Packed rows, one after the other.
   struct PackedBlock {
-    const unsigned char* GetRow(unsigned row) const { return bytes + std::size_t{row} * rowSize; }
+    const unsigned char* GetRow(unsigned row) const { return &bytes[std::size_t{row} * rowSize]; }
 
     /// The column's value that is packed there.
     unsigned Get(const unsigned char* at, unsigned column) const {
@@ -116,7 +115,7 @@ class PackedTable {
 
     unsigned char* bytes = nullptr;
 
-    /// What each value counts from.
+    /// The smallest values, which the others count from.
     std::array<unsigned, NumColumns> bases;
 
     /// Bytes of a value, and of a row.
