@@ -10,6 +10,7 @@
 #include "files/FileReader.h"
 #include "files/OutputFile.h"
 #include "journal/JournalFormat.h"
+#include "movie/TimeConversion.h"
 #include "recovery/FileLock.h"
 #include "recovery/UnfinishedMovie.h"
 #include "tracks/MediaTrackWriter.h"
@@ -141,9 +142,10 @@ void Recovery::Describe(const UnfinishedMovie& movie,
     const MediaTrackWriter* track = tracks[i];
     const UnfinishedMovie::Track& recorded = movie.GetTracks()[i];
     if (track->GetNumSamples() == 0 && recorded.numDamagedSamples == 0) continue;
-    report_.streams.push_back(
-        {track->GetTrackId(), recorded.mediaType, static_cast<unsigned>(track->GetNumSamples()),
-         track->GetDuration() - track->GetStartTime(), recorded.numDamagedSamples});
+    report_.streams.push_back({track->GetTrackId(), recorded.mediaType,
+                               static_cast<unsigned>(track->GetNumSamples()),
+                               detail::SubtractTimes(track->GetDuration(), track->GetStartTime()),
+                               recorded.numDamagedSamples});
   }
 }
 

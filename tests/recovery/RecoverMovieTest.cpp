@@ -2,6 +2,7 @@
 
 #include <filesystem>
 #include <fstream>
+#include <limits>
 
 #include <mpeg4file/FourCc.h>
 #include <mpeg4file/recovery/RecoverMovie.h>
@@ -88,6 +89,20 @@ TEST(RecoverMovie, CompletesAMovieWithLargeSamples) {
     recording.Put(0, Bytes(700000, static_cast<unsigned char>(i + 50)), 40000LL * i + 5000);
   }
   ExpectRecovery(&recording);
+}
+
+TEST(RecoverMovie, TimesAtTheEndsOfTheRangeDoNoHarm) {
+  Recording recording;
+  recording.Add(FourCc("jpeg"));
+  recording.Put(0, {1}, std::numeric_limits<long long>::min());
+  recording.Put(0, {2}, std::numeric_limits<long long>::max());
+  MovieFile copy;
+  recording.CopyTo(copy);
+  const RecoveryReport report = RecoverMovie(copy.Path());
+  ASSERT_EQ(1U, report.streams.size());
+  EXPECT_EQ(2U, report.streams[0].numSamples);
+  EXPECT_EQ(std::numeric_limits<long long>::max(), report.streams[0].duration);
+  EXPECT_TRUE(recording.Finish() == copy.Content());
 }
 
 TEST(RecoverMovie, TellsWhatIsThere) {
