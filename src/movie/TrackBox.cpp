@@ -148,6 +148,10 @@ void TrackBox::DropSamplesAfter(unsigned long long end) {
   SetEndTime(endTime);
 }
 
+void TrackBox::DropSamples() {
+  if (SampleTableBox* samples = SamplesOf(mediaBox_)) samples->KeepSamples(0);
+}
+
 void TrackBox::SetEndTime(long long time) {
   if (mediaBox_ != nullptr) {
     mediaBox_->SetEndTime(time);

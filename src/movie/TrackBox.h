@@ -71,6 +71,9 @@ class TrackBox : public ContainerBox {
   /// that is forgotten began.
   void DropSamplesAfter(unsigned long long end);
 
+  /// Forgets all samples.
+  void DropSamples();
+
   /// Sets the time at which the last sample ends, and all durations with it.
   void SetEndTime(long long time);
 

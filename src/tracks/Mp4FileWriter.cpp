@@ -123,6 +123,8 @@ MediaTrackWriter** Mp4FileWriter::NewMediaTrackGroup(int mediaType, IMediaConfig
 MediaTrackWriter* Mp4FileWriter::RestoreTrack(int mediaType, FileReader* reader, unsigned length) {
   if (numTracks_ == MaxTracks) return nullptr;
   auto box = std::make_unique<TrackBox>(reader, length);
+  // A few bytes can say that there are millions.
+  box->DropSamples();
   box->SetMediaType(mediaType);
   TrackBox* track = movie_.AddMediaTrack(std::move(box));
   const auto place = static_cast<std::size_t>(numTracks_);

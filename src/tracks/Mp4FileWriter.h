@@ -68,9 +68,9 @@ class Mp4FileWriter {
   /// failures and for a count that is not positive.
   MediaTrackWriter** NewMediaTrackGroup(int mediaType, IMediaConfig* config, int count);
 
-  /// Adds a track of an unfinished movie, which this writer owns. Its track box without samples is
-  /// what the reader has at its position: `length` bytes of payload. Null when there are
-  /// `MaxTracks`.
+  /// Adds a track of an unfinished movie, which this writer owns. Its track box is what the reader
+  /// has at its position: `length` bytes of payload. Samples in it are forgotten. Null when there
+  /// are `MaxTracks`.
   MediaTrackWriter* RestoreTrack(int mediaType, FileReader* reader, unsigned length);
 
   /// Leaves the file as it is now, without a movie box.

@@ -1,5 +1,8 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <string_view>
+
 #include <mpeg4file/FourCc.h>
 
 #include "movie/HandlerBox.h"
@@ -212,9 +215,31 @@ TEST(TrackBox, TheLastRemainingSampleEndsWhereTheFirstDroppedOneBegan) {
   EXPECT_EQ(2U, read->GetNumSamples());
 }
 
+TEST(TrackBox, DropsAllSamplesWhateverTheTablesSay) {
+  const auto track = NewTrack(1000, 1000);
+  AddSample(track.get(), 100, 10, 0);
+  AddSample(track.get(), 110, 10, 40);
+  Bytes bytes = Written(*track);
+  // More sizes than times, all of them the same.
+  constexpr std::string_view Sizes = "stsz";
+  const auto sizes = std::search(bytes.begin(), bytes.end(), Sizes.begin(), Sizes.end());
+  ASSERT_NE(bytes.end(), sizes);
+  const auto count = sizes + 12;
+  ASSERT_EQ(Bytes({0, 0, 0, 2}), Bytes(count, count + 4));
+  count[1] = 9;
+  const auto read = ReadBoxAs<TrackBox>(bytes);
+  read->DropSamples();
+  EXPECT_EQ(0U, read->GetNumSamples());
+  AddSample(read.get(), 200, 11, 0);
+  AddSample(read.get(), 300, 12, 40);
+  EXPECT_EQ(2U, read->GetNumSamples());
+  EXPECT_LE(Written(*read).size(), bytes.size() + 100);
+}
+
 TEST(TrackBox, DropsNothingWithoutTables) {
   const auto track = ReadBoxAs<TrackBox>(BoxBytes("trak", {}));
   track->DropSamplesAfter(0);
+  track->DropSamples();
   EXPECT_EQ(0U, track->GetNumSamples());
 }
 

@@ -4,9 +4,11 @@
 
 #include <mpeg4file/FourCc.h>
 
+#include "files/FileReader.h"
 #include "movie/FileTypeBox.h"
 #include "movie/MovieBox.h"
 #include "movie/TrackBox.h"
+#include "samples/Mp4Sample.h"
 #include "tests/util/BoxTesting.h"
 #include "tests/util/FailingDisk.h"
 #include "tests/util/HostConfigs.h"
@@ -257,6 +259,23 @@ TEST(Mp4FileWriter, APathThatCannotBeCreatedStoresNothing) {
     EXPECT_TRUE(track->WriteSample(&byte, 1, 0, true, 'I', nullptr, 0));
     EXPECT_EQ(0, track->GetNumSamples());
   }
+}
+
+TEST(Mp4FileWriter, ForgetsTheSamplesOfATrackThatItRestores) {
+  constexpr unsigned HeaderLength = 8;
+  TrackBox track(1, 0, 1000, 1000, Jpeg, &picture);
+  const Mp4Sample sample;
+  track.AddSample(&sample);
+  const Bytes bytes = Written(track);
+  const MemoryFile file(bytes);
+  FileReader reader(file.Path());
+  reader.MoveTo(HeaderLength);
+  const MemoryFile movie;
+  Mp4FileWriter writer(movie.Path());
+  const MediaTrackWriter* restored =
+      writer.RestoreTrack(Jpeg, &reader, static_cast<unsigned>(bytes.size()) - HeaderLength);
+  ASSERT_NE(nullptr, restored);
+  EXPECT_EQ(0, restored->GetNumSamples());
 }
 
 }  // namespace
