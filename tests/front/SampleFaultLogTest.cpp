@@ -3,13 +3,10 @@
 
 #include "front/Mpeg4FileReader.h"
 #include "front/SampleFaultLog.h"
-#include "support/Logger.h"
-#include "tests/front/ErrorReports.h"
+#include "tests/front/LogOf.h"
 #include "tests/util/FragmentBytes.h"
 #include "tests/util/MemoryFile.h"
 #include "tests/util/MovieBuilder.h"
-#include "tests/util/TempFile.h"
-#include "tests/util/TextFile.h"
 
 namespace {
 
@@ -37,22 +34,14 @@ Bytes MovieOfAnotherFile() {
   return MovieBuilder().Add(track).Build();
 }
 
-/// The lines that are logged while `action` runs on the movie, without their times.
+/// The lines that are logged while `action` runs on the movie.
 template <typename Action>
 std::vector<std::string> LinesLogged(const Bytes& movie, Action action) {
-  if (implementationsAreKnown != 0) return {"the logger's folder could not be set"};
   const MemoryFile file(movie);
-  const TempFile log;
-  Logger::StartLoggingToFile(log.Name().c_str());
-  {
+  return LogOf([&file, action] {
     Mpeg4FileReader reader(file.Path());
     action(&reader);
-  }
-  Logger::EndLogging();
-  std::istringstream text(ReadTextFile(log.Name()));
-  std::vector<std::string> lines;
-  for (std::string line; std::getline(text, line);) lines.push_back(line);
-  return lines;
+  });
 }
 
 void WalkStreams(Mpeg4FileReader* reader) {

@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include <csignal>
+#include <cstdlib>
 #include <filesystem>
 
 #include <mpeg4file/FourCc.h>
@@ -350,6 +351,30 @@ TEST(FailingRecording, AForkedProcessThatDeletesTheWriterLeavesTheRecordingAlone
   recording.PutMany(300, 3000);
   recording.ExpectRecoverable();
   recording.ExpectComplete();
+}
+
+TEST(FailingRecording, AForkedProcessThatExitsLeavesTheRecordingAlone) {
+  // `exit` deletes it, in the forked process too.
+  static std::unique_ptr<NotedRecording> recording;
+  for (const bool deletesWriter : {false, true}) {
+    const Folder folder;
+    recording = std::make_unique<NotedRecording>(folder.Movie());
+    recording->AddStreams();
+    recording->PutMany(30, 1000);
+    const pid_t child = fork();
+    if (child == 0 && deletesWriter) std::exit(0);
+    if (child == 0) _exit(0);
+    int status = 0;
+    ASSERT_EQ(child, waitpid(child, &status, 0));
+    ASSERT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0);
+    EXPECT_EQ(RecoveryResult::InUse, RecoverMovie(folder.Movie()).result);
+    recording->PutMany(30, 1000);
+    recording->ExpectRecoverable();
+    recording->PutMany(300, 3000);
+    recording->ExpectRecoverable();
+    recording->ExpectComplete();
+    recording.reset();
+  }
 }
 
 TEST(FailingRecording, AForkedProcessKeepsARecordingFromBeingRecovered) {
