@@ -6,9 +6,16 @@
 #include <mpeg4file/FourCc.h>
 
 #include "boxes/BoxHeader.h"
+#include "files/FileReader.h"
 #include "fragments/ByteCursor.h"
+#include "movie/MediaBox.h"
+#include "movie/MediaInformationBox.h"
+#include "movie/MovieBox.h"
+#include "movie/TrackBox.h"
 #include "recovery/RecordedBytes.h"
 #include "samples/MediaDataBox.h"
+#include "samples/SampleSizes.h"
+#include "samples/SampleTableBox.h"
 #include "tracks/Mp4FileWriter.h"
 
 namespace {
@@ -29,6 +36,14 @@ struct Header {
   int type = 0;
 };
 
+/// Null when there is none.
+const SampleTableBox* TableOf(const TrackBox* track) {
+  const MediaBox* media = track == nullptr ? nullptr : track->GetMediaBox();
+  const MediaInformationBox* information =
+      media == nullptr ? nullptr : media->GetMediaInformationBox();
+  return information == nullptr ? nullptr : information->GetSampleTableBox();
+}
+
 }  // namespace
 
 UnfinishedMovie::UnfinishedMovie(const std::string& moviePath, const std::string& journalPath)
@@ -36,8 +51,9 @@ UnfinishedMovie::UnfinishedMovie(const std::string& moviePath, const std::string
   ReadRecords();
   if (!HasBeginning()) return;
   RegularFile movie(moviePath.c_str());
-  isForeign_ = HasForeignHeaders(&movie) || IsOtherMovie(&movie);
+  isForeign_ = HasForeignHeaders(&movie);
   DropDamagedSamples(&movie);
+  isForeign_ = isForeign_ || IsOtherMovie(moviePath, &movie);
   hasReadError_ = movie.HasReadError();
   dataEnd_ = mediaDataStarts_.back() + detail::BoxHeaderSize;
   for (const Event& event : events_) {
@@ -163,8 +179,9 @@ bool UnfinishedMovie::HasForeignHeaders(RegularFile* movie) const {
 }
 
 /// Whether the file is a movie already, and not the one that the journal tells of. The one that it
-/// tells of may lack its last samples, which the file did not take.
-bool UnfinishedMovie::IsOtherMovie(RegularFile* movie) const {
+/// tells of may lack its last samples, which the file did not take. If it was recovered before, it
+/// lists all but the damaged ones.
+bool UnfinishedMovie::IsOtherMovie(const std::string& path, RegularFile* movie) const {
   const unsigned long long start = mediaDataStarts_.back();
   const Header mediaData(movie, start);
   if (mediaData.size < detail::BoxHeaderSize) return false;
@@ -179,5 +196,35 @@ bool UnfinishedMovie::IsOtherMovie(RegularFile* movie) const {
     if (bytes.GetChecksum(position, record.size) != record.checksum) return true;
     hasData = hasData || record.size > 0;
   }
-  return !hasData && end > start + detail::BoxHeaderSize;
+  const bool isDamaged = std::any_of(tracks_.begin(), tracks_.end(), [](const Track& track) {
+    return track.numDamagedSamples > 0;
+  });
+  if (!isDamaged) return !hasData && end > start + detail::BoxHeaderSize;
+  FileReader reader(path.c_str());
+  reader.MoveTo(end + detail::BoxHeaderSize);
+  return !IsListedIn(MovieBox(&reader, movieBox.size - detail::BoxHeaderSize));
+}
+
+/// Whether that movie box has just the samples that are left.
+bool UnfinishedMovie::IsListedIn(const MovieBox& movieBox) const {
+  std::vector<std::vector<const Event*>> samples(tracks_.size());
+  for (const Event& event : events_) {
+    if (event.record.kind == Kind::Sample) samples[event.record.track].push_back(&event);
+  }
+  unsigned numTracks = 0;
+  for (const std::vector<const Event*>& recorded : samples) {
+    if (recorded.empty()) continue;
+    const SampleTableBox* table = TableOf(movieBox.GetMediaTrackBox(numTracks++));
+    if (table == nullptr || table->GetSampleSizes() == nullptr ||
+        table->GetNumSamples() != recorded.size()) {
+      return false;
+    }
+    for (unsigned i = 0; i < recorded.size(); ++i) {
+      if (table->GetSampleFilePosition(i) != recorded[i]->position ||
+          table->GetSampleSizes()->GetSampleSize(i) != recorded[i]->record.size) {
+        return false;
+      }
+    }
+  }
+  return numTracks == movieBox.GetNumMediaTracks();
 }

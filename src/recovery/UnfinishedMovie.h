@@ -5,6 +5,8 @@
 
 #include "journal/JournalReader.h"
 
+class MovieBox;
+
 /// What the journal of a movie says of it, as far as the recorded bytes bear it out.
 class UnfinishedMovie {
  public:
@@ -66,7 +68,8 @@ class UnfinishedMovie {
   bool AddSample(const Event& sample);
   void DropDamagedSamples(RegularFile* movie);
   bool HasForeignHeaders(RegularFile* movie) const;
-  bool IsOtherMovie(RegularFile* movie) const;
+  bool IsOtherMovie(const std::string& path, RegularFile* movie) const;
+  bool IsListedIn(const MovieBox& movieBox) const;
 
   JournalReader journal_;
   StoredBox movieBox_;

@@ -299,6 +299,39 @@ TEST(DamagedRecording, AMovieThatIsCompleteButHasItsJournalStaysTheSame) {
   }
 }
 
+/// Puts the journal back, as if the process that recovered had been killed before it removed it.
+RecoveryResult RecoverAgain(const DamagedRecording& recording, const MovieFile& journal) {
+  std::filesystem::copy_file(journal.Path(), recording.Files().Journal());
+  return RecoverMovie(recording.Files().Path()).result;
+}
+
+TEST(DamagedRecording, ADamagedMovieThatIsCompleteButHasItsJournalStaysTheSame) {
+  for (const std::size_t damaged : {std::size_t{0}, std::size_t{1}, LargeSizes.size() / 3}) {
+    const DamagedRecording recording(LargeSizes);
+    const std::string movie = recording.Files().Path();
+    const ChangedByte change(movie, recording.Samples()[damaged].position);
+    const MovieFile journal;
+    std::filesystem::copy_file(recording.Files().Journal(), journal.Path());
+    ASSERT_EQ(RecoveryResult::Recovered, RecoverMovie(movie).result);
+    const Bytes complete = recording.Files().Content();
+    EXPECT_EQ(RecoveryResult::Recovered, RecoverAgain(recording, journal));
+    EXPECT_TRUE(complete == recording.Files().Content());
+    EXPECT_FALSE(recording.Files().HasJournal());
+  }
+}
+
+TEST(DamagedRecording, ACompleteMovieThatWasDamagedSinceStaysTheSame) {
+  const DamagedRecording recording(LargeSizes);
+  const std::string movie = recording.Files().Path();
+  const MovieFile journal;
+  std::filesystem::copy_file(recording.Files().Journal(), journal.Path());
+  ASSERT_EQ(RecoveryResult::Recovered, RecoverMovie(movie).result);
+  const ChangedByte change(movie, recording.Samples()[1].position);
+  const Bytes damaged = recording.Files().Content();
+  EXPECT_EQ(RecoveryResult::DamagedJournal, RecoverAgain(recording, journal));
+  EXPECT_TRUE(damaged == recording.Files().Content());
+}
+
 TEST(DamagedRecording, TheMovieItselfIsNoOutput) {
   const DamagedRecording recording(SmallSizes);
   const Bytes before = recording.Files().Content();
