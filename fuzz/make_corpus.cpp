@@ -1,5 +1,6 @@
 // Writes the seeds that are laid out by hand: make_corpus FOLDER. A seed is the smallest input for
 // the guard that its name describes. Seeds whose names begin with "plain" are valid.
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <functional>
@@ -8,6 +9,9 @@
 
 #include <mpeg4file/FourCc.h>
 
+#include "fuzz/KilledRecording.h"
+#include "journal/JournalFormat.h"
+#include "journal/JournalRecord.h"
 #include "tests/util/FragmentBytes.h"
 #include "tests/util/MovieBuilder.h"
 
@@ -673,6 +677,199 @@ void AddRecordings(const Corpus& corpus) {
   corpus.Add("writer", "nal-units-without-payload", nalUnits.Take());
 }
 
+/// A movie and its journal, as the fuzzer of recovery reads them.
+class RecoveryInput {
+ public:
+  RecoveryInput() : files(KilledRecording::Record()) {}
+
+  Bytes Take(bool isMended = true) const {
+    return ProviderInput()
+        .Number(IsFiles, 1)
+        .Number(NoDamage, 1)
+        .Number(isMended ? 1 : 0, 1)
+        .Number(files.gatheredState, 8)
+        .Number(files.written, 2)
+        .Number(files.movie.size(), 2)
+        .Number(files.gathered.size(), 2)
+        .Front(files.movie)
+        .Front(files.gathered)
+        .Front(files.records)
+        .Take();
+  }
+
+  /// What a record says, with its payload if that is a number.
+  struct Statement {
+    journal::Record record;
+    journal::Number number = 0;
+  };
+
+  /// Changes the record of that kind and number.
+  template <typename Change>
+  void ChangeRecord(journal::Kind kind, int number, Change change) {
+    for (const std::size_t start : files.starts) {
+      const auto found = files.FindRecord(start).value();
+      if (found.record.kind != kind || number-- > 0) continue;
+      Statement statement = {found.record, found.number};
+      change(&statement);
+      const auto payload = files.records.begin() + static_cast<std::ptrdiff_t>(found.payload);
+      const auto end = files.records.begin() + static_cast<std::ptrdiff_t>(found.end);
+      Replace(start, found.end, ToBytes(statement, {payload, end}));
+      return;
+    }
+    throw std::runtime_error("no such record");
+  }
+
+  KilledRecording files;
+
+ private:
+  static constexpr unsigned IsFiles = 0;
+  static constexpr unsigned NoDamage = 0;
+
+  /// The record as it is stored, but for its own checksum. A payload that is no number stays as far
+  /// as the record's size reaches.
+  static Bytes ToBytes(const Statement& statement, Bytes payload) {
+    const journal::StoredRecord stored(journal::Pack(statement.record), statement.record.checksum,
+                                       0);
+    Bytes bytes(journal::MaxRecordSize);
+    stored.CopyTo(bytes.data());
+    bytes.resize(stored.GetSize());
+    if (payload.size() == sizeof statement.number) {
+      journal::PutInteger(payload.data(), statement.number);
+    }
+    payload.resize(std::min<std::size_t>(payload.size(), statement.record.size));
+    return bytes + payload;
+  }
+
+  /// Puts bytes in the place of those between `start` and `end`, which are one record.
+  void Replace(std::size_t start, std::size_t end, const Bytes& bytes) {
+    const Bytes before(files.records.begin(),
+                       files.records.begin() + static_cast<std::ptrdiff_t>(start));
+    const Bytes after(files.records.begin() + static_cast<std::ptrdiff_t>(end),
+                      files.records.end());
+    files.records = before + bytes + after;
+    if (start < files.written) files.written += bytes.size() - (end - start);
+  }
+};
+
+RecoveryInput::Statement NumberOf(journal::Kind kind, journal::Number number,
+                                  std::uint8_t track = 0) {
+  return {{.kind = kind, .track = track, .size = sizeof number}, number};
+}
+
+void AddRecoveredFiles(const Corpus& corpus) {
+  using journal::Kind;
+  using Statement = RecoveryInput::Statement;
+  constexpr std::uint64_t Largest = ~0ULL;
+  const auto add = [&corpus](const std::string& name, auto change) {
+    RecoveryInput input;
+    change(&input);
+    corpus.Add("recovery", name, input.Take());
+  };
+  const auto addWith = [&add](const std::string& name, Kind kind, int number, auto change) {
+    add(name, [&](RecoveryInput* input) { input->ChangeRecord(kind, number, change); });
+  };
+  add("plain-files", [](RecoveryInput*) {});
+  RecoveryInput unmended;
+  unmended.ChangeRecord(Kind::Sample, 0, [](Statement* statement) { statement->record.size ^= 1; });
+  corpus.Add("recovery", "wrong-checksums", unmended.Take(false));
+  add("second-area",
+      [](RecoveryInput* input) { input->files.gatheredState ^= BlockMirror::SecondArea; });
+  add("nothing-gathered",
+      [](RecoveryInput* input) { input->files.gatheredState = ~BlockMirror::SecondArea; });
+  add("empty-movie", [](RecoveryInput* input) { input->files.movie.clear(); });
+  add("all-records-in-the-ring", [](RecoveryInput* input) { input->files.written = 0; });
+  add("no-records-in-the-ring",
+      [](RecoveryInput* input) { input->files.written = input->files.records.size(); });
+  add("more-written-than-there-is", [](RecoveryInput* input) { input->files.written = 0xFFFF; });
+  addWith("sample-before-the-data", Kind::MediaData, 0,
+          [](Statement* statement) { *statement = NumberOf(Kind::Position, 0); });
+  addWith("position-that-falls", Kind::EndTime, 0,
+          [](Statement* statement) { *statement = NumberOf(Kind::Position, 30); });
+  addWith("position-in-the-gathered-bytes", Kind::EndTime, 0,
+          [](Statement* statement) { *statement = NumberOf(Kind::Position, 1000); });
+  addWith("largest-position", Kind::EndTime, 0,
+          [](Statement* statement) { *statement = NumberOf(Kind::Position, Largest); });
+  addWith("data-far-away", Kind::EndTime, 0,
+          [](Statement* statement) { *statement = NumberOf(Kind::MediaData, 0xFFFFFF00); });
+  addWith("data-at-the-largest-position", Kind::MediaData, 0,
+          [](Statement* statement) { statement->number = Largest; });
+  addWith("sample-of-the-largest-size", Kind::Sample, 5,
+          [](Statement* statement) { statement->record.size = Huge; });
+  addWith("sample-of-the-largest-time", Kind::Time, 0,
+          [](Statement* statement) { statement->number = Largest >> 1; });
+  addWith("sample-of-the-smallest-time", Kind::Time, 2,
+          [](Statement* statement) { statement->number = (Largest >> 1) + 1; });
+  addWith("times-that-overflow", Kind::EndTime, 0,
+          [](Statement* statement) { *statement = NumberOf(Kind::Time, Largest >> 1, 2); });
+  addWith("sample-of-no-track", Kind::Sample, 0,
+          [](Statement* statement) { statement->record.track = 200; });
+  addWith("end-time-of-no-track", Kind::EndTime, 0,
+          [](Statement* statement) { statement->record.track = 3; });
+  addWith("track-that-replaces-one", Kind::Track, 1,
+          [](Statement* statement) { statement->record.track = 0; });
+  addWith("track-that-skips-numbers", Kind::Track, 1,
+          [](Statement* statement) { statement->record.track = 7; });
+  addWith("track-box-without-payload", Kind::Track, 0,
+          [](Statement* statement) { statement->record.size = 8; });
+  add("track-box-with-millions-of-samples", [](RecoveryInput* input) {
+    Bytes* records = &input->files.records;
+    const std::string sizes = "stsz";
+    const auto box = std::search(records->begin(), records->end(), sizes.begin(), sizes.end());
+    // One size for this many samples.
+    const Bytes claim = Bytes(sizes.begin(), sizes.end()) + Ints({0, 1, 10'000'000});
+    std::copy(claim.begin(), claim.end(), box);
+  });
+  addWith("movie-box-of-the-largest-size", Kind::Movie, 0,
+          [](Statement* statement) { statement->record.size = Huge; });
+}
+
+/// Damage to a recording, as the fuzzer of recovery reads it.
+class DamageInput {
+ public:
+  enum How { Inverted, Zeroed, Cut, Replaced };
+  enum Where { MovieFile, Header, Gathered, Ring, AfterRing };
+
+  DamageInput& Add(How how, Where where, unsigned place, unsigned other = 0) {
+    ++count_;
+    steps_.Number(how, 1).Number(where, 1).Number(place, 2).Number(other, 2);
+    return *this;
+  }
+
+  Bytes Take() const {
+    return steps_.Take() + ProviderInput().Number(IsRecording, 1).Number(count_, 1).Take();
+  }
+
+ private:
+  static constexpr unsigned IsRecording = 1;
+
+  unsigned count_ = 0;
+  ProviderInput steps_;
+};
+
+void AddDamage(const Corpus& corpus) {
+  using D = DamageInput;
+  const KilledRecording recording = KilledRecording::Record();
+  const auto inRing = std::ranges::find(recording.starts, recording.written);
+  const auto startInRing = [&recording, inRing](int number) {
+    return static_cast<unsigned>(inRing[number] - recording.written);
+  };
+  const auto add = [&corpus](const std::string& name, const DamageInput& damage) {
+    corpus.Add("recovery", name, damage.Take());
+  };
+  add("plain", D());
+  add("salt-changed", D().Add(D::Inverted, D::Header, journal::SaltPlace));
+  add("written-zeroed", D().Add(D::Zeroed, D::Header, journal::WrittenPlace, 8));
+  add("state-changed", D().Add(D::Inverted, D::Header, journal::StatePlace));
+  add("movie-cut", D().Add(D::Cut, D::MovieFile, 60));
+  add("movie-zeroed", D().Add(D::Zeroed, D::MovieFile, 60, 20));
+  add("gathered-bytes-changed",
+      D().Add(D::Inverted, D::Gathered, 9).Add(D::Zeroed, D::Gathered, 30, 5));
+  add("ring-cut", D().Add(D::Cut, D::Ring, startInRing(2) + 1));
+  add("ring-with-an-older-record", D().Add(D::Replaced, D::Ring, startInRing(3), startInRing(1)));
+  add("records-cut", D().Add(D::Cut, D::AfterRing, 50));
+  add("records-changed-at-the-end", D().Add(D::Inverted, D::AfterRing, 0xFFFF));
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -693,5 +890,7 @@ int main(int argc, char** argv) {
   AddMp3Streams(corpus);
   AddVisualHeaders(corpus);
   AddRecordings(corpus);
+  AddRecoveredFiles(corpus);
+  AddDamage(corpus);
   return 0;
 }

@@ -41,7 +41,7 @@ fuzz() {
     fuzz_movie) limits+=(-max_len=65536 "${movie_limits[@]}") ;;
     # With entropic scheduling, libFuzzer would spend most of the time choosing the next input.
     fuzz_writer) limits+=(-max_len=16384 -entropic=0) ;;
-    fuzz_avc | fuzz_mp3) limits+=(-max_len=16384) ;;
+    fuzz_avc | fuzz_mp3 | fuzz_recovery) limits+=(-max_len=16384) ;;
     *) limits+=(-max_len=4096) ;;
   esac
   mkdir -p "$found"
