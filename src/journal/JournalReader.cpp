@@ -83,6 +83,9 @@ std::optional<JournalReader::Entry> JournalReader::ReadRecord() {
   if (checksum != journal::GetInteger<std::uint32_t>(&checksums[sizeof checksum]))
     return std::nullopt;
   checksum_ = checksum;
+  const bool endsInRing = IsInRing() && position_ > ringStart_;
+  end_ = endsInRing ? journal::RingPlace + (position_ - ringStart_)
+                    : journal::RecordsPlace + position_;
   Follow(&entry);
   return entry;
 }

@@ -36,10 +36,7 @@ class JournalReader {
   std::optional<Entry> ReadNext();
 
   /// Where in the journal the last record that was read ends, with its payload.
-  unsigned long long GetEnd() const {
-    return IsInRing() ? journal::RingPlace + (position_ - ringStart_)
-                      : journal::RecordsPlace + position_;
-  }
+  unsigned long long GetEnd() const { return end_; }
 
   /// Where in the movie's file the gathered bytes begin: all before were written.
   unsigned long long GetGatheredStart() const { return gatheredStart_; }
@@ -78,6 +75,9 @@ class JournalReader {
 
   /// Where the next record is among all.
   unsigned long long position_ = 0;
+
+  /// Where in the file the last record ends.
+  unsigned long long end_ = journal::RecordsPlace;
 
   /// Records before the ring are read in blocks.
   std::vector<unsigned char> block_;

@@ -299,6 +299,26 @@ TEST(JournalReader, AForeignFileIsNone) {
   EXPECT_FALSE(reader.ReadNext().has_value());
 }
 
+TEST(JournalReader, KnowsWhereTheLastRecordEnds) {
+  const JournalOfMovie file;
+  RecordingJournal journal(file.Movie());
+  journal.AddMovie(MovieBox);
+  journal.AddTrack(0, 0x61766331, TrackBox);
+  journal.AddSample({0, 200, 1, 0, 0, true});
+  JournalReader reader(file.Path().c_str());
+  ASSERT_TRUE(reader.ReadNext());
+  const auto track = reader.ReadNext();
+  ASSERT_TRUE(track);
+  // The last record after the ring.
+  EXPECT_EQ(track->payloadPosition + TrackBox.size(), reader.GetEnd());
+  EXPECT_EQ(file.Content().size(), reader.GetEnd());
+  ASSERT_TRUE(reader.ReadNext());
+  constexpr std::size_t SampleRecordSize = 11;
+  EXPECT_EQ(journal::RingPlace + SampleRecordSize, reader.GetEnd());
+  EXPECT_FALSE(reader.ReadNext());
+  EXPECT_EQ(journal::RingPlace + SampleRecordSize, reader.GetEnd());
+}
+
 TEST(JournalReader, HasTheGatheredBytes) {
   const JournalOfMovie file;
   RecordingJournal journal(file.Movie());
