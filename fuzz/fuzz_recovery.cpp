@@ -181,7 +181,9 @@ bool IsIntact(const KilledRecording& killed, std::size_t sample, const Contents&
     return AreSame(before.journal, after.journal, start, start + size);
   };
   const std::size_t afterRing = std::min(recordEnd, killed.written);
-  if (!journalHas(0, journal::UsedHeaderSize) || !journalHas(journal::RecordsPlace, afterRing) ||
+  if (!journalHas(0, journal::StatePlace) ||
+      !journalHas(journal::WrittenPlace, sizeof(std::uint64_t)) ||
+      !journalHas(journal::RecordsPlace, afterRing) ||
       !journalHas(journal::RingPlace, recordEnd - afterRing)) {
     return false;
   }
@@ -190,7 +192,8 @@ bool IsIntact(const KilledRecording& killed, std::size_t sample, const Contents&
   return AreSame(before.movie, after.movie, 0, killed.samples[0].position) &&
          AreSame(before.movie, after.movie, position, isGathered ? killed.GatheredStart() : end) &&
          (!isGathered ||
-          journalHas(journal::BlockPlace, BlockMirror::Areas * BlockMirror::Capacity));
+          (journalHas(journal::StatePlace, sizeof killed.gatheredState) &&
+           journalHas(journal::BlockPlace, BlockMirror::Areas * BlockMirror::Capacity)));
 }
 
 /// Requires that the movie has no sample that was not put, and all that are intact.

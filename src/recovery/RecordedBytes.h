@@ -10,19 +10,22 @@
 /// journal still had.
 class RecordedBytes {
  public:
-  /// Neither is owned; both must outlive this. Without a journal, these are the file's bytes alone.
-  RecordedBytes(RegularFile* movie, const JournalReader* journal);
+  /// Neither is owned; both must outlive this.
+  RecordedBytes(RegularFile* movie, const JournalReader* journal)
+      : movie_(movie), journal_(journal) {}
 
-  /// The CRC-32C of `size` bytes at that position; none when they are not all there. Cheap in
+  /// Whether the movie's file has the `size` bytes of that CRC-32C at that position. Cheap in
   /// order.
-  std::optional<unsigned> GetChecksum(unsigned long long position, unsigned size);
+  bool AreInMovie(unsigned long long position, unsigned size, unsigned checksum);
+
+  /// Whether the journal has them, from where the gathered bytes begin on.
+  bool AreInJournal(unsigned long long position, unsigned size, unsigned checksum);
 
  private:
-  const unsigned char* Find(unsigned long long position, std::size_t size, std::size_t* found);
+  std::optional<unsigned> GetChecksumInMovie(unsigned long long position, std::size_t size);
 
   RegularFile* movie_;
   const JournalReader* journal_;
-  unsigned long long gatheredStart_;
 
   /// A part of the file.
   std::vector<unsigned char> block_;

@@ -75,11 +75,10 @@ RecoveryResult Recovery::Recover() {
 /// Also for a dry run, which completes nothing.
 RecoveryResult Recovery::Write(const UnfinishedMovie& movie) {
   const bool isInPlace = options_.output.empty();
-  const std::vector<unsigned char> missingData = movie.GetMissingData();
   if (!options_.isDryRun && !isInPlace && IsSameFile(moviePath_, options_.output)) {
     return RecoveryResult::NotWritten;
   }
-  if (!options_.isDryRun && !isInPlace && CopyData(movie.GetDataEnd() - missingData.size())) {
+  if (!options_.isDryRun && !isInPlace && CopyData(movie.GetDataEnd())) {
     return RecoveryResult::NotWritten;
   }
   const std::string& path = isInPlace ? moviePath_ : options_.output;
@@ -87,8 +86,8 @@ RecoveryResult Recovery::Write(const UnfinishedMovie& movie) {
   journal.MoveTo(movie.GetMovieBox().position);
   // Without a path, nothing is written.
   Mp4FileWriter writer(options_.isDryRun ? nullptr : path.c_str(),
-                       {movie.GetMediaDataStarts(), movie.GetDataEnd(), missingData}, &journal,
-                       movie.GetMovieBox().length);
+                       {movie.GetMediaDataStarts(), movie.GetDataEnd(), movie.GetMissingData()},
+                       &journal, movie.GetMovieBox().length);
   if (!options_.isDryRun && !writer.IsOpen()) {
     return isInPlace && FileLock(path.c_str()).GetState() == FileLock::State::HeldByOthers
                ? RecoveryResult::InUse

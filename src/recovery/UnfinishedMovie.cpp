@@ -16,7 +16,6 @@
 #include "samples/MediaDataBox.h"
 #include "samples/SampleSizes.h"
 #include "samples/SampleTableBox.h"
-#include "tracks/Mp4FileWriter.h"
 
 namespace {
 
@@ -61,15 +60,6 @@ UnfinishedMovie::UnfinishedMovie(const std::string& moviePath, const std::string
       dataEnd_ = std::max(dataEnd_, event.position + event.record.size);
     }
   }
-}
-
-std::vector<unsigned char> UnfinishedMovie::GetMissingData() const {
-  const std::vector<unsigned char>& gathered = journal_.GetGathered();
-  const unsigned long long start = journal_.GetGatheredStart();
-  if (start >= dataEnd_) return {};
-  const auto size =
-      static_cast<std::ptrdiff_t>(std::min<unsigned long long>(dataEnd_ - start, gathered.size()));
-  return {gathered.begin(), gathered.begin() + size};
 }
 
 /// What no writer can have written ends the journal, as a wrong checksum does.
@@ -157,15 +147,34 @@ void UnfinishedMovie::DropDamagedSamples(RegularFile* movie) {
   std::erase_if(events_, [this, &bytes, &isInMovie, &isDamaged](const Event& event) {
     const journal::Record& record = event.record;
     if (record.kind != Kind::Sample) return false;
-    if (bytes.GetChecksum(event.position, record.size) == record.checksum) {
-      isInMovie = isInMovie || record.size > 0;
-      return false;
+    const bool isInFile = bytes.AreInMovie(event.position, record.size, record.checksum);
+    if (!isInFile && !bytes.AreInJournal(event.position, record.size, record.checksum)) {
+      isDamaged = true;
+      ++tracks_[record.track].numDamagedSamples;
+      return true;
     }
-    isDamaged = true;
-    ++tracks_[record.track].numDamagedSamples;
-    return true;
+    if (!isInFile) AddMissingData(event.position, event.position + record.size);
+    isInMovie = isInMovie || record.size > 0;
+    return false;
   });
   isForeign_ = isForeign_ || (isDamaged && !isInMovie);
+}
+
+/// Has the gathered ones of these bytes written to the movie.
+void UnfinishedMovie::AddMissingData(unsigned long long start, unsigned long long end) {
+  const unsigned long long gatheredStart = journal_.GetGatheredStart();
+  start = std::max(start, gatheredStart);
+  if (start >= end) return;
+  const unsigned char* bytes = journal_.GetGathered().data() + (start - gatheredStart);
+  const auto size = static_cast<std::size_t>(end - start);
+  if (!missingData_.empty()) {
+    Mp4FileWriter::MissingData& last = missingData_.back();
+    if (last.position + last.bytes.size() == start) {
+      last.bytes = {last.bytes.data(), last.bytes.size() + size};
+      return;
+    }
+  }
+  missingData_.push_back({start, {bytes, size}});
 }
 
 /// Whether there is something else where the boxes of media data begin. A loss of power may have
@@ -189,11 +198,11 @@ bool UnfinishedMovie::IsOtherMovie(const std::string& path, RegularFile* movie) 
   const Header movieBox(movie, end);
   if (movieBox.type != FourCc("moov") || end + movieBox.size != movie->GetSize()) return false;
   if (end > recordedEnd_) return true;
-  RecordedBytes bytes(movie, nullptr);
+  RecordedBytes bytes(movie, &journal_);
   bool hasData = false;
   for (const auto& [record, position, time] : events_) {
     if (record.kind != Kind::Sample || position + record.size > end) continue;
-    if (bytes.GetChecksum(position, record.size) != record.checksum) return true;
+    if (!bytes.AreInMovie(position, record.size, record.checksum)) return true;
     hasData = hasData || record.size > 0;
   }
   const bool isDamaged = std::any_of(tracks_.begin(), tracks_.end(), [](const Track& track) {

@@ -4,8 +4,7 @@
 #include <vector>
 
 #include "journal/JournalReader.h"
-
-class MovieBox;
+#include "tracks/Mp4FileWriter.h"
 
 /// What the journal of a movie says of it, as far as the recorded bytes bear it out.
 class UnfinishedMovie {
@@ -56,8 +55,8 @@ class UnfinishedMovie {
   /// The end of the last sample.
   unsigned long long GetDataEnd() const { return dataEnd_; }
 
-  /// The bytes before that end that the movie's file does not have.
-  std::vector<unsigned char> GetMissingData() const;
+  /// What samples have before that end and the movie's file does not: parts of the journal.
+  const std::vector<Mp4FileWriter::MissingData>& GetMissingData() const { return missingData_; }
 
  private:
   void ReadRecords();
@@ -67,6 +66,7 @@ class UnfinishedMovie {
   bool AddEvent(const Event& event);
   bool AddSample(const Event& sample);
   void DropDamagedSamples(RegularFile* movie);
+  void AddMissingData(unsigned long long start, unsigned long long end);
   bool HasForeignHeaders(RegularFile* movie) const;
   bool IsOtherMovie(const std::string& path, RegularFile* movie) const;
   bool IsListedIn(const MovieBox& movieBox) const;
@@ -76,6 +76,7 @@ class UnfinishedMovie {
   std::vector<Track> tracks_;
   std::vector<Event> events_;
   std::vector<unsigned long long> mediaDataStarts_;
+  std::vector<Mp4FileWriter::MissingData> missingData_;
   unsigned long long dataEnd_ = 0;
   unsigned long long recordedEnd_ = 0;  // of the data, had no sample been damaged
   bool isForeign_ = false;

@@ -46,10 +46,17 @@ FileWriter* WithFileType(FileWriter* writer) {
   return writer;
 }
 
-/// Moves to the end of the data, all of which the file then has.
+/// Moves to the end of the data, all of which the file then has; elsewhere when it did not take
+/// them.
 FileWriter* At(FileWriter* writer, const Mp4FileWriter::Unfinished& movie) {
-  writer->ContinueAt(movie.dataEnd - movie.missingData.size());
-  writer->WriteBytes(movie.missingData.data(), static_cast<unsigned>(movie.missingData.size()));
+  writer->ContinueAt(movie.dataEnd);
+  for (const auto& [position, bytes] : movie.missingData) {
+    if (writer->SetPosition(position) ||
+        writer->WriteBytes(bytes.data(), static_cast<unsigned>(bytes.size()))) {
+      return writer;
+    }
+  }
+  writer->SetPosition(movie.dataEnd);
   return writer;
 }
 

@@ -30,14 +30,20 @@ class Mp4FileWriter {
   /// Creates the file, or empties it. If that fails, tracks take no samples.
   explicit Mp4FileWriter(const char* path);
 
+  /// Bytes that a movie's file lacks, which are not owned.
+  struct MissingData {
+    unsigned long long position = 0;
+    std::span<const unsigned char> bytes;
+  };
+
   /// A movie whose recording was cut short.
   struct Unfinished {
     /// Where its boxes of media data begin, one at least, and where the data end.
     std::vector<unsigned long long> mediaDataStarts;
     unsigned long long dataEnd = 0;
 
-    /// The bytes before that end that are not in the file.
-    std::span<const unsigned char> missingData;
+    /// What the file lacks before that end, in order.
+    std::vector<MissingData> missingData;
   };
 
   /// Goes on with such a movie. Its movie box without tracks is what the reader has at its

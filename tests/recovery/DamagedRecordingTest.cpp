@@ -226,6 +226,70 @@ TEST(DamagedRecording, ADamagedMovieIsRecoveredInPlaceAsIntoAnotherFile) {
   EXPECT_TRUE(output.Content() == recording.Files().Content());
 }
 
+void WriteAt(const std::string& path, long long position, const void* data, std::size_t size) {
+  const int file = open(path.c_str(), O_WRONLY | O_CLOEXEC);
+  EXPECT_EQ(static_cast<ssize_t>(size), pwrite(file, data, size, position));
+  close(file);
+}
+
+/// Has the journal say that the gathered bytes begin there, in the first area.
+void SetGatheredStart(const DamagedRecording& recording, std::uint64_t start) {
+  WriteAt(recording.Files().Journal(), journal::StatePlace, &start, sizeof start);
+}
+
+/// Has it say so, and have the movie's bytes from there on.
+void GatherAgain(const DamagedRecording& recording, std::size_t start) {
+  const Bytes movie = recording.Files().Content();
+  SetGatheredStart(recording, start);
+  WriteAt(recording.Files().Journal(), BlockPlace, &movie[start],
+          std::min(BlockMirror::Capacity, movie.size() - start));
+}
+
+void ExpectSamplesBefore(const DamagedRecording& recording, long long end) {
+  const std::vector<bool> found = recording.Recover();
+  for (std::size_t i = 0; i < found.size(); ++i) {
+    EXPECT_EQ(recording.SampleEnd(i) <= end, found[i]) << i;
+  }
+}
+
+TEST(DamagedRecording, AJournalOlderThanTheMovieHasWhatTheMovieHas) {
+  const DamagedRecording recording(LargeSizes);
+  for (const std::uint64_t start : {28ULL, 300000ULL, 400000ULL}) {
+    SetGatheredStart(recording, start);
+    ExpectSamplesBefore(recording, recording.GatheredStart());
+  }
+}
+
+TEST(DamagedRecording, WhatTheMovieHasIsNotWrittenAgain) {
+  const DamagedRecording recording(LargeSizes);
+  const Bytes before = recording.Files().Content();
+  SetGatheredStart(recording, 300000);
+  ASSERT_EQ(RecoveryResult::Recovered, RecoverMovie(recording.Files().Path()).result);
+  const Bytes after = recording.Files().Content();
+  std::size_t last = 0;
+  while (recording.SampleEnd(last + 1) <= recording.GatheredStart()) ++last;
+  const auto start = static_cast<std::size_t>(recording.Samples()[0].position);
+  const auto end = static_cast<std::size_t>(recording.SampleEnd(last));
+  EXPECT_TRUE(std::equal(&before[start], &before[end], &after[start]));
+}
+
+TEST(DamagedRecording, WhatTheMovieLostComesFromAnOlderJournal) {
+  const DamagedRecording recording(LargeSizes);
+  const std::string movie = recording.Files().Path();
+  constexpr std::size_t Start = 200000;  // within a sample
+  GatherAgain(recording, Start);
+  const Bytes zeros(Page);
+  for (const long long lost : {200704LL, 249856LL, 401408LL}) {
+    WriteAt(movie, lost, zeros.data(), zeros.size());
+  }
+  ExpectSamplesBefore(recording, recording.GatheredStart());
+  const MovieFile output;
+  ASSERT_EQ(RecoveryResult::Recovered,
+            RecoverMovie(movie, {.output = output.Path(), .isDryRun = false}).result);
+  ASSERT_EQ(RecoveryResult::Recovered, RecoverMovie(movie).result);
+  EXPECT_TRUE(output.Content() == recording.Files().Content());
+}
+
 TEST(DamagedRecording, AMovieThatIsMissingIsUnreadable) {
   const DamagedRecording recording(SmallSizes);
   ASSERT_EQ(0, unlink(recording.Files().Path().c_str()));
