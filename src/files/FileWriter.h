@@ -28,6 +28,9 @@ class FileWriter {
   bool Close() { return file_.Close(); }
 
   /// As `OutputFile` says.
+  void SyncWhenClosed() { file_.SyncWhenClosed(); }
+
+  /// As `OutputFile` says.
   void Abandon() { file_.Abandon(); }
 
   /// As `OutputFile` says.

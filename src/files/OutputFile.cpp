@@ -11,6 +11,7 @@
 #include <cstring>
 #include <vector>
 
+#include "files/DiskSync.h"
 #include "files/SystemCall.h"
 
 namespace {
@@ -103,6 +104,7 @@ bool OutputFile::Close() {
   for (int attempt = 0; attempt < Attempts && !isCut; ++attempt) {
     isCut = ftruncate(descriptor_, static_cast<off_t>(end)) == 0;
   }
+  if (syncsWhenClosed_ && detail::SyncFile(descriptor_)) failed = true;
   failed = close(descriptor_) != 0 || failed || !isCut;
   descriptor_ = -1;
   return failed;

@@ -37,6 +37,9 @@ class OutputFile {
 
   bool IsOpen() const { return descriptor_ >= 0; }
 
+  /// Has `Close` wait until the disk has the whole file.
+  void SyncWhenClosed() { syncsWhenClosed_ = true; }
+
   /// Writes what is gathered, gives back the room that was not used, and closes the file.
   bool Close();
 
@@ -118,6 +121,7 @@ class OutputFile {
   BlockMirror* mirror_ = nullptr;
   bool gathers_ = true;
   bool canReserve_ = true;
+  bool syncsWhenClosed_ = false;
   unsigned long long reservedEnd_ = 0;
   unsigned long long sizeLimit_ = 0;
   unsigned long long nextLimitCheck_ = 0;

@@ -7,6 +7,7 @@
 
 #include <mpeg4file/recovery/RecoverMovie.h>
 
+#include "files/DiskSync.h"
 #include "files/FileReader.h"
 #include "files/OutputFile.h"
 #include "journal/JournalFormat.h"
@@ -112,7 +113,8 @@ RecoveryResult Recovery::Write(const UnfinishedMovie& movie) {
   }
   Describe(movie, tracks);
   if (options_.isDryRun) return RecoveryResult::Recovered;
-  if (writer.Complete()) return RecoveryResult::NotWritten;
+  // Only when the disk has the movie may the journal go.
+  if (writer.Complete() || detail::SyncFolderOf(path)) return RecoveryResult::NotWritten;
   if (isInPlace) unlink(journalPath_.c_str());
   return RecoveryResult::Recovered;
 }

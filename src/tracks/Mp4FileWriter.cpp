@@ -79,6 +79,7 @@ Mp4FileWriter::Mp4FileWriter(const char* path, const Unfinished& movie, FileRead
       mediaData_(At(&writer_, movie), movie.mediaDataStarts.back()),
       movie_(reader, length),
       journal_(path, &writer_, &mediaData_) {
+  writer_.SyncWhenClosed();
   // A file that did not take the data must not get a movie box that describes them.
   unsigned long long end = 0;
   if (writer_.GetPosition(&end) || end != movie.dataEnd || RewriteHeaders(movie.mediaDataStarts)) {

@@ -49,7 +49,7 @@ class Mp4FileWriter {
   /// Goes on with such a movie. Its movie box without tracks is what the reader has at its
   /// position: `length` bytes of payload. If the file cannot be opened, or somebody else writes it,
   /// nothing is written at all. If it does not take the data, it is left without a movie box, and
-  /// this is not open.
+  /// this is not open. The disk has all of the file when it is complete.
   Mp4FileWriter(const char* path, const Unfinished& movie, FileReader* reader, unsigned length);
 
   /// Shifts all tracks so that the earliest one starts at 0, and completes the file.

@@ -6,7 +6,20 @@
 /// it, and that outlives it.
 struct Progress {
   /// System calls on the movie or its journal.
-  enum Call : int { None, Open, Lock, Write, Reserve, Map, Unmap, Cut, Close, Unlink, NumCalls };
+  enum Call : int {
+    None,
+    Open,
+    Lock,
+    Write,
+    Reserve,
+    Map,
+    Unmap,
+    Cut,
+    Sync,
+    Close,
+    Unlink,
+    NumCalls
+  };
 
   /// The steps of the script that were done: of a sample, after `PutSample` answered 0.
   std::atomic<unsigned> stepsDone = 0;

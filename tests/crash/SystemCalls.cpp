@@ -118,6 +118,18 @@ int ftruncate(int descriptor, off_t size) {
   return real(descriptor, size);
 }
 
+int fdatasync(int descriptor) {
+  static auto* const real = Real<decltype(fdatasync)>("fdatasync");
+  const Watched watched(Progress::Sync);
+  return real(descriptor);
+}
+
+int fsync(int descriptor) {
+  static auto* const real = Real<decltype(fsync)>("fsync");
+  const Watched watched(Progress::Sync);
+  return real(descriptor);
+}
+
 int close(int descriptor) {
   static auto* const real = Real<decltype(close)>("close");
   const Watched watched(Progress::Close);

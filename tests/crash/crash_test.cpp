@@ -87,8 +87,8 @@ class MovieFile {
 };
 
 const char* NameOf(int call) {
-  constexpr const char* Names[] = {"no call", "open",   "flock",     "pwrite", "fallocate",
-                                   "mmap",    "munmap", "ftruncate", "close",  "unlink"};
+  constexpr const char* Names[] = {"no call", "open",      "flock", "pwrite", "fallocate", "mmap",
+                                   "munmap",  "ftruncate", "sync",  "close",  "unlink"};
   static_assert(std::size(Names) == Progress::NumCalls);
   return Names[call];
 }

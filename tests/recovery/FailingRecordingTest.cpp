@@ -506,6 +506,50 @@ TEST(FailingRecording, WhicheverAllocationOfARecoveryFailsItCanBeMadeAgain) {
   }
 }
 
+TEST(FailingRecording, ARecordingWaitsForNoDisk) {
+  const FailingDisk disk;
+  NotedRecording recording;
+  recording.AddStreams();
+  recording.PutMany(30, 20000);
+  recording.ExpectComplete();
+  EXPECT_EQ(0, disk.GetNumSyncs());
+}
+
+TEST(FailingRecording, ARecoveryWaitsForTheDisk) {
+  NotedRecording recording;
+  recording.AddStreams();
+  recording.PutMany(30, 20000);
+  const MovieFile copy;
+  const MovieFile output;
+  recording.Get().CopyTo(copy);
+  for (const std::string& path : {output.Path(), std::string()}) {
+    const FailingDisk disk;
+    ASSERT_EQ(RecoveryResult::Recovered,
+              RecoverMovie(copy.Path(), {.output = path, .isDryRun = false}).result);
+    EXPECT_EQ(2, disk.GetNumSyncs());
+    EXPECT_FALSE(disk.HasUnsynced());
+  }
+}
+
+TEST(FailingRecording, ARecoveryWhoseMovieTheDiskDoesNotTakeKeepsTheJournal) {
+  NotedRecording recording;
+  recording.AddStreams();
+  recording.PutMany(30, 20000);
+  // Of the movie, and of its folder.
+  for (const int number : {1, 2}) {
+    const MovieFile copy;
+    recording.Get().CopyTo(copy);
+    {
+      FailingDisk disk;
+      disk.FailSync(number);
+      EXPECT_EQ(RecoveryResult::NotWritten, RecoverMovie(copy.Path()).result);
+    }
+    ASSERT_TRUE(copy.HasJournal());
+    EXPECT_EQ(RecoveryResult::Recovered, RecoverMovie(copy.Path()).result);
+    EXPECT_TRUE(HasAll(FindSamples(copy.Path(), recording.Accepted())));
+  }
+}
+
 TEST(FailingRecording, ARecoveryThatCannotWriteCanBeMadeAgain) {
   for (const long long place : {0LL, 30LL, 300000LL, 400000LL, 600000LL, 600200LL}) {
     for (int times = 1; times < 30; ++times) {

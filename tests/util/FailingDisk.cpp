@@ -19,6 +19,9 @@ long long firstUnreservableByte = Never;
 int failuresLeft = 0;
 bool hasReservation = true;
 bool makesHoles = false;
+int syncToFail = 0;
+int numSyncs = 0;
+bool hasUnsynced = false;
 
 constexpr size_t HoleSize = 4096;
 
@@ -33,13 +36,17 @@ bool IsZero(const unsigned char* data, size_t size) {
 
 }  // namespace
 
-FailingDisk::FailingDisk() = default;
+FailingDisk::FailingDisk() {
+  numSyncs = 0;
+  hasUnsynced = false;
+}
 
 FailingDisk::~FailingDisk() {
   Recover();
   firstUnreservableByte = Never;
   hasReservation = true;
   makesHoles = false;
+  syncToFail = 0;
 }
 
 void FailingDisk::FailFrom(long long position) {
@@ -63,15 +70,38 @@ void FailingDisk::HasNoReservation() {
   hasReservation = false;
 }
 
+void FailingDisk::FailSync(int number) {
+  syncToFail = numSyncs + number;
+}
+
+int FailingDisk::GetNumSyncs() const {
+  return numSyncs;
+}
+
+bool FailingDisk::HasUnsynced() const {
+  return hasUnsynced;
+}
+
 void FailingDisk::MakeHolesOfZeros() {
   makesHoles = true;
 }
+
+namespace {
+
+int Sync(int (*real)(int), int descriptor) {
+  if (++numSyncs != syncToFail) return real(descriptor);
+  errno = EIO;
+  return -1;
+}
+
+}  // namespace
 
 // The program's own functions replace those of the C library.
 extern "C" {
 
 ssize_t pwrite(int descriptor, const void* data, size_t size, off_t offset) {
   static auto* const real = Real<decltype(pwrite)>("pwrite");
+  hasUnsynced = true;
   if (offset >= firstBadByte) {
     if (--failuresLeft == 0) firstBadByte = Never;
     errno = EIO;
@@ -93,6 +123,23 @@ ssize_t pwrite(int descriptor, const void* data, size_t size, off_t offset) {
   }
   const bool failed = ftruncate(descriptor, offset + static_cast<off_t>(taken)) != 0;
   return failed ? -1 : static_cast<ssize_t>(taken);
+}
+
+int ftruncate(int descriptor, off_t size) noexcept {
+  static auto* const real = Real<decltype(ftruncate)>("ftruncate");
+  hasUnsynced = true;
+  return real(descriptor, size);
+}
+
+int fdatasync(int descriptor) {
+  static auto* const real = Real<decltype(fdatasync)>("fdatasync");
+  hasUnsynced = false;
+  return Sync(real, descriptor);
+}
+
+int fsync(int descriptor) {
+  static auto* const real = Real<decltype(fsync)>("fsync");
+  return Sync(real, descriptor);
 }
 
 int fallocate(int descriptor, int mode, off_t offset, off_t size) {

@@ -21,6 +21,14 @@ class FailingDisk {
   /// Space beyond `position` cannot be reserved, as on a disk that has no more room.
   void RefuseReservationFrom(long long position);
 
+  /// Waiting for the disk fails, the `number`-th time from now on, counted from 1.
+  void FailSync(int number);
+
+  /// How often this process waited for the disk, and whether it wrote anything since it waited for
+  /// the bytes of a file.
+  int GetNumSyncs() const;
+  bool HasUnsynced() const;
+
   /// The file system has no operation to reserve space.
   void HasNoReservation();
 

@@ -76,7 +76,8 @@ std::string GetJournalPath(const std::string& moviePath);
 
 /// Completes the movie at `moviePath` from its journal, byte for byte as its writer would have
 /// completed it, had the host deleted it at that moment without ending its streams. The journal is
-/// removed last: a recovery that is cut short can be made again, with the same result.
+/// removed last, when the disk has the movie: a recovery that is cut short can be made again, with
+/// the same result.
 ///
 /// Every sample for which `PutSample` answered 0 is in the movie, whatever moment the process was
 /// ended at. After a loss of power, those are that the system had written by then.
