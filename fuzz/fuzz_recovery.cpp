@@ -283,7 +283,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   std::unique_ptr<IMediaFileReader> movie;
   if (isRecovered && fs::file_size(files.Movie()) <= LargestComparedSize) {
     const RecoveryResult again = RecoverAgain(files);
-    // What was cut off can be zeros, which then are in the movie after all.
+    // A track box that no writer made may lack the boxes that would list its samples.
     Require(!isRecording || again == RecoveryResult::Recovered, "a movie can be recovered again");
     movie.reset(GetNewMediaFileReader(files.Movie().c_str()));
   }

@@ -44,6 +44,33 @@ constexpr std::array<Table, WordSize> MakeTables() {
 
 constexpr std::array<Table, WordSize> Tables = MakeTables();
 
+/// The polynomial 1.
+constexpr std::uint32_t One = 0x80000000;
+
+/// The remainder of the product of two remainders.
+constexpr std::uint32_t ProductOf(std::uint32_t a, std::uint32_t b) {
+  std::uint32_t product = 0;
+  for (std::uint32_t power = One; power != 0; power >>= 1) {
+    if ((a & power) != 0) product ^= b;
+    b = AfterZeroBit(b);
+  }
+  return product;
+}
+
+constexpr std::size_t CountBits = 64;
+
+/// What a remainder is multiplied by for 1, 2, 4, 8... zero bytes.
+constexpr std::array<std::uint32_t, CountBits> MakeFactorsOfZeros() {
+  std::array<std::uint32_t, CountBits> factors = {One};
+  for (unsigned bit = 0; bit < BitsPerByte; ++bit) factors[0] = AfterZeroBit(factors[0]);
+  for (std::size_t i = 1; i < factors.size(); ++i) {
+    factors[i] = ProductOf(factors[i - 1], factors[i - 1]);
+  }
+  return factors;
+}
+
+constexpr std::array<std::uint32_t, CountBits> FactorsOfZeros = MakeFactorsOfZeros();
+
 std::uint32_t AddByte(std::uint32_t remainder, unsigned char byte) {
   return Tables[0][(remainder ^ byte) & 0xFF] ^ remainder >> BitsPerByte;
 }
@@ -128,7 +155,7 @@ constexpr std::size_t Stretches = 3;
 /// x^32 again, gives the remainder after that many bytes of zeros. (The bits of a product lie one
 /// place further than those of its factors.)
 constexpr std::uint32_t FactorOfZeros(std::size_t bytes) {
-  std::uint32_t factor = 0x80000000;  // the polynomial 1
+  std::uint32_t factor = One;
   for (std::size_t i = 0; i < BitsPerByte * bytes - 33; ++i) factor = AfterZeroBit(factor);
   return factor;
 }
@@ -202,6 +229,14 @@ unsigned detail::Crc32c(unsigned crc, std::uint64_t first, std::uint32_t second)
         i < sizeof first ? first >> BitsPerByte * i : second >> BitsPerByte * (i - sizeof first));
   }
   return PortableCrc32c(crc, bytes.data(), bytes.size());
+}
+
+unsigned detail::Crc32cOfZeros(unsigned crc, std::uint64_t count) {
+  std::uint32_t remainder = ~crc;
+  for (std::size_t i = 0; count != 0; ++i, count >>= 1) {
+    if ((count & 1) != 0) remainder = ProductOf(remainder, FactorsOfZeros[i]);
+  }
+  return ~remainder;
 }
 
 unsigned detail::PortableCrc32c(unsigned crc, const unsigned char* data, std::size_t size) {

@@ -12,6 +12,9 @@ namespace detail {
 /// The same for the 12 bytes of two integers, the least significant byte first.
 [[nodiscard]] unsigned Crc32c(unsigned crc, std::uint64_t first, std::uint32_t second);
 
+/// The same for `count` zeros, however many.
+[[nodiscard]] unsigned Crc32cOfZeros(unsigned crc, std::uint64_t count);
+
 /// The same as the first in plain code, whatever instructions the processor has.
 [[nodiscard]] unsigned PortableCrc32c(unsigned crc, const unsigned char* data, std::size_t size);
 

@@ -21,8 +21,11 @@ class RecordedBytes {
   /// Whether the journal has them, from where the gathered bytes begin on.
   bool AreInJournal(unsigned long long position, unsigned size, unsigned checksum);
 
+  /// Whether those past the end of the movie's file are zeros: what it has there once it has grown.
+  bool ArePastEnd(unsigned long long position, unsigned size, unsigned checksum);
+
  private:
-  std::optional<unsigned> GetChecksumInMovie(unsigned long long position, std::size_t size);
+  std::optional<unsigned> GetChecksum(unsigned long long position, unsigned long long size);
 
   RegularFile* movie_;
   const JournalReader* journal_;

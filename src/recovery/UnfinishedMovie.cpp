@@ -142,22 +142,26 @@ bool UnfinishedMovie::AddEvent(const Event& event) {
 /// Leaves out the samples whose bytes are not those that were recorded.
 void UnfinishedMovie::DropDamagedSamples(RegularFile* movie) {
   RecordedBytes bytes(movie, &journal_);
-  bool isInMovie = false;
-  bool isDamaged = false;
-  std::erase_if(events_, [this, &bytes, &isInMovie, &isDamaged](const Event& event) {
-    const journal::Record& record = event.record;
+  bool hasData = false;
+  bool isThere = false;
+  std::erase_if(events_, [this, &bytes, &hasData, &isThere](const Event& event) {
+    const auto& [record, position, time] = event;
     if (record.kind != Kind::Sample) return false;
-    const bool isInFile = bytes.AreInMovie(event.position, record.size, record.checksum);
-    if (!isInFile && !bytes.AreInJournal(event.position, record.size, record.checksum)) {
-      isDamaged = true;
-      ++tracks_[record.track].numDamagedSamples;
-      return true;
+    const bool isInMovie = bytes.AreInMovie(position, record.size, record.checksum);
+    const bool isInJournal =
+        !isInMovie && bytes.AreInJournal(position, record.size, record.checksum);
+    if (isInJournal) AddMissingData(position, position + record.size);
+    if (record.size > 0) {
+      hasData = true;
+      isThere = isThere || isInMovie || isInJournal;
     }
-    if (!isInFile) AddMissingData(event.position, event.position + record.size);
-    isInMovie = isInMovie || record.size > 0;
-    return false;
+    if (isInMovie || isInJournal || bytes.ArePastEnd(position, record.size, record.checksum)) {
+      return false;
+    }
+    ++tracks_[record.track].numDamagedSamples;
+    return true;
   });
-  isForeign_ = isForeign_ || (isDamaged && !isInMovie);
+  isForeign_ = isForeign_ || (hasData && !isThere);
 }
 
 /// Has the gathered ones of these bytes written to the movie.

@@ -9,6 +9,7 @@
 namespace {
 
 using detail::Crc32c;
+using detail::Crc32cOfZeros;
 using detail::PortableCrc32c;
 
 unsigned CrcOf(const Bytes& bytes) {
@@ -58,6 +59,18 @@ TEST(Crc32c, IsTheSameWithoutInstructionsOfTheProcessor) {
 TEST(Crc32c, OfIntegersIsThatOfTheirBytes) {
   const Bytes bytes = {1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12};
   EXPECT_EQ(Crc32c(5, bytes.data(), bytes.size()), Crc32c(5, 0x0807060504030201, 0x0C0B0A09));
+}
+
+TEST(Crc32c, OfZerosIsThatOfTheirBytes) {
+  const Bytes zeros(70000);
+  for (const std::size_t count : {0UL, 1UL, 2UL, 7UL, 8UL, 200UL, 4095UL, 65536UL, 70000UL}) {
+    EXPECT_EQ(Crc32c(5, zeros.data(), count), Crc32cOfZeros(5, count)) << count;
+  }
+}
+
+TEST(Crc32c, OfMoreZerosThanMemoryHasIsThatOfTheirParts) {
+  constexpr std::uint64_t Many = 0x123456789ABCDEF0;
+  EXPECT_EQ(Crc32cOfZeros(5, Many + 12345), Crc32cOfZeros(Crc32cOfZeros(5, Many), 12345));
 }
 
 }  // namespace

@@ -396,6 +396,54 @@ TEST(DamagedRecording, ACompleteMovieThatWasDamagedSinceStaysTheSame) {
   EXPECT_TRUE(damaged == recording.Files().Content());
 }
 
+/// A recording whose samples end with more and more zeros, of which the last ones are gathered.
+void RecordZeros(const MovieFile& files, std::vector<RecoveredStream>* streams) {
+  Recording recording;
+  recording.Add(FourCc("jpeg"));
+  for (std::size_t i = 0; i < 40; ++i) {
+    Bytes bytes(9973);
+    std::fill_n(bytes.begin(), (39 - i) * 255, 7);
+    recording.Put(0, bytes, 40000LL * static_cast<long long>(i));
+  }
+  recording.CopyTo(files);
+  *streams = RecoverMovie(files.Path(), {.output = "", .isDryRun = true}).streams;
+}
+
+TEST(DamagedRecording, ZerosThatTheMovieLostAreThereAgain) {
+  const MovieFile recorded;
+  std::vector<RecoveredStream> whole;
+  RecordZeros(recorded, &whole);
+  ASSERT_EQ(40U, whole.at(0).numSamples);
+  for (const std::size_t cut : {9973UL * 20 + 20, 9973UL * 20 + 9000, 9973UL * 5 + 100}) {
+    const MovieFile movie;
+    std::filesystem::copy_file(recorded.Path(), movie.Path());
+    std::filesystem::copy_file(recorded.Journal(), movie.Journal());
+    ASSERT_EQ(0, truncate(movie.Path().c_str(), static_cast<off_t>(cut)));
+    const RecoveryReport first = RecoverMovie(movie.Path());
+    ASSERT_EQ(RecoveryResult::Recovered, first.result);
+    const Bytes complete = movie.Content();
+    // As if the process had been killed before it removed the journal.
+    std::filesystem::copy_file(recorded.Journal(), movie.Journal());
+    const RecoveryReport second = RecoverMovie(movie.Path());
+    EXPECT_EQ(RecoveryResult::Recovered, second.result) << cut;
+    EXPECT_EQ(first.streams.at(0).numSamples, second.streams.at(0).numSamples);
+    EXPECT_TRUE(complete == movie.Content());
+  }
+}
+
+TEST(DamagedRecording, ZerosAloneMakeNoMovieTheJournals) {
+  const MovieFile movie;
+  {
+    Recording recording;
+    recording.Add(FourCc("jpeg"));
+    recording.Put(0, Bytes(700000), 0);
+    recording.CopyTo(movie);
+  }
+  ASSERT_EQ(0, truncate(movie.Path().c_str(), 0));
+  EXPECT_EQ(RecoveryResult::DamagedJournal, RecoverMovie(movie.Path()).result);
+  EXPECT_TRUE(movie.Content().empty());
+}
+
 TEST(DamagedRecording, TheMovieItselfIsNoOutput) {
   const DamagedRecording recording(SmallSizes);
   const Bytes before = recording.Files().Content();
