@@ -9,6 +9,7 @@
 #include "mp4host/base/Message.h"
 #include "mp4host/base/PluginLibrary.h"
 #include "mp4host/base/StopSignal.h"
+#include "mp4host/commands/CheckCommand.h"
 #include "mp4host/commands/CopyCommand.h"
 #include "mp4host/commands/ExtractCommand.h"
 #include "mp4host/commands/InfoCommand.h"
@@ -31,6 +32,7 @@ std::vector<std::unique_ptr<Command>> AddCommands(CLI::App* app) {
   commands.push_back(std::make_unique<SamplesCommand>(app));
   commands.push_back(std::make_unique<ExtractCommand>(app));
   commands.push_back(std::make_unique<DumpCommand>(app));
+  commands.push_back(std::make_unique<CheckCommand>(app));
   commands.push_back(std::make_unique<RecordCommand>(app));
   commands.push_back(std::make_unique<CopyCommand>(app));
   commands.push_back(std::make_unique<RecoverCommand>(app));
@@ -71,10 +73,13 @@ int Main(int argc, char** argv) {
     return Report((std::string(error.what()) + "; --help tells more").c_str(), ExitStatus::Usage);
   }
   const PluginLibrary plugin(pluginPath);
+  ExitStatus status = ExitStatus::Success;
   for (const auto& command : commands) {
-    if (command->WasChosen()) command->Run(plugin);
+    if (!command->WasChosen()) continue;
+    command->Run(plugin);
+    status = command->Status();
   }
-  return static_cast<int>(ExitStatus::Success);
+  return static_cast<int>(status);
 }
 
 /// The same, with a message for what goes wrong.

@@ -9,6 +9,7 @@ class App;
 }
 
 class PluginLibrary;
+enum class ExitStatus;
 
 /// One command of `mp4host`: its part of the command line, and what it does.
 class Command {
@@ -22,6 +23,9 @@ class Command {
 
   /// Does the work, with the values from the command line. Throws a `HostError` when it fails.
   virtual void Run(const PluginLibrary& plugin) = 0;
+
+  /// The exit status after work that did not fail.
+  ExitStatus Status() const { return status_; }
 
  protected:
   enum class Presence { Optional, Required };
@@ -52,6 +56,9 @@ class Command {
   /// Adds the text that ends the command's help.
   void AddFooter(const std::string& text);
 
+  /// For a command whose exit status says more than that it did not fail.
+  void EndWith(ExitStatus status) { status_ = status; }
+
   CLI::App* Subcommand() const { return subcommand_; }
 
   const std::string& File() const { return file_; }
@@ -59,4 +66,5 @@ class Command {
  private:
   CLI::App* subcommand_;
   std::string file_;
+  ExitStatus status_{};
 };

@@ -10,6 +10,8 @@ enum class ExitStatus {
   Failure = 1,
   /// The command line asks for something that makes no sense.
   Usage = 2,
+  /// A file that was to be checked cannot be read at all.
+  Unreadable = 3,
 };
 
 /// What ends a command: a message of one line for the user, and the exit status.

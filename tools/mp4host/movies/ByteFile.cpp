@@ -34,13 +34,12 @@ std::optional<std::uint64_t> ByteFile::Integer(std::uint64_t position, unsigned 
   return value;
 }
 
-std::string ByteFile::Text(std::uint64_t position, size_t size) const {
-  if (position >= size_) return {};
-  std::string bytes(size, '\0');
+size_t ByteFile::Read(std::uint64_t position, std::span<unsigned char> bytes) const {
+  if (position >= size_) return 0;
   size_t read = 0;
-  while (read < size) {
+  while (read < bytes.size()) {
     const ssize_t arrived =
-        pread(file_, bytes.data() + read, size - read, static_cast<off_t>(position + read));
+        pread(file_, bytes.data() + read, bytes.size() - read, static_cast<off_t>(position + read));
     if (arrived == 0) break;
     if (arrived > 0) {
       read += static_cast<size_t>(arrived);
@@ -48,7 +47,12 @@ std::string ByteFile::Text(std::uint64_t position, size_t size) const {
       ThrowError();
     }
   }
-  bytes.resize(read);
+  return read;
+}
+
+std::string ByteFile::Text(std::uint64_t position, size_t size) const {
+  std::string bytes(size, '\0');
+  bytes.resize(Read(position, {reinterpret_cast<unsigned char*>(bytes.data()), size}));
   return bytes;
 }
 

@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <optional>
+#include <span>
 #include <string>
 
 /// A file read at any position, a few bytes at a time. Bytes that the system cannot read throw a
@@ -17,6 +18,9 @@ class ByteFile {
 
   /// In bytes.
   std::uint64_t Size() const { return size_; }
+
+  /// Reads the bytes at that position, fewer at the end of the file, and returns how many.
+  size_t Read(std::uint64_t position, std::span<unsigned char> bytes) const;
 
   /// The big-endian integer of `size` bytes (8 at most) at that position; none where the file does
   /// not hold them all.

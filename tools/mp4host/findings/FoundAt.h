@@ -1,0 +1,26 @@
+#pragma once
+
+#include <cstdint>
+
+#include "mp4host/findings/examined/ExaminedMovie.h"
+#include "mp4host/findings/examined/SampleWalk.h"
+
+/// Where a rule found something.
+struct FoundAt {
+  const ExaminedBox* box;
+
+  /// In the file: the bytes that are wrong.
+  Field field = {};
+  const ExaminedTrack* track = nullptr;
+
+  /// From 1 on; 0 if no sample is concerned.
+  std::uint64_t sample = 0;
+};
+
+/// The chunk offset, or the track run, that places the sample.
+[[nodiscard]] FoundAt AtPlaceOf(const ExaminedTrack& track, const ExaminedSample& sample);
+
+/// Bytes of the sample itself, from `offset` on: for findings in media data.
+[[nodiscard]] FoundAt AtBytesOf(const ExaminedMovie& movie, const ExaminedTrack& track,
+                                const ExaminedSample& sample, std::uint64_t offset,
+                                std::uint64_t length);

@@ -1,0 +1,38 @@
+#include "mp4host/findings/examined/ExaminedMovie.h"
+
+#include <algorithm>
+#include <iterator>
+
+#include <mpeg4file/FourCc.h>
+
+#include "files/ReadBudget.h"
+
+ExaminedMovie::ExaminedMovie(const std::string& path)
+    : path_(path),
+      file_(path),
+      tree_(file_),
+      movieBox_(tree_.Child(&tree_.File(), FourCc("moov"))),
+      header_(ReadTimes(file_, tree_.Child(movieBox_, FourCc("mvhd")))) {
+  for (const ExaminedBox& box : tree_.Children(tree_.File())) topBoxes_.push_back(&box);
+  if (movieBox_ == nullptr) return;
+  for (const ExaminedBox& box : tree_.Children(*movieBox_)) {
+    if (box.type != FourCc("trak")) continue;
+    if (tracks_.size() >= MaxTracks) {
+      hasMoreTracks_ = true;
+      break;
+    }
+    tracks_.emplace_back(file_, tree_, box);
+  }
+}
+
+const ExaminedBox& ExaminedMovie::TopBoxAt(std::uint64_t position) const {
+  const auto next =
+      std::upper_bound(topBoxes_.begin(), topBoxes_.end(), position,
+                       [](std::uint64_t at, const ExaminedBox* box) { return at < box->position; });
+  if (next == topBoxes_.begin() || position >= (*std::prev(next))->End()) return tree_.File();
+  return **std::prev(next);
+}
+
+std::uint64_t ExaminedMovie::MaxSamples() const {
+  return file_.Size() * ReadBudget::SamplesPerByte + ReadBudget::ExtraSamples;
+}

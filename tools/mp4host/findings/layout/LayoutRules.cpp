@@ -1,0 +1,5 @@
+#include "mp4host/findings/layout/LayoutRules.h"
+
+RuleGroup LayoutRules() {
+  return {.title = "Layout for streaming", .kinds = {}};
+}

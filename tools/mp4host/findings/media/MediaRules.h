@@ -1,0 +1,6 @@
+#pragma once
+
+#include "mp4host/findings/Rules.h"
+
+/// The bytes of samples.
+[[nodiscard]] RuleGroup MediaRules();

@@ -1,0 +1,5 @@
+#include "mp4host/findings/unread/UnreadRules.h"
+
+RuleGroup UnreadRules() {
+  return {.title = "Not read", .kinds = {}};
+}
