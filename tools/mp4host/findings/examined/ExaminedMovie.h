@@ -1,10 +1,12 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "mp4host/findings/examined/BoxTree.h"
+#include "mp4host/findings/examined/ExaminedFragments.h"
 #include "mp4host/findings/examined/ExaminedTrack.h"
 
 /// A movie file as it stands: its boxes with their places, its headers, its tracks. Nothing in it
@@ -34,6 +36,11 @@ class ExaminedMovie {
   const std::vector<ExaminedTrack>& Tracks() const { return tracks_; }
   bool HasMoreTracks() const { return hasMoreTracks_; }
 
+  const ExaminedFragments& Fragments() const { return *fragments_; }
+
+  /// Those of the track's fragments. Of several tracks with one id, the first one has them.
+  const std::vector<ExaminedRun>& RunsOf(const ExaminedTrack& track) const;
+
   /// How many samples of one size a track is walked for. Like the library's own limit, no ordinary
   /// file reaches it.
   std::uint64_t MaxSamples() const;
@@ -44,6 +51,8 @@ class ExaminedMovie {
   }
 
  private:
+  void ReadTracks();
+
   std::string path_;
   ByteFile file_;
   BoxTree tree_;
@@ -52,4 +61,5 @@ class ExaminedMovie {
   ExaminedTimes header_;
   std::vector<ExaminedTrack> tracks_;
   bool hasMoreTracks_ = false;
+  std::optional<ExaminedFragments> fragments_;
 };

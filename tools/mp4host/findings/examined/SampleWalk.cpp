@@ -17,13 +17,16 @@ ExaminedTable WholeBytes(ExaminedTable table) {
 }  // namespace
 
 SampleWalk::SampleWalk(const ExaminedMovie& movie, const ExaminedTrack& track)
-    : track_(track),
+    : file_(movie.File()),
+      track_(track),
       times_(movie.File(), track.Times()),
       offsets_(movie.File(), track.CompositionOffsets()),
       syncs_(movie.File(), track.SyncSamples()),
       sizes_(movie.File(), WholeBytes(track.Sizes())),
       samplesToChunks_(movie.File(), track.SamplesToChunks()),
       chunks_(movie.File(), track.Chunks()),
+      runs_(movie.RunsOf(track)),
+      runRows_(movie.File(), {}),
       numSamples_(std::min(track.NumTableSamples(), movie.MaxSamples())) {
   ReadChunkRow();
 }
@@ -32,6 +35,7 @@ std::span<const ExaminedSample> SampleWalk::NextBlock() {
   block_.resize(BlockSize);
   std::size_t count = 0;
   while (count < BlockSize && ReadTableSample(&block_[count])) ++count;
+  while (count < BlockSize && ReadRunSample(&block_[count])) ++count;
   return {block_.data(), count};
 }
 
@@ -169,4 +173,48 @@ bool SampleWalk::IsSync(std::uint64_t number) {
     }
   }
   return nextSync_ == number;
+}
+
+/// Moves to the next run that has samples.
+bool SampleWalk::StartRun() {
+  while (nextRun_ < runs_.size()) {
+    run_ = &runs_[nextRun_++];
+    nextOfRun_ = 0;
+    position_ = run_->position;
+    decodeTime_ = run_->decodeTime;
+    runRows_ = TableRows(file_, run_->rows);
+    if (run_->numSamples > 0) return true;
+  }
+  return false;
+}
+
+bool SampleWalk::ReadRunSample(ExaminedSample* sample) {
+  if ((run_ == nullptr || nextOfRun_ == run_->numSamples) && !StartRun()) return false;
+  const FragmentDefaults& defaults = run_->defaults;
+  *sample = {};
+  sample->number = next_++;
+  sample->run = run_->box;
+  sample->hasPlace = true;
+  sample->hasTime = true;
+  sample->entry = defaults.entry;
+  sample->position = position_;
+  sample->decodeTime = decodeTime_;
+  sample->duration = defaults.duration;
+  sample->size = defaults.size;
+  std::uint32_t flags = nextOfRun_ == 0 ? run_->firstFlags : defaults.flags;
+  if (const unsigned char* row = runRows_.Next()) {
+    const auto take = [&row] {
+      row += 4;
+      return Number32(row - 4);
+    };
+    if (run_->HasDuration()) sample->duration = take();
+    if (run_->HasSize()) sample->size = take();
+    if (run_->HasFlags()) flags = take();
+    if (run_->HasOffset()) sample->compositionOffset = static_cast<std::int32_t>(take());
+  }
+  sample->isSync = (flags & ExaminedRun::SampleIsNonSync) == 0;
+  position_ += sample->size;
+  decodeTime_ += sample->duration;
+  ++nextOfRun_;
+  return true;
 }

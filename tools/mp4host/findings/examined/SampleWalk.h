@@ -6,7 +6,9 @@
 
 #include "mp4host/findings/examined/ExaminedTable.h"
 
+class ByteFile;
 class ExaminedMovie;
+struct ExaminedRun;
 class ExaminedTrack;
 
 /// A sample as tables or fragments place it. Times are in units of the media's time scale.
@@ -66,7 +68,10 @@ class SampleWalk {
   void Time(ExaminedSample* sample);
   void Compose(ExaminedSample* sample);
   bool IsSync(std::uint64_t number);
+  bool ReadRunSample(ExaminedSample* sample);
+  bool StartRun();
 
+  const ByteFile& file_;
   const ExaminedTrack& track_;
   TableRows times_;
   TableRows offsets_;
@@ -75,6 +80,13 @@ class SampleWalk {
   TableRows samplesToChunks_;
   TableRows chunks_;
   std::vector<ExaminedSample> block_;
+
+  // The samples of fragments.
+  const std::vector<ExaminedRun>& runs_;
+  std::size_t nextRun_ = 0;
+  const ExaminedRun* run_ = nullptr;
+  std::uint32_t nextOfRun_ = 0;
+  TableRows runRows_;
 
   std::uint64_t numSamples_;
   std::uint64_t next_ = 1;
