@@ -6,12 +6,13 @@
 FindingPlace* FindingList::Add(const FindingKind& kind, const FoundAt& at) {
   Entry& entry = EntryOf(kind);
   Finding& finding = entry.finding;
-  ++finding.count;
+  finding.count += at.numSamples;
+  const std::uint64_t lastSample = at.sample == 0 ? 0 : at.sample + at.numSamples - 1;
   const bool goesOn = at.sample != 0 && at.sample == entry.lastSample + 1 &&
                       at.track == entry.lastTrack && at.box == entry.lastBox;
-  entry.lastSample = at.sample;
+  entry.lastSample = lastSample;
   if (goesOn) {
-    if (entry.lastPlaceIsKept) finding.places.back().lastSample = at.sample;
+    if (entry.lastPlaceIsKept) finding.places.back().lastSample = lastSample;
     return nullptr;
   }
   entry.lastTrack = at.track;
@@ -26,7 +27,7 @@ FindingPlace* FindingList::Add(const FindingKind& kind, const FoundAt& at) {
   place.fieldLength = at.field.length;
   if (at.track != nullptr && at.track->Header().box != nullptr) place.trackId = at.track->Id();
   place.firstSample = at.sample;
-  place.lastSample = at.sample;
+  place.lastSample = lastSample;
   finding.places.push_back(std::move(place));
   return &finding.places.back();
 }

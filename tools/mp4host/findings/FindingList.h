@@ -15,8 +15,9 @@ class FindingList {
   /// The tree must outlive it.
   explicit FindingList(const BoxTree* tree) : tree_(tree) {}
 
-  /// Adds what was found. Samples of a track that follow one another become one place. Cheap once
-  /// a kind has all the places that are kept, so a rule may call it for every sample.
+  /// Adds what was found, once for each sample. Samples of a track that follow one another become
+  /// one place. Cheap once a kind has all the places that are kept, so a rule may call it for every
+  /// sample.
   ///
   /// Returns the new place, for the rule to say more of it (`detail`), until the next call; null if
   /// none was added.

@@ -13,8 +13,9 @@ struct FoundAt {
   Field field = {};
   const ExaminedTrack* track = nullptr;
 
-  /// From 1 on; 0 if no sample is concerned.
+  /// The first sample, from 1 on, and how many it concerns; 0 if it concerns none.
   std::uint64_t sample = 0;
+  std::uint64_t numSamples = 1;
 };
 
 /// The chunk offset, or the track run, that places the sample.

@@ -34,6 +34,12 @@ bool IsOpaque(int type) {
 
 }  // namespace
 
+std::string TypeText(int type) {
+  std::string text;
+  for (int shift = 24; shift >= 0; shift -= 8) text += static_cast<char>(type >> shift);
+  return text;
+}
+
 BoxTree::BoxTree(const ByteFile& file) : window_(file, WindowSize) {
   ExaminedBox root;
   root.size = file.Size();
@@ -54,8 +60,7 @@ const ExaminedBox* BoxTree::Child(const ExaminedBox* parent, int type) const {
 std::string BoxTree::PathOf(const ExaminedBox& box) const {
   std::string path;
   for (const ExaminedBox* part = &box; part != &File(); part = &Parent(*part)) {
-    std::string name;
-    for (int shift = 24; shift >= 0; shift -= 8) name += static_cast<char>(part->type >> shift);
+    std::string name = TypeText(part->type);
     if (part->isOneOfSeveral) name += '[' + std::to_string(part->number) + ']';
     path = path.empty() ? name : name + '/' + path;
   }

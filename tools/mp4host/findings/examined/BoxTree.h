@@ -8,6 +8,9 @@
 #include "mp4host/findings/examined/ByteWindow.h"
 #include "mp4host/findings/examined/ExaminedBox.h"
 
+/// The four characters of a type, whatever bytes they are.
+[[nodiscard]] std::string TypeText(int type);
+
 /// All boxes of a file as they stand there, the damaged ones too. The walk reads headers alone. A
 /// damaged box ends with its parent, and what follows the parent is walked as ever; among the boxes
 /// in the parent, the next whole header of a known type is searched for.

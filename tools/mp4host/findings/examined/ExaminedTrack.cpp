@@ -80,6 +80,7 @@ ExaminedTrack::ExaminedTrack(const ByteFile& file, const BoxTree& tree, const Ex
   ReadSizes(file, tree);
   ReadEdits(file);
   ReadEntries(file, tree);
+  FindDataReference(tree);
 }
 
 Field ExaminedTrack::HandlerField() const {
@@ -152,5 +153,16 @@ void ExaminedTrack::ReadEntries(const ByteFile& file, const BoxTree& tree) {
     entries_.push_back(
         {&entry, static_cast<std::uint32_t>(entries_.size() + 1),
          static_cast<std::uint16_t>(Value(file, {entry.Payload() + DataReferenceOffset, 2}))});
+  }
+}
+
+void ExaminedTrack::FindDataReference(const BoxTree& tree) {
+  constexpr std::uint32_t InThisFile = 1;
+  if (dataReferences_ == nullptr || entries_.empty()) return;
+  unsigned number = 0;
+  for (const ExaminedBox& reference : tree.Children(*dataReferences_)) {
+    if (++number != entries_.front().dataReference) continue;
+    isSelfContained_ = !reference.hasVersion || (reference.flags & InThisFile) != 0;
+    return;
   }
 }

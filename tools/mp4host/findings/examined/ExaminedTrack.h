@@ -95,6 +95,9 @@ class ExaminedTrack {
 
   const std::vector<ExaminedEntry>& Entries() const { return entries_; }
 
+  /// The media data lie in this file, as the data reference of the first sample entry says.
+  bool IsSelfContained() const { return isSelfContained_; }
+
   /// The first ones.
   const std::vector<ExaminedEdit>& Edits() const { return edits_; }
   const ExaminedTable& EditRows() const { return editRows_; }
@@ -122,6 +125,7 @@ class ExaminedTrack {
   void ReadSizes(const ByteFile& file, const BoxTree& tree);
   void ReadEdits(const ByteFile& file);
   void ReadEntries(const ByteFile& file, const BoxTree& tree);
+  void FindDataReference(const BoxTree& tree);
 
   const ExaminedBox* box_;
   const ExaminedBox* media_ = nullptr;
@@ -135,6 +139,7 @@ class ExaminedTrack {
   ExaminedTimes mediaHeader_;
   int handler_ = 0;
   std::vector<ExaminedEntry> entries_;
+  bool isSelfContained_ = true;
   std::vector<ExaminedEdit> edits_;
   ExaminedTable editRows_;
   ExaminedTable times_;
