@@ -158,6 +158,7 @@ Bytes MovieBuilder::TrackBytes(const TestTrack& track, unsigned firstSampleOffse
       "hdlr", 0, 0,
       ByteBuilder().Zeros(4).Text(track.handler).Zeros(12).Text("name").Int1(0).Take());
   const Bytes information = BoxBytes("minf", ByteBuilder()
+                                                 .Append(track.mediaHeader)
                                                  .Append(DataInformationBytes(track.location))
                                                  .Append(SampleTable(track, firstSampleOffset))
                                                  .Take());

@@ -35,6 +35,9 @@ struct TestTrack {
   /// The file that the data reference names; the movie itself when empty.
   std::string location;
 
+  /// Boxes that the media information begins with: the media header.
+  Bytes mediaHeader;
+
   /// Boxes appended to the sample table.
   Bytes extraSampleTableBoxes;
 

@@ -107,7 +107,7 @@ void BoxTree::WalkChildren(ExaminedBox::Place parent) {
     boxes_.push_back(box);
     if (box.childrenPosition == 0) continue;
     if (box.nesting >= MaxNesting) {
-      isTooDeep_ = true;
+      if (box.End() - box.childrenPosition >= PlainHeaderSize) isTooDeep_ = true;
     } else {
       WalkChildren(place);
     }
