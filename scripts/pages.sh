@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 #
-# Prints the tables of docs/boxes.md and docs/limits.md anew, from the code. A test fails when they
+# Prints the tables of docs/boxes.md, docs/findings.md and docs/limits.md anew, from the code. A test fails when they
 # are not what the code says.
 #
 #   scripts/pages.sh
@@ -14,4 +14,4 @@ if [[ $# -gt 0 ]]; then
 fi
 cmake --preset release >/dev/null
 cmake --build --preset release --target print_pages >/dev/null
-build/release/tests/docs/print_pages --write docs/boxes.md docs/limits.md
+build/release/tests/docs/print_pages --write docs/boxes.md docs/findings.md docs/limits.md

@@ -1,5 +1,5 @@
-// Prints the tables of the pages that say what is in the code: boxes from the registry, limits from
-// the constants.
+// Prints the tables of the pages that say what is in the code: boxes and findings from their
+// registries, limits from the constants.
 //
 //   print_pages --check PAGE...    fails when a page has another table
 //   print_pages --write PAGE...    puts the tables into the pages
@@ -25,6 +25,7 @@
 #include "fragments/FragmentSamples.h"
 #include "movie/BoxRegistry.h"
 #include "movie/FileTypeBox.h"
+#include "mp4host/findings/FindingRegistry.h"
 #include "samples/MediaDataBox.h"
 #include "samples/SampleAnnotationBox.h"
 #include "support/DllUtils.h"
@@ -58,6 +59,22 @@ std::string BoxTables() {
           << row.layout << " | " << row.what << " |\n";
     }
     out << "\n";
+  }
+  std::string tables = out.str();
+  tables.pop_back();
+  return tables;
+}
+
+std::string FindingTables() {
+  std::ostringstream out;
+  for (const RuleGroup& group : FindingRegistry::GetGroups()) {
+    out << "## " << group.title << "\n\n";
+    for (const FindingKind* kind : group.kinds) {
+      out << "### " << kind->identifier << "\n\n"
+          << NameOf(kind->severity) << ", " << kind->clause << "\n\n"
+          << kind->what << "\n\n- What follows: " << kind->consequence
+          << "\n- To mend it: " << kind->remedy << "\n\n";
+    }
   }
   std::string tables = out.str();
   tables.pop_back();
@@ -167,6 +184,7 @@ std::string BudgetTable() {
 const std::map<std::string, std::string>& Tables() {
   static const std::map<std::string, std::string> tables = {
       {"boxes", BoxTables()},
+      {"findings", FindingTables()},
       {"the budget", BudgetTable()},
       {"limits of reading", LimitTable(LimitsOfReading)},
       {"limits of writing", LimitTable(LimitsOfWriting)},

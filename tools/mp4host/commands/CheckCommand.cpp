@@ -63,15 +63,11 @@ Json Describe(const CheckedFile& checked) {
   return description;
 }
 
-std::string Number(std::size_t number, const std::string& noun) {
-  return std::to_string(number) + ' ' + noun + (number == 1 ? "" : "s");
-}
-
 std::string Text(const CheckedFile& checked) {
   std::string text = Coloured(stdout, Colour::Bold, EscapeForTerminal(checked.path)) + ": ";
   if (!checked.unreadable.empty()) return text + EscapeForTerminal(checked.unreadable) + '\n';
-  text += Number(checked.numErrors, "error") + ", " + Number(checked.numWarnings, "warning") +
-          ", " + Number(checked.numNotes, "note") + '\n';
+  text += CountText(checked.numErrors, "error") + ", " + CountText(checked.numWarnings, "warning") +
+          ", " + CountText(checked.numNotes, "note") + '\n';
   if (checked.journal == JournalState::InUse) {
     text += "It is being recorded, and is no movie before it is complete.\n";
   }

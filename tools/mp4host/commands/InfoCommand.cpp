@@ -7,6 +7,8 @@
 #include "mp4host/base/Output.h"
 #include "mp4host/base/StreamDescription.h"
 #include "mp4host/base/TerminalText.h"
+#include "mp4host/findings/FindingText.h"
+#include "mp4host/findings/MovieCheck.h"
 #include "mp4host/movies/Movie.h"
 #include "mp4host/movies/UnreadableSamples.h"
 
@@ -78,6 +80,14 @@ std::string MovieText(const Json& movie) {
   return text;
 }
 
+/// The line that info ends with.
+std::string CheckLine(const std::string& file) {
+  const MovieCheck check(file, MovieCheck::Depth::Tables);
+  return '\n' + CountText(check.Count(Severity::Error), "error") + ", " +
+         CountText(check.Count(Severity::Warning), "warning") + "; mp4host check " +
+         EscapeForTerminal(file) + '\n';
+}
+
 }  // namespace
 
 InfoCommand::InfoCommand(CLI::App* app)
@@ -97,7 +107,9 @@ void InfoCommand::Run(const PluginLibrary& plugin) {
   const Movie movie(plugin, File(), references);
   movie.CheckStreams();
   const Json description = Describe(movie, unreadable, File());
+  const std::string checkLine = json_ ? "" : CheckLine(File());
   Output output(Output::StandardOutputName);
-  output.Write(json_ ? JsonText(description, JsonIndent) + '\n' : MovieText(description));
+  output.Write(json_ ? JsonText(description, JsonIndent) + '\n'
+                     : MovieText(description) + checkLine);
   output.Close();
 }

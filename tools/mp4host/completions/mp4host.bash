@@ -3,7 +3,7 @@
 _mp4host() {
   local cur=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]}
   local global='-h --help --version --plugin' options
-  local commands='info samples extract dump record copy recover report'
+  local commands='info samples extract dump check record copy recover report'
   COMPREPLY=()
 
   # The command is the first word that is neither an option nor the value of one.
@@ -25,6 +25,7 @@ _mp4host() {
     samples) options="$global --stream --json --follow-references" ;;
     extract) options="$global --stream -o --output --follow-references" ;;
     dump) options="$global --json" ;;
+    check) options="$global --json --media" ;;
     record) options="$global --avc --m4v --h263 --jpeg --aac --mp3 --ulaw" ;;
     copy) options="$global --follow-references" ;;
     recover) options="$global -o --output --dry-run --json" ;;

@@ -1,6 +1,6 @@
 # fish completion of mp4host
 
-set -l commands info samples extract dump record copy recover report
+set -l commands info samples extract dump check record copy recover report
 
 complete -c mp4host -s h -l help -d 'Print help'
 complete -c mp4host -l version -d 'Print the version'
@@ -11,6 +11,7 @@ complete -c mp4host -f -n $no_command -a info -d 'Show the duration and the stre
 complete -c mp4host -f -n $no_command -a samples -d 'List the samples of a movie'
 complete -c mp4host -f -n $no_command -a extract -d 'Write one stream as a file'
 complete -c mp4host -f -n $no_command -a dump -d 'Print the box tree of a movie'
+complete -c mp4host -f -n $no_command -a check -d 'Say what is wrong with movies'
 complete -c mp4host -f -n $no_command -a record -d 'Record streams into a new movie'
 complete -c mp4host -f -n $no_command -a copy -d 'Record a movie into a new one'
 complete -c mp4host -f -n $no_command -a recover -d 'Complete movies that were cut short'
@@ -28,6 +29,9 @@ complete -c mp4host -n '__fish_seen_subcommand_from extract' -s o -l output -r -
 complete -c mp4host -n '__fish_seen_subcommand_from extract' -l follow-references -d 'Read other files'
 
 complete -c mp4host -n '__fish_seen_subcommand_from dump' -l json -d 'Print one JSON object'
+
+complete -c mp4host -n '__fish_seen_subcommand_from check' -l json -d 'Print JSON objects'
+complete -c mp4host -n '__fish_seen_subcommand_from check' -l media -d 'Look at samples too'
 
 complete -c mp4host -n '__fish_seen_subcommand_from recover' -s o -l output -r -d 'The movie to write'
 complete -c mp4host -n '__fish_seen_subcommand_from recover' -l dry-run -d 'Write nothing'

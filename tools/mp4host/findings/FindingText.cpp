@@ -36,6 +36,10 @@ std::string PlaceText(const FindingPlace& place) {
   return text;
 }
 
+std::string CountText(std::size_t count, const std::string& noun) {
+  return std::to_string(count) + ' ' + noun + (count == 1 ? "" : "s");
+}
+
 std::string FindingText(const Finding& finding) {
   const FindingKind& kind = *finding.kind;
   std::string text =

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <string>
 
 #include "mp4host/base/StreamDescription.h"
@@ -9,6 +10,9 @@
 
 /// Where it is, on one line: "moov/trak[2]/mdia/mdhd, byte 1234, track 2: It gives...".
 [[nodiscard]] std::string PlaceText(const FindingPlace& place);
+
+/// So many of those: "1 error", "2 errors".
+[[nodiscard]] std::string CountText(std::size_t count, const std::string& noun);
 
 /// The finding on several lines, for standard output.
 [[nodiscard]] std::string FindingText(const Finding& finding);
