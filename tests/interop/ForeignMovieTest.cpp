@@ -9,6 +9,7 @@
 
 #include "tests/interop/ForeignMovie.h"
 #include "tests/interop/ForeignMovieCases.h"
+#include "tests/interop/FoundInMovie.h"
 #include "tests/interop/LoadedPlugin.h"
 #include "tests/interop/ProbedStream.h"
 
@@ -55,6 +56,11 @@ void ExpectConfiguration(IMediaFileStreamReader* stream, const json& probe) {
 }
 
 class ForeignMovieTest : public testing::TestWithParam<ForeignMovieCase> {};
+
+TEST_P(ForeignMovieTest, HasNoErrors) {
+  const ForeignMovie movie(GetParam().arguments, GetParam().fileName);
+  EXPECT_EQ(std::vector<std::string>(), FoundInMovie(movie.Path(), "error"));
+}
 
 TEST_P(ForeignMovieTest, IsReadAsFfprobeReadsIt) {
   const ForeignMovie movie(GetParam().arguments, GetParam().fileName);

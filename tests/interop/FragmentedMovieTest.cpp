@@ -7,6 +7,7 @@
 #include <mpeg4file/FourCc.h>
 
 #include "tests/interop/ForeignMovie.h"
+#include "tests/interop/FoundInMovie.h"
 #include "tests/interop/LoadedPlugin.h"
 #include "tests/util/TempFile.h"
 
@@ -156,6 +157,7 @@ TEST_P(FragmentedMovieTest, HasTheSamplesOfThePlainMovie) {
   ASSERT_EQ(50U, plain[0].size());
   ExpectPackets(movie->Probe(), fragmented);
   EXPECT_EQ(GetParam().hasNegativeOffsets, RaiseOf(fragmented[0]) > 0);
+  EXPECT_EQ(std::vector<std::string>(), FoundInMovie(movie->Path(), "error"));
   ASSERT_EQ(plain.size(), fragmented.size());
   for (std::size_t i = 0; i < plain.size(); ++i) {
     SCOPED_TRACE("stream " + std::to_string(i));

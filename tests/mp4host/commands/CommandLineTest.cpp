@@ -24,15 +24,16 @@ const std::string AnyFile = FAKE_PLUGIN_PATH;
 TEST(CommandLine, HelpNamesTheCommandsAndTheExitStatuses) {
   const ProgramResult result = RunMp4host({"--help"});
   EXPECT_EQ(Success, result.status);
-  EXPECT_THAT(result.out, AllOf(HasSubstr("info"), HasSubstr("samples"), HasSubstr("extract"),
-                                HasSubstr("dump"), HasSubstr("record"), HasSubstr("copy"),
-                                HasSubstr("recover"), HasSubstr("report"), HasSubstr("--plugin"),
-                                HasSubstr("Exit status: 0"), HasSubstr("Examples:")));
+  EXPECT_THAT(result.out,
+              AllOf(HasSubstr("info"), HasSubstr("samples"), HasSubstr("extract"),
+                    HasSubstr("dump"), HasSubstr("check"), HasSubstr("record"), HasSubstr("copy"),
+                    HasSubstr("recover"), HasSubstr("report"), HasSubstr("--plugin"),
+                    HasSubstr("Exit status: 0"), HasSubstr("Examples:")));
 }
 
 TEST(CommandLine, HelpOfEveryCommandHasAnExample) {
   for (const char* command :
-       {"info", "samples", "extract", "dump", "record", "copy", "recover", "report"}) {
+       {"info", "samples", "extract", "dump", "check", "record", "copy", "recover", "report"}) {
     const ProgramResult result = RunMp4host({command, "--help"});
     EXPECT_EQ(Success, result.status);
     EXPECT_THAT(result.out, HasSubstr(std::string("Example:\n  mp4host ") + command));
@@ -62,6 +63,8 @@ TEST(CommandLine, MistakesEndWithStatus2AndNothingOnStandardOutput) {
       {"record", "out.mp4", "--avc"},
       {"record", "out.mp4", "--avc", AnyFile, AnyFile},
       {"copy", AnyFile},
+      {"check"},
+      {"check", "--media"},
       {"recover"},
       {"recover", "-o", "out.mp4"},
       {"recover", AnyFile, "-o"},

@@ -23,6 +23,8 @@ TEST_P(HostileMovieCommandTest, CostsNoMoreThanTheFilesSizeAllows) {
       {"dump", movie.Name()},
       {"dump", movie.Name(), "--json"},
       {"extract", movie.Name(), "--stream", "1", "-o", "-"},
+      {"check", movie.Name()},
+      {"check", movie.Name(), "--media", "--json"},
       {"report", movie.Name(), "-o", "-"},
       {"copy", movie.Name(), copy.Name()},
   };

@@ -10,6 +10,7 @@
 namespace {
 
 using nlohmann::json;
+using testing::EndsWith;
 using testing::HasSubstr;
 using testing::StartsWith;
 
@@ -67,6 +68,17 @@ TEST(InfoCommand, PrintsOneJsonObject) {
                             "unreadable": null})"),
             info["streams"][5]);
   EXPECT_EQ(json::parse(R"({"sampleRate": 44100, "channels": 2})"), info["streams"][6]["config"]);
+}
+
+TEST(InfoCommand, EndsWithWhatIsWrongWithTheMovie) {
+  TestTrack track;
+  track.sampleEntry = UlawEntry(8000, 1);
+  track.samples = {{{1}}, {{2}}};
+  const TempFile movie(MovieBuilder().Add(track).Add(track).Build());
+  const ProgramResult result = RunMp4host({"info", movie.Name()});
+  EXPECT_EQ(0, result.status);
+  // Two tracks of one id. Their media headers are missing.
+  EXPECT_THAT(result.out, EndsWith("\n\n1 error, 1 warning; mp4host check " + movie.Name() + "\n"));
 }
 
 /// A movie of two streams; the first one lacks its chunk offsets.

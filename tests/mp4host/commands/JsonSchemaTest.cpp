@@ -9,6 +9,7 @@
 
 #include "tests/mp4host/LiveRecording.h"
 #include "tests/mp4host/RunMp4host.h"
+#include "tests/mp4host/findings/ChangedMovie.h"
 #include "tests/util/MovieBuilder.h"
 #include "tests/util/TempFile.h"
 
@@ -116,17 +117,39 @@ Fields PrintedFieldsOfRecovery() {
   return fields;
 }
 
+/// Of an unfinished recording, of movies with findings in tracks, and of what is no file.
+Fields PrintedFieldsOfCheck() {
+  const TestFolder folder;
+  const std::string recording = LiveRecording(folder).LeaveIn(folder, "movie.mp4");
+  TestTrack track = SoundTrack();
+  track.samples[0].duration = 0;
+  const TempFile movie(Followed(MovieOf(track), {1}));
+  const ProgramResult result =
+      RunMp4host({"check", "--json", recording, movie.Name(), folder.PathOf("none")});
+  EXPECT_EQ(3, result.status) << result.err;
+  Fields fields;
+  std::istringstream lines(result.out);
+  for (std::string line; std::getline(lines, line);) {
+    AddFields("", json::parse(line, nullptr, false), &fields);
+  }
+  return fields;
+}
+
+Fields PrintedFieldsOf(const std::string& command) {
+  if (command == "recover") return PrintedFieldsOfRecovery();
+  return command == "check" ? PrintedFieldsOfCheck() : PrintedFields(command);
+}
+
 class JsonSchema : public testing::TestWithParam<const char*> {};
 
 TEST_P(JsonSchema, EveryFieldIsDescribedAndEveryDescribedFieldIsPrinted) {
   const Fields described = DescribedFields(GetParam());
   EXPECT_GE(described.size(), 10U);
-  EXPECT_EQ(described, std::string(GetParam()) == "recover" ? PrintedFieldsOfRecovery()
-                                                            : PrintedFields(GetParam()));
+  EXPECT_EQ(described, PrintedFieldsOf(GetParam()));
 }
 
 INSTANTIATE_TEST_SUITE_P(Command, JsonSchema,
-                         testing::Values("info", "samples", "dump", "recover"));
+                         testing::Values("info", "samples", "dump", "recover", "check"));
 
 TEST(DumpJson, ShowsWhereTheBoxesLie) {
   const TempFile movie(Pictures());

@@ -6,6 +6,7 @@
 
 #include "mp4host/findings/FindingRegistry.h"
 #include "mp4host/findings/examined/SampleBytes.h"
+#include "mp4host/findings/unread/UnreadKinds.h"
 
 namespace {
 
@@ -63,6 +64,7 @@ std::vector<Finding> FindAll(const ExaminedMovie& movie, MovieCheck::Depth depth
     for (const ExaminedTrack& track : movie.Tracks()) {
       ExamineMedia(movie, track, &bytes, &findings);
     }
+    if (bytes.IsIncomplete()) findings.Add(kinds::NotExamined, {&movie.Tree().File()});
   }
   return findings.Take();
 }

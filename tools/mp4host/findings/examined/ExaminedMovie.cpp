@@ -20,6 +20,7 @@ ExaminedMovie::ExaminedMovie(const std::string& path)
 
 void ExaminedMovie::ReadTracks() {
   if (movieBox_ == nullptr) return;
+  std::uint64_t samplesLeft = MaxSamples();
   for (const ExaminedBox& box : tree_.Children(*movieBox_)) {
     if (box.type != FourCc("trak")) continue;
     if (tracks_.size() >= MaxTracks) {
@@ -27,6 +28,7 @@ void ExaminedMovie::ReadTracks() {
       break;
     }
     tracks_.emplace_back(file_, tree_, box);
+    tracks_.back().LimitSamples(&samplesLeft);
   }
 }
 

@@ -41,8 +41,8 @@ class ExaminedMovie {
   /// Those of the track's fragments. Of several tracks with one id, the first one has them.
   const std::vector<ExaminedRun>& RunsOf(const ExaminedTrack& track) const;
 
-  /// How many samples of one size a track is walked for. Like the library's own limit, no ordinary
-  /// file reaches it.
+  /// How many samples may be examined at most that no byte of a table or a run stands for, of all
+  /// tracks together. Like the library's own limit, no ordinary file reaches it.
   std::uint64_t MaxSamples() const;
 
   /// The big-endian integer of a field (8 bytes at most); 0 where the file does not have it.

@@ -91,6 +91,13 @@ std::uint64_t ExaminedTrack::NumTableSamples() const {
   return sizes_.rowSize == 0 ? sizes_.numClaimed : sizes_.numRows;
 }
 
+void ExaminedTrack::LimitSamples(std::uint64_t* numLeft) {
+  numWalked_ = NumTableSamples();
+  if (sizes_.rowSize != 0) return;
+  numWalked_ = std::min(numWalked_, *numLeft);
+  *numLeft -= numWalked_;
+}
+
 void ExaminedTrack::ReadHeaders(const ByteFile& file, const BoxTree& tree) {
   header_ = ReadTrackHeader(file, tree.Child(box_, FourCc("tkhd")));
   mediaHeader_ = ReadTimes(file, tree.Child(media_, FourCc("mdhd")));

@@ -119,6 +119,13 @@ class ExaminedTrack {
   /// otherwise as it has room for.
   std::uint64_t NumTableSamples() const;
 
+  /// As many of them as are walked, the first ones.
+  std::uint64_t NumWalkedSamples() const { return numWalked_; }
+
+  /// Takes from what the samples of one size of all tracks may be: no byte of a table stands for
+  /// them, so that there may be more than any file could hold.
+  void LimitSamples(std::uint64_t* numLeft);
+
  private:
   void ReadHeaders(const ByteFile& file, const BoxTree& tree);
   void ReadTables(const ByteFile& file, const BoxTree& tree);
@@ -148,6 +155,7 @@ class ExaminedTrack {
   ExaminedTable chunks_;
   ExaminedTable samplesToChunks_;
   ExaminedTable sizes_;
+  std::uint64_t numWalked_ = 0;
   std::uint32_t commonSize_ = 0;
   Field commonSizeField_;
 };

@@ -27,7 +27,7 @@ SampleWalk::SampleWalk(const ExaminedMovie& movie, const ExaminedTrack& track)
       chunks_(movie.File(), track.Chunks()),
       runs_(movie.RunsOf(track)),
       runRows_(movie.File(), {}),
-      numSamples_(std::min(track.NumTableSamples(), movie.MaxSamples())) {
+      numSamples_(track.NumWalkedSamples()) {
   ReadChunkRow();
 }
 

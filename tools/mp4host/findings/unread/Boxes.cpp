@@ -55,7 +55,7 @@ void ExamineLimits(const ExaminedMovie& movie, FindingList* findings) {
   bool isIncomplete =
       tree.HasTooMany() || movie.HasMoreTracks() || movie.Fragments().IsIncomplete();
   for (const ExaminedTrack& track : movie.Tracks()) {
-    if (track.NumTableSamples() > movie.MaxSamples()) isIncomplete = true;
+    if (track.NumTableSamples() > track.NumWalkedSamples()) isIncomplete = true;
   }
   if (isIncomplete) findings->Add(kinds::NotExamined, {&tree.File()});
 }

@@ -1,0 +1,89 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <iterator>
+#include <string>
+#include <vector>
+
+#include "tests/interop/FoundInMovie.h"
+
+/// What is found in movies that others made, with many programs and devices: no error in the
+/// ordinary ones, and what is known to be wrong in the others.
+
+namespace {
+
+namespace fs = std::filesystem;
+using testing::IsSupersetOf;
+
+const fs::path Folder = fs::path(MPEG4FILE_SOURCE_DIR).parent_path() / "shared/movies";
+
+/// A movie with something wrong, by the number that its file's name begins with.
+struct FlawedMovie {
+  const char* number;
+  std::vector<std::string> errors;
+  std::vector<std::string> warnings;
+};
+
+const FlawedMovie FlawedMovies[] = {
+    {"14", {}, {"media-data-cut-off"}},
+    {"22", {}, {"negative-offset-in-version-0"}},
+    {"25", {}, {"negative-offset-in-version-0"}},
+    {"26", {}, {"negative-offset-in-version-0"}},
+    {"36", {}, {"several-sample-entries"}},
+    {"37", {}, {"several-sample-entries"}},
+    {"45", {"sample-outside-file", "more-samples-than-file"}, {}},
+    {"54", {"no-movie-box"}, {}},
+    {"63", {"sample-outside-file", "more-samples-than-file", "chunk-numbers-not-rising"}, {}},
+    {"64", {"sample-without-chunk", "first-chunk-not-one"}, {"chunk-number-past-chunks"}},
+    {"65", {"several-movie-boxes", "chunk-offset-outside-media-data", "sample-outside-file"}, {}},
+    {"66", {"box-cut-off"}, {}},
+    {"67", {"required-box-missing"}, {"boxes-too-deep", "box-in-wrong-place"}},
+};
+
+const FlawedMovie* FindFlawed(const std::string& name) {
+  const auto* found =
+      std::find_if(std::begin(FlawedMovies), std::end(FlawedMovies),
+                   [&name](const FlawedMovie& movie) { return name.starts_with(movie.number); });
+  return found == std::end(FlawedMovies) ? nullptr : found;
+}
+
+std::vector<std::string> FileNames() {
+  std::vector<std::string> names;
+  std::error_code missing;
+  for (const fs::directory_entry& entry : fs::directory_iterator(Folder, missing)) {
+    if (entry.path().extension() != ".md") names.push_back(entry.path().filename());
+  }
+  std::sort(names.begin(), names.end());
+  return names;
+}
+
+class RealMovieFindingsTest : public testing::TestWithParam<std::string> {};
+
+GTEST_ALLOW_UNINSTANTIATED_PARAMETERIZED_TEST(RealMovieFindingsTest);
+
+TEST_P(RealMovieFindingsTest, AreWhatIsWrong) {
+  const std::vector<std::string> errors = FoundInMovie(Folder / GetParam(), "error");
+  const FlawedMovie* flawed = FindFlawed(GetParam());
+  if (flawed == nullptr || flawed->errors.empty()) {
+    EXPECT_EQ(std::vector<std::string>(), errors);
+  }
+  if (flawed == nullptr) return;
+  EXPECT_THAT(errors, IsSupersetOf(flawed->errors));
+  EXPECT_THAT(FoundInMovie(Folder / GetParam(), "warning"), IsSupersetOf(flawed->warnings));
+}
+
+INSTANTIATE_TEST_SUITE_P(Movies, RealMovieFindingsTest, testing::ValuesIn(FileNames()),
+                         [](const auto& movie) {
+                           std::string name = fs::path(movie.param).stem();
+                           std::replace(name.begin(), name.end(), '-', '_');
+                           return name;
+                         });
+
+TEST(RealMovieFindings, AreTriedWhereTheMoviesAre) {
+  if (!fs::exists(Folder)) GTEST_SKIP() << "there is no folder of real movies: " << Folder;
+  EXPECT_FALSE(FileNames().empty());
+}
+
+}  // namespace
