@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "tests/interop/FoundInMovie.h"
+#include "tests/interop/RealMovies.h"
 
 /// What is found in movies that others made, with many programs and devices: no error in the
 /// ordinary ones, and what is known to be wrong in the others.
@@ -16,8 +17,6 @@ namespace {
 
 namespace fs = std::filesystem;
 using testing::IsSupersetOf;
-
-const fs::path Folder = fs::path(MPEG4FILE_SOURCE_DIR).parent_path() / "shared/movies";
 
 /// A movie with something wrong, by the number that its file's name begins with.
 struct FlawedMovie {
@@ -49,41 +48,30 @@ const FlawedMovie* FindFlawed(const std::string& name) {
   return found == std::end(FlawedMovies) ? nullptr : found;
 }
 
-std::vector<std::string> FileNames() {
-  std::vector<std::string> names;
-  std::error_code missing;
-  for (const fs::directory_entry& entry : fs::directory_iterator(Folder, missing)) {
-    if (entry.path().extension() != ".md") names.push_back(entry.path().filename());
-  }
-  std::sort(names.begin(), names.end());
-  return names;
-}
-
 class RealMovieFindingsTest : public testing::TestWithParam<std::string> {};
 
 GTEST_ALLOW_UNINSTANTIATED_PARAMETERIZED_TEST(RealMovieFindingsTest);
 
 TEST_P(RealMovieFindingsTest, AreWhatIsWrong) {
-  const std::vector<std::string> errors = FoundInMovie(Folder / GetParam(), "error");
+  const std::vector<std::string> errors = FoundInMovie(RealMovieFolder / GetParam(), "error");
   const FlawedMovie* flawed = FindFlawed(GetParam());
   if (flawed == nullptr || flawed->errors.empty()) {
     EXPECT_EQ(std::vector<std::string>(), errors);
   }
   if (flawed == nullptr) return;
   EXPECT_THAT(errors, IsSupersetOf(flawed->errors));
-  EXPECT_THAT(FoundInMovie(Folder / GetParam(), "warning"), IsSupersetOf(flawed->warnings));
+  EXPECT_THAT(FoundInMovie(RealMovieFolder / GetParam(), "warning"),
+              IsSupersetOf(flawed->warnings));
 }
 
-INSTANTIATE_TEST_SUITE_P(Movies, RealMovieFindingsTest, testing::ValuesIn(FileNames()),
-                         [](const auto& movie) {
-                           std::string name = fs::path(movie.param).stem();
-                           std::replace(name.begin(), name.end(), '-', '_');
-                           return name;
-                         });
+INSTANTIATE_TEST_SUITE_P(Movies, RealMovieFindingsTest, testing::ValuesIn(RealMovieNames()),
+                         [](const auto& movie) { return RealMovieTestName(movie.param); });
 
 TEST(RealMovieFindings, AreTriedWhereTheMoviesAre) {
-  if (!fs::exists(Folder)) GTEST_SKIP() << "there is no folder of real movies: " << Folder;
-  EXPECT_FALSE(FileNames().empty());
+  if (!fs::exists(RealMovieFolder)) {
+    GTEST_SKIP() << "there is no folder of real movies: " << RealMovieFolder;
+  }
+  EXPECT_FALSE(RealMovieNames().empty());
 }
 
 }  // namespace

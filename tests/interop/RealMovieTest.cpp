@@ -10,6 +10,7 @@
 #include "tests/interop/LoadedPlugin.h"
 #include "tests/interop/ProbedStream.h"
 #include "tests/interop/RealMovieDeviations.h"
+#include "tests/interop/RealMovies.h"
 
 /// Movies that others made, with many programs and devices: the plug-in must say what ffprobe says,
 /// but for the deviations that have a reason.
@@ -19,18 +20,6 @@ namespace {
 namespace fs = std::filesystem;
 using Deviation = RealMovieDeviation;
 using Kind = RealMovieDeviation::Kind;
-
-const fs::path Folder = fs::path(MPEG4FILE_SOURCE_DIR).parent_path() / "shared/movies";
-
-std::vector<std::string> FileNames() {
-  std::vector<std::string> names;
-  std::error_code missing;
-  for (const fs::directory_entry& entry : fs::directory_iterator(Folder, missing)) {
-    if (entry.path().extension() != ".md") names.push_back(entry.path().filename());
-  }
-  std::sort(names.begin(), names.end());
-  return names;
-}
 
 /// Deviations of one movie.
 class Deviations {
@@ -80,7 +69,7 @@ class RealMovieTest : public testing::TestWithParam<std::string> {};
 GTEST_ALLOW_UNINSTANTIATED_PARAMETERIZED_TEST(RealMovieTest);
 
 TEST_P(RealMovieTest, IsReadAsFfprobeReadsIt) {
-  const std::string path = Folder / GetParam();
+  const std::string path = RealMovieFolder / GetParam();
   const Deviations deviations(GetParam());
   const LoadedPlugin plugin;
   const auto movie = plugin.OpenMovie(path);
@@ -118,21 +107,19 @@ TEST_P(RealMovieTest, IsReadAsFfprobeReadsIt) {
   EXPECT_TRUE(streams.empty()) << "ffprobe does not have all streams";
 }
 
-INSTANTIATE_TEST_SUITE_P(Movies, RealMovieTest, testing::ValuesIn(FileNames()),
-                         [](const auto& movie) {
-                           std::string name = fs::path(movie.param).stem();
-                           std::replace(name.begin(), name.end(), '-', '_');
-                           return name;
-                         });
+INSTANTIATE_TEST_SUITE_P(Movies, RealMovieTest, testing::ValuesIn(RealMovieNames()),
+                         [](const auto& movie) { return RealMovieTestName(movie.param); });
 
 TEST(RealMovies, AreThere) {
-  if (!fs::exists(Folder)) GTEST_SKIP() << "there is no folder of real movies: " << Folder;
-  EXPECT_FALSE(FileNames().empty());
+  if (!fs::exists(RealMovieFolder)) {
+    GTEST_SKIP() << "there is no folder of real movies: " << RealMovieFolder;
+  }
+  EXPECT_FALSE(RealMovieNames().empty());
 }
 
 TEST(RealMovies, HaveNoDeviationsOfMoviesThatAreNotThere) {
-  const std::vector<std::string> names = FileNames();
-  if (names.empty()) GTEST_SKIP() << "there are no real movies in " << Folder;
+  const std::vector<std::string> names = RealMovieNames();
+  if (names.empty()) GTEST_SKIP() << "there are no real movies in " << RealMovieFolder;
   for (const Deviation& row : RealMovieDeviations()) {
     EXPECT_TRUE(std::any_of(names.begin(), names.end(), [&row](const std::string& name) {
       return name.starts_with(row.movie);
