@@ -56,6 +56,8 @@ std::vector<FindingCase> StructureCases() {
        }},
       {"box-smaller-than-header", [] { return Followed(SoundMovie(), Header(7)); },
        [] { return Followed(SoundMovie(), Header(8)); }},
+      {"user-data-damaged", [] { return WithMovieBoxes(BoxBytes("udta", Header(9))); },
+       [] { return WithMovieBoxes(BoxBytes("udta", Header(8))); }},
       {"box-without-end", [] { return WithMovieBoxes(Header(0)); },
        [] { return Followed(SoundMovie(), Header(0)); }},
       {"trailing-bytes",

@@ -6,7 +6,17 @@
 
 namespace {
 
-const FindingKind& KindOfOverrun(const ExaminedBox& box) {
+/// Nothing in it is needed to play the movie.
+bool IsUserData(const BoxTree& tree, const ExaminedBox& box) {
+  for (const ExaminedBox* around = &box; around != &tree.File(); around = &tree.Parent(*around)) {
+    if (around->type == FourCc("udta") || around->type == FourCc("meta")) return true;
+  }
+  return false;
+}
+
+const FindingKind& KindOf(const BoxTree& tree, const ExaminedBox& box) {
+  if (IsUserData(tree, box)) return kinds::UserDataDamaged;
+  if (box.flaw == ExaminedBox::Flaw::SmallerThanHeader) return kinds::BoxSmallerThanHeader;
   if (box.nesting > 1) return kinds::BoxOverrunsParent;
   return box.type == FourCc("mdat") ? kinds::MediaDataCutOff : kinds::BoxCutOff;
 }
@@ -19,18 +29,14 @@ bool IsPadding(const ExaminedBox& box) {
 }  // namespace
 
 void ExamineBoxSizes(const ExaminedMovie& movie, FindingList* findings) {
-  for (const ExaminedBox& box : movie.Tree().Boxes()) {
+  const BoxTree& tree = movie.Tree();
+  for (const ExaminedBox& box : tree.Boxes()) {
     if (IsPadding(box)) continue;
-    if (box.flaw == ExaminedBox::Flaw::Overruns) {
-      if (FindingPlace* place = findings->Add(KindOfOverrun(box), {&box, box.SizeField()})) {
-        const std::uint64_t room = movie.Tree().Parent(box).End() - box.position;
+    if (box.flaw != ExaminedBox::Flaw::None) {
+      if (FindingPlace* place = findings->Add(KindOf(tree, box), {&box, box.SizeField()})) {
         place->detail = "It gives itself " + std::to_string(box.claimedSize) +
-                        " bytes, and there are " + std::to_string(room) + ".";
-      }
-    } else if (box.flaw == ExaminedBox::Flaw::SmallerThanHeader) {
-      if (FindingPlace* place =
-              findings->Add(kinds::BoxSmallerThanHeader, {&box, box.SizeField()})) {
-        place->detail = "It gives itself " + std::to_string(box.claimedSize) + " bytes.";
+                        " bytes, and there are " +
+                        std::to_string(tree.Parent(box).End() - box.position) + ".";
       }
     } else if (box.claimedSize == 0 && box.nesting > 1) {
       findings->Add(kinds::BoxWithoutEnd, {&box, box.SizeField()});

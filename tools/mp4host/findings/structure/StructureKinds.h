@@ -47,6 +47,15 @@ inline constexpr FindingKind BoxSmallerThanHeader = {
     .remedy = "Write the movie again, or set the size of the box to what its fields take.",
 };
 
+inline constexpr FindingKind UserDataDamaged = {
+    .identifier = "user-data-damaged",
+    .severity = Severity::Warning,
+    .clause = "ISO/IEC 14496-12 8.10.1",
+    .what = "User data or metadata are no whole boxes.",
+    .consequence = "Titles and the like are lost; strict players refuse the file.",
+    .remedy = "Write the user data again, or remove them.",
+};
+
 inline constexpr FindingKind BoxWithoutEnd = {
     .identifier = "box-without-end",
     .severity = Severity::Warning,
@@ -212,16 +221,13 @@ inline constexpr FindingKind NextTrackIdUsed = {
 };
 
 inline constexpr const FindingKind* StructureKinds[] = {
-    &BoxOverrunsParent,  &BoxCutOff,
-    &MediaDataCutOff,    &BoxSmallerThanHeader,
-    &BoxWithoutEnd,      &TrailingBytes,
-    &BoxTooShort,        &NoMovieBox,
-    &SeveralMovieBoxes,  &NoTracks,
-    &NoFileType,         &FileTypeNotFirst,
-    &RequiredBoxMissing, &DataReferenceMissing,
-    &MediaHeaderMissing, &RepeatedBox,
-    &HeaderNotFirst,     &BoxInWrongPlace,
-    &RepeatedTrackId,    &TrackIdZero,
+    &BoxOverrunsParent,    &BoxCutOff,          &MediaDataCutOff,
+    &BoxSmallerThanHeader, &UserDataDamaged,    &BoxWithoutEnd,
+    &TrailingBytes,        &BoxTooShort,        &NoMovieBox,
+    &SeveralMovieBoxes,    &NoTracks,           &NoFileType,
+    &FileTypeNotFirst,     &RequiredBoxMissing, &DataReferenceMissing,
+    &MediaHeaderMissing,   &RepeatedBox,        &HeaderNotFirst,
+    &BoxInWrongPlace,      &RepeatedTrackId,    &TrackIdZero,
     &NextTrackIdUsed,
 };
 

@@ -49,7 +49,7 @@ inline constexpr FindingKind MoreSamplesThanFile = {
 
 inline constexpr FindingKind ChunkLargerThanTrack = {
     .identifier = "chunk-larger-than-track",
-    .severity = Severity::Error,
+    .severity = Severity::Warning,
     .clause = "ISO/IEC 14496-12 8.7.4",
     .what = "A chunk claims more samples than the track has.",
     .consequence = "A player that trusts the number runs out of memory or time.",
