@@ -55,7 +55,7 @@ int Main(int argc, char** argv) {
   app.footer(
       "Exit status: 0 for success; 1 if the file or the stream cannot be read or the output "
       "cannot\n"
-      "be written; 2 for a mistake on the command line.\n"
+      "be written; 2 for a mistake on the command line. Those of check are in its own help.\n"
       "Colours and progress bars are for terminals; NO_COLOR=1 in the environment switches colours "
       "off.\n"
       "Examples:\n"

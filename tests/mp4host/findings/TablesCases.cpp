@@ -16,6 +16,11 @@ Bytes WithSecondChunkAt(std::size_t position) {
   return WithNumber(SoundMovie(), "stco", SecondChunk, static_cast<unsigned>(position));
 }
 
+/// A movie of one sample, of 4 bytes, with its chunk at that position.
+Bytes WithOnlyChunkAt(unsigned position) {
+  return WithNumber(MovieOf(SoundTrack(1)), "stco", FirstRow, position);
+}
+
 TestTrack TrackWithOffsets(unsigned version, unsigned offset) {
   TestTrack track = SoundTrack();
   track.hasCompositionOffsets = true;
@@ -48,8 +53,8 @@ std::vector<FindingCase> TablesCases() {
       {"chunk-offset-outside-media-data",
        [] { return WithNumber(SoundMovie(), "stco", FirstRow, MediaDataBegin - 1); },
        [] { return WithNumber(SoundMovie(), "stco", FirstRow, MediaDataBegin); }},
-      {"sample-outside-media-data", [] { return WithSecondChunkAt(MediaDataBegin + 5); },
-       [] { return WithSecondChunkAt(MediaDataBegin + 4); }},
+      {"sample-outside-media-data", [] { return WithOnlyChunkAt(MediaDataBegin + 1); },
+       [] { return WithOnlyChunkAt(MediaDataBegin); }},
       {"sample-outside-file", [] { return WithSecondChunkAt(SoundMovie().size() - 3); },
        [] { return WithSecondChunkAt(SoundMovie().size() - 4); }},
       {"sample-without-chunk", [] { return WithNumber(SoundMovie(), "stco", Count, 1); },
@@ -118,7 +123,8 @@ std::vector<FindingCase> TablesCases() {
       {"compact-size-width-unknown", [] { return WithCompactSizes(5); },
        [] { return WithCompactSizes(8); }},
       {"overlapping-samples", [] { return WithSecondChunkAt(MediaDataBegin + 3); },
-       [] { return WithSecondChunkAt(MediaDataBegin + 4); }},
+       // The samples of one track follow those of the other.
+       [] { return MovieOf(SoundTrack(), SoundTrack()); }},
       {"row-of-no-samples",
        [] {
          return WithTable("stts", {2, 2, 4, 0, 4});

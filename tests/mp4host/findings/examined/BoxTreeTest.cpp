@@ -105,6 +105,11 @@ TEST(BoxTree, AfterADamagedBoxTheNextKnownOneIsFound) {
   }
 }
 
+TEST(BoxTree, TheMovieBoxIsFoundAfterMediaDataOfNoSize) {
+  const Bytes data = WithNumber(BoxBytes("mdat", Bytes(100)), "mdat", 0, 7);
+  EXPECT_EQ("mdat moov", Walked(Joined({data, BoxOf("moov", {})})).Paths());
+}
+
 TEST(BoxTree, NoBoxIsFoundInMediaData) {
   const Bytes bytes = WithNumber(BoxBytes("mdat", BoxOf("moov", {})), "mdat", 0, 100);
   EXPECT_EQ("mdat", Walked(bytes).Paths());

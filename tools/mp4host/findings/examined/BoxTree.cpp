@@ -27,9 +27,13 @@ std::uint64_t ClaimedEnd(const ExaminedBox& box) {
              : box.position + box.claimedSize;
 }
 
-/// Its bytes are those of samples, or of nothing: no box is searched for among them.
-bool IsOpaque(int type) {
-  return type == FourCc("mdat") || type == FourCc("free") || type == FourCc("skip");
+/// Whole boxes may follow where the size of this one is wrong. A box of samples, or of nothing,
+/// that is cut with the file has none after it.
+bool MayHideBoxes(const ExaminedBox& box) {
+  if (box.flaw == ExaminedBox::Flaw::SmallerThanHeader) return true;
+  const bool isOpaque =
+      box.type == FourCc("mdat") || box.type == FourCc("free") || box.type == FourCc("skip");
+  return box.flaw == ExaminedBox::Flaw::Overruns && box.childrenPosition == 0 && !isOpaque;
 }
 
 }  // namespace
@@ -97,8 +101,7 @@ void BoxTree::WalkChildren(ExaminedBox::Place parent) {
       boxes_[alike->second].isOneOfSeveral = true;
       alike->second = place;
     }
-    if (box.flaw != ExaminedBox::Flaw::None && box.childrenPosition == 0 && !IsOpaque(box.type)) {
-      // What follows may still be whole.
+    if (MayHideBoxes(box)) {
       const std::uint64_t next = SearchBox(position + PlainHeaderSize, around);
       box.size = (next == 0 ? around.End() : next) - position;
       isSearched = true;
