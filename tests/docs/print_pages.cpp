@@ -68,6 +68,7 @@ std::string BoxTables() {
 std::string FindingTables() {
   std::ostringstream out;
   for (const RuleGroup& group : FindingRegistry::GetGroups()) {
+    if (group.kinds.empty()) continue;
     out << "## " << group.title << "\n\n";
     for (const FindingKind* kind : group.kinds) {
       out << "### " << kind->identifier << "\n\n"

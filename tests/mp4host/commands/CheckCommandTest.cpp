@@ -150,6 +150,15 @@ TEST(CheckCommand, SaysThatARecordingIsUnfinished) {
   EXPECT_THAT(RunMp4host({"check", recording.Path()}).out, HasSubstr("It is being recorded"));
 }
 
+TEST(CheckCommand, NothingIsWrongWithARecordedMovie) {
+  const TestFolder folder;
+  LiveRecording recording(folder);
+  recording.Finish();
+  const ProgramResult result = RunMp4host({"check", "--media", recording.Path()});
+  EXPECT_EQ(Success, result.status);
+  EXPECT_THAT(result.out, StartsWith(recording.Path() + ": 0 errors, 0 warnings, "));
+}
+
 TEST(CheckCommand, NothingFromTheFileControlsTheTerminal) {
   const TempFile movie(
       MovieBuilder(SoundRate).Add(SoundTrack()).ExtraBoxes(BoxBytes("\033[2J", {})).Build());

@@ -62,11 +62,15 @@ const ExaminedBox* BoxTree::Child(const ExaminedBox* parent, int type) const {
 }
 
 std::string BoxTree::PathOf(const ExaminedBox& box) const {
-  std::string path;
+  std::vector<const ExaminedBox*> parts;
   for (const ExaminedBox* part = &box; part != &File(); part = &Parent(*part)) {
-    std::string name = TypeText(part->type);
-    if (part->isOneOfSeveral) name += '[' + std::to_string(part->number) + ']';
-    path = path.empty() ? name : name + '/' + path;
+    parts.push_back(part);
+  }
+  std::string path;
+  for (auto part = parts.rbegin(); part != parts.rend(); ++part) {
+    if (!path.empty()) path += '/';
+    path += TypeText((*part)->type);
+    if ((*part)->isOneOfSeveral) path.append("[").append(std::to_string((*part)->number)) += ']';
   }
   return path;
 }

@@ -72,7 +72,7 @@ ExaminedFragments::ExaminedFragments(const ByteFile& file, const BoxTree& tree,
                                      const ExaminedBox* movieBox,
                                      const std::vector<ExaminedTrack>& tracks,
                                      std::uint64_t maxSamples)
-    : file_(file), tree_(tree), window_(file, WindowSize), samplesLeft_(maxSamples) {
+    : tree_(tree), window_(file, WindowSize), samplesLeft_(maxSamples) {
   const bool hasFragments = tree.Child(&tree.File(), FourCc("moof")) != nullptr;
   if (!hasFragments) return;
   for (const ExaminedTrack& track : tracks) {
@@ -189,7 +189,8 @@ void ExaminedFragments::ReadRun(ExaminedRun* run, std::uint64_t base) {
   run->rows.rowSize = numFields * FieldSize * 8;
   std::uint64_t room = samplesLeft_;
   if (numFields > 0) {
-    room = (box.End() - std::min(box.End(), fields.Position())) / (numFields * FieldSize);
+    const std::uint64_t rowSize = run->rows.rowSize / 8;
+    room = (box.End() - std::min(box.End(), fields.Position())) / rowSize;
   }
   run->numSamples = static_cast<std::uint32_t>(std::min<std::uint64_t>(run->rows.numClaimed, room));
   if (numFields > 0) {

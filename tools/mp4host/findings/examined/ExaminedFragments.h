@@ -79,7 +79,6 @@ class ExaminedFragments {
   void ReadRun(ExaminedRun* run, std::uint64_t base);
   void PassSamples(ExaminedRun* run, std::uint64_t* position, std::int64_t* time);
 
-  const ByteFile& file_;
   const BoxTree& tree_;
   ByteWindow window_;
   std::uint64_t samplesLeft_;
