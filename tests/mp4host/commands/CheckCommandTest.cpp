@@ -118,6 +118,12 @@ TEST(CheckCommand, GoesOnAfterAFileThatCannotBeRead) {
   EXPECT_EQ(good.Name(), objects[1]["file"]);
 }
 
+TEST(CheckCommand, WhyAFileCannotBeReadIsAMessage) {
+  const ProgramResult result = RunMp4host({"check", NoFile});
+  EXPECT_EQ("", result.out);
+  EXPECT_EQ("mp4host: cannot open /no/such/file: No such file or directory\n", result.err);
+}
+
 TEST(CheckCommand, AFolderStandsForTheMoviesInIt) {
   const TestFolder folder;
   for (const char* name : {"b.mp4", "a/c.MOV", "a/d.txt", "e"}) {

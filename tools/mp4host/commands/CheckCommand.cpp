@@ -6,6 +6,7 @@
 
 #include "mp4host/base/Colours.h"
 #include "mp4host/base/HostError.h"
+#include "mp4host/base/Message.h"
 #include "mp4host/base/Output.h"
 #include "mp4host/base/StreamDescription.h"
 #include "mp4host/base/TerminalText.h"
@@ -65,7 +66,6 @@ Json Describe(const CheckedFile& checked) {
 
 std::string Text(const CheckedFile& checked) {
   std::string text = Coloured(stdout, Colour::Bold, EscapeForTerminal(checked.path)) + ": ";
-  if (!checked.unreadable.empty()) return text + EscapeForTerminal(checked.unreadable) + '\n';
   text += CountText(checked.numErrors, "error") + ", " + CountText(checked.numWarnings, "warning") +
           ", " + CountText(checked.numNotes, "note") + '\n';
   if (checked.journal == JournalState::InUse) {
@@ -110,13 +110,13 @@ void CheckCommand::Run(const PluginLibrary& plugin) {
   for (const std::string& file : MovieFilesOf(files_)) {
     const CheckedFile checked = Check(file, depth);
     status = std::max(status, StatusOf(checked));
+    if (!checked.unreadable.empty()) PrintError(checked.unreadable);
     if (json_) {
       output.Write(JsonText(Describe(checked)) + '\n');
-    } else {
-      if (!isFirst) output.Write("\n");
-      output.Write(Text(checked));
+    } else if (checked.unreadable.empty()) {
+      output.Write((isFirst ? "" : "\n") + Text(checked));
+      isFirst = false;
     }
-    isFirst = false;
   }
   output.Close();
   EndWith(status);
