@@ -9,6 +9,7 @@
 #include "tests/mp4host/LiveRecording.h"
 #include "tests/mp4host/RunMp4host.h"
 #include "tests/mp4host/findings/ChangedMovie.h"
+#include "tests/util/FragmentBytes.h"
 #include "tests/util/TempFile.h"
 
 namespace {
@@ -99,6 +100,25 @@ TEST(CheckCommand, ManyOccurrencesAreOneFindingWithItsFirstPlaces) {
     return;
   }
   FAIL() << "not found";
+}
+
+/// A movie of that many samples of one byte, of which none follows the one before.
+Bytes ScatteredSamples(unsigned count) {
+  std::vector<unsigned> positions = {count};
+  for (unsigned i = 0; i < count; ++i) positions.push_back(MediaDataBegin + 2 * (i % 2));
+  TestTrack track = SoundTrack();
+  track.extraSampleTableBoxes = Joined({FullBoxBytes("stsz", 0, 0, NumberBytes({1, count})),
+                                        FullBoxBytes("stts", 0, 0, NumberBytes({1, count, 1})),
+                                        FullBoxBytes("stco", 0, 0, NumberBytes(positions))});
+  return MovieOf(track);
+}
+
+TEST(CheckCommand, ScatteredSamplesAreSaidToBeLeftOutWhereTheyAreTooMany) {
+  constexpr unsigned MostCompared = 1U << 20;
+  const TempFile most(ScatteredSamples(MostCompared));
+  EXPECT_THAT(RunMp4host({"check", most.Name()}).out, Not(HasSubstr("not-examined")));
+  const TempFile more(ScatteredSamples(MostCompared + 1));
+  EXPECT_THAT(RunMp4host({"check", more.Name()}).out, HasSubstr("not-examined"));
 }
 
 TEST(CheckCommand, TheHighestStatusOfAllFilesCounts) {

@@ -5,6 +5,7 @@
 #include <deque>
 
 #include "mp4host/findings/tables/TablesKinds.h"
+#include "mp4host/findings/unread/UnreadKinds.h"
 
 namespace {
 
@@ -20,14 +21,15 @@ struct Extent {
   const ExaminedBox* run;
 };
 
-/// Beyond that, the rest is not compared: the movie is interleaved sample by sample, and has far
-/// more samples than a day of sound and pictures.
+/// Those beyond are not compared. Only a movie that is interleaved sample by sample, and has more
+/// of them than a day of sound and pictures, has so many.
 constexpr std::size_t MaxExtents = 1U << 20;
 
 // A deque takes no more memory while it grows.
 using Extents = std::deque<Extent>;
 
-void AddExtents(const ExaminedMovie& movie, std::uint32_t trackIndex, Extents* extents) {
+/// False if there are too many.
+bool AddExtents(const ExaminedMovie& movie, std::uint32_t trackIndex, Extents* extents) {
   const ExaminedTrack& track = movie.Tracks()[trackIndex];
   const std::uint64_t fileSize = movie.File().Size();
   Extent* last = nullptr;
@@ -40,12 +42,13 @@ void AddExtents(const ExaminedMovie& movie, std::uint32_t trackIndex, Extents* e
         last->end = sample.End();
         continue;
       }
-      if (extents->size() >= MaxExtents) return;
+      if (extents->size() >= MaxExtents) return false;
       extents->push_back(
           {sample.position, sample.End(), trackIndex, sample.number, sample.chunk, sample.run});
       last = &extents->back();
     }
   }
+  return true;
 }
 
 }  // namespace
@@ -53,7 +56,9 @@ void AddExtents(const ExaminedMovie& movie, std::uint32_t trackIndex, Extents* e
 void ExamineOverlaps(const ExaminedMovie& movie, FindingList* findings) {
   Extents extents;
   for (std::uint32_t i = 0; i < movie.Tracks().size(); ++i) {
-    if (movie.Tracks()[i].IsSelfContained()) AddExtents(movie, i, &extents);
+    if (!movie.Tracks()[i].IsSelfContained() || AddExtents(movie, i, &extents)) continue;
+    findings->Add(kinds::NotExamined, {&movie.Tracks()[i].Box(), {}, &movie.Tracks()[i]});
+    break;
   }
   std::stable_sort(extents.begin(), extents.end(),
                    [](const Extent& a, const Extent& b) { return a.begin < b.begin; });

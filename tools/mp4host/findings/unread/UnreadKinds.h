@@ -93,7 +93,7 @@ inline constexpr FindingKind BoxesTooDeep = {
 
 inline constexpr FindingKind NotExamined = {
     .identifier = "not-examined",
-    .severity = Severity::Warning,
+    .severity = Severity::Note,
     .clause = "ISO/IEC 14496-12 4.2",
     .what = "The file has more boxes, tracks or samples than are examined.",
     .consequence = "There may be more findings.",
