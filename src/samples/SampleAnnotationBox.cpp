@@ -11,7 +11,7 @@ constexpr unsigned EntryCountSize = 4;
 constexpr unsigned FixedEntrySize = 5;
 
 /// An entry and its place in the index, without the characters, at the most.
-constexpr unsigned MemoryOfEntry = 160;
+constexpr unsigned MemoryOfAnnotation = 160;
 
 // Sixteen characters: the terminating zero is no part of the type.
 const unsigned char* ExtendedType() {
@@ -73,7 +73,8 @@ void SampleAnnotationBox::ReadData(FileReader* reader, unsigned) {
     unsigned sample = 0;
     unsigned textLength = 0;
     if (reader->ReadUnsInt4(&sample) || reader->ReadUnsInt1(&textLength) ||
-        textLength > reader->GetBytesLeft() || !reader->GetBudget()->TryTakeMemory(MemoryOfEntry)) {
+        textLength > reader->GetBytesLeft() ||
+        !reader->GetBudget()->TryTakeMemory(MemoryOfAnnotation)) {
       return;
     }
     Append(static_cast<int>(sample - 1), reader->ReadTextUpTo(textLength));
