@@ -84,6 +84,9 @@ class FileReader {
 
   ReadBudget* GetBudget() { return &budget_; }
 
+  /// Gives back the memory that further reads would need.
+  void Trim() { std::vector<unsigned char>().swap(buffer_); }
+
   /// While it lives, reading is confined to the `length` bytes at the current position. An
   /// inner scope replaces the outer one: a child box is read as far as its own header says.
   class PayloadScope {

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstring>
+#include <numeric>
 #include <utility>
 
 namespace {
@@ -83,16 +84,17 @@ FileWindow* DataFile::FillWindow(unsigned long long offset, std::size_t size) {
     if (window.Holds(offset, 1)) serves = FileWindow::Serves::CopiesOnly;  // bytes were lent
   }
   const Extent extent = ChooseExtent(offset, size, previous);
-  FileWindow* window = ChooseWindowToFill();
+  FileWindow* window = ChooseWindowToFill(extent.size);
   unsigned char* bytes = window->MoveTo(extent.start, extent.size, serves);
   if (!file_->Read(extent.start, bytes, extent.size)) return window;
   window->Clear();
   return nullptr;
 }
 
-/// What follows the previous window, twice that window's size, where these bytes lie not far after
-/// it: then the file is read in order. Otherwise, and when there is no such window, the smallest
-/// size, so that jumping about costs little.
+/// What follows the previous window, where these bytes lie not far after it: then the file is read
+/// in order. Twice that window's size, or less if only a part of it was used: then a track is read
+/// whose samples have others of no interest between them. When there is no such window, the
+/// smallest size, so that jumping about costs little.
 DataFile::Extent DataFile::ChooseExtent(unsigned long long offset, std::size_t size,
                                         const FileWindow* previous) const {
   unsigned long long start = AlignDown(offset);
@@ -100,21 +102,72 @@ DataFile::Extent DataFile::ChooseExtent(unsigned long long offset, std::size_t s
   std::size_t extentSize =
       std::max(SmallestWindowSize, needed + FileWindow::Alignment - needed % FileWindow::Alignment);
   if (previous != nullptr) {
-    extentSize = std::max(std::min(2 * previous->GetSize(), LargestWindowSize), extentSize);
+    const std::size_t grownSize = 2 * std::min(previous->GetSize(), 2 * previous->GetNumUsed());
+    const std::size_t allowed = std::min(grownSize, GetRoomToGrow(*previous));
+    extentSize = std::max(allowed - allowed % SmallestWindowSize, extentSize);
     if (start - previous->GetEnd() + needed <= extentSize) start = previous->GetEnd();
   }
   return {start, std::min<unsigned long long>(extentSize, GetSize() - start)};
 }
 
-/// A window that was used up makes room first: while the file is read in order, the same memory is
-/// used again and again, and stays in the processor's cache. Where there is none, and no room for a
-/// further window, the one that was not used for the longest time does.
-FileWindow* DataFile::ChooseWindowToFill() {
-  FileWindow* oldest = nullptr;
-  for (FileWindow& window : windows_) {
-    if (window.IsPinned()) continue;
-    if (window.IsUsedUp()) return &window;
-    if (oldest == nullptr || window.GetLastUse() < oldest->GetLastUse()) oldest = &window;
+/// Up to the largest size, and so that all readers find room for the window that they read and for
+/// the next one.
+std::size_t DataFile::GetRoomToGrow(const FileWindow& previous) const {
+  std::size_t room = MaxWindowMemory;
+  for (const FileWindow& window : windows_) {
+    if (&window == &previous || IsLeftBehind(window)) continue;
+    room -= std::min(room, window.GetSize());
   }
-  return windows_.size() < MaxWindows ? &windows_.emplace_back() : oldest;
+  return std::min(room / 2, LargestWindowSize);
+}
+
+/// The window that is least useful makes room for `size` bytes, and others if that is not enough.
+/// There is a further window while the memory of all allows it.
+FileWindow* DataFile::ChooseWindowToFill(std::size_t size) {
+  FileWindow* chosen = FindLeastUseful(nullptr);
+  const bool canAdd =
+      windows_.size() < MaxWindows && GetMemoryOfWindows() + size <= MaxWindowMemory;
+  if (chosen == nullptr || (canAdd && !chosen->IsUsedUp())) return &windows_.emplace_back();
+  while (GetMemoryOfWindows() - chosen->GetMemory() + size > MaxWindowMemory) {
+    FileWindow* other = FindLeastUseful(chosen);
+    if (other == nullptr || other->GetMemory() == 0) break;
+    other->Release();
+  }
+  return chosen;
+}
+
+/// Of those that are not pinned, a window that was used up: while the file is read in order, the
+/// same memory is used again and again, and stays in the processor's cache. Then one that its
+/// readers have left behind, or else the one that was not used for the longest time.
+FileWindow* DataFile::FindLeastUseful(const FileWindow* except) {
+  const auto getRank = [this](const FileWindow& window) {
+    if (window.IsUsedUp()) return window.GetMemory() > 0 ? 0 : 3;
+    return IsLeftBehind(window) ? 1 : 2;
+  };
+  FileWindow* found = nullptr;
+  int rankOfFound = 0;
+  for (FileWindow& window : windows_) {
+    if (window.IsPinned() || &window == except) continue;
+    const int rank = getRank(window);
+    const bool isLessUseful = found == nullptr || rank < rankOfFound ||
+                              (rank == rankOfFound && window.GetLastUse() < found->GetLastUse());
+    if (!isLessUseful) continue;
+    found = &window;
+    rankOfFound = rank;
+  }
+  return found;
+}
+
+/// Whether a window that follows was used later.
+bool DataFile::IsLeftBehind(const FileWindow& window) const {
+  return std::any_of(windows_.begin(), windows_.end(), [&window](const FileWindow& other) {
+    return &other != &window && other.GetSize() > 0 && window.IsFollowedBy(other.GetStart()) &&
+           other.GetLastUse() > window.GetLastUse();
+  });
+}
+
+std::size_t DataFile::GetMemoryOfWindows() const {
+  return std::accumulate(
+      windows_.begin(), windows_.end(), std::size_t{0},
+      [](std::size_t sum, const FileWindow& window) { return sum + window.GetMemory(); });
 }

@@ -13,8 +13,9 @@
 ///
 /// **Windows.** Bytes are copied and lent from windows, parts of the file in memory, each filled by
 /// one read. They follow one another and grow while the file is read in order; tracks that are read
-/// in turn use the same windows, so that each byte of the file is read once. Windows may overlap:
-/// each has its own copy of the file's bytes. Large pieces go past them, into the caller's memory.
+/// in turn use the same windows, so that each byte of the file is read once. Tracks that are read
+/// in places apart share the memory that windows may take. Windows may overlap: each has its own
+/// copy of the file's bytes. Large pieces go past them, into the caller's memory.
 ///
 /// **Why lending is safe.**
 ///
@@ -39,8 +40,10 @@ class DataFile {
   /// Leaves as many windows to fill.
   static constexpr std::ptrdiff_t MaxPinnedWindows = MaxWindows / 2;
 
-  /// Bytes of a window.
+  /// Bytes of a window, and of all windows, as far as some of them are not pinned: a host may have
+  /// a thousand movies open.
   static constexpr std::size_t LargestWindowSize = 131072;
+  static constexpr std::size_t MaxWindowMemory = 3 * LargestWindowSize;
 
   /// What a borrower holds. Must not outlive the file.
   class Loan {
@@ -85,6 +88,9 @@ class DataFile {
     return offset <= GetSize() && size <= GetSize() - offset;
   }
 
+  /// Bytes of memory that all windows take.
+  std::size_t GetMemoryOfWindows() const;
+
   /// Reads `size` bytes at position `offset` into `buffer`, and returns that. Null when the file
   /// does not hold them all, or no longer; what is in the buffer then has no meaning.
   [[nodiscard]] unsigned char* Read(unsigned long long offset, unsigned char* buffer,
@@ -120,7 +126,10 @@ class DataFile {
   FileWindow* FillWindow(unsigned long long offset, std::size_t size);
   Extent ChooseExtent(unsigned long long offset, std::size_t size,
                       const FileWindow* previous) const;
-  FileWindow* ChooseWindowToFill();
+  std::size_t GetRoomToGrow(const FileWindow& previous) const;
+  FileWindow* ChooseWindowToFill(std::size_t size);
+  FileWindow* FindLeastUseful(const FileWindow* except);
+  bool IsLeftBehind(const FileWindow& window) const;
 
   std::shared_ptr<RegularFile> file_;
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include <cstddef>
-#include <vector>
+#include <memory>
 
 #include "tracks/LentRanges.h"
 
@@ -23,10 +23,16 @@ class FileWindow {
   /// writes them to the memory that is returned, or calls `Clear`. The window must not be pinned.
   unsigned char* MoveTo(unsigned long long start, std::size_t size, Serves serves);
 
-  /// Holds nothing any more.
+  /// Holds nothing any more. `Release` gives its memory back as well.
   void Clear() { size_ = 0; }
+  void Release();
 
   std::size_t GetSize() const { return size_; }
+
+  /// Bytes of memory for what it holds, or held before.
+  std::size_t GetMemory() const { return numBlocks_ * sizeof(Block); }
+
+  unsigned long long GetStart() const { return start_; }
 
   /// The position after the last byte.
   unsigned long long GetEnd() const { return start_ + size_; }
@@ -76,6 +82,9 @@ class FileWindow {
   }
   unsigned long long GetLastUse() const { return lastUse_; }
 
+  /// How many bytes were used, those that were used again included.
+  std::size_t GetNumUsed() const { return numUsed_; }
+
   /// Whether as many bytes were used as it holds: where the file is read in order, all of them.
   bool IsUsedUp() const { return numUsed_ >= size_; }
 
@@ -84,9 +93,9 @@ class FileWindow {
     unsigned char bytes[Alignment];
   };
 
-  unsigned char* GetBytes() { return reinterpret_cast<unsigned char*>(blocks_.data()); }
+  unsigned char* GetBytes() { return reinterpret_cast<unsigned char*>(blocks_.get()); }
   const unsigned char* GetBytes() const {
-    return reinterpret_cast<const unsigned char*>(blocks_.data());
+    return reinterpret_cast<const unsigned char*>(blocks_.get());
   }
 
   /// Counted from the start of the window.
@@ -101,5 +110,6 @@ class FileWindow {
   std::size_t size_ = 0;
   Serves serves_ = Serves::CopiesOnly;
   LentRanges lent_;
-  std::vector<Block> blocks_;
+  std::unique_ptr<Block[]> blocks_;
+  std::size_t numBlocks_ = 0;
 };

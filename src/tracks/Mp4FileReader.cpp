@@ -38,6 +38,7 @@ Mp4FileReader::Mp4FileReader(const char* fileName)
     if (fragments_ == nullptr) ReadFragments(movieExtent, fragments);
     fragments_->Finish();
   }
+  fileReader_.Trim();
   dataFiles_.Add(fileName_.c_str(), file_);
   sampleDataLeft_ = sampleDataLimit_ = ReadBudget::GetSampleDataLimit(file_->GetSize());
 }

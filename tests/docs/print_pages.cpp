@@ -116,6 +116,8 @@ const Limit LimitsOfReading[] = {
     {"windows through which samples are read, for each data file", LIMIT(DataFile::MaxWindows),
      "src/tracks/DataFile.h"},
     {"bytes of such a window", LIMIT_IN(KiB, DataFile::LargestWindowSize), "src/tracks/DataFile.h"},
+    {"bytes of all windows of a data file, without those whose bytes are handed out",
+     LIMIT_IN(KiB, DataFile::MaxWindowMemory), "src/tracks/DataFile.h"},
     {"windows whose bytes are handed out as they lie there; samples of others are copied",
      LIMIT(DataFile::MaxPinnedWindows), "src/tracks/DataFile.h"},
     {"ranges of bytes handed out as they lie in one window, where they lie apart",

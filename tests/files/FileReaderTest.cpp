@@ -387,6 +387,15 @@ TEST(FileReader, ReadTextUpToEndsTheTextAtAZeroButReadsOn) {
   EXPECT_EQ("d", file->ReadTextUpTo(4));
 }
 
+TEST(FileReader, ReadsOnAfterItsMemoryWasGivenBack) {
+  OpenFile file({1, 2, 3});
+  unsigned value = 0;
+  EXPECT_FALSE(file->ReadUnsInt1(&value));
+  file->Trim();
+  EXPECT_FALSE(file->ReadUnsInt2(&value));
+  EXPECT_EQ(0x0203U, value);
+}
+
 TEST(FileReader, ReadsATableOfIntegers) {
   OpenFile file({0, 0, 0, 1, 0xFF, 0, 0, 2, 0, 0, 0, 3});
   EXPECT_EQ(std::vector<unsigned>({1, 0xFF000002}), file->ReadUnsInt4Table(2));

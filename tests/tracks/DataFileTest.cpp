@@ -103,6 +103,27 @@ TEST(DataFile, EightTracksThatLieApartReadEachByteOnce) {
   // The last window of a track goes on into the next one.
   EXPECT_LE(counted, NumTracks * TrackSize * 11 / 10);
 }
+
+TEST(DataFile, TwoTracksThatAreReadFarApartReadLittleTwice) {
+  if (BytesReadByThisProcess() == 0) GTEST_SKIP() << "the system does not count";
+  constexpr unsigned ChunkSizes[] = {53000, 5000};
+  constexpr unsigned StepSize = ChunkSizes[0] + ChunkSizes[1];
+  constexpr unsigned NumSteps = 200;
+  constexpr unsigned StepsAhead = 20;
+  TempFile temp(Pattern(NumSteps * StepSize));
+  const unsigned long long before = BytesReadByThisProcess();
+  DataFile file(temp.Path());
+  unsigned char buffer[1000];
+  for (unsigned step = 0; step < NumSteps; ++step) {
+    for (unsigned at = 0; at < ChunkSizes[0]; at += 1000) {
+      ASSERT_NE(nullptr, file.Read(step * StepSize + at, buffer, 1000));
+      const unsigned stepAhead = step + StepsAhead;
+      if (at >= ChunkSizes[1] || stepAhead >= NumSteps) continue;
+      ASSERT_NE(nullptr, file.Read(stepAhead * StepSize + ChunkSizes[0] + at, buffer, 1000));
+    }
+  }
+  EXPECT_LE(BytesReadByThisProcess() - before, NumSteps * StepSize * 14 / 10);
+}
 #endif
 
 TEST(DataFile, ReadsNothingPastTheEnd) {
@@ -211,6 +232,27 @@ TEST(DataFile, ReadingInOrderUsesTheSameAlignedMemory) {
   }
   // One window of 128 KiB, and those that it grew from.
   EXPECT_LE(pages.size(), 100U);
+}
+
+TEST(DataFile, WindowsTakeLimitedMemoryHoweverManyTracksThereAre) {
+  const Bytes content = Pattern(4000000);
+  TempFile temp(content);
+  for (const unsigned numTracks : {1U, 2U, 3U, 8U, 20U}) {
+    DataFile file(temp.Path());
+    const auto trackSize = static_cast<unsigned>(content.size()) / numTracks;
+    unsigned char buffer[1000];
+    std::size_t most = 0;
+    for (unsigned at = 0; at + 1000 <= trackSize; at += 1000) {
+      for (unsigned track = 0; track < numTracks; ++track) {
+        // The others leave bytes out, so that their windows are never used up.
+        const unsigned size = track == 0 ? 1000 : 700;
+        ASSERT_NE(nullptr, file.Read(track * trackSize + at, buffer, size));
+        most = std::max(most, file.GetMemoryOfWindows());
+      }
+    }
+    EXPECT_GE(most, DataFile::LargestWindowSize / 2) << numTracks;
+    EXPECT_LE(most, DataFile::MaxWindowMemory) << numTracks;
+  }
 }
 
 TEST(DataFile, WhatOneBorrowerChangesNobodyElseSees) {

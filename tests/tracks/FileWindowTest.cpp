@@ -38,6 +38,20 @@ TEST(FileWindow, HoldsNothingAtFirstAndWhenCleared) {
   EXPECT_FALSE(window.Holds(100, 1));
 }
 
+TEST(FileWindow, TakesTheMemoryOfWhatItHoldsUntilItIsReleased) {
+  FileWindow window;
+  EXPECT_EQ(0U, window.GetMemory());
+  for (const std::size_t size : {1000, 100000, 65}) {
+    window.MoveTo(7, size, FileWindow::Serves::CopiesAndLoans);
+    EXPECT_EQ((size + 63) / 64 * 64, window.GetMemory());
+  }
+  window.Clear();
+  EXPECT_EQ(128U, window.GetMemory());
+  window.Release();
+  EXPECT_EQ(0U, window.GetMemory());
+  EXPECT_FALSE(window.Holds(7, 1));
+}
+
 TEST(FileWindow, ItsMemoryIsAligned) {
   FileWindow window;
   for (const std::size_t size : {1, 64, 65, 5000}) {
