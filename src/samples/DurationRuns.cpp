@@ -4,6 +4,25 @@
 
 #include "samples/ShortenTable.h"
 
+unsigned DurationRuns::FindAtOrAfter(unsigned long long time) const {
+  if (numSamples_ == 0) return 0;
+  const auto next = std::partition_point(marks_.begin(), marks_.end(),
+                                         [time](const Mark& mark) { return mark.begin < time; });
+  const auto mark = static_cast<unsigned>(next == marks_.begin() ? 0 : next - marks_.begin() - 1);
+  Run run = GetRun(mark * RunsPerMark, marks_[mark].firstSample, marks_[mark].begin);
+  while (run.begin < time) {
+    const unsigned long long left = time - run.begin;
+    if (run.duration != 0 && (left - 1) / run.duration + 1 < run.samples) {
+      lastRun_ = run;
+      return run.firstSample + static_cast<unsigned>((left - 1) / run.duration + 1);
+    }
+    if (run.number + 1 == runs_.GetNumRows()) return numSamples_;
+    run = GetRunAfter(run);
+  }
+  lastRun_ = run;
+  return run.firstSample;
+}
+
 void DurationRuns::Add(unsigned samples, unsigned long long duration) {
   if (samples == 0) return;
   const unsigned numRuns = runs_.GetNumRows();

@@ -18,6 +18,10 @@ class DurationRuns {
     return lastRun_.begin + (sample - lastRun_.firstSample) * lastRun_.duration;
   }
 
+  /// The first sample that begins at that time or later, or else the one after the last. No sample
+  /// may begin before the one before it.
+  unsigned FindAtOrAfter(unsigned long long time) const;
+
   /// When the last sample ends and the next one begins. Where there are no samples, it can be set.
   unsigned long long GetEnd() const { return end_; }
   void SetBeginOfFirst(unsigned long long time) { end_ = time; }

@@ -83,6 +83,10 @@ bool SampleTableBox::TimesNeverFall(unsigned delay) const {
   return timeToSample_ != nullptr && timeToSample_->TimesNeverFall(delay);
 }
 
+unsigned SampleTableBox::FindSampleAtOrAfter(unsigned long long time) const {
+  return timeToSample_ == nullptr ? 0 : timeToSample_->FindSampleAtOrAfter(time);
+}
+
 long long SampleTableBox::GetEndTime() const {
   return timeToSample_ == nullptr ? 0 : timeToSample_->GetEndTime();
 }

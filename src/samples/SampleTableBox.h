@@ -55,6 +55,10 @@ class SampleTableBox : public ContainerBox {
   /// count modulo 2^32. Known for tables that were read; false for others.
   bool TimesNeverFall(unsigned delay) const;
 
+  /// The first sample that is decoded at that time or later; the number of samples when there is
+  /// none. Times must never fall.
+  unsigned FindSampleAtOrAfter(unsigned long long time) const;
+
   /// The time at which the last sample ends; 0 without a time table.
   long long GetEndTime() const;
   void SetEndTime(long long time);

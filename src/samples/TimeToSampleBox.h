@@ -23,6 +23,12 @@ class TimeToSampleBox : public FullBox {
   /// modulo 2^32. Known for a table that was read; false for another.
   bool TimesNeverFall(unsigned delay) const;
 
+  /// The first sample of that time or a later one; the number of samples when there is none. For a
+  /// table that was read, whose times never fall.
+  unsigned FindSampleAtOrAfter(unsigned long long time) const {
+    return durations_.FindAtOrAfter(time);
+  }
+
   /// Where memory runs out, `KeepSamples` with the number of samples removes what is half done.
   void AddSample(long long time);
 

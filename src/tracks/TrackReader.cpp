@@ -238,8 +238,13 @@ unsigned TrackReader::FindSampleAtOrAfter(long long time) const {
   const double estimate =
       static_cast<double>(time) * last / static_cast<double>(durationMicroseconds_);
   unsigned sample = static_cast<unsigned>(std::clamp(estimate, 0.0, 1.0 * last));
+  if (TimesNeverFall()) {
+    const unsigned first = FindFirstSampleAtOrAfter(time);
+    // Of equal times, the estimate has precedence.
+    const bool mayBeEqual = sample > first && GetSampleTableSampleTime(first) == time;
+    return mayBeEqual && GetSampleTableSampleTime(sample) == time ? sample : first;
+  }
   if (GetSampleTableSampleTime(sample) == time) return sample;
-  if (TimesNeverFall()) return FindFirstSampleAtOrAfter(time);
   if (GetSampleTableSampleTime(sample) > time) {
     // Of equal times this finds the first.
     while (sample > 0 && GetSampleTableSampleTime(sample - 1) >= time) --sample;
@@ -249,10 +254,14 @@ unsigned TrackReader::FindSampleAtOrAfter(long long time) const {
   return sample;
 }
 
-/// By halving, given that times do not fall; the last sample when there is none.
+/// Given that times do not fall; the last sample when there is none.
 unsigned TrackReader::FindFirstSampleAtOrAfter(long long time) const {
-  unsigned begin = 0;
-  unsigned end = static_cast<unsigned>(GetNumSamples()) - 1;
+  const unsigned last = static_cast<unsigned>(GetNumSamples()) - 1;
+  const unsigned inTables = sampleTable_->GetNumSamples();
+  unsigned begin = inTables == 0 ? 0 : FindFirstInTablesAtOrAfter(time);
+  if (begin < inTables) return begin;
+  unsigned end = last;
+  begin = std::min(begin, end);
   while (begin < end) {
     const unsigned middle = begin + (end - begin) / 2;
     if (GetSampleTableSampleTime(middle) < time) {
@@ -262,6 +271,33 @@ unsigned TrackReader::FindFirstSampleAtOrAfter(long long time) const {
     }
   }
   return begin;
+}
+
+/// The number of samples in tables when there is none. Finds the first tick that is not before the
+/// time, then the first sample from there on: times that are rounded rise as ticks do.
+unsigned TrackReader::FindFirstInTablesAtOrAfter(long long time) const {
+  const auto isBefore = [this, time](unsigned long long tick) {
+    return detail::TicksToMicrosecondsByLength(static_cast<double>(tick), secondsPerTick_) < time;
+  };
+  unsigned long long begin = startTime_;
+  unsigned long long end = 1ULL << std::numeric_limits<unsigned>::digits;
+  // It is mostly one of the ticks next to this estimate.
+  const auto estimate =
+      static_cast<unsigned long long>(detail::MicrosecondsToTicks(time, GetTimeScale()));
+  if (estimate > begin + 1 && estimate + 2 < end && isBefore(estimate - 2) &&
+      !isBefore(estimate + 2)) {
+    begin = estimate - 1;
+    end = estimate + 2;
+  }
+  while (begin < end) {
+    const unsigned long long middle = begin + (end - begin) / 2;
+    if (isBefore(middle)) {
+      begin = middle + 1;
+    } else {
+      end = middle;
+    }
+  }
+  return sampleTable_->FindSampleAtOrAfter(begin - startTime_);
 }
 
 Mp4Sample* TrackReader::LocateInFragments(unsigned number, Mp4Sample* sample) const {

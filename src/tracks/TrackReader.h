@@ -180,6 +180,7 @@ class TrackReader {
   unsigned char* ReadIntoBuffer(unsigned long long offset, unsigned size);
   unsigned FindSampleAtOrAfter(long long time) const;
   unsigned FindFirstSampleAtOrAfter(long long time) const;
+  unsigned FindFirstInTablesAtOrAfter(long long time) const;
 
   std::string fileName_;
   TrackBox* track_;

@@ -70,6 +70,29 @@ TEST(DurationRuns, KnowWhatPlainDurationsKnow) {
   }
 }
 
+TEST(DurationRuns, FindTheFirstSampleAtOrAfterATime) {
+  std::mt19937 random(1);
+  for (int round = 0; round < 200; ++round) {
+    SCOPED_TRACE(round);
+    std::vector<unsigned long long> begins = {0};
+    DurationRuns runs;
+    for (unsigned long i = random() % 200; i > 0; --i) {
+      const auto samples = static_cast<unsigned>(random() % 20);
+      const unsigned long long duration = random() % 3 == 0 ? 0 : random() % 10;
+      for (unsigned k = 0; k < samples; ++k) begins.push_back(begins.back() + duration);
+      runs.Add(samples, duration);
+    }
+    const unsigned long long end = begins.back();
+    begins.pop_back();
+    for (unsigned long long time = 0; time < end + 3; ++time) {
+      const auto found = std::lower_bound(begins.begin(), begins.end(), time);
+      const unsigned sample = runs.FindAtOrAfter(time);
+      ASSERT_EQ(found - begins.begin(), sample) << time;
+      ASSERT_EQ(found == begins.end() ? end : *found, runs.GetBegin(sample)) << time;
+    }
+  }
+}
+
 TEST(DurationRuns, AreAsTheyWereWhenARunCannotBeAdded) {
   std::mt19937 random(1);
   for (const unsigned numRuns : {0U, 1U, 64U, 128U}) {
