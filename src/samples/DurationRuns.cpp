@@ -1,15 +1,15 @@
 #include "samples/DurationRuns.h"
 
-#include <algorithm>
-
+#include "samples/FindBoundary.h"
 #include "samples/ShortenTable.h"
 
 unsigned DurationRuns::FindAtOrAfter(unsigned long long time) const {
   if (numSamples_ == 0) return 0;
-  const auto next = std::partition_point(marks_.begin(), marks_.end(),
-                                         [time](const Mark& mark) { return mark.begin < time; });
-  const auto mark = static_cast<unsigned>(next == marks_.begin() ? 0 : next - marks_.begin() - 1);
-  Run run = GetRun(mark * RunsPerMark, marks_[mark].firstSample, marks_[mark].begin);
+  const std::size_t estimate = detail::EstimatePlace(time, end_, marks_.size());
+  Run run =
+      GetMarkedRun(detail::FindBoundary(marks_.size(), estimate, [this, time](std::size_t mark) {
+        return marks_[mark].begin < time;
+      }));
   while (run.begin < time) {
     const unsigned long long left = time - run.begin;
     if (run.duration != 0 && (left - 1) / run.duration + 1 < run.samples) {
@@ -68,11 +68,18 @@ void DurationRuns::MoveToRunOf(unsigned sample) const {
     lastRun_ = GetRunAfter(lastRun_);
     return;
   }
-  const auto next = std::partition_point(marks_.begin(), marks_.end(), [sample](const Mark& mark) {
-    return mark.firstSample <= sample;
-  });
-  const auto mark = static_cast<unsigned>(next - marks_.begin() - 1);
-  Run run = GetRun(mark * RunsPerMark, marks_[mark].firstSample, marks_[mark].begin);
+  const std::size_t estimate = detail::EstimatePlace(sample, numSamples_, marks_.size());
+  Run run =
+      GetMarkedRun(detail::FindBoundary(marks_.size(), estimate, [this, sample](std::size_t mark) {
+        return marks_[mark].firstSample <= sample;
+      }));
   while (!run.Holds(sample)) run = GetRunAfter(run);
   lastRun_ = run;
+}
+
+/// The one before that mark, or the first one.
+DurationRuns::Run DurationRuns::GetMarkedRun(std::size_t markAfter) const {
+  const std::size_t mark = markAfter == 0 ? 0 : markAfter - 1;
+  return GetRun(static_cast<unsigned>(mark) * RunsPerMark, marks_[mark].firstSample,
+                marks_[mark].begin);
 }

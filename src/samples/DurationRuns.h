@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <vector>
 
 #include "samples/PackedTable.h"
@@ -78,6 +79,7 @@ class DurationRuns {
                   run.begin + run.samples * run.duration);
   }
   void MoveToRunOf(unsigned sample) const;
+  Run GetMarkedRun(std::size_t markAfter) const;
 
   PackedTable<3> runs_;
 

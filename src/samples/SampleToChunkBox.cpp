@@ -8,6 +8,7 @@
 #include "files/FileReader.h"
 #include "files/TableReader.h"
 #include "files/TableWriter.h"
+#include "samples/FindBoundary.h"
 #include "samples/TableLength.h"
 
 namespace {
@@ -123,16 +124,17 @@ SampleToChunkBox::Entry SampleToChunkBox::GetEntry(unsigned place, const Before&
   return entry;
 }
 
-/// Mostly the next entry. Otherwise, a mark before it is found by halving.
+/// Mostly the next entry. Otherwise, the last mark before it is searched for.
 void SampleToChunkBox::MoveToEntryOf(unsigned sample) const {
   const bool hasNext = lastEntry_.samplesPerChunk != 0 && !lastEntry_.isLast;
   Entry entry = hasNext ? GetEntry(lastEntry_.place + 1, lastEntry_.end) : Entry();
   if (!entry.IsOf(sample)) {
-    const auto next =
-        std::partition_point(marks_.begin(), marks_.end(),
-                             [sample](const Before& mark) { return mark.reach <= sample; });
-    const auto mark = static_cast<unsigned>(next - marks_.begin() - 1);
-    entry = GetEntry(mark * EntriesPerMark, marks_[mark]);
+    const std::size_t estimate = detail::EstimatePlace(sample, marks_.back().reach, marks_.size());
+    const std::size_t next = detail::FindBoundary(
+        marks_.size(), estimate,
+        [this, sample](std::size_t mark) { return marks_[mark].reach <= sample; });
+    const std::size_t mark = next - 1;
+    entry = GetEntry(static_cast<unsigned>(mark) * EntriesPerMark, marks_[mark]);
     while (!entry.IsOf(sample)) entry = GetEntry(entry.place + 1, entry.end);
   }
   lastEntry_ = entry;

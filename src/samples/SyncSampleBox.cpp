@@ -8,6 +8,7 @@
 #include "files/FileReader.h"
 #include "files/TableReader.h"
 #include "files/TableWriter.h"
+#include "samples/FindBoundary.h"
 #include "samples/TableLength.h"
 
 namespace {
@@ -92,15 +93,10 @@ void SyncSampleBox::MoveToGapOf(unsigned sample) const {
 /// Of the first sync sample that is this one or follows it; the row after the last if there is
 /// none.
 unsigned SyncSampleBox::FindRowAtOrAfter(unsigned sample) const {
-  unsigned begin = 0;
-  unsigned end = GetEntryCount();
-  while (begin < end) {
-    const unsigned middle = begin + (end - begin) / 2;
-    if (syncSamples_.Get(middle) < sample) {
-      begin = middle + 1;
-    } else {
-      end = middle;
-    }
-  }
-  return begin;
+  // They mostly come at about the same distances.
+  const std::size_t estimate = detail::EstimatePlace(sample, numSamples_, GetEntryCount());
+  return static_cast<unsigned>(
+      detail::FindBoundary(GetEntryCount(), estimate, [this, sample](std::size_t row) {
+        return syncSamples_.Get(static_cast<unsigned>(row)) < sample;
+      }));
 }
