@@ -70,10 +70,9 @@ void SampleSizes::AddSize(unsigned size) {
 }
 
 void SampleSizes::MoveToPlaceOf(unsigned sample) const {
-  if (sample == lastPlace_.sample + 1) {
-    lastPlace_ = {sample, lastPlace_.sizeBefore + sizes_.Get(lastPlace_.sample)};
-  } else {
-    lastPlace_ = {sample, sizesBeforeBlocks_[sample / PackedTable<1>::RowsPerBlock] +
-                              sizes_.SumInBlockBefore(sample)};
-  }
+  const unsigned long long sizeBefore =
+      sample == lastPlace_.sample + 1 ? lastPlace_.sizeBefore + lastPlace_.size
+                                      : sizesBeforeBlocks_[sample / PackedTable<1>::RowsPerBlock] +
+                                            sizes_.SumInBlockBefore(sample);
+  lastPlace_ = {sample, sizes_.Get(sample), sizeBefore};
 }

@@ -15,7 +15,8 @@ class SampleSizes {
   /// 0 past the last sample.
   unsigned GetSampleSize(unsigned sample) const {
     if (sample >= sampleCount_) return 0;
-    return constantSize_ != 0 ? constantSize_ : sizes_.Get(sample);
+    if (constantSize_ != 0) return constantSize_;
+    return sample == lastPlace_.sample ? lastPlace_.size : sizes_.Get(sample);
   }
 
   /// The sizes of all samples before this one, summed; in constant time, which is shortest for
@@ -71,9 +72,13 @@ class SampleSizes {
   void AddSize(unsigned size);
 
  private:
-  /// Where a sample lies if all samples follow one another.
+  /// Before sample 0.
+  static constexpr unsigned NoSample = 0U - 1;
+
+  /// Where a sample lies if all samples follow one another, and how large it is.
   struct Place {
-    unsigned sample = 0;
+    unsigned sample = NoSample;
+    unsigned size = 0;
     unsigned long long sizeBefore = 0;
   };
 

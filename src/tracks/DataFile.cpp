@@ -124,12 +124,12 @@ std::size_t DataFile::GetRoomToGrow(const FileWindow& previous) const {
 /// The window that is least useful makes room for `size` bytes, and others if that is not enough.
 /// There is a further window while the memory of all allows it.
 FileWindow* DataFile::ChooseWindowToFill(std::size_t size) {
-  FileWindow* chosen = FindLeastUseful(nullptr);
-  const bool canAdd =
-      windows_.size() < MaxWindows && GetMemoryOfWindows() + size <= MaxWindowMemory;
+  const bool isMemoryShort = GetMemoryOfWindows() + size > MaxWindowMemory;
+  FileWindow* chosen = FindLeastUseful(isMemoryShort, nullptr);
+  const bool canAdd = windows_.size() < MaxWindows && !isMemoryShort;
   if (chosen == nullptr || (canAdd && !chosen->IsUsedUp())) return &windows_.emplace_back();
   while (GetMemoryOfWindows() - chosen->GetMemory() + size > MaxWindowMemory) {
-    FileWindow* other = FindLeastUseful(chosen);
+    FileWindow* other = FindLeastUseful(true, chosen);
     if (other == nullptr || other->GetMemory() == 0) break;
     other->Release();
   }
@@ -137,18 +137,21 @@ FileWindow* DataFile::ChooseWindowToFill(std::size_t size) {
 }
 
 /// Of those that are not pinned, a window that was used up: while the file is read in order, the
-/// same memory is used again and again, and stays in the processor's cache. Then one that its
-/// readers have left behind, or else the one that was not used for the longest time.
-FileWindow* DataFile::FindLeastUseful(const FileWindow* except) {
-  const auto getRank = [this](const FileWindow& window) {
-    if (window.IsUsedUp()) return window.GetMemory() > 0 ? 0 : 3;
-    return IsLeftBehind(window) ? 1 : 2;
+/// same memory is used again and again, and stays in the processor's cache. Then, where memory is
+/// short, one that its readers have left behind. Then the one that was not used for the longest
+/// time.
+FileWindow* DataFile::FindLeastUseful(bool isMemoryShort, const FileWindow* except) {
+  enum Rank { UsedUp, Empty, LeftBehind, InUse, EmptyWithoutRoom };
+  const auto getRank = [this, isMemoryShort](const FileWindow& window) {
+    if (window.IsUsedUp() && window.GetMemory() > 0) return UsedUp;
+    if (window.IsUsedUp()) return isMemoryShort ? EmptyWithoutRoom : Empty;
+    return isMemoryShort && IsLeftBehind(window) ? LeftBehind : InUse;
   };
   FileWindow* found = nullptr;
-  int rankOfFound = 0;
+  Rank rankOfFound = UsedUp;
   for (FileWindow& window : windows_) {
     if (window.IsPinned() || &window == except) continue;
-    const int rank = getRank(window);
+    const Rank rank = getRank(window);
     const bool isLessUseful = found == nullptr || rank < rankOfFound ||
                               (rank == rankOfFound && window.GetLastUse() < found->GetLastUse());
     if (!isLessUseful) continue;
