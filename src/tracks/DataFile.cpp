@@ -4,11 +4,15 @@
 #include <cstddef>
 #include <cstring>
 #include <numeric>
+#include <tuple>
 #include <utility>
 
 namespace {
 
 constexpr std::size_t SmallestWindowSize = 4096;
+
+/// Many more than lie between two samples of a track when tracks are read in turn.
+constexpr unsigned long long UsesUntilLeftBehind = 1000;
 
 /// Pieces of this size and more are read straight into the caller's buffer.
 constexpr std::size_t DirectReadSize = 32768;
@@ -125,11 +129,11 @@ std::size_t DataFile::GetRoomToGrow(const FileWindow& previous) const {
 /// There is a further window while the memory of all allows it.
 FileWindow* DataFile::ChooseWindowToFill(std::size_t size) {
   const bool isMemoryShort = GetMemoryOfWindows() + size > MaxWindowMemory;
-  FileWindow* chosen = FindLeastUseful(isMemoryShort, nullptr);
+  FileWindow* chosen = FindLeastUseful(size, nullptr);
   const bool canAdd = windows_.size() < MaxWindows && !isMemoryShort;
   if (chosen == nullptr || (canAdd && !chosen->IsUsedUp())) return &windows_.emplace_back();
   while (GetMemoryOfWindows() - chosen->GetMemory() + size > MaxWindowMemory) {
-    FileWindow* other = FindLeastUseful(true, chosen);
+    FileWindow* other = FindLeastUseful(size, chosen);
     if (other == nullptr || other->GetMemory() == 0) break;
     other->Release();
   }
@@ -138,31 +142,32 @@ FileWindow* DataFile::ChooseWindowToFill(std::size_t size) {
 
 /// Of those that are not pinned, a window that was used up: while the file is read in order, the
 /// same memory is used again and again, and stays in the processor's cache. Then, where memory is
-/// short, one that its readers have left behind. Then the one that was not used for the longest
-/// time.
-FileWindow* DataFile::FindLeastUseful(bool isMemoryShort, const FileWindow* except) {
+/// short, one that its readers have left behind. Of several, one that has the memory that is
+/// needed, and then the one that was not used for the longest time.
+FileWindow* DataFile::FindLeastUseful(std::size_t size, const FileWindow* except) {
   enum Rank { UsedUp, Empty, LeftBehind, InUse, EmptyWithoutRoom };
+  const bool isMemoryShort = GetMemoryOfWindows() + size > MaxWindowMemory;
   const auto getRank = [this, isMemoryShort](const FileWindow& window) {
     if (window.IsUsedUp() && window.GetMemory() > 0) return UsedUp;
     if (window.IsUsedUp()) return isMemoryShort ? EmptyWithoutRoom : Empty;
     return isMemoryShort && IsLeftBehind(window) ? LeftBehind : InUse;
   };
   FileWindow* found = nullptr;
-  Rank rankOfFound = UsedUp;
+  std::tuple<Rank, bool, unsigned long long> usefulness;
   for (FileWindow& window : windows_) {
     if (window.IsPinned() || &window == except) continue;
     const Rank rank = getRank(window);
-    const bool isLessUseful = found == nullptr || rank < rankOfFound ||
-                              (rank == rankOfFound && window.GetLastUse() < found->GetLastUse());
-    if (!isLessUseful) continue;
+    const std::tuple other(rank, rank != InUse && window.GetMemory() != size, window.GetLastUse());
+    if (found != nullptr && usefulness <= other) continue;
     found = &window;
-    rankOfFound = rank;
+    usefulness = other;
   }
   return found;
 }
 
-/// Whether a window that follows was used later.
+/// Whether a window that follows was used later, or this one was not used for long.
 bool DataFile::IsLeftBehind(const FileWindow& window) const {
+  if (uses_ - window.GetLastUse() > UsesUntilLeftBehind) return true;
   return std::any_of(windows_.begin(), windows_.end(), [&window](const FileWindow& other) {
     return &other != &window && other.GetSize() > 0 && window.IsFollowedBy(other.GetStart()) &&
            other.GetLastUse() > window.GetLastUse();

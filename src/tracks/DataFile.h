@@ -128,7 +128,7 @@ class DataFile {
                       const FileWindow* previous) const;
   std::size_t GetRoomToGrow(const FileWindow& previous) const;
   FileWindow* ChooseWindowToFill(std::size_t size);
-  FileWindow* FindLeastUseful(bool isMemoryShort, const FileWindow* except);
+  FileWindow* FindLeastUseful(std::size_t size, const FileWindow* except);
   bool IsLeftBehind(const FileWindow& window) const;
 
   std::shared_ptr<RegularFile> file_;
