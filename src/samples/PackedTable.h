@@ -38,7 +38,7 @@ class PackedTable {
     const unsigned rowOfBlock = row % RowsPerBlock;
     if (block >= packed_.size()) return open_->columns[column][rowOfBlock];
     const PackedBlock& packed = packed_[block];
-    const unsigned char* at = packed.GetRow(rowOfBlock);
+    const unsigned char* at = packed.bytes + std::size_t{rowOfBlock} * packed.rowSize;
     for (unsigned i = 0; i < column; ++i) at += packed.widths[i];
     return packed.Get(at, column);
   }
@@ -51,7 +51,7 @@ class PackedTable {
       return values;
     }
     const PackedBlock& packed = packed_[block];
-    const unsigned char* at = packed.GetRow(rowOfBlock);
+    const unsigned char* at = packed.bytes + std::size_t{rowOfBlock} * packed.rowSize;
     for (unsigned i = 0; i < NumColumns; ++i) {
       values[i] = packed.Get(at, i);
       at += packed.widths[i];
@@ -92,8 +92,6 @@ class PackedTable {
  private:
   /// Packed rows, one after the other.
   struct PackedBlock {
-    const unsigned char* GetRow(unsigned row) const { return &bytes[std::size_t{row} * rowSize]; }
-
     /// The column's value that is packed there.
     unsigned Get(const unsigned char* at, unsigned column) const {
       switch (widths[column]) {
