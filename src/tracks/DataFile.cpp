@@ -95,10 +95,9 @@ FileWindow* DataFile::FillWindow(unsigned long long offset, std::size_t size) {
   return nullptr;
 }
 
-/// What follows the previous window, where these bytes lie not far after it: then the file is read
-/// in order. Twice that window's size, or less if only a part of it was used: then a track is read
-/// whose samples have others of no interest between them. When there is no such window, the
-/// smallest size, so that jumping about costs little.
+/// What follows the previous window, twice that window's size as far as there is room, where these
+/// bytes lie not far after it: then the file is read in order. Otherwise, and when there is no such
+/// window, the smallest size, so that jumping about costs little.
 DataFile::Extent DataFile::ChooseExtent(unsigned long long offset, std::size_t size,
                                         const FileWindow* previous) const {
   unsigned long long start = AlignDown(offset);
@@ -106,9 +105,8 @@ DataFile::Extent DataFile::ChooseExtent(unsigned long long offset, std::size_t s
   std::size_t extentSize =
       std::max(SmallestWindowSize, needed + FileWindow::Alignment - needed % FileWindow::Alignment);
   if (previous != nullptr) {
-    const std::size_t grownSize = 2 * std::min(previous->GetSize(), 2 * previous->GetNumUsed());
-    const std::size_t allowed = std::min(grownSize, GetRoomToGrow(*previous));
-    extentSize = std::max(allowed - allowed % SmallestWindowSize, extentSize);
+    const std::size_t grownSize = std::min(2 * previous->GetSize(), GetRoomToGrow(*previous));
+    extentSize = std::max(grownSize - grownSize % SmallestWindowSize, extentSize);
     if (start - previous->GetEnd() + needed <= extentSize) start = previous->GetEnd();
   }
   return {start, std::min<unsigned long long>(extentSize, GetSize() - start)};

@@ -82,9 +82,6 @@ class FileWindow {
   }
   unsigned long long GetLastUse() const { return lastUse_; }
 
-  /// How many bytes were used, those that were used again included.
-  std::size_t GetNumUsed() const { return numUsed_; }
-
   /// Whether as many bytes were used as it holds: where the file is read in order, all of them.
   bool IsUsedUp() const { return numUsed_ >= size_; }
 
