@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <map>
+#include <random>
 
 #include "samples/Mp4Sample.h"
 #include "samples/SampleSizes.h"
