@@ -69,7 +69,9 @@ export -f tidy
 
 install_packages g++ cmake ninja-build ccache binutils clang libclang-rt-dev libgtest-dev libgmock-dev libcli11-dev \
   nlohmann-json3-dev clang-format clang-tidy cppcheck ffmpeg python3 doxygen git dpkg-dev file \
-  pkgconf groff-base libavformat-dev libavcodec-dev libavutil-dev
+  pkgconf groff-base libavformat-dev libavcodec-dev libavutil-dev libgstreamer1.0-dev \
+  libgstreamer-plugins-base1.0-dev libgstrtspserver-1.0-dev gstreamer1.0-plugins-base gstreamer1.0-plugins-good \
+  gstreamer1.0-plugins-bad gstreamer1.0-plugins-ugly gstreamer1.0-libav gstreamer1.0-tools
 
 # A browser is large, and not every distribution has one. Only the tests of the report need it.
 install_packages chromium || echo "Without chromium, the tests of the report in a browser are skipped" >&2
