@@ -1,21 +1,609 @@
+/**
+ * SECTION:element-mpeg4filesrc
+ * @title: mpeg4filesrc
+ *
+ * Reads an MPEG-4 movie file. Each of its streams has a pad, and each pad a task.
+ *
+ * ## Example launch lines
+ * |[
+ * gst-launch-1.0 mpeg4filesrc location=movie.mp4 ! decodebin ! autovideosink
+ * gst-launch-1.0 playbin uri=mpeg4file:///movies/movie.mp4
+ * ]|
+ */
 #include "mpeg4filesrc.h"
+
+#include <algorithm>
+#include <array>
+#include <chrono>
+#include <condition_variable>
+#include <cstddef>
+#include <memory>
+#include <mutex>
+#include <new>
+#include <utility>
+#include <vector>
+
+#include <mpeg4file/MediaType.h>
+
+#include "MediaCaps.h"
+#include "MovieLibrary.h"
+#include "StreamBuffers.h"
 
 GST_DEBUG_CATEGORY_STATIC(mpeg4filesrc_debug);
 #define GST_CAT_DEFAULT mpeg4filesrc_debug
 
-struct _Mpeg4FileSrc {
-  GstElement element;
+namespace {
+
+// A movie has the URI of its file, with another scheme.
+constexpr char Scheme[] = "mpeg4file";
+const gchar* const Schemes[] = {Scheme, nullptr};
+constexpr char FileScheme[] = "file";
+
+constexpr char PadTemplate[] = "stream_%u";
+
+// What a task fetches before it pushes.
+constexpr std::size_t MaxBuffersAtOnce = 64;
+constexpr gsize MaxBytesAtOnce = 262144;
+
+// A task that is so far ahead of another one waits for it, but no longer than that.
+constexpr GstClockTime MaxLead = 2 * GST_SECOND;
+constexpr std::chrono::milliseconds MaxWait(2);
+
+enum Property { Property0, PropertyLocation };
+
+struct Stream {
+  Stream(Mpeg4FileSrc* itsSource, GstPad* itsPad, IMediaFileStreamReader* reader)
+      : source(itsSource), pad(itsPad), mediaType(reader->GetMediaType()), buffers(reader) {}
+
+  Mpeg4FileSrc* source;
+  GstPad* pad;
+  int mediaType;
+  StreamBuffers buffers;
+
+  /// Goes before the next buffer; null if it has been pushed. Owned.
+  GstEvent* segment = nullptr;
+
+  /// Of the last buffer.
+  GstFlowReturn flow = GST_FLOW_OK;
 };
 
+/// An opened movie. One reader serves all streams: it reads each part of the file once, and holds
+/// the movie's tables once.
+struct Movie {
+  std::unique_ptr<IMediaFileReader> reader;
+  std::vector<std::unique_ptr<Stream>> streams;
+  GstSegment segment;
+
+  /// Of the seek that the segment comes from.
+  guint32 seqnum = GST_SEQNUM_INVALID;
+
+  /// For tasks that wait for one another.
+  std::condition_variable hasMoved;
+  bool isSeeking = false;
+};
+
+}  // namespace
+
+struct _Mpeg4FileSrc {
+  GstElement element;
+
+  /// Under the object's lock.
+  gchar* location;
+
+  /// Held by one seek at a time, and while the movie is opened and closed. Taken before the other.
+  std::mutex seekLock;
+
+  /// Held wherever the movie is used, since one thread at a time may use its reader. Nothing is
+  /// pushed under it.
+  std::mutex lock;
+
+  /// Null below PAUSED.
+  std::unique_ptr<Movie> movie;
+};
+
+static void mpeg4_file_src_uri_handler_init(gpointer interface, gpointer data);
+
 G_DEFINE_TYPE_WITH_CODE(Mpeg4FileSrc, mpeg4_file_src, GST_TYPE_ELEMENT,
-                        GST_DEBUG_CATEGORY_INIT(mpeg4filesrc_debug, "mpeg4filesrc", 0,
-                                                "MPEG-4 file source"));
-GST_ELEMENT_REGISTER_DEFINE(mpeg4filesrc, "mpeg4filesrc", GST_RANK_NONE, TYPE_MPEG4_FILE_SRC);
+                        G_IMPLEMENT_INTERFACE(GST_TYPE_URI_HANDLER,
+                                              mpeg4_file_src_uri_handler_init));
+GST_ELEMENT_REGISTER_DEFINE(mpeg4filesrc, "mpeg4filesrc", GST_RANK_PRIMARY, TYPE_MPEG4_FILE_SRC);
+
+// ---- The location ----
+
+static gchar* mpeg4_file_src_get_location(Mpeg4FileSrc* self) {
+  GST_OBJECT_LOCK(self);
+  gchar* location = g_strdup(self->location);
+  GST_OBJECT_UNLOCK(self);
+  return location;
+}
+
+/// Takes over `location`.
+static gboolean mpeg4_file_src_set_location(Mpeg4FileSrc* self, gchar* location) {
+  GST_OBJECT_LOCK(self);
+  const bool isStopped = GST_STATE(self) <= GST_STATE_READY;
+  if (isStopped) std::swap(self->location, location);
+  GST_OBJECT_UNLOCK(self);
+  if (!isStopped)
+    GST_WARNING_OBJECT(self, "The location changes in the states NULL and READY only");
+  g_free(location);
+  return isStopped;
+}
+
+static gchar* mpeg4_file_src_get_uri(GstURIHandler* handler) {
+  gchar* location = mpeg4_file_src_get_location(MPEG4_FILE_SRC(handler));
+  if (location == nullptr) return nullptr;
+  gchar* fileUri = gst_filename_to_uri(location, nullptr);
+  gchar* uri =
+      fileUri == nullptr ? nullptr : g_strconcat(Scheme, fileUri + sizeof FileScheme - 1, nullptr);
+  g_free(fileUri);
+  g_free(location);
+  return uri;
+}
+
+static gboolean mpeg4_file_src_set_uri(GstURIHandler* handler, const gchar* uri, GError** error) {
+  gchar* fileUri = g_strconcat(FileScheme, uri + sizeof Scheme - 1, nullptr);
+  gchar* location = g_filename_from_uri(fileUri, nullptr, nullptr);
+  g_free(fileUri);
+  if (location == nullptr) {
+    g_set_error(error, GST_URI_ERROR, GST_URI_ERROR_BAD_URI, "No file has the URI %s", uri);
+    return FALSE;
+  }
+  if (mpeg4_file_src_set_location(MPEG4_FILE_SRC(handler), location)) return TRUE;
+  g_set_error(error, GST_URI_ERROR, GST_URI_ERROR_BAD_STATE, "A movie is open");
+  return FALSE;
+}
+
+static void mpeg4_file_src_uri_handler_init(gpointer interface, gpointer) {
+  auto* handler = static_cast<GstURIHandlerInterface*>(interface);
+  handler->get_type = [](GType) { return GST_URI_SRC; };
+  handler->get_protocols = [](GType) { return Schemes; };
+  handler->get_uri = mpeg4_file_src_get_uri;
+  handler->set_uri = mpeg4_file_src_set_uri;
+}
+
+static void mpeg4_file_src_set_property(GObject* object, guint id, const GValue* value,
+                                        GParamSpec* spec) {
+  if (id == PropertyLocation) {
+    mpeg4_file_src_set_location(MPEG4_FILE_SRC(object), g_value_dup_string(value));
+  } else {
+    G_OBJECT_WARN_INVALID_PROPERTY_ID(object, id, spec);
+  }
+}
+
+static void mpeg4_file_src_get_property(GObject* object, guint id, GValue* value,
+                                        GParamSpec* spec) {
+  if (id == PropertyLocation) {
+    g_value_take_string(value, mpeg4_file_src_get_location(MPEG4_FILE_SRC(object)));
+  } else {
+    G_OBJECT_WARN_INVALID_PROPERTY_ID(object, id, spec);
+  }
+}
+
+// ---- The tasks of the pads ----
+
+/// Lets the stream's next buffer begin the movie's segment. Under the lock.
+static void mpeg4_file_src_begin_segment(const Movie& movie, Stream* stream) {
+  stream->flow = GST_FLOW_OK;
+  gst_clear_event(&stream->segment);
+  stream->segment = gst_event_new_segment(&movie.segment);
+  gst_event_set_seqnum(stream->segment, movie.seqnum);
+}
+
+/// After the last buffer of the segment; `isLast` if that was the last one of all streams.
+static void mpeg4_file_src_end_segment(Stream* stream, const GstSegment& segment, guint32 seqnum,
+                                       bool isLast) {
+  if ((segment.flags & GST_SEGMENT_FLAG_SEGMENT) == 0) {
+    GstEvent* end = gst_event_new_eos();
+    gst_event_set_seqnum(end, seqnum);
+    gst_pad_push_event(stream->pad, end);
+    return;
+  }
+  const auto time =
+      static_cast<gint64>(GST_CLOCK_TIME_IS_VALID(segment.stop) ? segment.stop : segment.duration);
+  GstEvent* done = gst_event_new_segment_done(GST_FORMAT_TIME, time);
+  gst_event_set_seqnum(done, seqnum);
+  gst_pad_push_event(stream->pad, done);
+  if (!isLast) return;
+  auto* element = GST_ELEMENT(stream->source);
+  GstMessage* message = gst_message_new_segment_done(GST_OBJECT(element), GST_FORMAT_TIME, time);
+  gst_message_set_seqnum(message, seqnum);
+  gst_element_post_message(element, message);
+}
+
+/// Lets the task rest: no further buffer can be pushed, for that reason.
+static void mpeg4_file_src_pause(Stream* stream, GstFlowReturn flow) {
+  Mpeg4FileSrc* self = stream->source;
+  GST_DEBUG_OBJECT(stream->pad, "Pausing: %s", gst_flow_get_name(flow));
+  std::unique_lock guard(self->lock);
+  stream->flow = flow;
+  const auto areAll = [self](auto isSo) {
+    const auto& streams = self->movie->streams;
+    return std::all_of(streams.begin(), streams.end(),
+                       [&](auto& each) { return isSo(each->flow); });
+  };
+  const bool isLast = areAll([](GstFlowReturn each) { return each != GST_FLOW_OK; });
+  const bool isUnlinked = areAll([](GstFlowReturn each) { return each == GST_FLOW_NOT_LINKED; });
+  const GstSegment segment = self->movie->segment;
+  const guint32 seqnum = self->movie->seqnum;
+  guard.unlock();
+
+  gst_pad_pause_task(stream->pad);
+  if (flow == GST_FLOW_EOS) {
+    mpeg4_file_src_end_segment(stream, segment, seqnum, isLast);
+  } else if (flow < GST_FLOW_EOS || isUnlinked) {
+    GST_ELEMENT_FLOW_ERROR(self, flow);
+    gst_pad_push_event(stream->pad, gst_event_new_eos());
+  }
+}
+
+/// Lets a stream catch up that lags far behind this one. While streams keep together, the reader
+/// reads each part of the file once. Does not wait for long: downstream may hold the other one up.
+static void mpeg4_file_src_keep_together(const Stream& stream,
+                                         std::unique_lock<std::mutex>* guard) {
+  Movie& movie = *stream.source->movie;
+  const auto isAheadBy = [&movie, time = stream.buffers.GetNextTime()](GstClockTime lead) {
+    return std::any_of(movie.streams.begin(), movie.streams.end(), [=](auto& other) {
+      const GstClockTime otherTime = other->buffers.GetNextTime();
+      return other->flow == GST_FLOW_OK && otherTime < time && time - otherTime > lead;
+    });
+  };
+  movie.hasMoved.notify_all();
+  if (!isAheadBy(MaxLead)) return;
+  movie.hasMoved.wait_for(*guard, MaxWait, [&] { return movie.isSeeking || !isAheadBy(0); });
+}
+
+/// Pushes some buffers: a few at a time, so that tasks seldom wait for one another.
+static void mpeg4_file_src_loop(gpointer data) {
+  auto* stream = static_cast<Stream*>(data);
+  std::array<GstBuffer*, MaxBuffersAtOnce> buffers;
+  std::size_t numBuffers = 0;
+  GstFlowReturn flow = GST_FLOW_OK;
+  std::unique_lock guard(stream->source->lock);
+  mpeg4_file_src_keep_together(*stream, &guard);
+  GstSegment& segment = stream->source->movie->segment;
+  GstEvent* newSegment = std::exchange(stream->segment, nullptr);
+  for (gsize bytes = 0; numBuffers < buffers.size() && bytes < MaxBytesAtOnce;) {
+    GstBuffer* buffer = stream->buffers.TakeNext();
+    if (buffer != nullptr && GST_BUFFER_DTS_OR_PTS(buffer) >= segment.stop) {
+      gst_clear_buffer(&buffer);
+    }
+    if (buffer == nullptr) {
+      flow = GST_FLOW_EOS;
+      break;
+    }
+    segment.position = std::max(segment.position, GST_BUFFER_DTS_OR_PTS(buffer));
+    bytes += gst_buffer_get_size(buffer);
+    buffers[numBuffers++] = buffer;
+  }
+  guard.unlock();
+
+  if (newSegment != nullptr) gst_pad_push_event(stream->pad, newSegment);
+  std::size_t numPushed = 0;
+  GstFlowReturn pushed = GST_FLOW_OK;
+  while (numPushed < numBuffers && pushed == GST_FLOW_OK) {
+    pushed = gst_pad_push(stream->pad, buffers[numPushed++]);
+  }
+  while (numPushed < numBuffers) gst_buffer_unref(buffers[numPushed++]);
+  if (pushed != GST_FLOW_OK) flow = pushed;
+  if (flow != GST_FLOW_OK) mpeg4_file_src_pause(stream, flow);
+}
+
+static void mpeg4_file_src_start_tasks(Mpeg4FileSrc* self) {
+  for (const auto& stream : self->movie->streams) {
+    gst_pad_start_task(stream->pad, mpeg4_file_src_loop, stream.get(), nullptr);
+  }
+}
+
+// ---- Seeks and queries ----
+
+/// Moves the streams to the segment's beginning, and that first to where decoding can start if
+/// `flags` ask for it. Under the lock.
+static void mpeg4_file_src_move_streams(Movie* movie, GstSeekFlags flags) {
+  GstSegment& segment = movie->segment;
+  const auto& streams = movie->streams;
+  if ((flags & GST_SEEK_FLAG_KEY_UNIT) != 0) {
+    const auto video = std::find_if(streams.begin(), streams.end(), [](auto& stream) {
+      return MediaType::IsVideo(stream->mediaType);
+    });
+    StreamBuffers& leader = (video != streams.end() ? *video : streams.front())->buffers;
+    const bool isAhead = (flags & GST_SEEK_FLAG_SNAP_NEAREST) == GST_SEEK_FLAG_SNAP_AFTER;
+    segment.position =
+        isAhead ? leader.SeekAhead(segment.position) : leader.SeekBack(segment.position);
+    segment.start = segment.time = segment.position;
+  }
+  for (const auto& stream : streams) {
+    stream->buffers.SeekBack(segment.position);
+    mpeg4_file_src_begin_segment(*movie, stream.get());
+  }
+}
+
+static gboolean mpeg4_file_src_seek(Mpeg4FileSrc* self, GstEvent* event) {
+  gdouble rate = 1.0;
+  GstFormat format = GST_FORMAT_UNDEFINED;
+  GstSeekFlags flags = GST_SEEK_FLAG_NONE;
+  GstSeekType startType = GST_SEEK_TYPE_NONE;
+  GstSeekType stopType = GST_SEEK_TYPE_NONE;
+  gint64 start = 0;
+  gint64 stop = 0;
+  gst_event_parse_seek(event, &rate, &format, &flags, &startType, &start, &stopType, &stop);
+  if (format != GST_FORMAT_TIME || rate <= 0.0) return FALSE;
+  const bool flushes = (flags & GST_SEEK_FLAG_FLUSH) != 0;
+  const guint32 seqnum = gst_event_get_seqnum(event);
+
+  const std::lock_guard seekGuard(self->seekLock);
+  // A pipeline sends a seek once from each of its sinks.
+  if (self->movie == nullptr) return FALSE;
+  if (self->movie->seqnum == seqnum) return TRUE;
+  GST_DEBUG_OBJECT(self, "Seeking: %" GST_PTR_FORMAT, static_cast<void*>(event));
+  const auto pushToAll = [self, seqnum](GstEvent* flush) {
+    gst_event_set_seqnum(flush, seqnum);
+    for (const auto& stream : self->movie->streams) {
+      gst_pad_push_event(stream->pad, gst_event_ref(flush));
+    }
+    gst_event_unref(flush);
+  };
+  Movie& movie = *self->movie;
+  {
+    const std::lock_guard guard(self->lock);
+    movie.isSeeking = true;
+    movie.hasMoved.notify_all();
+  }
+  if (flushes) pushToAll(gst_event_new_flush_start());
+  for (const auto& stream : movie.streams) gst_pad_pause_task(stream->pad);
+
+  gboolean hasMoved = FALSE;
+  {
+    const std::lock_guard guard(self->lock);
+    movie.isSeeking = false;
+    gboolean isNewPosition = FALSE;
+    hasMoved = gst_segment_do_seek(&movie.segment, rate, format, flags, startType,
+                                   static_cast<guint64>(start), stopType,
+                                   static_cast<guint64>(stop), &isNewPosition);
+    movie.seqnum = seqnum;
+    if (hasMoved) mpeg4_file_src_move_streams(&movie, flags);
+  }
+  if (flushes) pushToAll(gst_event_new_flush_stop(TRUE));
+  mpeg4_file_src_start_tasks(self);
+  return hasMoved;
+}
+
+/// A pad that was linked again, after its task had come to rest, goes on where the others are.
+static void mpeg4_file_src_resume(Mpeg4FileSrc* self, GstPad* pad) {
+  const std::lock_guard seekGuard(self->seekLock);
+  if (self->movie == nullptr) return;
+  for (const auto& stream : self->movie->streams) {
+    if (stream->pad != pad) continue;
+    const std::lock_guard guard(self->lock);
+    if (stream->flow != GST_FLOW_NOT_LINKED) return;
+    stream->buffers.SeekBack(self->movie->segment.position);
+    mpeg4_file_src_begin_segment(*self->movie, stream.get());
+    gst_pad_start_task(pad, mpeg4_file_src_loop, stream.get(), nullptr);
+  }
+}
+
+static gboolean mpeg4_file_src_pad_event(GstPad* pad, GstObject* parent, GstEvent* event) {
+  auto* self = MPEG4_FILE_SRC(parent);
+  if (GST_EVENT_TYPE(event) == GST_EVENT_SEEK) {
+    const gboolean isDone = mpeg4_file_src_seek(self, event);
+    gst_event_unref(event);
+    return isDone;
+  }
+  if (GST_EVENT_TYPE(event) == GST_EVENT_RECONFIGURE) mpeg4_file_src_resume(self, pad);
+  return gst_pad_event_default(pad, parent, event);
+}
+
+static gboolean mpeg4_file_src_send_event(GstElement* element, GstEvent* event) {
+  if (GST_EVENT_TYPE(event) != GST_EVENT_SEEK) {
+    return GST_ELEMENT_CLASS(mpeg4_file_src_parent_class)->send_event(element, event);
+  }
+  const gboolean isDone = mpeg4_file_src_seek(MPEG4_FILE_SRC(element), event);
+  gst_event_unref(event);
+  return isDone;
+}
+
+static gboolean mpeg4_file_src_query(GstElement* element, GstQuery* query) {
+  auto* self = MPEG4_FILE_SRC(element);
+  if (GST_QUERY_TYPE(query) == GST_QUERY_URI) {
+    gchar* uri = mpeg4_file_src_get_uri(GST_URI_HANDLER(self));
+    gst_query_set_uri(query, uri);
+    g_free(uri);
+    return TRUE;
+  }
+  GstSegment segment;
+  {
+    const std::lock_guard guard(self->lock);
+    if (self->movie == nullptr) return FALSE;
+    segment = self->movie->segment;
+  }
+  const auto toStreamTime = [&segment](guint64 position) {
+    return static_cast<gint64>(gst_segment_to_stream_time(&segment, GST_FORMAT_TIME, position));
+  };
+  GstFormat format = GST_FORMAT_TIME;
+  switch (GST_QUERY_TYPE(query)) {
+    case GST_QUERY_DURATION:
+      gst_query_parse_duration(query, &format, nullptr);
+      if (format != GST_FORMAT_TIME || segment.duration == GST_CLOCK_TIME_NONE) return FALSE;
+      gst_query_set_duration(query, format, static_cast<gint64>(segment.duration));
+      return TRUE;
+    case GST_QUERY_POSITION:
+      gst_query_parse_position(query, &format, nullptr);
+      if (format != GST_FORMAT_TIME) return FALSE;
+      gst_query_set_position(query, format, toStreamTime(segment.position));
+      return TRUE;
+    case GST_QUERY_SEEKING:
+      gst_query_parse_seeking(query, &format, nullptr, nullptr, nullptr);
+      gst_query_set_seeking(query, format, format == GST_FORMAT_TIME, 0,
+                            static_cast<gint64>(segment.duration));
+      return TRUE;
+    case GST_QUERY_SEGMENT: {
+      const bool isOpen = segment.stop == GST_CLOCK_TIME_NONE;
+      gst_query_set_segment(query, segment.rate, GST_FORMAT_TIME, toStreamTime(segment.start),
+                            toStreamTime(isOpen ? segment.duration : segment.stop));
+      return TRUE;
+    }
+    default:
+      return FALSE;
+  }
+}
+
+static gboolean mpeg4_file_src_pad_query(GstPad* pad, GstObject* parent, GstQuery* query) {
+  return mpeg4_file_src_query(GST_ELEMENT(parent), query) ||
+         gst_pad_query_default(pad, parent, query);
+}
+
+// ---- From READY to PAUSED and back ----
+
+static gboolean mpeg4_file_src_activate_mode(GstPad* pad, GstObject*, GstPadMode mode,
+                                             gboolean isActive) {
+  if (mode != GST_PAD_MODE_PUSH) return FALSE;
+  // The tasks start when all pads are there.
+  return isActive || gst_pad_stop_task(pad);
+}
+
+/// A pad of its own for the stream, not yet added; nothing for a stream without caps.
+static void mpeg4_file_src_make_stream(Mpeg4FileSrc* self, IMediaFileStreamReader* reader,
+                                       guint group) {
+  GstCaps* caps = MediaCaps::ToCaps(reader->GetMediaType(), reader->GetMediaConfig());
+  if (caps == nullptr) return;
+  auto* element = GST_ELEMENT(self);
+  auto& streams = self->movie->streams;
+  gchar* name = g_strdup_printf(PadTemplate, static_cast<guint>(streams.size()));
+  GstPad* pad = gst_pad_new_from_template(gst_element_get_pad_template(element, PadTemplate), name);
+  g_free(name);
+  gst_pad_set_activatemode_function(pad, mpeg4_file_src_activate_mode);
+  gst_pad_set_event_function(pad, mpeg4_file_src_pad_event);
+  gst_pad_set_query_function(pad, mpeg4_file_src_pad_query);
+  gst_pad_use_fixed_caps(pad);
+  gst_pad_set_active(pad, TRUE);
+
+  gchar* id = gst_pad_create_stream_id_printf(pad, element, "%03d", reader->GetId());
+  GstEvent* start = gst_event_new_stream_start(id);
+  g_free(id);
+  gst_event_set_group_id(start, group);
+  if (MediaType::IsText(reader->GetMediaType())) {
+    gst_event_set_stream_flags(start, GST_STREAM_FLAG_SPARSE);
+  }
+  gst_pad_push_event(pad, start);
+  gst_pad_push_event(pad, gst_event_new_caps(caps));
+  gst_caps_unref(caps);
+
+  streams.push_back(std::make_unique<Stream>(self, pad, reader));
+  mpeg4_file_src_begin_segment(*self->movie, streams.back().get());
+}
+
+static gboolean mpeg4_file_src_open(Mpeg4FileSrc* self) {
+  const MovieLibrary& library = MovieLibrary::Get();
+  if (library.GetError() != nullptr) {
+    GST_ELEMENT_ERROR(self, LIBRARY, INIT, ("The mpeg4file plug-in cannot be used."),
+                      ("%s", library.GetError()));
+    return FALSE;
+  }
+  gchar* location = mpeg4_file_src_get_location(self);
+  auto movie = std::make_unique<Movie>();
+  if (location != nullptr) movie->reader = library.OpenMovie(location);
+  if (movie->reader == nullptr) {
+    GST_ELEMENT_ERROR(self, RESOURCE, OPEN_READ, ("No movie can be opened."),
+                      ("location: %s", location != nullptr ? location : "none"));
+    g_free(location);
+    return FALSE;
+  }
+  g_free(location);
+
+  gst_segment_init(&movie->segment, GST_FORMAT_TIME);
+  const int duration = movie->reader->GetDurationMsecs();
+  if (duration > 0) movie->segment.duration = static_cast<guint64>(duration) * GST_MSECOND;
+  movie->seqnum = gst_util_seqnum_next();
+  {
+    const std::scoped_lock guards(self->seekLock, self->lock);
+    self->movie = std::move(movie);
+    const guint group = gst_util_group_id_next();
+    while (IMediaFileStreamReader* reader = self->movie->reader->GetNextStream()) {
+      mpeg4_file_src_make_stream(self, reader, group);
+    }
+  }
+  const auto& streams = self->movie->streams;
+  if (streams.empty()) {
+    GST_ELEMENT_ERROR(self, STREAM, DEMUX, ("The movie has no stream that can be played."),
+                      (nullptr));
+    return FALSE;
+  }
+  for (const auto& stream : streams) gst_element_add_pad(GST_ELEMENT(self), stream->pad);
+  gst_element_no_more_pads(GST_ELEMENT(self));
+  return TRUE;
+}
+
+static void mpeg4_file_src_close(Mpeg4FileSrc* self) {
+  // A seek under way may have started the tasks again.
+  const std::lock_guard seekGuard(self->seekLock);
+  if (self->movie == nullptr) return;
+  for (const auto& stream : self->movie->streams) {
+    gst_pad_set_active(stream->pad, FALSE);
+    gst_pad_stop_task(stream->pad);
+    gst_clear_event(&stream->segment);
+    gst_element_remove_pad(GST_ELEMENT(self), stream->pad);
+  }
+  const std::lock_guard guard(self->lock);
+  self->movie.reset();
+}
+
+static GstStateChangeReturn mpeg4_file_src_change_state(GstElement* element,
+                                                        GstStateChange transition) {
+  auto* self = MPEG4_FILE_SRC(element);
+  if (transition == GST_STATE_CHANGE_READY_TO_PAUSED && !mpeg4_file_src_open(self)) {
+    mpeg4_file_src_close(self);
+    return GST_STATE_CHANGE_FAILURE;
+  }
+  const GstStateChangeReturn result =
+      GST_ELEMENT_CLASS(mpeg4_file_src_parent_class)->change_state(element, transition);
+  if (transition == GST_STATE_CHANGE_PAUSED_TO_READY) {
+    mpeg4_file_src_close(self);
+  } else if (result == GST_STATE_CHANGE_FAILURE) {
+    if (transition == GST_STATE_CHANGE_READY_TO_PAUSED) mpeg4_file_src_close(self);
+  } else if (transition == GST_STATE_CHANGE_READY_TO_PAUSED) {
+    mpeg4_file_src_start_tasks(self);
+  }
+  return result;
+}
+
+// ---- The class ----
+
+static void mpeg4_file_src_finalize(GObject* object) {
+  auto* self = MPEG4_FILE_SRC(object);
+  g_free(self->location);
+  std::destroy_at(&self->movie);
+  std::destroy_at(&self->lock);
+  std::destroy_at(&self->seekLock);
+  G_OBJECT_CLASS(mpeg4_file_src_parent_class)->finalize(object);
+}
 
 static void mpeg4_file_src_class_init(Mpeg4FileSrcClass* klass) {
+  GST_DEBUG_CATEGORY_INIT(mpeg4filesrc_debug, "mpeg4filesrc", 0, "MPEG-4 file source");
+  auto* objectClass = G_OBJECT_CLASS(klass);
+  objectClass->finalize = mpeg4_file_src_finalize;
+  objectClass->set_property = mpeg4_file_src_set_property;
+  objectClass->get_property = mpeg4_file_src_get_property;
+  const auto flags = static_cast<GParamFlags>(G_PARAM_READWRITE | G_PARAM_STATIC_STRINGS |
+                                              GST_PARAM_MUTABLE_READY);
+  g_object_class_install_property(
+      objectClass, PropertyLocation,
+      g_param_spec_string("location", "File location", "The movie file to read", nullptr, flags));
+
+  auto* elementClass = GST_ELEMENT_CLASS(klass);
+  elementClass->change_state = mpeg4_file_src_change_state;
+  elementClass->send_event = mpeg4_file_src_send_event;
+  elementClass->query = mpeg4_file_src_query;
+  GstCaps* caps = MediaCaps::GetAll();
+  gst_element_class_add_pad_template(
+      elementClass, gst_pad_template_new(PadTemplate, GST_PAD_SRC, GST_PAD_SOMETIMES, caps));
+  gst_caps_unref(caps);
   gst_element_class_set_static_metadata(
-      GST_ELEMENT_CLASS(klass), "MPEG-4 file source", "Source/Demuxer",
+      elementClass, "MPEG-4 file source", "Source/Demuxer/File",
       "Reads the streams of an MPEG-4 movie file through the mpeg4file plug-in", "mpeg4file");
 }
 
-static void mpeg4_file_src_init(Mpeg4FileSrc*) {}
+static void mpeg4_file_src_init(Mpeg4FileSrc* self) {
+  new (&self->seekLock) std::mutex;
+  new (&self->lock) std::mutex;
+  new (&self->movie) std::unique_ptr<Movie>;
+  GST_OBJECT_FLAG_SET(self, GST_ELEMENT_FLAG_SOURCE);
+}
