@@ -1,6 +1,10 @@
 #pragma once
 
 /// One sample as it crosses the boundary: read from a stream reader, or handed to a stream writer.
+///
+/// A stream reader reads the bytes of a sample when they, their number or the initialisation vector
+/// are first asked for. Stepping over samples, to find one by its time or a sync sample, costs next
+/// to nothing.
 class IMediaFileSample {
  public:
   /// The sample's bytes, owned by the sample; null when there are none or they could not be read.

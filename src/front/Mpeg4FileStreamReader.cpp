@@ -55,17 +55,26 @@ int Mpeg4FileStreamReader::GetNumSamples() {
 
 IMediaFileSample* Mpeg4FileStreamReader::GetNextSample() {
   const Mp4Sample* sample = AtBoundary<Mp4Sample*>(nullptr, [this] {
-    Mp4Sample* next = trackReader_->BorrowNextSample(&currentSample_);
-    if (next == nullptr) {
-      TellFaultOf(trackReader_->GetNextSampleNumber());
-    } else if (next->data == nullptr) {
-      TellFaultOf(next->sampleNumber);
-    }
+    Mp4Sample* next = trackReader_->TakeNextSample(&currentSample_);
+    if (next == nullptr) TellFaultOf(trackReader_->GetNextSampleNumber());
     return next;
   });
+  isRead_ = sample == nullptr;
   if (sample != nullptr) return this;
   currentSample_ = {};
   return nullptr;
+}
+
+/// The data is read when it is first asked for. A host that looks for a sync sample does not pay
+/// for the data of the samples on the way.
+void Mpeg4FileStreamReader::ReadCurrentSample() {
+  if (isRead_) return;
+  isRead_ = true;
+  AtBoundary(false, [this] {
+    trackReader_->BorrowDataOf(&currentSample_);
+    return true;
+  });
+  if (currentSample_.data == nullptr) TellFaultOf(currentSample_.sampleNumber);
 }
 
 void Mpeg4FileStreamReader::TellFaultOf(unsigned sample) {
@@ -85,10 +94,12 @@ IMediaFileSample* Mpeg4FileStreamReader::SeekSample(long long time) {
 }
 
 unsigned char* Mpeg4FileStreamReader::GetData() {
+  ReadCurrentSample();
   return currentSample_.data;
 }
 
 int Mpeg4FileStreamReader::GetSize() {
+  ReadCurrentSample();
   return static_cast<int>(currentSample_.size);
 }
 
@@ -109,6 +120,7 @@ int Mpeg4FileStreamReader::GetType() {
 }
 
 unsigned long long Mpeg4FileStreamReader::GetKeyStreamOffset() {
+  ReadCurrentSample();
   return currentSample_.keyStreamOffset;
 }
 

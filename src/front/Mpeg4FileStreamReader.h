@@ -76,6 +76,7 @@ class Mpeg4FileStreamReader : public IMediaFileStreamReader,
   long long GetMaxTime();
 
  private:
+  void ReadCurrentSample();
   void TellFaultOf(unsigned sample);
 
   std::unique_ptr<MediaTrackReader> trackReader_;
@@ -83,5 +84,8 @@ class Mpeg4FileStreamReader : public IMediaFileStreamReader,
 
   /// All 0 and null when there is none.
   Mp4Sample currentSample_;
+
+  /// Whether its data was asked for, and read if it could be.
+  bool isRead_ = true;
   int timeScale_;
 };

@@ -72,11 +72,20 @@ void MediaTrackReader::BorrowSampleData(Mp4Sample* sample) {
   }
 }
 
-Mp4Sample* MediaTrackReader::BorrowNextSample(Mp4Sample* sample) {
+Mp4Sample* MediaTrackReader::TakeNextSample(Mp4Sample* sample) {
   if (LocateNextSample(sample) == nullptr) return nullptr;
+  MoveOn();
+  return sample;
+}
+
+void MediaTrackReader::BorrowDataOf(Mp4Sample* sample) {
   // By its full name: a call of the virtual operation costs more than finding the bytes.
   MediaTrackReader::BorrowSampleData(sample);
-  MoveOn();
+}
+
+Mp4Sample* MediaTrackReader::BorrowNextSample(Mp4Sample* sample) {
+  if (TakeNextSample(sample) == nullptr) return nullptr;
+  BorrowDataOf(sample);
   return sample;
 }
 

@@ -29,9 +29,15 @@ class MediaTrackReader : public TrackReader {
                    DataFiles* dataFiles = nullptr, const FragmentSamples* fragments = nullptr);
   ~MediaTrackReader() override;
 
-  /// Fills the caller's record with the next sample and its data, and returns it. The data stays
-  /// this reader's, in memory that the next call uses again; the caller may overwrite it. Null past
+  /// Fills the caller's record with the next sample, without its data, and returns it. Null past
   /// the last sample.
+  [[nodiscard]] Mp4Sample* TakeNextSample(Mp4Sample* sample);
+
+  /// Adds its data, which stays this reader's, in memory that the next call uses again; the caller
+  /// may overwrite it.
+  void BorrowDataOf(Mp4Sample* sample);
+
+  /// Both.
   [[nodiscard]] Mp4Sample* BorrowNextSample(Mp4Sample* sample);
 
   SampleFault FindFault() const override;

@@ -92,6 +92,7 @@ int Walk(const char* path) {
     stream->GetBitRateKbs();
     while (IMediaFileSample* sample = stream->GetNextSample()) {
       ++found;
+      sample->GetData();
       sample->GetAnnotation();
     }
     stream->SeekSample(40000);

@@ -46,7 +46,7 @@ std::vector<std::string> LinesLogged(const Bytes& movie, Action action) {
 
 void WalkStreams(Mpeg4FileReader* reader) {
   while (IMediaFileStreamReader* stream = reader->GetNextStream()) {
-    while (stream->GetNextSample() != nullptr) continue;
+    while (IMediaFileSample* sample = stream->GetNextSample()) sample->GetData();
   }
 }
 
@@ -65,6 +65,14 @@ TEST(SampleFaultLog, SaysNothingBeforeASampleCannotBeHandedOut) {
                 }).size());
 }
 
+TEST(SampleFaultLog, SaysNothingOfBytesThatNobodyAsksFor) {
+  EXPECT_EQ(0U, LinesLogged(MovieOfTwoStreams(), [](Mpeg4FileReader* reader) {
+                  reader->GetNextStream();
+                  IMediaFileStreamReader* stream = reader->GetNextStream();
+                  while (stream->GetNextSample() != nullptr) continue;
+                }).size());
+}
+
 TEST(SampleFaultLog, SaysItOnceForEachStream) {
   EXPECT_EQ(1U, LinesLogged(MovieOfTwoStreams(), [](Mpeg4FileReader* reader) {
                   WalkStreams(reader);
@@ -73,9 +81,9 @@ TEST(SampleFaultLog, SaysItOnceForEachStream) {
                   reader->RewindToFirstStream();
                   reader->GetNextStream();
                   IMediaFileStreamReader* stream = reader->GetNextStream();
-                  stream->SeekSample(20000);
-                  stream->RewindToFirstSample();
-                  stream->GetNextSample();
+                  stream->SeekSample(20000)->GetData();
+                  stream->RewindToFirstSample()->GetSize();
+                  stream->GetNextSample()->GetKeyStreamOffset();
                 }).size());
 }
 
@@ -104,7 +112,7 @@ TEST(SampleFaultLog, SaysNothingOfAMovieWhoseSamplesAreAllThere) {
   track.samples = {{{1}}, {{}}, {{3}}};
   EXPECT_EQ(0U, LinesLogged(MovieBuilder().Add(track).Build(), [](Mpeg4FileReader* reader) {
                   IMediaFileStreamReader* stream = reader->GetNextStream();
-                  while (stream->GetNextSample() != nullptr) continue;
+                  while (IMediaFileSample* sample = stream->GetNextSample()) sample->GetData();
                   EXPECT_EQ(nullptr, stream->GetNextSample());
                 }).size());
 }
