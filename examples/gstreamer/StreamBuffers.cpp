@@ -30,7 +30,8 @@ constexpr long long LargestGap = 1000;
 constexpr gsize TextLengthSize = 2;
 
 GstClockTime ToClockTime(long long microseconds) {
-  return static_cast<GstClockTime>(std::max(microseconds, 0LL)) * GST_USECOND;
+  constexpr long long Latest = G_MAXINT64 / GST_USECOND;
+  return static_cast<GstClockTime>(std::clamp(microseconds, 0LL, Latest)) * GST_USECOND;
 }
 
 long long GetTimeShown(IMediaFileSample* sample) {

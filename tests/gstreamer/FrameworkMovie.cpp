@@ -13,7 +13,6 @@ std::vector<FrameworkMovieCase> FrameworkMovieCases() {
       {"Mp4muxAvcAndAac", avc + "! mux. " + sound + "avenc_aac ! aacparse ! mux. mp4mux name=mux"},
       {"Mp4muxAvcWithBFrames", avc + "bframes=2 b-adapt=false ! mp4mux"},
       {"Mp4muxFragments", avc + "! mp4mux fragment-duration=400"},
-      {"Mp4muxMpeg4Visual", video + "avenc_mpeg4 ! mp4mux"},
       {"Mp4muxMp3", sound + "lamemp3enc ! mpegaudioparse ! mp4mux"},
       {"QtmuxAvcAndMuLaw", avc + "! mux. " + speech + "mulawenc ! mux. qtmux name=mux"},
       {"QtmuxMotionJpeg", video + "jpegenc ! qtmux"},

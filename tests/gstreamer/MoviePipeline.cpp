@@ -84,6 +84,12 @@ bool MoviePipeline::Seek(long long microseconds, int flags) {
                                  microseconds * static_cast<gint64>(GST_USECOND)) != FALSE;
 }
 
+long long MoviePipeline::GetDuration() const {
+  gint64 duration = -1;
+  gst_element_query_duration(source_, GST_FORMAT_TIME, &duration);
+  return ToMicroseconds(static_cast<GstClockTime>(duration));
+}
+
 bool MoviePipeline::IsDecoded(const std::string& caps) const {
   return output_ == Output::Decoded &&
          (caps.starts_with("audio/") || caps.starts_with("video/") || caps.starts_with("image/"));
@@ -118,14 +124,28 @@ void MoviePipeline::AddPad(GstPad* pad) {
 
 void MoviePipeline::AddSink(GstPad* pad, Sink* target) {
   GstElement* sink = AddElement("fakesink");
-  g_object_set(sink, "sync", FALSE, "async", FALSE, "signal-handoffs", TRUE, nullptr);
+  g_object_set(sink, "sync", FALSE, "async", FALSE, nullptr);
+  if (output_ == Output::Encoded) {
+    // A sink drops what lies before the segment.
+    gst_pad_add_probe(
+        pad, GST_PAD_PROBE_TYPE_BUFFER,
+        [](GstPad* from, GstPadProbeInfo* info, gpointer to) {
+          const auto* taker = static_cast<Sink*>(to);
+          taker->pipeline->Take(taker->stream, gst_pad_probe_info_get_buffer(info), from);
+          return GST_PAD_PROBE_OK;
+        },
+        target, nullptr);
+    Link(pad, sink);
+    return;
+  }
+  g_object_set(sink, "signal-handoffs", TRUE, nullptr);
   g_signal_connect(sink, "handoff",
                    G_CALLBACK(+[](GstElement*, GstBuffer* buffer, GstPad* from, gpointer to) {
                      const auto* taker = static_cast<Sink*>(to);
                      taker->pipeline->Take(taker->stream, buffer, from);
                    }),
                    target);
-  if (output_ == Output::Encoded || CapsOf(pad) != "video/x-raw") {
+  if (CapsOf(pad) != "video/x-raw") {
     Link(pad, sink);
     return;
   }

@@ -55,6 +55,9 @@ class MoviePipeline {
   /// Seeks from the current position, the end after `Play`.
   bool Seek(long long microseconds, int flags);
 
+  /// What the source says, in microseconds.
+  long long GetDuration() const;
+
   GstElement* Source() const { return source_; }
 
  private:

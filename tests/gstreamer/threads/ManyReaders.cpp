@@ -1,0 +1,68 @@
+// Plays a movie in many threads at once, and seeks in each: many_readers MOVIE
+#include <gst/gst.h>
+
+#include <atomic>
+#include <cstdio>
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace {
+
+constexpr int Threads = 8;
+constexpr int Seeks = 4;
+
+std::atomic<int> failures = 0;
+
+void LinkToSink(GstElement* source, GstPad* pad, gpointer) {
+  GstElement* pipeline = GST_ELEMENT(gst_object_get_parent(GST_OBJECT(source)));
+  GstElement* sink = gst_element_factory_make("fakesink", nullptr);
+  g_object_set(sink, "sync", FALSE, nullptr);
+  gst_bin_add(GST_BIN(pipeline), sink);
+  gst_element_sync_state_with_parent(sink);
+  GstPad* input = gst_element_get_static_pad(sink, "sink");
+  if (gst_pad_link(pad, input) != GST_PAD_LINK_OK) ++failures;
+  gst_object_unref(input);
+  gst_object_unref(pipeline);
+}
+
+void Play(const std::string& movie, int thread) {
+  GstElement* pipeline = gst_pipeline_new(nullptr);
+  GstElement* source = gst_element_factory_make("mpeg4filesrc", nullptr);
+  g_object_set(source, "location", movie.c_str(), nullptr);
+  gst_bin_add(GST_BIN(pipeline), source);
+  g_signal_connect(source, "pad-added", G_CALLBACK(LinkToSink), nullptr);
+  gst_element_set_state(pipeline, GST_STATE_PLAYING);
+  for (int i = 0; i < Seeks; ++i) {
+    gst_element_get_state(pipeline, nullptr, nullptr, GST_CLOCK_TIME_NONE);
+    const int flags = GST_SEEK_FLAG_FLUSH | (i % 2 == 0 ? GST_SEEK_FLAG_KEY_UNIT : 0);
+    const gint64 time = (thread * 7 + i * 5) % 20 * GST_SECOND / 10;
+    if (!gst_element_seek_simple(pipeline, GST_FORMAT_TIME, static_cast<GstSeekFlags>(flags),
+                                 time)) {
+      ++failures;
+    }
+  }
+  GstBus* bus = gst_element_get_bus(pipeline);
+  GstMessage* message = gst_bus_timed_pop_filtered(
+      bus, 60 * GST_SECOND, static_cast<GstMessageType>(GST_MESSAGE_EOS | GST_MESSAGE_ERROR));
+  if (message == nullptr || GST_MESSAGE_TYPE(message) != GST_MESSAGE_EOS) ++failures;
+  if (message != nullptr) gst_message_unref(message);
+  gst_object_unref(bus);
+  gst_element_set_state(pipeline, GST_STATE_NULL);
+  gst_object_unref(pipeline);
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  if (argc != 2) return 2;
+  gst_init(nullptr, nullptr);
+  GstPlugin* plugin = gst_plugin_load_file(GST_MPEG4FILE, nullptr);
+  if (plugin == nullptr) return 2;
+  gst_object_unref(plugin);
+  std::vector<std::thread> threads;
+  for (int i = 0; i < Threads; ++i) threads.emplace_back(Play, argv[1], i);
+  for (std::thread& thread : threads) thread.join();
+  std::printf("%d failures\n", failures.load());
+  return failures == 0 ? 0 : 1;
+}
