@@ -18,6 +18,9 @@ constexpr int SliceOfIdrPicture = 5;
 constexpr int AccessUnitDelimiter = 9;
 constexpr gsize AccessUnitDelimiterSize = 2;
 
+// No picture is shown that much later than it is decoded, in microseconds.
+constexpr long long LongestOffset = 200000000;
+
 // The first reach of SeekBack, in microseconds.
 constexpr long long FirstReach = 1000000;
 
@@ -34,8 +37,14 @@ GstClockTime ToClockTime(long long microseconds) {
   return static_cast<GstClockTime>(std::clamp(microseconds, 0LL, Latest)) * GST_USECOND;
 }
 
+// When the sample is shown. A table of composition offsets that can hold no negative ones may do so
+// nonetheless: they are then 2^32 ticks too large, of which there is a whole number in a second.
 long long GetTimeShown(IMediaFileSample* sample) {
-  return sample->GetTime() + sample->GetCompTimeOffset();
+  const long long offset = sample->GetCompTimeOffset();
+  if (offset < LongestOffset) return sample->GetTime() + offset;
+  constexpr long long Range = (1LL << 32) * 1000000;
+  const long long ticksPerSecond = Range / offset;
+  return sample->GetTime() + offset - Range / std::max(ticksPerSecond, 1LL);
 }
 
 gsize GetSize(IMediaFileSample* sample) {

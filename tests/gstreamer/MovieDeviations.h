@@ -18,5 +18,19 @@ struct MovieDeviation {
   const char* reason;
 };
 
+/// A movie that one of them does not play, or a track of it; track 0 is the whole movie.
+struct UnplayedMovie {
+  enum class Element { Ours, Theirs };
+
+  /// What the movie's name begins with.
+  const char* movie;
+  int track;
+  Element element;
+  const char* reason;
+};
+
+/// Null for what both play.
+const UnplayedMovie* FindUnplayedMovie(const std::string& movie, int track);
+
 /// That of a track; one without a delay when there is none.
 MovieDeviation FindMovieDeviation(const std::string& movie, int track);

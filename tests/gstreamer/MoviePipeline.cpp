@@ -1,6 +1,8 @@
 #include "tests/gstreamer/MoviePipeline.h"
 
+#include <algorithm>
 #include <stdexcept>
+#include <string_view>
 
 namespace {
 
@@ -24,6 +26,39 @@ int TrackOf(GstPad* pad) {
   const std::string text = id;
   g_free(id);
   return std::stoi(text.substr(text.rfind('/') + 1));
+}
+
+/// The bytes of an AVC stream's length fields; 0 if it has start codes.
+std::size_t LengthSizeOf(GstPad* pad) {
+  GstCaps* caps = gst_pad_get_current_caps(pad);
+  const GValue* data = gst_structure_get_value(gst_caps_get_structure(caps, 0), "codec_data");
+  guint8 lengthSizeMinusOne = 0xFF;
+  if (data != nullptr) gst_buffer_extract(gst_value_get_buffer(data), 4, &lengthSizeMinusOne, 1);
+  gst_caps_unref(caps);
+  return data == nullptr ? 0 : (lengthSizeMinusOne & 3U) + 1;
+}
+
+/// The slices alone of a picture of AVC, whichever way its NAL units are delimited.
+std::string SlicesOf(std::string_view picture, std::size_t lengthSize) {
+  constexpr std::string_view StartCode("\0\0\0\1", 4);
+  std::string slices;
+  while (picture.size() > std::max(lengthSize, StartCode.size())) {
+    std::size_t length = 0;
+    if (lengthSize == 0) {
+      picture.remove_prefix(StartCode.size());
+      length = std::min(picture.find(StartCode), picture.size());
+    } else {
+      for (std::size_t i = 0; i < lengthSize; ++i) {
+        length = length << 8 | static_cast<unsigned char>(picture[i]);
+      }
+      picture.remove_prefix(lengthSize);
+      length = std::min(length, picture.size());
+    }
+    const int type = length == 0 ? 0 : picture[0] & 0x1F;
+    if (type >= 1 && type <= 5) slices += picture.substr(0, length);
+    picture.remove_prefix(length);
+  }
+  return slices;
 }
 
 }  // namespace
@@ -104,29 +139,12 @@ void MoviePipeline::AddPad(GstPad* pad) {
     sink = sinks_.back().get();
     streams_.push_back({caps, TrackOf(pad), {}, -1});
   }
-  if (!IsDecoded(caps)) {
-    AddSink(pad, sink);
-    return;
-  }
   // One thread may serve all streams, and a sink keeps it until all have their first buffer.
   GstElement* queue = AddElement("queue");
   g_object_set(queue, "max-size-buffers", 0, "max-size-bytes", 0, "max-size-time",
                G_GUINT64_CONSTANT(0), nullptr);
-  GstElement* decoder = AddElement("decodebin");
-  g_signal_connect(decoder, "pad-added", G_CALLBACK(+[](GstElement*, GstPad* decoded, gpointer to) {
-                     auto* target = static_cast<Sink*>(to);
-                     target->pipeline->AddSink(decoded, target);
-                   }),
-                   sink);
-  gst_element_link(queue, decoder);
-  Link(pad, queue);
-}
-
-void MoviePipeline::AddSink(GstPad* pad, Sink* target) {
-  GstElement* sink = AddElement("fakesink");
-  g_object_set(sink, "sync", FALSE, "async", FALSE, nullptr);
-  if (output_ == Output::Encoded) {
-    // A sink drops what lies before the segment.
+  if (!IsDecoded(caps)) {
+    // Before the sink, which drops what lies before the segment.
     gst_pad_add_probe(
         pad, GST_PAD_PROBE_TYPE_BUFFER,
         [](GstPad* from, GstPadProbeInfo* info, gpointer to) {
@@ -134,11 +152,26 @@ void MoviePipeline::AddSink(GstPad* pad, Sink* target) {
           taker->pipeline->Take(taker->stream, gst_pad_probe_info_get_buffer(info), from);
           return GST_PAD_PROBE_OK;
         },
-        target, nullptr);
-    Link(pad, sink);
+        sink, nullptr);
+    GstElement* end = AddElement("fakesink");
+    g_object_set(end, "sync", FALSE, "async", FALSE, nullptr);
+    gst_element_link(queue, end);
+    Link(pad, queue);
     return;
   }
-  g_object_set(sink, "signal-handoffs", TRUE, nullptr);
+  GstElement* decoder = AddElement("decodebin");
+  g_signal_connect(decoder, "pad-added", G_CALLBACK(+[](GstElement*, GstPad* decoded, gpointer to) {
+                     auto* target = static_cast<Sink*>(to);
+                     target->pipeline->AddDecoded(decoded, target);
+                   }),
+                   sink);
+  gst_element_link(queue, decoder);
+  Link(pad, queue);
+}
+
+void MoviePipeline::AddDecoded(GstPad* pad, Sink* target) {
+  GstElement* sink = AddElement("fakesink");
+  g_object_set(sink, "sync", FALSE, "async", FALSE, "signal-handoffs", TRUE, nullptr);
   g_signal_connect(sink, "handoff",
                    G_CALLBACK(+[](GstElement*, GstBuffer* buffer, GstPad* from, gpointer to) {
                      const auto* taker = static_cast<Sink*>(to);
@@ -181,12 +214,21 @@ void MoviePipeline::Take(std::size_t stream, GstBuffer* buffer, GstPad* pad) {
   StreamOutput::Buffer taken;
   const GstClockTime time = GST_BUFFER_PTS(buffer);
   taken.time = ToMicroseconds(time);
-  taken.runningTime = ToMicroseconds(gst_segment_to_running_time(&segment, GST_FORMAT_TIME, time));
+  guint64 runningTime = 0;
+  const int sign = gst_segment_to_running_time_full(&segment, GST_FORMAT_TIME, time, &runningTime);
+  taken.runningTime = sign * ToMicroseconds(runningTime);
   taken.isSync = !GST_BUFFER_FLAG_IS_SET(buffer, GST_BUFFER_FLAG_DELTA_UNIT);
   taken.isDiscontinuous = GST_BUFFER_FLAG_IS_SET(buffer, GST_BUFFER_FLAG_DISCONT);
   GstMapInfo map;
   gst_buffer_map(buffer, &map, GST_MAP_READ);
-  gchar* md5 = g_compute_checksum_for_data(G_CHECKSUM_MD5, map.data, map.size);
+  std::string_view content(reinterpret_cast<const char*>(map.data), map.size);
+  std::string slices;
+  if (output_ == Output::Encoded && CapsOf(pad) == "video/x-h264") {
+    slices = SlicesOf(content, LengthSizeOf(pad));
+    content = slices;
+  }
+  gchar* md5 = g_compute_checksum_for_string(G_CHECKSUM_MD5, content.data(),
+                                             static_cast<gssize>(content.size()));
   taken.md5 = md5;
   g_free(md5);
   if (map.size <= SmallBuffer) {

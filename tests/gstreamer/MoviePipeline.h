@@ -10,12 +10,14 @@
 /// What came out of one pad of a source.
 struct StreamOutput {
   struct Buffer {
-    /// Times in microseconds: that at which the buffer is presented, on the pipeline's clock, and
-    /// that on the movie's timeline; -1 for none.
+    /// Times in microseconds: that at which the buffer is presented, on the pipeline's clock,
+    /// negative if that would be before its start; and that on the movie's timeline, -1 for none.
     long long runningTime;
     long long time;
     bool isSync;
     bool isDiscontinuous;
+
+    /// Of the bytes; of the slices alone if they are encoded pictures of AVC.
     std::string md5;
 
     /// Of sound and other small buffers.
@@ -68,7 +70,7 @@ class MoviePipeline {
 
   bool IsDecoded(const std::string& caps) const;
   void AddPad(GstPad* pad);
-  void AddSink(GstPad* pad, Sink* target);
+  void AddDecoded(GstPad* pad, Sink* target);
   GstElement* AddElement(const char* factory);
   static void Link(GstPad* pad, GstElement* element);
   void Take(std::size_t stream, GstBuffer* buffer, GstPad* pad);

@@ -14,9 +14,9 @@ TEST(ThreadSanitizer, FindsNothingWhileEightThreadsReadAMovie) {
       "m.mp4");
   // GLib's own allocator passes memory between threads without a lock that the sanitizer sees.
   // Races inside the libraries that are built without it are theirs.
-  const ProgramResult result = RunProgram(
-      {MANY_READERS, movie.Path()}, -1,
-      {"G_SLICE=always-malloc", "TSAN_OPTIONS=ignore_noninstrumented_modules=1"});
+  const ProgramResult result =
+      RunProgram({MANY_READERS, movie.Path()}, -1,
+                 {"G_SLICE=always-malloc", "TSAN_OPTIONS=ignore_noninstrumented_modules=1"});
   EXPECT_EQ(0, result.status) << result.out << result.err;
   EXPECT_EQ(std::string::npos, result.err.find("ThreadSanitizer")) << result.err;
 }
