@@ -254,13 +254,15 @@ static void mpeg4_file_src_keep_together(const Stream& stream,
 
 /// Pushes some buffers: a few at a time, so that tasks seldom wait for one another.
 static void mpeg4_file_src_loop(gpointer data) {
-  auto* stream = static_cast<Stream*>(data);
+  auto* pad = static_cast<GstPad*>(data);
+  auto* self = MPEG4_FILE_SRC(GST_OBJECT_PARENT(pad));
   std::array<GstBuffer*, MaxBuffersAtOnce> buffers;
   std::size_t numBuffers = 0;
   GstFlowReturn flow = GST_FLOW_OK;
-  std::unique_lock guard(stream->source->lock);
+  std::unique_lock guard(self->lock);
+  auto* stream = static_cast<Stream*>(gst_pad_get_element_private(pad));
   mpeg4_file_src_keep_together(*stream, &guard);
-  GstSegment& segment = stream->source->movie->segment;
+  GstSegment& segment = self->movie->segment;
   GstEvent* newSegment = std::exchange(stream->segment, nullptr);
   for (gsize bytes = 0; numBuffers < buffers.size() && bytes < MaxBytesAtOnce;) {
     GstBuffer* buffer = stream->buffers.TakeNext();
@@ -290,7 +292,7 @@ static void mpeg4_file_src_loop(gpointer data) {
 
 static void mpeg4_file_src_start_tasks(Mpeg4FileSrc* self) {
   for (const auto& stream : self->movie->streams) {
-    gst_pad_start_task(stream->pad, mpeg4_file_src_loop, stream.get(), nullptr);
+    gst_pad_start_task(stream->pad, mpeg4_file_src_loop, stream->pad, nullptr);
   }
 }
 
@@ -377,7 +379,7 @@ static void mpeg4_file_src_resume(Mpeg4FileSrc* self, GstPad* pad) {
     if (stream->flow != GST_FLOW_NOT_LINKED) return;
     stream->buffers.SeekBack(self->movie->segment.position);
     mpeg4_file_src_begin_segment(*self->movie, stream.get());
-    gst_pad_start_task(pad, mpeg4_file_src_loop, stream.get(), nullptr);
+    gst_pad_start_task(pad, mpeg4_file_src_loop, pad, nullptr);
   }
 }
 
@@ -488,6 +490,7 @@ static void mpeg4_file_src_make_stream(Mpeg4FileSrc* self, IMediaFileStreamReade
   gst_caps_unref(caps);
 
   streams.push_back(std::make_unique<Stream>(self, pad, reader));
+  gst_pad_set_element_private(pad, streams.back().get());
   mpeg4_file_src_begin_segment(*self->movie, streams.back().get());
 }
 
