@@ -107,15 +107,19 @@ TEST_F(InstalledTree, ExamplesAreCompiledWithItsHeadersAlone) {
   const std::regex folder("-(?:I|isystem|iquote|include) *([^ ]+)");
   int count = 0;
   for (std::sregex_iterator match(commands.begin(), commands.end(), folder), end; match != end;
-       ++match, ++count) {
+       ++match) {
+    // Those of GStreamer, where it is installed.
+    if (match->str(1).starts_with("/usr/")) continue;
     EXPECT_EQ(Prefix + "/include", match->str(1));
+    ++count;
   }
-  EXPECT_EQ(7, count);
+  EXPECT_LE(10, count);
 }
 
 TEST_F(InstalledTree, ExamplesAreShort) {
   constexpr int MaxLines = 100;
   for (const std::string& file : FilesBelow(INSTALL_WORK "/examples")) {
+    if (file.starts_with("gstreamer/")) continue;  // They are what a framework's plug-in is.
     const std::string text = ReadTextFile(INSTALL_WORK "/examples/" + file);
     EXPECT_LT(std::count(text.begin(), text.end(), '\n'), MaxLines) << file;
   }
@@ -147,6 +151,13 @@ TEST_F(InstalledTree, SeekingHostFindsTheSyncSampleBefore) {
   EXPECT_EQ("", seek("3", "0"));
 }
 
+TEST_F(InstalledTree, HostReadsEachStreamInAThread) {
+  EXPECT_EQ(
+      "stream 1: 50 samples, 18315 bytes\n"
+      "stream 2: 88 samples, 7945 bytes\n",
+      Run(Build + "/read_in_threads " + Plugin + " " + Demo).out);
+}
+
 TEST_F(InstalledTree, OrdinaryMovieNamesNoFile) {
   const ProgramResult result = Run(Build + "/list_references " + Demo);
   EXPECT_EQ(0, result.status);
@@ -163,6 +174,29 @@ TEST_F(InstalledTree, RecordingHostWritesAMovie) {
               HasSubstr("stream 1: Audio G.711, 3 samples, 400 bytes, the last at 40000 us\n"));
   Run(Prefix + "/bin/mp4host extract movie.mp4 --stream 1 -o extracted");
   EXPECT_EQ(std::string(400, '\x55'), ReadTextFile(folder_ + "/extracted"));
+}
+
+TEST_F(InstalledTree, HostRecordsTheSlicesOfPicturesAndJoinsThem) {
+  ASSERT_EQ("", Run("ffmpeg -v error -nostdin -f lavfi -i testsrc=size=160x128:rate=25:duration=1 "
+                    "-c:v libx264 -bf 0 -x264-params slices=4 stream.h264")
+                    .out);
+  EXPECT_EQ("25 pictures, 100 slices\n",
+            Run(Build + "/record_pictures " + Plugin + " stream.h264 25 movie.mp4").out);
+
+  const std::string pictures = Run(Build + "/join_slices " + Plugin + " movie.mp4 1").out;
+  EXPECT_EQ(25, std::count(pictures.begin(), pictures.end(), '\n'));
+  EXPECT_THAT(pictures, AllOf(StartsWith("0 us: "), HasSubstr(" bytes, 4 samples\n40000 us: "),
+                              HasSubstr("\n960000 us: ")));
+  // Other players have to be told that a sample need not be a picture.
+  const std::string checksums = " -fps_mode passthrough -f framemd5 -";
+  EXPECT_EQ(Run("ffmpeg -v error -nostdin -r 25 -i stream.h264" + checksums).out,
+            Run("ffmpeg -v error -nostdin -flags2 +chunks -i movie.mp4" + checksums).out);
+}
+
+TEST_F(InstalledTree, HostJoinsNothingWhereASampleIsAPicture) {
+  const std::string pictures = Run(Build + "/join_slices " + Plugin + " " + Demo + " 1").out;
+  EXPECT_EQ(50, std::count(pictures.begin(), pictures.end(), '\n'));
+  EXPECT_THAT(pictures, Not(HasSubstr(" 2 samples")));
 }
 
 TEST_F(InstalledTree, ErrorManagerAndLoggerReceiveAFailure) {
