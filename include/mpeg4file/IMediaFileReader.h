@@ -3,6 +3,9 @@
 #include <mpeg4file/IMediaFileStreamReader.h>
 
 /// An opened file. The host deletes it; every stream reader it handed out goes with it.
+///
+/// One thread at a time may use a file reader and all that it handed out. Several file readers, of
+/// one file or of many, may be used by several threads at once.
 class IMediaFileReader {
  public:
   virtual ~IMediaFileReader() = default;

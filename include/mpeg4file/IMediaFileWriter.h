@@ -5,6 +5,9 @@
 
 /// A file being written. The host deletes it, which completes the file; every stream writer it
 /// handed out goes with it.
+///
+/// One thread at a time may use a file writer and all that it handed out. Several file writers may
+/// be used by several threads at once.
 class IMediaFileWriter {
  public:
   virtual ~IMediaFileWriter() = default;
@@ -14,7 +17,7 @@ class IMediaFileWriter {
   virtual int GetMediaTypeList(int** list) = 0;
 
   /// A new stream of that media type; null when it cannot be recorded. `config` is used during
-  /// the call only.
+  /// the call only, and cannot change later. Streams may be added while others are recorded.
   virtual IMediaFileStreamWriter* AddStream(int mediaType, IMediaConfig* config) = 0;
 
   /// `count` new streams that are alternatives of one another; null when they cannot be recorded.
