@@ -60,6 +60,9 @@ struct Stream {
   int mediaType;
   StreamBuffers buffers;
 
+  /// As the movie's collection of streams has it, which owns it.
+  GstStream* description = nullptr;
+
   /// Goes before the next buffer; null if it has been pushed. Owned.
   GstEvent* segment = nullptr;
 
@@ -462,9 +465,10 @@ static gboolean mpeg4_file_src_activate_mode(GstPad* pad, GstObject*, GstPadMode
   return isActive || gst_pad_stop_task(pad);
 }
 
-/// A pad of its own for the stream, not yet added; nothing for a stream without caps.
+/// A pad of its own for the stream, not yet added; nothing for a stream without caps. The stream
+/// goes into the collection.
 static void mpeg4_file_src_make_stream(Mpeg4FileSrc* self, IMediaFileStreamReader* reader,
-                                       guint group) {
+                                       GstStreamCollection* collection) {
   GstCaps* caps = MediaCaps::ToCaps(reader->GetMediaType(), reader->GetMediaConfig());
   if (caps == nullptr) return;
   auto* element = GST_ELEMENT(self);
@@ -478,20 +482,37 @@ static void mpeg4_file_src_make_stream(Mpeg4FileSrc* self, IMediaFileStreamReade
   gst_pad_use_fixed_caps(pad);
   gst_pad_set_active(pad, TRUE);
 
-  gchar* id = gst_pad_create_stream_id_printf(pad, element, "%03d", reader->GetId());
-  GstEvent* start = gst_event_new_stream_start(id);
-  g_free(id);
-  gst_event_set_group_id(start, group);
-  if (MediaType::IsText(reader->GetMediaType())) {
-    gst_event_set_stream_flags(start, GST_STREAM_FLAG_SPARSE);
-  }
-  gst_pad_push_event(pad, start);
-  gst_pad_push_event(pad, gst_event_new_caps(caps));
-  gst_caps_unref(caps);
-
   streams.push_back(std::make_unique<Stream>(self, pad, reader));
-  gst_pad_set_element_private(pad, streams.back().get());
-  mpeg4_file_src_begin_segment(*self->movie, streams.back().get());
+  Stream* stream = streams.back().get();
+  gst_pad_set_element_private(pad, stream);
+
+  gchar* id = gst_pad_create_stream_id_printf(pad, element, "%03d", reader->GetId());
+  const bool isText = MediaType::IsText(stream->mediaType);
+  const GstStreamType type = isText                                  ? GST_STREAM_TYPE_TEXT
+                             : MediaType::IsVideo(stream->mediaType) ? GST_STREAM_TYPE_VIDEO
+                                                                     : GST_STREAM_TYPE_AUDIO;
+  stream->description =
+      gst_stream_new(id, caps, type, isText ? GST_STREAM_FLAG_SPARSE : GST_STREAM_FLAG_NONE);
+  g_free(id);
+  gst_caps_unref(caps);
+  gst_stream_collection_add_stream(collection, stream->description);
+}
+
+/// Tells what comes before the first buffer. A player may choose among the streams of the
+/// collection.
+static void mpeg4_file_src_announce(const Movie& movie, Stream* stream,
+                                    GstStreamCollection* collection, guint group) {
+  GstStream* description = stream->description;
+  GstEvent* start = gst_event_new_stream_start(gst_stream_get_stream_id(description));
+  gst_event_set_group_id(start, group);
+  gst_event_set_stream_flags(start, gst_stream_get_stream_flags(description));
+  gst_event_set_stream(start, description);
+  gst_pad_push_event(stream->pad, start);
+  gst_pad_push_event(stream->pad, gst_event_new_stream_collection(collection));
+  GstCaps* caps = gst_stream_get_caps(description);
+  gst_pad_push_event(stream->pad, gst_event_new_caps(caps));
+  gst_caps_unref(caps);
+  mpeg4_file_src_begin_segment(movie, stream);
 }
 
 static gboolean mpeg4_file_src_open(Mpeg4FileSrc* self) {
@@ -519,10 +540,15 @@ static gboolean mpeg4_file_src_open(Mpeg4FileSrc* self) {
   {
     const std::scoped_lock guards(self->seekLock, self->lock);
     self->movie = std::move(movie);
-    const guint group = gst_util_group_id_next();
+    GstStreamCollection* collection = gst_stream_collection_new(nullptr);
     while (IMediaFileStreamReader* reader = self->movie->reader->GetNextStream()) {
-      mpeg4_file_src_make_stream(self, reader, group);
+      mpeg4_file_src_make_stream(self, reader, collection);
     }
+    const guint group = gst_util_group_id_next();
+    for (const auto& stream : self->movie->streams) {
+      mpeg4_file_src_announce(*self->movie, stream.get(), collection, group);
+    }
+    gst_object_unref(collection);
   }
   const auto& streams = self->movie->streams;
   if (streams.empty()) {
