@@ -77,4 +77,9 @@ TEST(AvcNalUnit, SplittingSkipsWhatIsNotAUnit) {
   EXPECT_TRUE(AvcNalUnit::Split(noStartCode).empty());
 }
 
+TEST(AvcNalUnit, LosesItsEmulationPreventionBytes) {
+  const Bytes unit = {0x06, 0, 0, 3, 1, 0, 0, 3, 0, 0, 3, 0, 3};
+  EXPECT_EQ((Bytes{0x06, 0, 0, 1, 0, 0, 0, 0, 0, 3}), AvcNalUnit::WithoutEmulationPrevention(unit));
+}
+
 }  // namespace

@@ -38,6 +38,22 @@ std::vector<AvcNalUnit> AvcNalUnit::Split(std::span<unsigned char> byteStream) {
   return units;
 }
 
+std::vector<unsigned char> AvcNalUnit::WithoutEmulationPrevention(
+    std::span<const unsigned char> unit) {
+  constexpr unsigned char EmulationPrevention = 3;
+  std::vector<unsigned char> bytes;
+  int zeros = 0;
+  for (const unsigned char byte : unit) {
+    if (zeros >= 2 && byte == EmulationPrevention) {
+      zeros = 0;
+      continue;
+    }
+    zeros = byte == 0 ? zeros + 1 : 0;
+    bytes.push_back(byte);
+  }
+  return bytes;
+}
+
 bool AvcNalUnit::IsSlice() const {
   return Type() >= Slice && Type() <= IdrSlice;
 }

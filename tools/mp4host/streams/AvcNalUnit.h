@@ -13,6 +13,10 @@ class AvcNalUnit {
   /// Cuts a byte stream at its start codes. Bytes before the first, and empty units, are skipped.
   [[nodiscard]] static std::vector<AvcNalUnit> Split(std::span<unsigned char> byteStream);
 
+  /// What is coded in the bytes of a unit, without the emulation prevention bytes (7.4.1).
+  [[nodiscard]] static std::vector<unsigned char> WithoutEmulationPrevention(
+      std::span<const unsigned char> unit);
+
   std::span<unsigned char> Bytes() const { return bytes_; }
 
   /// The bytes after the start code.

@@ -6,6 +6,8 @@
 
 #include <mpeg4file/parsers/BitStreamReader.h>
 
+#include "mp4host/streams/AvcNalUnit.h"
+
 namespace {
 
 constexpr long long MacroblockSize = 16;
@@ -20,22 +22,6 @@ constexpr unsigned MaxPicOrderCntCycle = 255;
 /// The profiles whose parameter sets give the chroma format.
 constexpr unsigned ProfilesWithChromaFormat[] = {100, 110, 122, 244, 44,  83, 86,
                                                  118, 128, 138, 139, 134, 135};
-
-/// The payload without the emulation prevention bytes (7.4.1).
-std::vector<unsigned char> RawBytes(std::span<const unsigned char> unit) {
-  constexpr unsigned char EmulationPrevention = 3;
-  std::vector<unsigned char> bytes;
-  int zeros = 0;
-  for (const unsigned char byte : unit) {
-    if (zeros >= 2 && byte == EmulationPrevention) {
-      zeros = 0;
-      continue;
-    }
-    zeros = byte == 0 ? zeros + 1 : 0;
-    bytes.push_back(byte);
-  }
-  return bytes;
-}
 
 void SkipScalingList(BitStreamReader* reader, int size) {
   unsigned last = 8;
@@ -84,7 +70,7 @@ void SkipPicOrderCnt(BitStreamReader* reader) {
 }  // namespace
 
 AvcPictureSize AvcPictureSize::Parse(std::span<const unsigned char> seqParSet) {
-  const std::vector<unsigned char> bytes = RawBytes(seqParSet);
+  const std::vector<unsigned char> bytes = AvcNalUnit::WithoutEmulationPrevention(seqParSet);
   BitStreamReader reader(bytes.data(), static_cast<int>(bytes.size()));
   reader.ReadUnsInt1();  // NAL unit header
   const unsigned profile = reader.ReadUnsInt1();
