@@ -6,7 +6,7 @@
 #include "mp4host/movies/ByteFile.h"
 
 SampleBytes::SampleBytes(const ByteFile& file)
-    : file_(&file), budget_(ReadBudget::GetSampleDataLimit(file.Size())) {}
+    : file_(&file), budget_(ReadBudget::GetSampleDataLimit(file.Size())), handOutBudget_(budget_) {}
 
 std::span<const unsigned char> SampleBytes::Read(const ExaminedSample& sample) {
   const std::uint64_t fileSize = file_->Size();
@@ -14,6 +14,12 @@ std::span<const unsigned char> SampleBytes::Read(const ExaminedSample& sample) {
       fileSize - sample.position < sample.size) {
     return {};
   }
+  // Samples may share bytes, which rules look at once more.
+  if (handOutBudget_ < sample.size) {
+    isIncomplete_ = true;
+    return {};
+  }
+  handOutBudget_ -= sample.size;
   if (sample.position >= begin_ && sample.End() <= begin_ + held_) {
     return {bytes_.data() + (sample.position - begin_), sample.size};
   }

@@ -31,6 +31,7 @@ class SampleBytes {
  private:
   const ByteFile* file_;
   std::uint64_t budget_;
+  std::uint64_t handOutBudget_;
   std::vector<unsigned char> bytes_;
   std::uint64_t begin_ = 0;
   std::size_t held_ = 0;

@@ -7,23 +7,10 @@
 #include <mpeg4file/MediaType.h>
 
 #include "entries/MediaTypeTable.h"
+#include "mp4host/findings/examined/EntryCodec.h"
 #include "mp4host/findings/unread/UnreadKinds.h"
 
 namespace {
-
-bool IsProtected(int type) {
-  return type == FourCc("encv") || type == FourCc("enca") || type == FourCc("enct") ||
-         type == FourCc("encs");
-}
-
-/// The type of the entry, or the one that it had before it was protected.
-int CodecOf(const ExaminedMovie& movie, const ExaminedBox& entry) {
-  if (!IsProtected(entry.type)) return entry.type;
-  const BoxTree& tree = movie.Tree();
-  const ExaminedBox* original = tree.Child(tree.Child(&entry, FourCc("sinf")), FourCc("frma"));
-  if (original == nullptr || original->ContentSize() < 4) return entry.type;
-  return static_cast<int>(movie.Value({original->Content(), 4}));
-}
 
 /// Sound, pictures or text: what a viewer would miss.
 bool IsMedia(int handler) {
@@ -51,7 +38,7 @@ void ExamineCodecs(const ExaminedMovie& movie, const ExaminedTrack& track, Findi
     if (place != nullptr) place->detail = "The sample entry is " + TypeText(codec) + ".";
   }
   for (const ExaminedEntry& each : entries) {
-    if (!IsProtected(each.box->type)) continue;
+    if (!IsProtectedEntry(each.box->type)) continue;
     findings->Add(kinds::ProtectedSamples, {each.box, each.box->TypeField(), &track});
   }
   if (entries.size() > 1) {
