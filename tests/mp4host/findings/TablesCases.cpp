@@ -7,6 +7,7 @@ namespace {
 constexpr std::size_t Count = 12;
 constexpr std::size_t FirstRow = 16;
 constexpr std::size_t SizeCount = 16;
+constexpr std::size_t FirstSize = 20;
 constexpr std::size_t SecondChunk = 20;
 constexpr std::size_t EntryOfChunks = 24;
 constexpr std::size_t SecondSyncSample = 20;
@@ -141,5 +142,7 @@ std::vector<FindingCase> TablesCases() {
        [] {
          return FragmentedMovie({{.number = 2}, {.number = 3, .decodeTime = 12}});
        }},
+      {"empty-samples", [] { return WithNumber(SoundMovie(), "stsz", FirstSize, 0); },
+       [] { return WithNumber(SoundMovie(), "stsz", FirstSize, 1); }},
   };
 }

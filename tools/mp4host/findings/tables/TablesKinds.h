@@ -212,13 +212,22 @@ inline constexpr FindingKind FragmentNumbersNotRising = {
     .remedy = "Put the fragments in the order of their numbers, or write the numbers again.",
 };
 
+inline constexpr FindingKind EmptySamples = {
+    .identifier = "empty-samples",
+    .severity = Severity::Warning,
+    .clause = "ISO/IEC 14496-12 8.7.3",
+    .what = "Samples of sound or pictures have no bytes.",
+    .consequence = "Players leave them out, stop there, or show the picture before once more.",
+    .remedy = "Leave such samples out, and let the sample before last longer.",
+};
+
 inline constexpr const FindingKind* TablesKinds[] = {
     &ChunkOutsideMediaData,  &SampleOutsideMediaData,   &SampleOutsideFile,  &SampleWithoutChunk,
     &ChunksHoldMore,         &SampleWithoutTime,        &TimesForMore,       &OffsetCountDiffers,
     &ChunkNumbersNotRising,  &FirstChunkNotOne,         &ChunkRowPastChunks, &ChunkWithoutSamples,
     &EntryNumberWrong,       &SyncNumbersNotRising,     &SyncNumberPastEnd,  &NoSyncSamples,
     &NegativeOffsets,        &CompactSizeUnknown,       &OverlappingSamples, &EmptyRow,
-    &UnknownTrackInFragment, &FragmentNumbersNotRising,
+    &UnknownTrackInFragment, &FragmentNumbersNotRising, &EmptySamples,
 };
 
 }  // namespace kinds

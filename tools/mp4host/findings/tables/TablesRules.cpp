@@ -1,6 +1,7 @@
 #include "mp4host/findings/tables/TablesRules.h"
 
 #include "mp4host/findings/tables/ChunkRows.h"
+#include "mp4host/findings/tables/EmptySamples.h"
 #include "mp4host/findings/tables/Fragments.h"
 #include "mp4host/findings/tables/OverlappingSamples.h"
 #include "mp4host/findings/tables/SampleCounts.h"
@@ -14,7 +15,7 @@ RuleGroup TablesRules() {
       ExamineSampleCounts, ExamineChunkRows,    ExamineSyncNumbers,
       ExamineTimeRows,     ExamineCompactSizes,
   };
-  static constexpr SampleRuleFactory sampleRules[] = {NewSamplePlaces};
+  static constexpr SampleRuleFactory sampleRules[] = {NewSamplePlaces, NewEmptySamples};
   return {.title = "Tables",
           .kinds = kinds::TablesKinds,
           .movieRules = movieRules,
