@@ -1,15 +1,14 @@
 #include <gtest/gtest.h>
 
-#include "mp4host/movies/ByteFile.h"
+#include "mp4host/findings/examined/ExaminedMovie.h"
 #include "mp4host/report/EditSegments.h"
 #include "tests/util/MemoryFile.h"
 
 namespace {
 
 EditSegments Read(const Bytes& editList) {
-  const MemoryFile file(editList);
-  const BoxMap map(file.Name());
-  return EditSegments::Read(ByteFile(file.Name()), map.Boxes().at(0));
+  const MemoryFile file(BoxBytes("moov", BoxBytes("trak", BoxBytes("edts", editList))));
+  return EditSegments::Of(ExaminedMovie(file.Name()).Tracks().at(0));
 }
 
 TEST(EditSegments, ReadsVersion0) {

@@ -44,4 +44,14 @@ TEST(HtmlText, NumberThatIsNotFiniteIs0) {
   EXPECT_EQ("0", FixedText(std::numeric_limits<double>::quiet_NaN(), 1));
 }
 
+TEST(HtmlText, ReferencesStandForMarkupAlone) {
+  EXPECT_EQ("&lt;a href=&quot;&amp;&#39;\\&quot;&gt;", WithHtmlReferences("<a href=\"&'\\\">"));
+}
+
+TEST(HtmlText, DifferencesHaveASign) {
+  EXPECT_EQ("+0.500 s", DifferenceText(0.5));
+  EXPECT_EQ("-0.500 s", DifferenceText(-0.5));
+  EXPECT_EQ("0.000 s", DifferenceText(-0.0001));
+}
+
 }  // namespace

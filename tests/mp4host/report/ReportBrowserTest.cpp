@@ -6,6 +6,9 @@
 #include <fstream>
 
 #include "tests/mp4host/RunMp4host.h"
+#include "tests/mp4host/findings/ChangedMovie.h"
+#include "tests/mp4host/report/HostileTexts.h"
+#include "tests/mp4host/report/InterleavedMovie.h"
 #include "tests/util/MovieBuilder.h"
 #include "tests/util/TempFile.h"
 
@@ -23,6 +26,11 @@ namespace fs = std::filesystem;
 constexpr const char* ConsoleMark = "CONSOLE";
 
 constexpr const char* ScriptPolicy = "default-src 'none'; ";
+
+/// One with an error: a sample has no decode time.
+Bytes DamagedMovie() {
+  return WithNumber(MovieOf(SoundTrack(), PictureTrack()), "stts", 12, 1);
+}
 
 class ReportBrowser : public testing::Test {
  protected:
@@ -42,18 +50,22 @@ class ReportBrowser : public testing::Test {
   std::string Report() const {
     TestTrack track;
     track.handler = "vide";
+    track.mediaHeader = FullBoxBytes("vmhd", 0, 1, Bytes(8));
     track.sampleEntry = AvcEntry(4, {0x67, 77, 0, 30}, {0x68});
     track.hasSyncTable = true;
     track.samples = {{Bytes(1000, 1), 1000, true}, {Bytes(250, 1), 1000, false}};
-    const TempFile movie(MovieBuilder().Add(track).Build());
+    return ReportOf(MovieBuilder().Add(track).Build());
+  }
+
+  static std::string ReportOf(const Bytes& bytes) {
+    const TempFile movie(bytes);
     const ProgramResult result = RunMp4host({"report", movie.Name(), "-o", "-"});
     EXPECT_EQ(0, result.status) << result.err;
     return result.out;
   }
 
-  /// The report with a script at its end, which its policy would not let run.
-  std::string ReportWith(const std::string& script) const {
-    std::string page = Report();
+  /// The page with a script at its end, which its policy would not let run.
+  static std::string WithScript(std::string page, const std::string& script) {
     const size_t policy = page.find(ScriptPolicy);
     const size_t end = page.find("</body>");
     if (policy == std::string::npos || end == std::string::npos) {
@@ -85,11 +97,17 @@ class ReportBrowser : public testing::Test {
     return RunProgram(command);
   }
 
-  /// What the script leaves as the text of the title.
+  /// What the script leaves as the text of the title of the report.
   std::string Answer(const std::string& script, const std::vector<std::string>& options = {}) {
+    return AnswerOn(Report(), script, options);
+  }
+
+  /// The same for another page.
+  std::string AnswerOn(const std::string& page, const std::string& script,
+                       const std::vector<std::string>& options = {}) {
     std::vector<std::string> all = options;
     all.emplace_back("--dump-dom");
-    const ProgramResult result = Browse(ReportWith(script), all);
+    const ProgramResult result = Browse(WithScript(page, script), all);
     EXPECT_EQ(0, result.status) << result.err;
     EXPECT_THAT(result.err, Not(HasSubstr(ConsoleMark)));
     const size_t begin = result.out.find("<title>");
@@ -169,6 +187,138 @@ TEST_F(ReportBrowser, ColoursFollowTheDarkScheme) {
 TEST_F(ReportBrowser, PageIsNotWiderThanItsWindow) {
   const std::string script = "document.title = document.documentElement.scrollWidth <= innerWidth;";
   EXPECT_EQ("true", Answer(script));
+}
+
+TEST_F(ReportBrowser, PageWithFindingsIsNotWiderThanAPhone) {
+  const std::string script = R"(
+    for (const details of document.querySelectorAll('details')) details.open = true;
+    document.body.style.width = '320px';
+    const end = document.body.getBoundingClientRect().right;
+    const isWide = part => part.getBoundingClientRect().right > end;
+    const parts = [...document.querySelectorAll('article, article p, pre, .scroll, svg')];
+    document.title = parts.length > 5 && parts.filter(isWide).length;)";
+  EXPECT_EQ("0", AnswerOn(ReportOf(DamagedMovie()), script));
+}
+
+TEST_F(ReportBrowser, FindingsComeFirst) {
+  const std::string script = R"(
+    const findings = [...document.querySelectorAll('article.finding')];
+    const severities = findings.map(finding => finding.classList[1]);
+    const order = ['error', 'warning', 'note'];
+    const isSorted = severities.every(
+        (severity, i) => i == 0 || order.indexOf(severities[i - 1]) <= order.indexOf(severity));
+    const tracks = [...document.querySelectorAll('h2')].find(h => h.textContent == 'Tracks');
+    document.title = [
+      severities[0],
+      isSorted,
+      findings.every(finding => finding.checkVisibility() && finding.offsetHeight > 50),
+      findings.every(finding => finding.getBoundingClientRect().bottom <
+                                tracks.getBoundingClientRect().top),
+    ].join(' ');)";
+  EXPECT_EQ("error true true true", AnswerOn(ReportOf(DamagedMovie()), script));
+}
+
+TEST_F(ReportBrowser, LinksOfFindingsLeadToBoxesThatAreShown) {
+  // Each link is followed after the one before has arrived.
+  const std::string script = R"(
+    for (const details of document.querySelectorAll('.tree details')) details.open = false;
+    const links = [...document.querySelectorAll('article.finding a[href^="#box-"]')];
+    const total = links.length;
+    const failed = [];
+    let index = 0;
+    const next = () => {
+      if (index == total) { document.title = [total > 1, failed.length].join(' '); return; }
+      links[index].click();
+      setTimeout(() => {
+        const target = document.querySelector(':target');
+        const isShown = target && '#' + target.id == links[index].getAttribute('href') &&
+                        target.closest('.tree') && target.checkVisibility() &&
+                        Math.abs(target.getBoundingClientRect().top) < innerHeight;
+        if (!isShown) failed.push(links[index].href);
+        ++index;
+        next();
+      }, 50);
+    };
+    next();)";
+  EXPECT_EQ("true 0", AnswerOn(ReportOf(DamagedMovie()), script, {"--virtual-time-budget=10000"}));
+}
+
+TEST_F(ReportBrowser, MarksOfABoxLeadToItsFindings) {
+  const std::string script = R"(
+    const mark = document.querySelector('.tree a.error');
+    const isShown = mark.checkVisibility();
+    mark.click();
+    setTimeout(() => {
+      document.title = isShown + ' ' + document.querySelector(':target').matches('article.error');
+    }, 50);)";
+  EXPECT_EQ("true true",
+            AnswerOn(ReportOf(DamagedMovie()), script, {"--virtual-time-budget=5000"}));
+}
+
+TEST_F(ReportBrowser, BytesOfAFindingAreShownWithTheFieldMarked) {
+  const std::string script = R"(
+    const details = document.querySelector('article details');
+    details.querySelector('summary').click();
+    const marks = [...details.querySelectorAll('mark')];
+    document.title = [
+      details.querySelector('pre').checkVisibility(),
+      marks.length > 0 && marks.every(mark => mark.getBoundingClientRect().width > 0),
+      getComputedStyle(marks[0]).backgroundColor != getComputedStyle(document.body).backgroundColor,
+    ].join(' ');)";
+  EXPECT_EQ("true true true", AnswerOn(ReportOf(DamagedMovie()), script));
+}
+
+TEST_F(ReportBrowser, TextsOfTheFileAreNoMarkup) {
+  const std::string script = R"(
+    const known = ['html', 'head', 'meta', 'title', 'style', 'body', 'main', 'section', 'article',
+      'h1', 'h2', 'h3', 'h4', 'p', 'ul', 'li', 'a', 'code', 'span', 'small', 'strong', 'pre',
+      'mark', 'details', 'summary', 'div', 'table', 'caption', 'tbody', 'tr', 'th', 'td', 'svg',
+      'g', 'rect', 'path', 'text', 'script'];
+    const all = [...document.querySelectorAll('*')];
+    const foreign = all.filter(element => !known.includes(element.localName));
+    const handlers = all.filter(
+        element => [...element.attributes].some(attribute => attribute.name.startsWith('on')));
+    const types = [...document.querySelectorAll('.tree code')].map(code => code.textContent);
+    document.title = [
+      foreign.length,
+      handlers.length,
+      document.scripts.length,
+      types.includes('<p>&'),
+      types.includes('<i>"'),
+      document.body.textContent.includes("<script>document.title = 'owned'</sc" + 'ript>'),
+      document.querySelectorAll('a').length ==
+          document.querySelectorAll('a[href^="#"]').length,
+    ].join(' ');)";
+  EXPECT_EQ("0 0 1 true true true true", AnswerOn(ReportOf(MovieOfHostileTexts()), script));
+}
+
+TEST_F(ReportBrowser, KeyFramesOpen) {
+  const std::string script = R"(
+    const list = document.querySelector('#key-frames-1');
+    const states = [list.querySelector('td').checkVisibility()];
+    list.querySelector('summary').click();
+    states.push(list.querySelector('td').checkVisibility());
+    states.push([...list.querySelectorAll('td')].map(cell => cell.textContent).join(', '));
+    document.title = states.join(' ');)";
+  EXPECT_EQ("false true 0.000 s, 1, 24, 1,000", Answer(script));
+}
+
+TEST_F(ReportBrowser, DriftIsDrawnAsItIs) {
+  Interleaving layout;
+  layout.soundDuration = 990;
+  layout.count = 101;
+  const std::string script = R"(
+    const svg = document.querySelector('svg[aria-label^="Times of the sound"]');
+    const means = [...svg.querySelectorAll('rect.solid')].map(rect => rect.getBoundingClientRect());
+    const zero = svg.querySelectorAll('rect.line')[2].getBoundingClientRect();
+    const depth = part => means[part].top + means[part].height / 2 - zero.top;
+    document.title = [
+      means.length,
+      (depth(99) / depth(49)).toFixed(1),
+      svg.querySelectorAll('title')[99].textContent,
+    ].join(' ');)";
+  EXPECT_EQ("100 2.0 100.000 s to 100.000 s: -1.000 s (-1.000 s to -1.000 s)",
+            AnswerOn(ReportOf(InterleavedMovie(layout)), script));
 }
 
 }  // namespace

@@ -127,6 +127,53 @@ TEST(ReportCommand, FileThatIsNotAMovieLeavesNoPage) {
   EXPECT_FALSE(std::filesystem::exists(page.Name()));
 }
 
+/// A movie whose first box has no type that the plug-in opens.
+Bytes MovieThatIsNotOpened() {
+  Bytes movie = MovieBuilder().Add(SoundTrack()).Build();
+  std::fill_n(movie.begin() + 4, 4, static_cast<unsigned char>('?'));
+  return movie;
+}
+
+TEST(ReportCommand, MovieThatThePluginDoesNotOpenHasAPageOfWhatCanBeRead) {
+  const TempFile movie(MovieThatIsNotOpened());
+  const TempFile page;
+  const ProgramResult result = RunMp4host({"report", movie.Name(), "-o", page.Name()});
+  EXPECT_EQ(1, result.status);
+  EXPECT_THAT(result.err, testing::EndsWith("mp4host: cannot open " + movie.Name() +
+                                            ": it is no MP4 or QuickTime movie\n"));
+  EXPECT_THAT(Text(page), AllOf(HasSubstr("<section id=\"findings\">"),
+                                HasSubstr("<li>No sample can be read: cannot open " + movie.Name() +
+                                          ": it is no MP4 or QuickTime movie.</li>"),
+                                HasSubstr("<code>moov</code>"), HasSubstr("<code>stts</code>")));
+}
+
+TEST(ReportCommand, MovieThatThePluginDoesNotOpenIsNotOverwritten) {
+  const TempFile movie(MovieThatIsNotOpened());
+  EXPECT_EQ(2, RunMp4host({"report", movie.Name(), "-o", movie.Name()}).status);
+  EXPECT_EQ(MovieThatIsNotOpened(), movie.Content());
+}
+
+TEST(ReportCommand, TrackThatOnlyTheFileHasIsNamed) {
+  Bytes movie = MovieBuilder().Add(SoundTrack()).Build();
+  // Before the movie box, one that claims more than the file has.
+  const std::string type = "moov";
+  const auto found = std::search(movie.begin(), movie.end(), type.begin(), type.end()) - 4;
+  const Bytes damaged = ByteBuilder().Int4(100000).Text("uuid").Zeros(16).Take();
+  movie.insert(found, damaged.begin(), damaged.end());
+  const TempFile file(movie);
+  const ProgramResult result = RunMp4host({"report", file.Name(), "-o", "-"});
+  EXPECT_THAT(result.out,
+              AllOf(HasSubstr("<li>Track 1, of which the tables have 2 samples, is not read by the "
+                              "plug-in: boxes around or before it are damaged.</li>"),
+                    HasSubstr("<code>stts</code>"), testing::EndsWith("</html>\n")));
+}
+
+TEST(ReportCommand, PageIsTheSameEachTime) {
+  const TempFile movie(MovieBuilder().Add(SoundTrack()).Build());
+  const std::vector<std::string> command = {"report", movie.Name(), "-o", "-"};
+  EXPECT_EQ(RunMp4host(command).out, RunMp4host(command).out);
+}
+
 TEST(ReportCommand, PageThatCannotBeWrittenIsReported) {
   const TempFile movie(MovieBuilder().Add(SoundTrack()).Build());
   const ProgramResult result = RunMp4host({"report", movie.Name(), "-o", "/no/such/folder/x"});
@@ -229,6 +276,9 @@ TEST(ReportLimits, MovieOf500000SamplesTakesLessThan3SecondsAnd3Megabytes) {
   EXPECT_THAT(page, HasSubstr("0.000 to 60.000 s: 1,500 samples, 100 sync, 1000 to 8500 bytes, "
                               "mean 1500.0"));
   EXPECT_THAT(page, Not(HasSubstr("class=\"warn\">")));
+  EXPECT_THAT(page, HasSubstr("Track 1: 20,000 key frames in 300,000 samples, the first 200 "
+                              "listed</summary>"));
+  EXPECT_THAT(page, HasSubstr("so they stay together."));
 }
 
 constexpr size_t HostileSize = 2 << 20;

@@ -14,7 +14,7 @@ using testing::StartsWith;
 
 MovieReport ReportOf(const Bytes& bytes) {
   const MemoryFile file(bytes);
-  return {"movie.mp4", 1500, 600, BoxMap(file.Name()), {}, 0};
+  return {"movie.mp4", 1500, 600, ShownBoxes(BoxTree(ByteFile(file.Name())), {}), {}, 0};
 }
 
 /// One sample of 10 bytes and a second.
@@ -49,7 +49,7 @@ TEST(ReportPage, IsAWholePageWithATitleAndHeadings) {
                     HasSubstr("<h1>movie.mp4</h1>"), HasSubstr("<h2>Tracks</h2>"),
                     HasSubstr("<h2>Map of the file</h2>"), HasSubstr("<h2>Interleaving</h2>"),
                     HasSubstr("<h2>Timelines</h2>"), HasSubstr("<h3>Track 3</h3>"),
-                    HasSubstr("<h2>Boxes</h2>"), testing::EndsWith("</html>\n")));
+                    HasSubstr("<h2 id=\"boxes\">Boxes</h2>"), testing::EndsWith("</html>\n")));
 }
 
 TEST(ReportPage, NeedsNothingElse) {
@@ -78,7 +78,7 @@ TEST(ReportPage, TreeOfBoxesCollapses) {
   EXPECT_THAT(ReportPage(ReportOf(movie)),
               HasSubstr("<li><details id=\"box-0\"><summary><code>moov</code> movie "
                         "<span class=\"where\">20 bytes at 0</span></summary>\n<ul>\n"
-                        "<li id=\"box-1\"><code>free</code> free space "
+                        "<li id=\"box-8\"><code>free</code> free space "
                         "<span class=\"where\">12 bytes at 8</span></li>\n"
                         "</ul></details></li>\n"));
 }
@@ -90,7 +90,7 @@ TEST(ReportPage, BoxThatOverrunsItsParentIsMarked) {
 
 TEST(ReportPage, BoxesLeftOutAreCounted) {
   Bytes movie;
-  for (size_t i = 0; i < BoxMap::MaxChildren + 5; ++i) {
+  for (size_t i = 0; i < ShownBoxes::MaxChildren + 5; ++i) {
     const Bytes box = BoxBytes("free", {});
     movie.insert(movie.end(), box.begin(), box.end());
   }

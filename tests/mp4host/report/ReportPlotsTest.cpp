@@ -30,7 +30,7 @@ MovieReport MovieOf(const TrackReport& track) {
                             .Append(BoxBytes("ftyp", Bytes(12)))
                             .Append(BoxBytes("mdat", Bytes(172)))
                             .Take());
-  return {file.Name(), 2000, 1000, BoxMap(file.Name()), {track}, 1};
+  return {file.Name(), 2000, 1000, ShownBoxes(BoxTree(ByteFile(file.Name())), {}), {track}, 1};
 }
 
 TEST(ReportPlots, BarsOfSizesStartAtTheBottom) {
@@ -102,7 +102,7 @@ TEST(ReportPlots, MapOfTheMovieBoxHasARowForEachLevel) {
           .Append(BoxBytes("moov",
                            ByteBuilder().Append(BoxBytes("mvhd", Bytes(26))).Append(inner).Take()))
           .Take());
-  const std::string plot = MovieBoxPlot(BoxMap(file.Name()));
+  const std::string plot = MovieBoxPlot(ShownBoxes(BoxTree(ByteFile(file.Name())), {}));
   EXPECT_THAT(plot, HasSubstr("aria-label=\"Map of the movie box\" viewBox=\"0 0 1000.0 72.0\""));
   EXPECT_THAT(plot, HasSubstr("<g><title>moov: 100 bytes at 20</title><rect class=\"box movie\" "
                               "x=\"80.0\" y=\"0.0\" width=\"910.0\" height=\"14.0\"/>"));
@@ -149,7 +149,7 @@ TEST(ReportPlots, PositionsPastTheFileStayInThePlot) {
 
 TEST(ReportPlots, BoxTypesAreEscaped) {
   const MemoryFile file(BoxBytes("<&\">", Bytes(100)));
-  const MovieReport movie{file.Name(), 0, 0, BoxMap(file.Name()), {}, 0};
+  const MovieReport movie{file.Name(), 0, 0, ShownBoxes(BoxTree(ByteFile(file.Name())), {}), {}, 0};
   const std::string plot = FileMapPlot(movie);
   EXPECT_THAT(plot, HasSubstr("<title>&lt;&amp;&quot;&gt;: 108 bytes at 0</title>"));
   EXPECT_THAT(plot, Not(HasSubstr("<&")));

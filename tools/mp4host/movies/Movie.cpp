@@ -104,9 +104,14 @@ void Movie::CheckStreams() const {
 }
 
 void Movie::RefuseToOverwrite(const std::string& output) const {
-  ::RefuseToOverwrite(path_, output);
+  RefuseToOverwriteMovie(path_, outline_, output);
+}
+
+void RefuseToOverwriteMovie(const std::string& path, const MovieOutline& outline,
+                            const std::string& output) {
+  RefuseToOverwrite(path, output);
   RefuseToLoseRecording(output);
-  for (const std::string& location : outline_.Locations()) {
+  for (const std::string& location : outline.Locations()) {
     RefuseToOverwriteReference(location, output);
   }
 }

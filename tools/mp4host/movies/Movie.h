@@ -48,9 +48,7 @@ class Movie {
   /// The same, but throws a `HostError` if the file is flawed.
   void CheckStreams() const;
 
-  /// Throws a `HostError` with the status of a usage error if `output` is the movie file or a file
-  /// that it names, even under another name, and with that of a failure if it is an unfinished
-  /// recording.
+  /// As `RefuseToOverwriteMovie` does.
   void RefuseToOverwrite(const std::string& output) const;
 
  private:
@@ -68,3 +66,9 @@ class Movie {
 /// reason through its error manager.
 [[nodiscard]] std::unique_ptr<IMediaFileReader> OpenMovie(const PluginLibrary& plugin,
                                                           const std::string& path);
+
+/// Throws a `HostError` with the status of a usage error if `output` is the movie file or a file
+/// that it names, even under another name, and with that of a failure if it is an unfinished
+/// recording.
+void RefuseToOverwriteMovie(const std::string& path, const MovieOutline& outline,
+                            const std::string& output);

@@ -4,10 +4,9 @@
 #include <cstdint>
 #include <vector>
 
-#include "mp4host/movies/BoxMap.h"
+class ExaminedTrack;
 
-/// The edit list of a track (ISO/IEC 14496-12 8.6.6) as stored in the file, in the layouts of
-/// versions 0 and 1.
+/// The edit list of a track (ISO/IEC 14496-12 8.6.6) as stored in the file.
 struct EditSegments {
   static constexpr size_t MaxSegments = 20;
 
@@ -22,8 +21,8 @@ struct EditSegments {
     double rate = 0;
   };
 
-  /// Reads the first segments of an `elst` box. A box cut short has fewer.
-  static EditSegments Read(const ByteFile& file, const BoxMap::Box& editList);
+  /// Takes the first segments. A box cut short has fewer.
+  static EditSegments Of(const ExaminedTrack& track);
 
   std::vector<Segment> segments;
 

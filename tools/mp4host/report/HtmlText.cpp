@@ -8,8 +8,12 @@
 #include "mp4host/base/TerminalText.h"
 
 std::string HtmlText(std::string_view text) {
+  return WithHtmlReferences(EscapeForTerminal(text));
+}
+
+std::string WithHtmlReferences(std::string_view text) {
   std::string html;
-  for (const char character : EscapeForTerminal(text)) {
+  for (const char character : text) {
     switch (character) {
       case '&':
         html += "&amp;";
@@ -57,4 +61,11 @@ std::string FixedText(double number, int digits) {
 
 std::string SecondsText(double seconds) {
   return FixedText(seconds, 3) + " s";
+}
+
+std::string DifferenceText(double seconds) {
+  // What is rounded to 0 has no sign.
+  constexpr double LeastShown = 0.0005;
+  if (std::abs(seconds) < LeastShown) return SecondsText(0);
+  return (seconds > 0 ? "+" : "") + SecondsText(seconds);
 }

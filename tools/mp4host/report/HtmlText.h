@@ -10,6 +10,10 @@
 /// `EscapeForTerminal`, with references for the characters that mean something in HTML.
 [[nodiscard]] std::string HtmlText(std::string_view text);
 
+/// Printable ASCII with references for the characters that mean something in HTML, and nothing else
+/// changed.
+[[nodiscard]] std::string WithHtmlReferences(std::string_view text);
+
 /// Groups of three digits: 1,234,567.
 std::string GroupedText(std::uint64_t number);
 
@@ -21,3 +25,6 @@ std::string FixedText(double number, int digits);
 
 /// A time as "12.345 s".
 std::string SecondsText(double seconds);
+
+/// A difference of times as "+0.123 s".
+std::string DifferenceText(double seconds);

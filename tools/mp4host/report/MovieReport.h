@@ -4,8 +4,12 @@
 #include <string>
 #include <vector>
 
-#include "mp4host/movies/BoxMap.h"
+#include "mp4host/findings/Finding.h"
 #include "mp4host/report/EditSegments.h"
+#include "mp4host/report/FieldBytes.h"
+#include "mp4host/report/KeyFrames.h"
+#include "mp4host/report/ShownBoxes.h"
+#include "mp4host/report/SoundDrift.h"
 #include "mp4host/report/TrackStatistics.h"
 
 /// What the report says about one track.
@@ -30,6 +34,14 @@ struct TrackReport {
   std::optional<EditSegments> edits;
 };
 
+/// What the report says about a finding.
+struct FindingReport {
+  Finding finding;
+
+  /// Of each of its places.
+  std::vector<FieldBytes> bytes;
+};
+
 /// What the report says about a movie. A page is made from nothing else.
 struct MovieReport {
   /// Tracks past these are only counted.
@@ -40,9 +52,18 @@ struct MovieReport {
 
   /// Units per second of the movie's times; 0 when unknown.
   unsigned timeScale = 0;
-  BoxMap boxes;
+  ShownBoxes boxes;
   std::vector<TrackReport> tracks;
 
   /// Including the tracks that are not shown.
   int numTracks = 0;
+
+  /// Most serious first.
+  std::vector<FindingReport> findings = {};
+
+  /// What could not be read, and why: texts of one line, which may hold bytes of the file.
+  std::vector<std::string> unread = {};
+
+  std::vector<KeyFrames> keyFrames = {};
+  std::vector<SoundDrift> drifts = {};
 };

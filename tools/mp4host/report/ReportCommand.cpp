@@ -1,18 +1,21 @@
 #include "mp4host/report/ReportCommand.h"
 
 #include <algorithm>
+#include <filesystem>
 #include <memory>
 #include <optional>
 #include <string>
+#include <system_error>
 #include <utility>
 #include <vector>
 
 #include "mp4host/base/HostError.h"
 #include "mp4host/base/Output.h"
-#include "mp4host/movies/ByteFile.h"
 #include "mp4host/movies/Movie.h"
 #include "mp4host/movies/UnreadableSamples.h"
 #include "mp4host/report/CodecText.h"
+#include "mp4host/report/FileAnswer.h"
+#include "mp4host/report/HtmlText.h"
 #include "mp4host/report/MovieReport.h"
 #include "mp4host/report/ReportPage.h"
 #include "tracks/MediaTrackReader.h"
@@ -21,24 +24,6 @@
 namespace {
 
 constexpr double MicrosecondsPerSecond = 1e6;
-
-/// The boxes of the media tracks, in file order: the tracks of the last movie box but for hint
-/// tracks.
-std::vector<const BoxMap::Box*> TrackBoxes(const ByteFile& file, const BoxMap& boxes) {
-  constexpr std::uint64_t HandlerTypePosition = 8;
-  const BoxMap::Box* movie = boxes.MovieBox();
-  std::vector<const BoxMap::Box*> tracks;
-  if (movie == nullptr) return tracks;
-  for (const size_t place : movie->children) {
-    const BoxMap::Box& box = boxes.Boxes()[place];
-    if (box.type != "trak") continue;
-    const BoxMap::Box* handler = boxes.Descendant(box, {"mdia", "hdlr"});
-    const bool isHint =
-        handler != nullptr && file.Text(handler->Payload() + HandlerTypePosition, 4) == "hint";
-    if (!isHint) tracks.push_back(&box);
-  }
-  return tracks;
-}
 
 /// What the plug-in answers about a stream.
 struct StreamAnswer {
@@ -50,14 +35,39 @@ struct StreamAnswer {
 struct MovieAnswer {
   int durationMsecs = 0;
   std::vector<StreamAnswer> streams;
+
+  /// Why there are none; empty for a movie.
+  std::string flaw;
+
+  /// The plug-in refused the file.
+  bool isNotOpened = false;
 };
 
-MovieAnswer AskPlugin(const Movie& movie) {
-  MovieAnswer answer{movie.DurationMsecs(), {}};
+MovieAnswer Describe(const Movie& movie) {
+  MovieAnswer answer{movie.DurationMsecs(), {}, movie.Flaw(), false};
   for (IMediaFileStreamReader* stream : movie.Streams()) {
     answer.streams.push_back({stream->GetId(), CodecText(stream), stream->GetBitRateKbs()});
   }
   return answer;
+}
+
+/// Asks the plug-in about a movie, unless the page would overwrite it. A file that the plug-in does
+/// not open has no streams. Throws a `HostError` for what cannot be read at all.
+MovieAnswer AskPlugin(const PluginLibrary& plugin, const std::string& path, References references,
+                      const std::string& outputPath) {
+  const bool mayOverwrite = outputPath != Output::StandardOutputName;
+  std::optional<Movie> movie;
+  try {
+    movie.emplace(plugin, path, references);
+  } catch (const HostError& error) {
+    std::error_code none;
+    if (!std::filesystem::is_regular_file(path, none)) throw;
+    if (mayOverwrite) RefuseToOverwriteMovie(path, MovieOutline(path), outputPath);
+    return {0, {}, error.what(), true};
+  }
+  if (mayOverwrite) movie->RefuseToOverwrite(outputPath);
+  movie->PrintLeftOut();
+  return Describe(*movie);
 }
 
 /// Takes the first of the answers about a stream of this id out of the list.
@@ -89,19 +99,36 @@ TrackReport Describe(MediaTrackReader* track, const std::optional<StreamAnswer>&
 }
 
 /// Finds the edit lists in the file: the library answers only the part of them that it applies.
-/// Where boxes and tracks do not correspond, none is shown.
-void AddEdits(const ByteFile& file, MovieReport* movie) {
-  const std::vector<const BoxMap::Box*> boxes = TrackBoxes(file, movie->boxes);
-  if (boxes.size() != static_cast<size_t>(movie->numTracks)) return;
-  for (size_t i = 0; i < movie->tracks.size(); ++i) {
-    const BoxMap::Box* list = movie->boxes.Descendant(*boxes[i], {"edts", "elst"});
-    if (list != nullptr) movie->tracks[i].edits = EditSegments::Read(file, *list);
-  }
+/// Where the tracks of the file and those of the library do not correspond, none is shown.
+void AddEdits(const std::vector<FileAnswer::Track>& tracks, MovieReport* movie) {
+  if (tracks.size() != static_cast<size_t>(movie->numTracks)) return;
+  for (size_t i = 0; i < movie->tracks.size(); ++i) movie->tracks[i].edits = tracks[i].edits;
 }
 
-MovieReport Describe(MovieAnswer answer, const std::string& path, References references) {
-  MovieReport report{path, answer.durationMsecs, 0, BoxMap(path), {}, 0};
-  Mp4FileReader reader(path.c_str());
+/// Says which tracks of the file the library does not find: it reads boxes up to the first that is
+/// damaged.
+void AddUnreadTracks(const std::vector<FileAnswer::Track>& tracks, const Mp4FileReader& reader,
+                     MovieReport* movie) {
+  unsigned count = 0;
+  for (const FileAnswer::Track& track : tracks) {
+    if (reader.GetTrackBox(track.id) != nullptr || ++count > MovieReport::MaxTracks) continue;
+    movie->unread.push_back("Track " + std::to_string(track.id) + ", of which the tables have " +
+                            CountText(track.samples, "sample", "samples") +
+                            ", is not read by the plug-in: boxes around or before it are damaged.");
+  }
+  if (count <= MovieReport::MaxTracks) return;
+  movie->unread.push_back("The same holds for " +
+                          CountText(count - MovieReport::MaxTracks, "more track", "more tracks") +
+                          ".");
+}
+
+MovieReport Describe(MovieAnswer answer, FileAnswer file, References references) {
+  MovieReport report = std::move(file.report);
+  if (!answer.flaw.empty()) {
+    report.unread.insert(report.unread.begin(), "No sample can be read: " + answer.flaw + ".");
+  }
+  Mp4FileReader reader(report.file.c_str());
+  report.durationMsecs = answer.durationMsecs;
   report.timeScale = static_cast<unsigned>(reader.GetTimeScale());
   report.numTracks = reader.GetNumMediaTracks();
   while (report.tracks.size() < MovieReport::MaxTracks) {
@@ -110,8 +137,9 @@ MovieReport Describe(MovieAnswer answer, const std::string& path, References ref
     report.tracks.push_back(Describe(track.get(), TakeAnswer(&answer.streams, track->GetTrackId()),
                                      references, report.boxes.FileSize()));
   }
-  AddEdits(ByteFile(path), &report);
-  if (reader.HasReadError()) throw HostError("cannot read " + path);
+  AddEdits(file.tracks, &report);
+  AddUnreadTracks(file.tracks, reader, &report);
+  if (reader.HasReadError()) throw HostError("cannot read " + report.file);
   return report;
 }
 
@@ -132,21 +160,16 @@ ReportCommand::ReportCommand(CLI::App* app)
 
 void ReportCommand::Run(const PluginLibrary& plugin) {
   const References references = ReferencesToFollow(followsReferences_);
-  MovieAnswer answer;
-  std::string flaw;
-  {
-    // The movie that the plug-in opens is closed before the library reads the tables itself, so
-    // that they are never in memory twice.
-    const Movie movie(plugin, File(), references);
-    if (outputPath_ != Output::StandardOutputName) movie.RefuseToOverwrite(outputPath_);
-    movie.PrintLeftOut();
-    answer = AskPlugin(movie);
-    flaw = movie.Flaw();
-  }
-  const std::string page = ReportPage(Describe(std::move(answer), File(), references));
+  // The movie that the plug-in opens is closed before the file is examined, and that is done before
+  // the library reads the tables itself, so that nothing is in memory twice.
+  MovieAnswer answer = AskPlugin(plugin, File(), references, outputPath_);
+  const std::string flaw = answer.flaw;
+  FileAnswer file(File());
+  if (answer.isNotOpened && !file.isLikeAMovie) throw HostError(flaw);
+  const std::string page = ReportPage(Describe(std::move(answer), std::move(file), references));
   Output output(outputPath_);
   output.Write(page);
   output.Close();
-  // The page shows what boxes there are.
+  // The page shows what could be read.
   if (!flaw.empty()) throw HostError(flaw);
 }

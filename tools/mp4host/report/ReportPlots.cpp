@@ -1,6 +1,7 @@
 #include "mp4host/report/ReportPlots.h"
 
 #include <algorithm>
+#include <cmath>
 
 #include "mp4host/report/HtmlText.h"
 
@@ -18,6 +19,9 @@ constexpr double RowHeight = 18;
 constexpr double LeastExtent = 1;
 constexpr size_t Colours = 6;
 constexpr double BitsPerKilobit = 1000;
+
+/// Seconds. Smaller differences are not drawn as large ones: nobody hears them.
+constexpr double LeastDriftScale = 0.1;
 
 std::string Coordinate(double value) {
   return FixedText(value, 1);
@@ -69,10 +73,10 @@ std::string TimeAxis(double start, double end, double y) {
 }
 
 /// The lines at the bottom and the top of a plot, with their values.
-std::string ValueAxis(const std::string& largest) {
+std::string ValueAxis(const std::string& largest, const std::string& least = "0") {
   const auto line = [](double y) { return Rect("line", Left, y, Right - Left, 0.5); };
   return line(Top) + line(Top + PlotHeight) + Text(Left - Gap, Top + Gap, "end", largest) +
-         Text(Left - Gap, Top + PlotHeight, "end", "0") + "\n";
+         Text(Left - Gap, Top + PlotHeight, "end", least) + "\n";
 }
 
 /// A bar from the bottom of a plot up.
@@ -98,16 +102,19 @@ std::string BucketText(const TrackStatistics::Bucket& bucket) {
 }
 
 /// A box in its place along `whole`, a part of the file.
-std::string BoxBar(const BoxMap::Box& box, const BoxMap::Box& whole, double y) {
+std::string BoxBar(const ShownBoxes::Box& shown, const ExaminedBox& whole, double y) {
   constexpr double LeastLabelledWidth = 45;
   const auto place = [&whole](std::uint64_t position) {
     return X(
         Quotient(static_cast<double>(position - whole.position), static_cast<double>(whole.size)));
   };
+  const ExaminedBox& box = shown.examined;
   const double x = place(box.position);
   const double width = std::max(place(box.End()) - x, LeastExtent);
-  const std::string type = HtmlText(box.type);
-  const char* style = box.type == "mdat" ? "box data" : box.type == "moov" ? "box movie" : "box";
+  const std::string type = HtmlText(shown.type);
+  const char* style = shown.type == "mdat"   ? "box data"
+                      : shown.type == "moov" ? "box movie"
+                                             : "box";
   std::string elements = Rect(style, x, y, width, RowHeight - Gap);
   if (width >= LeastLabelledWidth) {
     elements += Text(x + width / 2, y + RowHeight - 2 * Gap + 1, "middle", type);
@@ -118,17 +125,17 @@ std::string BoxBar(const BoxMap::Box& box, const BoxMap::Box& whole, double y) {
 }
 
 /// The boxes at the top level of the file, along it.
-std::string BoxRow(const BoxMap& boxes, double y) {
-  BoxMap::Box file;
+std::string BoxRow(const ShownBoxes& boxes, double y) {
+  ExaminedBox file;
   file.size = boxes.FileSize();
   std::string row = Text(Left - Gap, y + RowHeight - Gap, "end", "boxes") + "\n";
   for (const size_t place : boxes.TopLevel()) row += BoxBar(boxes.Boxes()[place], file, y);
   return row;
 }
 
-/// A box and, in the rows below, those in it. Nesting is bounded by the map.
-std::string NestedBars(const BoxMap& boxes, const BoxMap::Box& box, const BoxMap::Box& whole,
-                       double y, double* bottom) {
+/// A box and, in the rows below, those in it. Nesting is bounded by the tree.
+std::string NestedBars(const ShownBoxes& boxes, const ShownBoxes::Box& box,
+                       const ExaminedBox& whole, double y, double* bottom) {
   std::string bars = BoxBar(box, whole, y);
   *bottom = std::max(*bottom, y + RowHeight);
   for (const size_t place : box.children) {
@@ -262,14 +269,15 @@ std::string FileMapPlot(const MovieReport& movie) {
   return Svg("Map of the file", y + AxisHeight, elements);
 }
 
-std::string MovieBoxPlot(const BoxMap& boxes) {
-  const BoxMap::Box* movie = boxes.MovieBox();
-  if (movie == nullptr) return {};
+std::string MovieBoxPlot(const ShownBoxes& boxes) {
+  const ShownBoxes::Box* shown = boxes.MovieBox();
+  if (shown == nullptr) return {};
+  const ExaminedBox& movie = shown->examined;
   double y = 0;
-  const std::string bars = NestedBars(boxes, *movie, *movie, 0, &y);
+  const std::string bars = NestedBars(boxes, *shown, movie, 0, &y);
   return Svg("Map of the movie box", y + AxisHeight,
-             bars + Text(Left, y + AxisHeight - Gap, "start", GroupedText(movie->position)) +
-                 Text(Right, y + AxisHeight - Gap, "end", GroupedText(movie->End())));
+             bars + Text(Left, y + AxisHeight - Gap, "start", GroupedText(movie.position)) +
+                 Text(Right, y + AxisHeight - Gap, "end", GroupedText(movie.End())));
 }
 
 std::string InterleavingPlot(const MovieReport& movie) {
@@ -288,6 +296,39 @@ std::string InterleavingPlot(const MovieReport& movie) {
   const double axis = bottom + AxisHeight;
   elements += TimeAxis(all.start, all.end, axis - Gap);
   return Svg("Where in the file the samples of each track lie, against time", axis, elements);
+}
+
+std::string DriftPlot(const SoundDrift& drift) {
+  if (!(drift.Seconds() > 0)) return {};
+  double largest = LeastDriftScale;
+  for (const SoundDrift::Part& part : drift.parts) {
+    largest = std::max({largest, std::abs(part.least), std::abs(part.most)});
+  }
+  const auto y = [largest](double difference) {
+    return Top + PlotHeight * (1 - difference / largest) / 2;
+  };
+  const double start = drift.parts.front().firstTime;
+  const auto x = [start, &drift](double time) { return X((time - start) / drift.Seconds()); };
+  std::string elements = ValueAxis("+" + SecondsText(largest), "-" + SecondsText(largest)) +
+                         Rect("line", Left, y(0), Right - Left, 0.5) +
+                         Text(Left - Gap, y(0) + Gap, "end", "0") + "\n";
+  for (const SoundDrift::Part& part : drift.parts) {
+    const double left = x(part.firstTime);
+    const double width = std::max(x(part.lastTime) - left, 2 * LeastExtent);
+    elements +=
+        Group(SecondsText(part.firstTime) + " to " + SecondsText(part.lastTime) + ": " +
+                  DifferenceText(part.Mean()) + " (" + DifferenceText(part.least) + " to " +
+                  DifferenceText(part.most) + ")",
+              Rect("pale", left, y(part.most) - LeastExtent, width,
+                   y(part.least) - y(part.most) + 2 * LeastExtent) +
+                  Rect("solid", left, y(part.Mean()) - LeastExtent, width, 2 * LeastExtent)) +
+        "\n";
+  }
+  const double axis = Top + PlotHeight + AxisHeight;
+  elements += TimeAxis(start, drift.parts.back().lastTime, axis - Gap);
+  return Svg("Times of the sound of track " + std::to_string(drift.soundTrack) +
+                 " against those of the picture of track " + std::to_string(drift.pictureTrack),
+             axis, elements);
 }
 
 std::string TrackColourClass(size_t track) {

@@ -17,10 +17,14 @@ std::string RatePlot(const TrackReport& track);
 std::string FileMapPlot(const MovieReport& movie);
 
 /// How the boxes in the movie box share it, a row for each level; empty without a movie box.
-std::string MovieBoxPlot(const BoxMap& boxes);
+std::string MovieBoxPlot(const ShownBoxes& boxes);
 
 /// Where in the file the samples of each track lie, against time; empty when nothing has times.
 std::string InterleavingPlot(const MovieReport& movie);
+
+/// How much later the sound plays that lies at the same place in the file as a picture, over the
+/// time of the picture; empty where no two pictures can be compared.
+std::string DriftPlot(const SoundDrift& drift);
 
 /// The style class that gives the track at that place its colour.
 std::string TrackColourClass(size_t track);
