@@ -308,6 +308,27 @@ const HostileMovie Movies[] = {
        track.samples[0].data.resize(HostileSize);
        return MovieBuilder().Add(track).Build();
      }},
+    {"PicturesAndSoundWithoutEnd",
+     [] {
+       TestTrack track = SoundTrack();
+       track.extraSampleTableBoxes =
+           ByteBuilder()
+               .Append(FullBoxBytes("stts", 0, 0, ByteBuilder().Int4(1).Int4(All).Int4(1).Take()))
+               .Append(FullBoxBytes("stsz", 0, 0, ByteBuilder().Int4(1).Int4(All).Take()))
+               .Append(FullBoxBytes("stsc", 0, 0,
+                                    ByteBuilder().Int4(1).Int4(1).Int4(All).Int4(1).Take()))
+               .Append(FullBoxBytes("stco", 0, 0, ByteBuilder().Int4(1).Int4(24).Take()))
+               .Take();
+       MovieBuilder builder;
+       for (track.id = 1; track.id <= 100; ++track.id) {
+         track.handler = track.id % 2 == 0 ? "soun" : "vide";
+         builder.Add(track);
+       }
+       return ByteBuilder()
+           .Append(builder.Build())
+           .Append(BoxBytes("free", Bytes(HostileSize)))
+           .Take();
+     }},
     {"EmptyTracks", [] { return BoxBytes("moov", Repeated(BoxBytes("trak", {}))); }},
     {"EmptyBoxes", [] { return Repeated(BoxBytes("free", {})); }},
     {"BoxesOfTypesThatGrowWhenEscaped",

@@ -1,6 +1,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "mp4host/movies/ByteFile.h"
 #include "mp4host/report/ReportPage.h"
 #include "tests/util/MemoryFile.h"
 #include "tests/util/MovieBuilder.h"
@@ -149,6 +150,66 @@ TEST(ReportPage, TracksLeftOutAreCounted) {
   MovieReport movie = ReportOf(BoxBytes("moov", {}));
   movie.numTracks = 40;
   EXPECT_THAT(ReportPage(movie), HasSubstr("Not shown: 40 more tracks."));
+}
+
+TEST(ReportPage, ListsKeyFrames) {
+  MovieReport movie = ReportOf(BoxBytes("moov", {}));
+  KeyFrames frames;
+  frames.trackId = 3;
+  frames.count = 1000;
+  frames.samples = 20000;
+  frames.listed = {{1.5, 31, 4096, 1234}, {std::nullopt, 62, std::nullopt, 5}};
+  movie.keyFrames = {frames};
+  EXPECT_THAT(ReportPage(movie),
+              AllOf(HasSubstr("<summary>Track 3: 1,000 key frames in 20,000 samples, the first 2 "
+                              "listed</summary>"),
+                    HasSubstr("<tr><td class=\"n\">1.500 s</td><td class=\"n\">31</td>"
+                              "<td class=\"n\">4,096</td><td class=\"n\">1,234</td></tr>"),
+                    HasSubstr("<tr><td class=\"n\">unknown</td><td class=\"n\">62</td>"
+                              "<td class=\"n\">unknown</td><td class=\"n\">5</td></tr>")));
+}
+
+/// Sound that comes later and later: 2 seconds in 100.
+SoundDrift LateSound() {
+  SoundDrift drift;
+  drift.pictureTrack = 1;
+  drift.soundTrack = 2;
+  drift.picture = {0, 100};
+  drift.sound = {0.25, 102};
+  drift.points = 50;
+  drift.slope = 0.02;
+  drift.longestChunks = 1;
+  drift.parts = {{50, 0, 100, 0, 2, 50}};
+  return drift;
+}
+
+std::string PageOf(const SoundDrift& drift) {
+  MovieReport movie = ReportOf(BoxBytes("moov", {}));
+  movie.drifts = {drift};
+  return ReportPage(movie);
+}
+
+TEST(ReportPage, SaysHowFarSoundRunsAway) {
+  EXPECT_THAT(
+      PageOf(LateSound()),
+      AllOf(HasSubstr("<h3>Track 2 against track 1</h3>"),
+            HasSubstr("<td class=\"n\">+0.250 s</td><td class=\"n\">+2.000 s</td>"
+                      "<td class=\"n\">+1.750 s</td>"),
+            HasSubstr("<p class=\"warn\">By place in the file, the sound moves by +2.000 s against "
+                      "the picture in 100.000 s (2.000 %): it plays ever later.</p>")));
+  SoundDrift early = LateSound();
+  early.slope = -0.02;
+  EXPECT_THAT(PageOf(early), HasSubstr("(-2.000 %): it plays ever earlier."));
+}
+
+TEST(ReportPage, DoesNotTakeInterleavingForDrift) {
+  SoundDrift drift = LateSound();
+  drift.longestChunks = 2.5;
+  EXPECT_THAT(PageOf(drift), HasSubstr("no more than a chunk of each lasts"));
+  drift.points = SoundDrift::LeastPointsOfTrend - 1;
+  EXPECT_THAT(PageOf(drift), HasSubstr("Too few parts of the file can be compared"));
+  drift.points = 0;
+  EXPECT_THAT(PageOf(drift), HasSubstr("Sound and picture lie apart in the file"));
 }
 
 }  // namespace

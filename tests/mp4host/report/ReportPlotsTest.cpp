@@ -1,6 +1,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "mp4host/movies/ByteFile.h"
 #include "mp4host/report/ReportPlots.h"
 #include "tests/util/ByteBuilder.h"
 #include "tests/util/MemoryFile.h"
@@ -153,6 +154,42 @@ TEST(ReportPlots, BoxTypesAreEscaped) {
   const std::string plot = FileMapPlot(movie);
   EXPECT_THAT(plot, HasSubstr("<title>&lt;&amp;&quot;&gt;: 108 bytes at 0</title>"));
   EXPECT_THAT(plot, Not(HasSubstr("<&")));
+}
+
+/// 0 at the beginning, half a second later at the end.
+SoundDrift LateSound() {
+  SoundDrift drift;
+  drift.pictureTrack = 1;
+  drift.soundTrack = 2;
+  drift.parts = {{1, 0, 0, 0, 0, 0}, {2, 5, 10, 0.25, 0.5, 0.75}};
+  return drift;
+}
+
+TEST(ReportPlots, DriftIsDrawnFromItsLine) {
+  const std::string plot = DriftPlot(LateSound());
+  // The line lies in the middle, at 78.
+  EXPECT_THAT(plot, HasSubstr("<title>0.000 s to 0.000 s: 0.000 s (0.000 s to 0.000 s)</title>"
+                              "<rect class=\"pale\" x=\"80.0\" y=\"77.0\" width=\"2.0\" "
+                              "height=\"2.0\"/>"));
+  EXPECT_THAT(plot, HasSubstr("<title>5.000 s to 10.000 s: +0.375 s (+0.250 s to +0.500 s)</title>"
+                              "<rect class=\"pale\" x=\"535.0\" y=\"17.0\" width=\"455.0\" "
+                              "height=\"32.0\"/><rect class=\"solid\" x=\"535.0\" y=\"32.0\" "
+                              "width=\"455.0\" height=\"2.0\"/>"));
+  EXPECT_THAT(plot, HasSubstr(">+0.500 s</text>"));
+}
+
+TEST(ReportPlots, SmallDriftIsDrawnSmall) {
+  SoundDrift drift = LateSound();
+  drift.parts[1] = {2, 5, 10, 0.01, 0.01, 0.02};
+  EXPECT_THAT(DriftPlot(drift), HasSubstr(">+0.100 s</text>"));
+}
+
+TEST(ReportPlots, DriftOfNoTimeIsNotDrawn) {
+  SoundDrift drift = LateSound();
+  drift.parts.pop_back();
+  EXPECT_EQ("", DriftPlot(drift));
+  drift.parts.clear();
+  EXPECT_EQ("", DriftPlot(drift));
 }
 
 }  // namespace

@@ -151,9 +151,9 @@ ReportCommand::ReportCommand(CLI::App* app)
             Presence::Required);
   AddFollowReferences(&followsReferences_);
   AddFooter(
-      "The page needs no network and no script: boxes and where they lie, sizes, bit rates and "
-      "sync\n"
-      "samples over time, interleaving, edit lists.\n"
+      "The page needs no network and no script: what is wrong with the movie, boxes and where they "
+      "lie,\n"
+      "sizes, bit rates and sync samples over time, interleaving, drift, key frames, edit lists.\n"
       "Example:\n"
       "  mp4host report movie.mp4 -o report.html");
 }

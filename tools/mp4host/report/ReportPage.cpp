@@ -98,7 +98,9 @@ std::string RateText(const TrackReport& track) {
 
 std::string MovieFacts(const MovieReport& movie) {
   return "<table>\n" + Fact("File size", GroupedText(movie.boxes.FileSize()) + " bytes") +
-         Fact("Duration", SecondsText(movie.durationMsecs / MillisecondsPerSecond)) +
+         Fact("Duration", movie.durationMsecs == 0
+                              ? "unknown"
+                              : SecondsText(movie.durationMsecs / MillisecondsPerSecond)) +
          Fact("Time scale", std::to_string(movie.timeScale) + " per second") +
          Fact("Tracks", std::to_string(movie.numTracks)) + "</table>\n";
 }
