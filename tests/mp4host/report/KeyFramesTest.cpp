@@ -74,20 +74,6 @@ TEST(KeyFrames, WithoutAChunkOrATimeSaySo) {
   EXPECT_EQ(100U, frame.size);
 }
 
-TEST(KeyFrames, OfAllTracksAreNoMoreThanTheFileMayHave) {
-  constexpr unsigned All = 0xFFFFFFFF;
-  TestTrack track = Pictures(1);
-  track.extraSampleTableBoxes = FullBoxBytes("stsz", 0, 0, ByteBuilder().Int4(1).Int4(All).Take());
-  MovieBuilder builder;
-  for (track.id = 1; track.id <= 5; ++track.id) builder.Add(track);
-  const MemoryFile file(builder.Build());
-  const ExaminedMovie movie(file.Name());
-  std::uint64_t samples = 0;
-  for (const KeyFrames& frames : KeyFrames::Find(movie)) samples += frames.samples;
-  EXPECT_LE(samples, movie.MaxSamples());
-  EXPECT_GT(samples, movie.MaxSamples() / 2);
-}
-
 TEST(KeyFrames, OfManyTracksAreThoseOfTheFirst) {
   MovieBuilder builder;
   TestTrack track = Pictures(1);

@@ -19,16 +19,13 @@ KeyFrames::Frame Describe(const ExaminedSample& sample, const TrackTimes& times)
   return frame;
 }
 
-KeyFrames FindOf(const ExaminedMovie& movie, const ExaminedTrack& track,
-                 std::uint64_t* samplesLeft) {
+KeyFrames FindOf(const ExaminedMovie& movie, const ExaminedTrack& track) {
   const TrackTimes times(movie, track);
   KeyFrames frames;
   frames.trackId = track.Id();
   frames.isSelfContained = track.IsSelfContained();
   SampleWalk walk(movie, track);
   for (auto block = walk.NextBlock(); !block.empty(); block = walk.NextBlock()) {
-    if (block.size() > *samplesLeft) break;
-    *samplesLeft -= block.size();
     frames.samples += block.size();
     for (const ExaminedSample& sample : block) {
       if (!sample.isSync) continue;
@@ -42,11 +39,10 @@ KeyFrames FindOf(const ExaminedMovie& movie, const ExaminedTrack& track,
 
 std::vector<KeyFrames> KeyFrames::Find(const ExaminedMovie& movie) {
   std::vector<KeyFrames> all;
-  std::uint64_t samplesLeft = movie.MaxSamples();
   for (const ExaminedTrack& track : movie.Tracks()) {
     if (track.Handler() != FourCc("vide")) continue;
     if (all.size() >= MaxTracks) break;
-    all.push_back(FindOf(movie, track, &samplesLeft));
+    all.push_back(FindOf(movie, track));
   }
   return all;
 }

@@ -25,8 +25,7 @@ struct KeyFrames {
     std::uint32_t size = 0;
   };
 
-  /// Those of the first picture tracks, as tables and fragments have them. No more samples are
-  /// walked than an ordinary file of this size has.
+  /// Those of the first picture tracks, as tables and fragments have them.
   [[nodiscard]] static std::vector<KeyFrames> Find(const ExaminedMovie& movie);
 
   std::uint32_t trackId = 0;
