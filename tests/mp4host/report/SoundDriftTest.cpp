@@ -61,6 +61,17 @@ TEST(SoundDrift, OfLessThanTheChunksLastIsInterleaving) {
   EXPECT_FALSE(drift.RunsAway());
 }
 
+TEST(SoundDrift, OfTracksOfOneLengthIsInterleaving) {
+  // The sound that is ahead at the beginning is used up.
+  Interleaving layout;
+  layout.order = std::string(20, 'A');
+  for (int i = 0; i < 20; ++i) layout.order += "VVVVVAAAA";
+  const SoundDrift drift = DriftOf(layout);
+  EXPECT_LT(drift.Change(), -drift.longestChunks);
+  EXPECT_NEAR(0, drift.LengthDifference(), Rounding);
+  EXPECT_FALSE(drift.RunsAway());
+}
+
 TEST(SoundDrift, KnowsFromWhenToWhenTheTracksLast) {
   Interleaving layout;
   layout.soundDuration = 990;

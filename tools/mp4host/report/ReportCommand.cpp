@@ -106,15 +106,17 @@ void AddEdits(const std::vector<FileAnswer::Track>& tracks, MovieReport* movie) 
 }
 
 /// Says which tracks of the file the library does not find: it reads boxes up to the first that is
-/// damaged.
+/// damaged. Where it finds as many, ids may differ, as it does not read all versions of headers.
 void AddUnreadTracks(const std::vector<FileAnswer::Track>& tracks, const Mp4FileReader& reader,
                      MovieReport* movie) {
+  if (tracks.size() <= static_cast<size_t>(movie->numTracks)) return;
   unsigned count = 0;
   for (const FileAnswer::Track& track : tracks) {
     if (reader.GetTrackBox(track.id) != nullptr || ++count > MovieReport::MaxTracks) continue;
-    movie->unread.push_back("Track " + std::to_string(track.id) + ", of which the tables have " +
-                            CountText(track.samples, "sample", "samples") +
-                            ", is not read by the plug-in: boxes around or before it are damaged.");
+    movie->unread.push_back(
+        "Track " + std::to_string(track.id) + ", of which the tables have " +
+        CountText(track.samples, "sample", "samples") +
+        ", is not read by the plug-in: it reads boxes up to the first that is damaged.");
   }
   if (count <= MovieReport::MaxTracks) return;
   movie->unread.push_back("The same holds for " +

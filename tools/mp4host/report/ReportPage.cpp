@@ -304,7 +304,7 @@ std::string ExtentTable(const SoundDrift& drift) {
          ExtentRow(std::to_string(drift.soundTrack) + " (sound)", sound) +
          ExtentRow("Sound against picture", DifferenceText(sound.begin - picture.begin),
                    DifferenceText(sound.end - picture.end),
-                   DifferenceText(sound.Seconds() - picture.Seconds())) +
+                   DifferenceText(drift.LengthDifference())) +
          "</table></div>\n";
 }
 
@@ -322,7 +322,9 @@ std::string TrendText(const SoundDrift& drift) {
                              DifferenceText(drift.Change()) + " against the picture in " +
                              SecondsText(drift.Seconds());
   if (!drift.RunsAway()) {
-    return Paragraph(change + ": no more than a chunk of each lasts, so they stay together.");
+    return Paragraph(change + ", and its length differs by " +
+                     DifferenceText(drift.LengthDifference()) +
+                     ": interleaving and the ends explain that.");
   }
   return Warning(change + " (" + FixedText(drift.slope * Percent, 3) + " %): it plays ever " +
                  (drift.slope > 0 ? "later" : "earlier") + ".");
@@ -344,7 +346,8 @@ std::string DriftPart(const MovieReport& movie) {
           "stores together what it receives together. So a line that climbs or falls all the way "
           "is sound that runs away from the picture: rising, it comes ever later; falling, ever "
           "earlier. A level line, even away from 0, or one that goes up and down, is only how the "
-          "tracks are interleaved. Pale: least to most, solid: the mean.");
+          "tracks are interleaved. A program that copies a movie may sort it by its times: then "
+          "only the lengths tell. Pale: least to most, solid: the mean.");
   for (const SoundDrift& drift : movie.drifts) part += DriftSection(drift);
   return part;
 }

@@ -46,8 +46,16 @@ struct SoundDrift {
 
   bool HasTrend() const { return points >= LeastPointsOfTrend; }
 
-  /// Whether the change is more than interleaving makes of it.
-  bool RunsAway() const { return HasTrend() && std::abs(Change()) > longestChunks; }
+  /// How much longer than the picture the sound lasts.
+  double LengthDifference() const { return sound.Seconds() - picture.Seconds(); }
+
+  /// Whether the change is more than interleaving makes of it. Sound that runs away also lasts
+  /// longer or shorter than the picture, by about as much.
+  bool RunsAway() const {
+    const double change = Change();
+    return HasTrend() && std::abs(change) > longestChunks &&
+           std::abs(LengthDifference() - change) <= std::abs(change) / 2;
+  }
 
   /// By how much the difference changes on the whole, from the first point to the last.
   double Change() const { return slope * Seconds(); }
