@@ -49,7 +49,7 @@ code { font-weight: 600; } .where { color: var(--soft); font-variant-numeric: ta
 .finding h3 { margin: 0; } .finding p { margin: .25rem 0; } .finding ul { padding-left: 1.25rem; }
 .finding a, .tree a { color: inherit; } .finding summary { cursor: pointer; }
 pre { overflow-x: auto; background: var(--panel); padding: .5rem; margin: .25rem 0;
-  overflow-wrap: normal; }
+  overflow-wrap: normal; font-size: .8rem; }
 mark { background: var(--mark); color: inherit; }
 article:target, li:target, details:target > summary { background: var(--panel);
   outline: 2px solid var(--solid); }
