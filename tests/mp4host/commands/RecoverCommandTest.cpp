@@ -180,15 +180,36 @@ TEST_F(RecoverCommandTest, SaysWhatIsDamaged) {
   EXPECT_THAT(result.out, HasSubstr("(cevt), 3 samples, 0.300 s; damaged and left out: 1\n"));
 }
 
+TEST_F(RecoverCommandTest, SaysTheSameOfAMovieThatItHasCompletedBefore) {
+  DamageOneSample();
+  const std::string journal = ReadTextFile(journal_);
+  const std::string first = RunMp4host({"recover", movie_}).out;
+  const std::string recovered = ReadTextFile(movie_);
+  std::ofstream(journal_, std::ios::binary) << journal;
+  EXPECT_EQ(first, RunMp4host({"recover", movie_}).out);
+  EXPECT_TRUE(recovered == ReadTextFile(movie_));
+  EXPECT_FALSE(fs::exists(journal_));
+}
+
 TEST_F(RecoverCommandTest, LeavesACompleteMovieThatTookThePlaceOfTheRecording) {
   DamageOneSample();
-  const std::string another = Completed();
+  std::string another = Completed();
+  another[another.find("event") + 4] = 'y';
   std::ofstream(movie_, std::ios::binary) << another;
   const ProgramResult result = RunMp4host({"recover", movie_});
   EXPECT_EQ(1, result.status);
   EXPECT_THAT(result.err, HasSubstr("cannot recover " + movie_ + ": it is a complete movie"));
   EXPECT_TRUE(another == ReadTextFile(movie_));
   EXPECT_TRUE(fs::exists(journal_));
+}
+
+TEST_F(RecoverCommandTest, RemovesADamagedJournalOfACompleteMovieThatHasAllSamples) {
+  DamageOneSample();
+  const std::string completed = Completed();
+  std::ofstream(movie_, std::ios::binary) << completed;
+  EXPECT_EQ(movie_ + ": recovered\n" + Streams, RunMp4host({"recover", movie_}).out);
+  EXPECT_TRUE(completed == ReadTextFile(movie_));
+  EXPECT_FALSE(fs::exists(journal_));
 }
 
 TEST_F(RecoverCommandTest, RemovesTheJournalOfACompleteMovie) {

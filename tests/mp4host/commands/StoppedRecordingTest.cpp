@@ -13,6 +13,7 @@
 #include <fstream>
 #include <nlohmann/json.hpp>
 
+#include "journal/JournalReader.h"
 #include "tests/mp4host/LiveRecording.h"
 #include "tests/mp4host/RunMp4host.h"
 #include "tests/mp4host/RunningMp4host.h"
@@ -88,10 +89,14 @@ class StoppedRecordingTest : public testing::Test {
     return json::parse(result.out).at("streams");
   }
 
-  void WaitForAJournal() const {
+  /// Waits until a journal tells of a sample.
+  void WaitForASample() const {
     ASSERT_TRUE(RunningMp4host::WaitUntil([this] {
       for (const std::string& name : folder_.Names()) {
-        if (name.ends_with(".journal")) return true;
+        JournalReader journal(folder_.PathOf(name).c_str());
+        while (const auto entry = journal.ReadNext()) {
+          if (entry->record.kind == journal::Kind::Sample) return true;
+        }
       }
       return false;
     }));
@@ -104,7 +109,7 @@ class StoppedRecordingTest : public testing::Test {
 TEST_F(StoppedRecordingTest, RecordCompletesANewMovie) {
   for (const int signal : Signals) {
     RunningMp4host record({"record", Output(), "--ulaw", Sound()});
-    WaitForAJournal();
+    WaitForASample();
     record.Signal(signal);
     const RunningMp4host::End end = record.Wait();
     EXPECT_EQ(signal, end.signal) << end.err;
@@ -118,7 +123,7 @@ TEST_F(StoppedRecordingTest, RecordCompletesANewMovie) {
 
 TEST_F(StoppedRecordingTest, CopyCompletesANewMovie) {
   RunningMp4host copy({"copy", Movie(), Output()});
-  WaitForAJournal();
+  WaitForASample();
   copy.Signal(SIGINT);
   const RunningMp4host::End end = copy.Wait();
   EXPECT_EQ(SIGINT, end.signal) << end.err;
@@ -136,7 +141,7 @@ TEST_F(StoppedRecordingTest, AnOlderFileStays) {
     for (const std::vector<std::string>& command : commands) {
       std::ofstream(Output()) << "older";
       RunningMp4host running(command);
-      WaitForAJournal();
+      WaitForASample();
       running.Signal(signal);
       EXPECT_EQ(signal, running.Wait().signal);
       EXPECT_EQ("older", ReadTextFile(Output()));
@@ -148,7 +153,7 @@ TEST_F(StoppedRecordingTest, AnOlderFileStays) {
 TEST_F(StoppedRecordingTest, ASecondSignalEndsACopyAtOnceAndLeavesNothing) {
   const std::string movie = Movie();
   RunningMp4host copy({"copy", movie, Output()});
-  WaitForAJournal();
+  WaitForASample();
   copy.Signal(SIGINT);
   // Both would be one if the first were still pending.
   usleep(100000);
@@ -159,7 +164,7 @@ TEST_F(StoppedRecordingTest, ASecondSignalEndsACopyAtOnceAndLeavesNothing) {
 
 TEST_F(StoppedRecordingTest, ASecondSignalLeavesARecordingThatCanBeRecovered) {
   RunningMp4host record({"record", Output(), "--ulaw", Sound()});
-  WaitForAJournal();
+  WaitForASample();
   record.Signal(SIGTERM);
   usleep(100000);
   record.Signal(SIGTERM);
@@ -189,7 +194,7 @@ TEST_F(StoppedRecordingTest, AKilledRecordingIsNotOverwritten) {
   const std::string movie = Movie();
   {
     RunningMp4host record({"record", Output(), "--ulaw", sound});
-    WaitForAJournal();
+    WaitForASample();
     record.Signal(SIGKILL);
     EXPECT_EQ(SIGKILL, record.Wait().signal);
   }

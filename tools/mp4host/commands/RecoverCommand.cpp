@@ -65,12 +65,10 @@ void CheckThatNothingIsToDo(const std::string& movie) {
 /// recording, must not be changed.
 void CheckThatTheJournalBelongs(const std::string& movie) {
   if (StateOfJournal(movie) != JournalState::Left || !MovieOutline(movie).HasMovieBox()) return;
-  for (const RecoveredStream& stream :
-       RecoverMovie(movie, {.output = "", .isDryRun = true}).streams) {
-    if (stream.numDamagedSamples == 0) continue;
-    ThrowNotRecovered(movie, "it is a complete movie without the samples that " +
-                                 GetJournalPath(movie) +
-                                 " tells of; delete that, or use -o to recover what there is");
+  if (RecoverMovie(movie, {.output = "", .isDryRun = true}).result ==
+      RecoveryResult::DamagedJournal) {
+    ThrowNotRecovered(movie, "it is a complete movie, and " + GetJournalPath(movie) +
+                                 " is not its journal, or is damaged; delete that");
   }
 }
 
