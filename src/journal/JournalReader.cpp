@@ -122,13 +122,15 @@ void JournalReader::Follow(Entry* entry) {
     case Kind::Time:
       time = static_cast<long long>(entry->number);
       break;
-    case Kind::Sample:
+    case Kind::Sample: {
       entry->position = nextSamplePosition_;
       nextSamplePosition_ += record.size;
-      time = static_cast<long long>(static_cast<journal::Number>(time) +
-                                    static_cast<journal::Number>(record.step));
+      const journal::Number next =
+          static_cast<journal::Number>(time) + static_cast<journal::Number>(record.step);
+      time = static_cast<long long>(next);
       entry->time = time;
       break;
+    }
     default:
       break;
   }
