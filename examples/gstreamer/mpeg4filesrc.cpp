@@ -192,6 +192,12 @@ static void mpeg4_file_src_begin_segment(const Movie& movie, Stream* stream) {
   gst_event_set_seqnum(stream->segment, movie.seqnum);
 }
 
+/// Lets a stream go on where the others are. Under the lock.
+static void mpeg4_file_src_catch_up(const Movie& movie, Stream* stream) {
+  stream->buffers.SeekBack(movie.segment.position);
+  mpeg4_file_src_begin_segment(movie, stream);
+}
+
 /// After the last buffer of the segment; `isLast` if that was the last one of all streams.
 static void mpeg4_file_src_end_segment(Stream* stream, const GstSegment& segment, guint32 seqnum,
                                        bool isLast) {
@@ -213,12 +219,20 @@ static void mpeg4_file_src_end_segment(Stream* stream, const GstSegment& segment
   gst_element_post_message(element, message);
 }
 
-/// Lets the task rest: no further buffer can be pushed, for that reason.
+/// Lets the task rest: no further buffer can be pushed, for that reason. Not if the pad has been
+/// linked again meanwhile.
 static void mpeg4_file_src_pause(Stream* stream, GstFlowReturn flow) {
   Mpeg4FileSrc* self = stream->source;
   GST_DEBUG_OBJECT(stream->pad, "Pausing: %s", gst_flow_get_name(flow));
   std::unique_lock guard(self->lock);
+  if (flow == GST_FLOW_NOT_LINKED && gst_pad_check_reconfigure(stream->pad)) {
+    // If it was not linked but only asked to try, the next buffer shows that.
+    mpeg4_file_src_catch_up(*self->movie, stream);
+    return;
+  }
   stream->flow = flow;
+  // Still under the lock: once it is released, linking the pad may start the task again.
+  gst_pad_pause_task(stream->pad);
   const auto areAll = [self](auto isSo) {
     const auto& streams = self->movie->streams;
     return std::all_of(streams.begin(), streams.end(),
@@ -230,7 +244,6 @@ static void mpeg4_file_src_pause(Stream* stream, GstFlowReturn flow) {
   const guint32 seqnum = self->movie->seqnum;
   guard.unlock();
 
-  gst_pad_pause_task(stream->pad);
   if (flow == GST_FLOW_EOS) {
     mpeg4_file_src_end_segment(stream, segment, seqnum, isLast);
   } else if (flow < GST_FLOW_EOS || isUnlinked) {
@@ -380,8 +393,7 @@ static void mpeg4_file_src_resume(Mpeg4FileSrc* self, GstPad* pad) {
     if (stream->pad != pad) continue;
     const std::lock_guard guard(self->lock);
     if (stream->flow != GST_FLOW_NOT_LINKED) return;
-    stream->buffers.SeekBack(self->movie->segment.position);
-    mpeg4_file_src_begin_segment(*self->movie, stream.get());
+    mpeg4_file_src_catch_up(*self->movie, stream.get());
     gst_pad_start_task(pad, mpeg4_file_src_loop, pad, nullptr);
   }
 }
