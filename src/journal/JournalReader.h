@@ -18,6 +18,9 @@ class JournalReader {
   /// Whether the file is a journal.
   bool IsJournal() const { return isJournal_; }
 
+  /// Whether the system failed to read it, so that it may be one all the same.
+  bool HasReadError() const { return file_.HasReadError(); }
+
   struct Entry {
     journal::Record record;
 

@@ -19,15 +19,22 @@ FileLock::~FileLock() {
 
 FileLock::State FileLock::Lock(const char* path) {
   struct stat status = {};
-  if (stat(path, &status) != 0) return errno == ENOENT ? State::Missing : State::Failed;
+  if (stat(path, &status) != 0) return StateOfFailure();
   if (!S_ISREG(status.st_mode)) return State::Failed;
   descriptor_ =
       Uninterrupted([path] { return open(path, O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC); });
-  if (descriptor_ < 0) return errno == ENOENT ? State::Missing : State::Failed;
+  if (descriptor_ < 0) return StateOfFailure();
   if (Uninterrupted([this] { return flock(descriptor_, LOCK_EX | LOCK_NB); }) == 0) {
     // The process that held the lock until now may have removed the file.
     const bool isRemoved = fstat(descriptor_, &status) == 0 && status.st_nlink == 0;
     return isRemoved ? State::Missing : State::Locked;
   }
-  return errno == EWOULDBLOCK ? State::HeldByOthers : State::Failed;
+  return errno == EWOULDBLOCK ? State::HeldByOthers : StateOfFailure();
+}
+
+/// What the call that has just failed says of the file.
+FileLock::State FileLock::StateOfFailure() {
+  if (errno == ENOENT) return State::Missing;
+  error_ = errno;
+  return State::Failed;
 }

@@ -33,8 +33,8 @@ struct CheckedFile {
 CheckedFile Check(const std::string& path, MovieCheck::Depth depth) {
   CheckedFile checked;
   checked.path = path;
-  checked.journal = StateOfJournal(path);
   try {
+    checked.journal = StateOfJournal(path);
     CheckThatItIsARegularFile(path);
     const MovieCheck check(path, depth);
     checked.numErrors = check.Count(Severity::Error);

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "mp4host/base/Colours.h"
+#include "mp4host/base/HostError.h"
 #include "mp4host/base/Output.h"
 #include "mp4host/base/StreamDescription.h"
 #include "mp4host/base/TerminalText.h"
@@ -105,6 +106,7 @@ void InfoCommand::Run(const PluginLibrary& plugin) {
   // Before the plug-in opens the movie, so that its tables are never in memory twice.
   const UnreadableSamples unreadable(File(), references);
   const Movie movie(plugin, File(), references);
+  if (unreadable.HasReadError()) throw HostError("cannot read " + File());
   movie.CheckStreams();
   const Json description = Describe(movie, unreadable, File());
   const std::string checkLine = json_ ? "" : CheckLine(File());

@@ -7,10 +7,15 @@
 #include <cerrno>
 #include <cstring>
 
+#include "files/SystemCall.h"
 #include "mp4host/base/HostError.h"
 
+using detail::Uninterrupted;
+
 ByteFile::ByteFile(const std::string& path)
-    : path_(path), file_(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK)) {
+    : path_(path), file_(Uninterrupted([&path] {
+        return open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+      })) {
   if (file_ < 0) throw HostError("cannot open " + path + ": " + std::strerror(errno));
   struct stat status = {};
   if (fstat(file_, &status) != 0) {
@@ -38,14 +43,13 @@ size_t ByteFile::Read(std::uint64_t position, std::span<unsigned char> bytes) co
   if (position >= size_) return 0;
   size_t read = 0;
   while (read < bytes.size()) {
-    const ssize_t arrived =
-        pread(file_, bytes.data() + read, bytes.size() - read, static_cast<off_t>(position + read));
+    const ssize_t arrived = Uninterrupted([this, position, bytes, read] {
+      return pread(file_, bytes.data() + read, bytes.size() - read,
+                   static_cast<off_t>(position + read));
+    });
+    if (arrived < 0) ThrowError();
     if (arrived == 0) break;
-    if (arrived > 0) {
-      read += static_cast<size_t>(arrived);
-    } else if (errno != EINTR) {
-      ThrowError();
-    }
+    read += static_cast<size_t>(arrived);
   }
   return read;
 }

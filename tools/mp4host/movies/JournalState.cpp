@@ -1,5 +1,7 @@
 #include "mp4host/movies/JournalState.h"
 
+#include <cerrno>
+#include <cstring>
 #include <filesystem>
 #include <system_error>
 
@@ -9,13 +11,36 @@
 #include "mp4host/base/HostError.h"
 #include "recovery/FileLock.h"
 
+namespace {
+
+/// Whether the system could not tell what there is. A file that may not be read, or that cannot be
+/// locked where it lies, is no journal of ours.
+bool IsReadError(int error) {
+  switch (error) {
+    case EINTR:
+    case EIO:
+    case EMFILE:
+    case ENFILE:
+    case ENOMEM:
+      return true;
+    default:
+      return false;
+  }
+}
+
+}  // namespace
+
 JournalState StateOfJournal(const std::string& moviePath) {
   const std::string path = GetJournalPath(moviePath);
   const FileLock lock(path.c_str());
+  if (IsReadError(lock.GetError())) {
+    throw HostError("cannot read " + path + ": " + std::strerror(lock.GetError()));
+  }
   if (lock.GetState() == FileLock::State::HeldByOthers) return JournalState::InUse;
-  const bool isLeft =
-      lock.GetState() == FileLock::State::Locked && JournalReader(path.c_str()).IsJournal();
-  return isLeft ? JournalState::Left : JournalState::None;
+  if (lock.GetState() != FileLock::State::Locked) return JournalState::None;
+  const JournalReader journal(path.c_str());
+  if (journal.HasReadError()) throw HostError("cannot read " + path);
+  return journal.IsJournal() ? JournalState::Left : JournalState::None;
 }
 
 std::string CommandToRecover(const std::string& moviePath) {

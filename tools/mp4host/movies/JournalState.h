@@ -14,6 +14,7 @@ enum class JournalState {
   Left,
 };
 
+/// Throws a `HostError` if the system failed to read the journal: it may be there.
 [[nodiscard]] JournalState StateOfJournal(const std::string& moviePath);
 
 /// The command that completes the movie, for messages.

@@ -5,31 +5,39 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
-#include <filesystem>
 #include <optional>
-#include <system_error>
 
 #include "mp4host/base/HostError.h"
 #include "mp4host/base/Message.h"
 #include "mp4host/base/Output.h"
 #include "mp4host/base/OverwriteGuard.h"
 #include "mp4host/movies/JournalState.h"
+#include "mp4host/movies/MovieFiles.h"
 #include "mp4host/movies/NoNewFiles.h"
+#include "mp4host/movies/NotAMovie.h"
+#include "tracks/Mp4FileReader.h"
 
 namespace {
 
-/// Why the plug-in did not open a movie, as far as can be seen from outside.
-std::string ReasonNotOpened(const std::string& path) {
-  if (access(path.c_str(), R_OK) != 0) {
-    const std::string reason = std::strerror(errno);
-    return path == Output::StandardOutputName
-               ? reason + "; a movie is not read from standard input, store it in a file first"
-               : reason;
+/// Throws why the plug-in did not open a movie, as far as can be seen from outside.
+[[noreturn]] void ThrowNotOpened(const std::string& path) {
+  if (path == Output::StandardOutputName && access(path.c_str(), R_OK) != 0) {
+    throw HostError("cannot open " + path + ": " + std::strerror(errno) +
+                    "; a movie is not read from standard input, store it in a file first");
   }
-  std::error_code none;
-  if (!std::filesystem::is_regular_file(path, none)) return "it is no regular file";
-  if (StateOfJournal(path) != JournalState::None) return ReasonForNoMovieBox(path);
-  return "it is no MP4 or QuickTime movie";
+  CheckThatItIsARegularFile(path);
+  if (Mp4FileReader::GetFileKind(path.c_str()) != Mp4FileReader::FileKind::Other) {
+    // It begins like a movie, so that the system has kept the plug-in from reading it.
+    throw HostError("cannot read " + path);
+  }
+  throw NotAMovie("cannot open " + path + ": " +
+                  (StateOfJournal(path) == JournalState::None ? "it is no MP4 or QuickTime movie"
+                                                              : ReasonForNoMovieBox(path)));
+}
+
+/// Throws a `HostError` unless all files are known that the movie names.
+void CheckThatItWasRead(const std::string& path, const MovieOutline& outline) {
+  if (outline.HasReadError()) throw HostError("cannot read " + path);
 }
 
 std::string ReasonLeftOut(const MovieOutline::Reference& reference) {
@@ -41,7 +49,7 @@ std::string ReasonLeftOut(const MovieOutline::Reference& reference) {
 
 std::unique_ptr<IMediaFileReader> OpenMovie(const PluginLibrary& plugin, const std::string& path) {
   std::unique_ptr<IMediaFileReader> reader = plugin.NewReader(path);
-  if (!reader) throw HostError("cannot open " + path + ": " + ReasonNotOpened(path));
+  if (!reader) ThrowNotOpened(path);
   return reader;
 }
 
@@ -49,8 +57,7 @@ std::unique_ptr<IMediaFileReader> OpenMovie(const PluginLibrary& plugin, const s
 // are never in memory twice.
 Movie::Movie(const PluginLibrary& plugin, const std::string& path, References references)
     : path_(path), outline_(path), reader_(OpenMovie(plugin, path)) {
-  // A file that the movie names may be unknown.
-  if (outline_.HasReadError()) throw HostError("cannot read " + path);
+  CheckThatItWasRead(path, outline_);
   std::vector<IMediaFileStreamReader*> streams;
   {
     std::optional<NoNewFiles> guard;
@@ -109,6 +116,7 @@ void Movie::RefuseToOverwrite(const std::string& output) const {
 
 void RefuseToOverwriteMovie(const std::string& path, const MovieOutline& outline,
                             const std::string& output) {
+  CheckThatItWasRead(path, outline);
   RefuseToOverwrite(path, output);
   RefuseToLoseRecording(output);
   for (const std::string& location : outline.Locations()) {

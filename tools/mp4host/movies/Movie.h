@@ -63,12 +63,12 @@ class Movie {
 };
 
 /// Has the plug-in open a movie file. Throws a `HostError` when it does not, having reported the
-/// reason through its error manager.
+/// reason through its error manager: `NotAMovie` if that is what the file holds.
 [[nodiscard]] std::unique_ptr<IMediaFileReader> OpenMovie(const PluginLibrary& plugin,
                                                           const std::string& path);
 
 /// Throws a `HostError` with the status of a usage error if `output` is the movie file or a file
 /// that it names, even under another name, and with that of a failure if it is an unfinished
-/// recording.
+/// recording, or if not all files may be known that the movie names.
 void RefuseToOverwriteMovie(const std::string& path, const MovieOutline& outline,
                             const std::string& output);

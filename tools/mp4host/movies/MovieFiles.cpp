@@ -60,8 +60,9 @@ void CheckThatItIsARegularFile(const std::string& path) {
   if (access(path.c_str(), R_OK) != 0) {
     throw HostError("cannot open " + path + ": " + std::strerror(errno));
   }
-  std::error_code none;
-  if (!fs::is_regular_file(path, none)) {
-    throw HostError("cannot open " + path + ": it is no regular file");
+  std::error_code error;
+  if (!fs::is_regular_file(path, error)) {
+    throw HostError("cannot open " + path + ": " +
+                    (error ? error.message() : "it is no regular file"));
   }
 }

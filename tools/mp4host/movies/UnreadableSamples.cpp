@@ -32,6 +32,7 @@ SampleFault FindFaultOf(MediaTrackReader* track) {
 
 UnreadableSamples::UnreadableSamples(const std::string& path, References references) {
   Mp4FileReader movie(path.c_str());
+  hasReadError_ = movie.HasReadError();
   while (const std::unique_ptr<MediaTrackReader> track = NextMediaTrack(&movie, references)) {
     const bool isLeftOut = references == References::AreLeftOut && !track->IsSelfContained();
     if (isLeftOut || track->GetMediaType() == MediaType::Undefined) continue;

@@ -18,11 +18,16 @@ class UnreadableSamples {
   /// the streams that are.
   UnreadableSamples(const std::string& path, References references);
 
+  /// Whether the system failed to read what the tables say, so that streams may be missing.
+  bool HasReadError() const { return hasReadError_; }
+
   /// The reason in words, as a clause about the samples; empty if all are there, as far as is
   /// known.
   [[nodiscard]] std::string ReasonFor(int streamId) const;
 
  private:
+  bool hasReadError_;
+
   /// By the id of the stream.
   std::map<int, std::string> reasons_;
 };

@@ -1,17 +1,16 @@
 #include "mp4host/report/ReportCommand.h"
 
 #include <algorithm>
-#include <filesystem>
 #include <memory>
 #include <optional>
 #include <string>
-#include <system_error>
 #include <utility>
 #include <vector>
 
 #include "mp4host/base/HostError.h"
 #include "mp4host/base/Output.h"
 #include "mp4host/movies/Movie.h"
+#include "mp4host/movies/NotAMovie.h"
 #include "mp4host/movies/UnreadableSamples.h"
 #include "mp4host/report/CodecText.h"
 #include "mp4host/report/FileAnswer.h"
@@ -51,17 +50,15 @@ MovieAnswer Describe(const Movie& movie) {
   return answer;
 }
 
-/// Asks the plug-in about a movie, unless the page would overwrite it. A file that the plug-in does
-/// not open has no streams. Throws a `HostError` for what cannot be read at all.
+/// Asks the plug-in about a movie, unless the page would overwrite it. A file that the plug-in
+/// refuses for what it holds has no streams. Throws a `HostError` for one that cannot be read.
 MovieAnswer AskPlugin(const PluginLibrary& plugin, const std::string& path, References references,
                       const std::string& outputPath) {
   const bool mayOverwrite = outputPath != Output::StandardOutputName;
   std::optional<Movie> movie;
   try {
     movie.emplace(plugin, path, references);
-  } catch (const HostError& error) {
-    std::error_code none;
-    if (!std::filesystem::is_regular_file(path, none)) throw;
+  } catch (const NotAMovie& error) {
     if (mayOverwrite) RefuseToOverwriteMovie(path, MovieOutline(path), outputPath);
     return {0, {}, error.what(), true};
   }

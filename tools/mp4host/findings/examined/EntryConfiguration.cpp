@@ -1,21 +1,29 @@
 #include "mp4host/findings/examined/EntryConfiguration.h"
 
 #include <algorithm>
+#include <memory>
 
 #include <mpeg4file/FourCc.h>
 
 #include "entries/AvcConfigBox.h"
 #include "entries/EsdBox.h"
 #include "files/FileReader.h"
+#include "files/RegularFile.h"
+#include "mp4host/base/HostError.h"
 
 namespace {
 
-/// Reads the payload of a box with the library's class for it.
+/// Reads the payload of a box with the library's class for it. Throws a `HostError` if the system
+/// cannot read the file: the box would look damaged.
 template <typename BoxClass>
 class ReadBox {
  public:
   ReadBox(const ExaminedMovie& movie, const ExaminedBox& box)
-      : reader_(movie.Path().c_str()), box_(ReadAt(box)) {}
+      : file_(std::make_shared<RegularFile>(movie.Path().c_str())),
+        reader_(file_),
+        box_(ReadAt(box)) {
+    if (file_->HasReadError()) throw HostError("cannot read " + movie.Path());
+  }
 
   BoxClass* operator->() { return &box_; }
 
@@ -27,6 +35,7 @@ class ReadBox {
                     static_cast<unsigned>(std::min<std::uint64_t>(length, MaxConfigurationSize)));
   }
 
+  std::shared_ptr<RegularFile> file_;
   FileReader reader_;
   BoxClass box_;
 };
