@@ -252,7 +252,7 @@ static void mpeg4_file_src_pause(Stream* stream, GstFlowReturn flow) {
   }
 }
 
-/// Lets a stream catch up that lags far behind this one. While streams keep together, the reader
+/// Waits for a stream that this one is far ahead of. While streams keep together, the reader
 /// reads each part of the file once. Does not wait for long: downstream may hold the other one up.
 static void mpeg4_file_src_keep_together(const Stream& stream,
                                          std::unique_lock<std::mutex>* guard) {

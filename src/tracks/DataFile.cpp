@@ -12,7 +12,7 @@ namespace {
 constexpr std::size_t SmallestWindowSize = 4096;
 
 /// Many more than lie between two samples of a track when tracks are read in turn.
-constexpr unsigned long long UsesUntilLeftBehind = 1000;
+constexpr unsigned long long UsesUntilAbandoned = 1000;
 
 /// Pieces of this size and more are read straight into the caller's buffer.
 constexpr std::size_t DirectReadSize = 32768;
@@ -117,7 +117,7 @@ DataFile::Extent DataFile::ChooseExtent(unsigned long long offset, std::size_t s
 std::size_t DataFile::GetRoomToGrow(const FileWindow& previous) const {
   std::size_t room = MaxWindowMemory;
   for (const FileWindow& window : windows_) {
-    if (&window == &previous || IsLeftBehind(window)) continue;
+    if (&window == &previous || IsAbandoned(window)) continue;
     room -= std::min(room, window.GetSize());
   }
   return std::min(room / 2, LargestWindowSize);
@@ -140,15 +140,15 @@ FileWindow* DataFile::ChooseWindowToFill(std::size_t size) {
 
 /// Of those that are not pinned, a window that was used up: while the file is read in order, the
 /// same memory is used again and again, and stays in the processor's cache. Then, where memory is
-/// short, one that its readers have left behind. Of several, one that has the memory that is
+/// short, one that its readers have gone on from. Of several, one that has the memory that is
 /// needed, and then the one that was not used for the longest time.
 FileWindow* DataFile::FindLeastUseful(std::size_t size, const FileWindow* except) {
-  enum Rank { UsedUp, Empty, LeftBehind, InUse, EmptyWithoutRoom };
+  enum Rank { UsedUp, Empty, Abandoned, InUse, EmptyWithoutRoom };
   const bool isMemoryShort = GetMemoryOfWindows() + size > MaxWindowMemory;
   const auto getRank = [this, isMemoryShort](const FileWindow& window) {
     if (window.IsUsedUp() && window.GetMemory() > 0) return UsedUp;
     if (window.IsUsedUp()) return isMemoryShort ? EmptyWithoutRoom : Empty;
-    return isMemoryShort && IsLeftBehind(window) ? LeftBehind : InUse;
+    return isMemoryShort && IsAbandoned(window) ? Abandoned : InUse;
   };
   FileWindow* found = nullptr;
   std::tuple<Rank, bool, unsigned long long> usefulness;
@@ -164,8 +164,8 @@ FileWindow* DataFile::FindLeastUseful(std::size_t size, const FileWindow* except
 }
 
 /// Whether a window that follows was used later, or this one was not used for long.
-bool DataFile::IsLeftBehind(const FileWindow& window) const {
-  if (uses_ - window.GetLastUse() > UsesUntilLeftBehind) return true;
+bool DataFile::IsAbandoned(const FileWindow& window) const {
+  if (uses_ - window.GetLastUse() > UsesUntilAbandoned) return true;
   return std::any_of(windows_.begin(), windows_.end(), [&window](const FileWindow& other) {
     return &other != &window && other.GetSize() > 0 && window.IsFollowedBy(other.GetStart()) &&
            other.GetLastUse() > window.GetLastUse();

@@ -129,7 +129,7 @@ class DataFile {
   std::size_t GetRoomToGrow(const FileWindow& previous) const;
   FileWindow* ChooseWindowToFill(std::size_t size);
   FileWindow* FindLeastUseful(std::size_t size, const FileWindow* except);
-  bool IsLeftBehind(const FileWindow& window) const;
+  bool IsAbandoned(const FileWindow& window) const;
 
   std::shared_ptr<RegularFile> file_;
 

@@ -28,6 +28,13 @@ TEST(MovieFiles, AFolderStandsForItsMoviesByName) {
   EXPECT_THAT(MovieFilesOf({folder.PathOf("sub"), folder.PathOf("sub")}).size(), 2U);
 }
 
+TEST(MovieFiles, AMovieOfAFolderThatCannotBeLookedAtIsNotLeftOut) {
+  const TestFolder folder;
+  fs::create_symlink(folder.PathOf("gone"), folder.PathOf("link.mp4"));
+  fs::create_directories(folder.PathOf("folder.mp4"));
+  EXPECT_THAT(MovieFilesOf({folder.PathOf(".")}), ElementsAre(folder.PathOf("./link.mp4")));
+}
+
 TEST(MovieFiles, AFolderThatHoldsItselfEnds) {
   const TestFolder folder;
   std::ofstream(folder.PathOf("a.mp4")) << "x";

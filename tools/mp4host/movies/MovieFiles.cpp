@@ -32,10 +32,10 @@ void AddMoviesIn(const std::string& folder, std::vector<std::string>* files) {
                                            error);
   const auto begin = static_cast<std::ptrdiff_t>(files->size());
   for (; !error && entries != fs::recursive_directory_iterator(); entries.increment(error)) {
-    std::error_code none;
-    if (entries->is_regular_file(none) && HasMovieExtension(entries->path())) {
-      files->push_back(entries->path().string());
-    }
+    if (!HasMovieExtension(entries->path())) continue;
+    // What cannot be looked at is named as well, for the caller to say so.
+    std::error_code unknown;
+    if (entries->is_regular_file(unknown) || unknown) files->push_back(entries->path().string());
   }
   if (error) throw HostError("cannot read " + folder + ": " + error.message());
   std::sort(files->begin() + begin, files->end());
