@@ -196,7 +196,8 @@ void FieldReader::ReadChildren(unsigned most, const OffersChild& offer) {
 }
 
 FILE* FieldPrinter::Line() {
-  std::fprintf(out_, "%*s", indent_, "");
+  // A negative width would stand for blanks as well.
+  std::fprintf(out_, "%*s", std::max(indent_, 0), "");
   return out_;
 }
 

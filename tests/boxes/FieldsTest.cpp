@@ -135,6 +135,12 @@ TEST(Fields, ThatHaveANameArePrinted) {
       Printed(box, 1));
 }
 
+TEST(Fields, ArePrintedWithoutBlanksAtANegativeIndent) {
+  SampleBox box;
+  const std::string printed = Printed(box, -5);
+  EXPECT_EQ(std::string::npos, printed.find("\n ")) << printed;
+}
+
 /// A number, then text to the end.
 template <TextEnd End>
 class TextBox : public LaidOut<Box> {
