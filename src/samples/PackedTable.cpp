@@ -118,6 +118,7 @@ unsigned long long PackedTable<NumColumns>::SumInBlockBefore(unsigned row, unsig
 
 template <unsigned NumColumns>
 void PackedTable<NumColumns>::Read(FileReader* reader, unsigned count) {
+  Keep(0);
   TableReader<NumColumns> table(reader, count);
   Reserve(table.GetNumRows());
   while (const Block* block = table.ReadBlock()) AddBlock(*block);

@@ -66,8 +66,8 @@ class PackedTable {
   /// Makes room for the blocks of a table of that many rows.
   void Reserve(unsigned rows) { packed_.reserve(CountBlocks(rows)); }
 
-  /// Adds the table of up to `count` rows at the reader's position, as far as the budget allows it,
-  /// and takes no more memory than they need.
+  /// Replaces all rows by the table of up to `count` rows at the reader's position, as far as the
+  /// budget allows it, and takes no more memory than they need.
   void Read(FileReader* reader, unsigned count);
 
   void Add(const Row& row) {

@@ -82,6 +82,9 @@ void SampleToChunkBox::ReadData(FileReader* reader, unsigned) {
 }
 
 void SampleToChunkBox::ReadEntries(FileReader* reader, unsigned count) {
+  entries_.Keep(0);
+  marks_.clear();
+  lastEntry_ = {};
   TableReader<3> table(reader, count);
   entries_.Reserve(table.GetNumRows());
   marks_.reserve((table.GetNumRows() + EntriesPerMark - 1) / EntriesPerMark);

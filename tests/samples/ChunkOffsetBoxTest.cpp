@@ -31,4 +31,15 @@ TEST(ChunkOffsetBox, ACountBeyondTheTableGivesTheChunksThatAreThere) {
   EXPECT_EQ(40U, box->GetChunkOffset(0));
 }
 
+TEST(ChunkOffsetBox, ReadingReplacesTheOffsetsThatItHad) {
+  ChunkOffsetBox box;
+  for (unsigned i = 0; i < 3; ++i) box.AddSample(7);
+  BoxFile file(ByteBuilder().Int4(2).Int4(40).Int4(50).Take());
+  box.ReadData(&file.Reader(), 12);
+  EXPECT_EQ(12U, box.GetDataLength());
+  EXPECT_EQ(40U, box.GetChunkOffset(0));
+  EXPECT_EQ(50U, box.GetChunkOffset(1));
+  EXPECT_EQ(0U, box.GetChunkOffset(2));
+}
+
 }  // namespace

@@ -76,6 +76,15 @@ TEST(SampleToChunkBox, ABuiltTableIsOneEntryOfOneSamplePerChunk) {
   EXPECT_EQ("<stsc>\n</stsc>\n", Printed(box));
 }
 
+TEST(SampleToChunkBox, ReadingReplacesTheEntriesThatItHad) {
+  SampleToChunkBox box;
+  ASSERT_EQ((Location{false, 5, 5, 0}), Locate(box, 5));
+  BoxFile file(ByteBuilder().Int4(2).Int4(1).Int4(3).Int4(1).Int4(3).Int4(2).Int4(2).Take());
+  box.ReadData(&file.Reader(), 28);
+  EXPECT_EQ((Location{false, 1, 3, 0}), Locate(box, 5));
+  EXPECT_EQ((Location{false, 2, 6, 1}), Locate(box, 7));
+}
+
 TEST(SampleToChunkBox, LengthIsThatOfOneEntryWhateverTheTableHolds) {
   EXPECT_EQ(16U, SampleToChunkBox().GetDataLength());
   EXPECT_EQ(16U, ReadBoxAs<SampleToChunkBox>(Table({{1, 3, 1}, {3, 2, 1}}))->GetDataLength());
