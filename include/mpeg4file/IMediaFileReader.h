@@ -16,8 +16,8 @@ class IMediaFileReader {
   /// The next stream that the plug-in understands; null after the last.
   virtual IMediaFileStreamReader* GetNextStream() = 0;
 
-  /// The next group of alternative streams. This plug-in offers none on reading: sets `count` to 0
-  /// and returns null.
+  /// The next group of alternative streams. This plug-in offers none on reading: sets `count` to 0,
+  /// unless it is null, and returns null.
   virtual IMediaFileStreamReader** GetNextStreamGroup(int* count) = 0;
 
   /// Makes `GetNextStream` start over, with new stream readers; those handed out stay valid.

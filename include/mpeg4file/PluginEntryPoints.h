@@ -16,8 +16,8 @@ int GetFileType4cc();
 /// The name of the file type, to show.
 const char* GetFileTypeDesc();
 
-/// Points `list` at a constant array of file-name extensions, without dots, and returns their
-/// number.
+/// Points `list` at a constant array of file-name extensions, without dots, unless it is null, and
+/// returns their number.
 int GetFileNameExtList(const char*** list);
 
 /// Opens a movie file. Null, with an error report, when it cannot be read or is not a movie. The

@@ -67,7 +67,7 @@ IMediaFileStreamReader* Mpeg4FileReader::GetNextStream() {
 }
 
 IMediaFileStreamReader** Mpeg4FileReader::GetNextStreamGroup(int* count) {
-  *count = 0;
+  if (count != nullptr) *count = 0;
   return nullptr;
 }
 

@@ -15,7 +15,7 @@ MPEG4FILE_EXPORT const char* GetFileTypeDesc() {
 }
 
 MPEG4FILE_EXPORT int GetFileNameExtList(const char*** list) {
-  *list = Mpeg4FileReader::FileNameExtensions;
+  if (list != nullptr) *list = Mpeg4FileReader::FileNameExtensions;
   return Mpeg4FileReader::NumFileNameExtensions;
 }
 

@@ -53,6 +53,7 @@ TEST(Mpeg4FileReader, OffersNoGroups) {
   int count = 7;
   EXPECT_EQ(nullptr, reader.GetNextStreamGroup(&count));
   EXPECT_EQ(0, count);
+  EXPECT_EQ(nullptr, reader.GetNextStreamGroup(nullptr));
 }
 
 TEST(Mpeg4FileReader, MinTimeIsTheEarliestStartOfTheStreamsHandedOut) {

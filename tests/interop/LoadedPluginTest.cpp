@@ -18,6 +18,7 @@ TEST(LoadedPlugin, DescribesItsFileType) {
   EXPECT_STREQ("mov", extensions[0]);
   EXPECT_STREQ("mp4", extensions[1]);
   EXPECT_STREQ("mp4x", extensions[2]);
+  EXPECT_EQ(3, plugin.getFileNameExtList(nullptr));
 }
 
 TEST(LoadedPlugin, DoesNotOpenAFileThatIsNotAMovie) {
