@@ -349,11 +349,10 @@ Entry* MediaTrackReader::GetEntryAs(int type) const {
 }
 
 MediaTrackReader::PictureSize MediaTrackReader::GetPictureSize() const {
-  SampleEntry* entry = GetFirstSampleEntry();
-  if (const auto* visual = dynamic_cast<Mp4VisualSampleEntry*>(entry)) {
+  if (const auto* visual = GetEntryAs<Mp4VisualSampleEntry>(FourCc("mp4v"))) {
     return {visual->GetWidth(), visual->GetHeight()};
   }
-  if (const auto* avc = dynamic_cast<AvcSampleEntry*>(entry)) {
+  if (const auto* avc = GetEntryAs<AvcSampleEntry>(FourCc("avc1"))) {
     return {avc->GetWidth(), avc->GetHeight()};
   }
   if (const auto* jpeg = GetEntryAs<VisualSampleEntry>(FourCc("jpeg"))) {

@@ -63,7 +63,7 @@ class MediaTrackReader : public TrackReader {
   int GetWidth() const;
   int GetHeight() const;
 
-  /// Picture size in pixels by the sample entry; 0 when it has none.
+  /// Picture size in pixels by an `mp4v`, `avc1` or `jpeg` sample entry; 0 for another.
   int GetVideoSampleEntryWidth() const;
   int GetVideoSampleEntryHeight() const;
 

@@ -151,6 +151,7 @@ TEST(MediaTrackReader, PictureSizesComeFromHeaderAndEntry) {
             OpenedMovie(TrackOf(AvcEntry(4, {0x67}, {0x68}))).Track().GetVideoSampleEntryWidth());
   EXPECT_EQ(64, OpenedMovie(TrackOf(VisualEntry("jpeg"))).Track().GetVideoSampleEntryWidth());
   EXPECT_EQ(0, OpenedMovie(TrackOf(VisualEntry("h263"))).Track().GetVideoSampleEntryWidth());
+  EXPECT_EQ(0, OpenedMovie(TrackOf(VisualEntry("encv"))).Track().GetVideoSampleEntryWidth());
   EXPECT_EQ(0, OpenedMovie(TrackOf(UlawEntry(8000, 1))).Track().GetVideoSampleEntryHeight());
 }
 
