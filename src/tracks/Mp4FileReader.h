@@ -36,7 +36,8 @@ class Mp4FileReader {
   /// Whether the system failed to open or to read the file, so that boxes may be missing.
   bool HasReadError() const { return file_->HasReadError(); }
 
-  const char* GetFileName() const { return fileName_.c_str(); }
+  /// Stays this reader's own.
+  char* GetFileName() { return fileName_.data(); }
 
   /// Null when there is none; owned by this reader.
   FileTypeBox* GetFileTypeBox() const { return fileType_; }

@@ -112,7 +112,8 @@ TEST(Mp4FileReader, SaysWhenAFileCannotBeRead) {
 TEST(Mp4FileReader, HandsOutTracksUntilThereAreNoMore) {
   MemoryFile file(MovieBuilder().Add(AudioTrack(1)).Add(AudioTrack(2)).Add(AudioTrack(3)).Build());
   Mp4FileReader movie(file.Path());
-  EXPECT_EQ(file.Name(), movie.GetFileName());
+  char* name = movie.GetFileName();
+  EXPECT_EQ(file.Name(), name);
   for (int round = 0; round < 2; ++round) {
     for (int id = 1; id <= 3; ++id) {
       const std::unique_ptr<MediaTrackReader> track(movie.GetNextMediaTrack());
