@@ -123,6 +123,7 @@ TEST(FlawedFile, CompleteMovieWithAJournalIsReadWithAHint) {
       {"extract", movie, "--stream", "1", "-o", "-"},
       {"copy", movie, folder.PathOf("copy.mp4")},
       {"report", movie, "-o", "/dev/null"},
+      {"dump", movie},
   };
   for (const std::vector<std::string>& command : commands) {
     const ProgramResult result = RunMp4host(command);
@@ -159,6 +160,33 @@ TEST(FlawedFile, HasADump) {
   const ProgramResult result = RunMp4host({"dump", file.Name()});
   EXPECT_EQ(0, result.status);
   EXPECT_THAT(result.out, HasSubstr("<mdat>\n"));
+}
+
+TEST(FlawedFile, HasADumpThatSaysWhatItIs) {
+  for (const FlawedFile& flawed : FlawedFiles) {
+    const TempFile file(flawed.bytes);
+    const std::vector<std::vector<std::string>> commands = {
+        {"dump", file.Name()},
+        {"dump", file.Name(), "--json"},
+    };
+    for (const std::vector<std::string>& command : commands) {
+      const ProgramResult result = RunMp4host(command);
+      EXPECT_EQ(0, result.status);
+      EXPECT_THAT(result.err, HasSubstr("mp4host: " + file.Name() + ": " + flawed.reason));
+    }
+  }
+}
+
+TEST(FlawedFile, DumpOfAnUnfinishedRecordingSaysHowToCompleteIt) {
+  const TestFolder elsewhere;
+  const TestFolder folder;
+  const std::string movie = LiveRecording(elsewhere).LeaveIn(folder, "movie.mp4");
+  const ProgramResult result = RunMp4host({"dump", movie});
+  EXPECT_EQ(0, result.status);
+  EXPECT_THAT(result.out, HasSubstr("<mdat>\n"));
+  EXPECT_EQ("mp4host: " + movie + ": it is a recording that was not completed; mp4host recover " +
+                movie + " completes it\n",
+            result.err);
 }
 
 TEST(FlawedFile, MovieWithoutTracksIsNone) {

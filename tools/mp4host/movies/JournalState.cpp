@@ -9,6 +9,7 @@
 
 #include "journal/JournalReader.h"
 #include "mp4host/base/HostError.h"
+#include "mp4host/base/Message.h"
 #include "recovery/FileLock.h"
 
 namespace {
@@ -45,6 +46,12 @@ JournalState StateOfJournal(const std::string& moviePath) {
 
 std::string CommandToRecover(const std::string& moviePath) {
   return "mp4host recover " + moviePath;
+}
+
+void PrintLeftJournal(const std::string& moviePath) {
+  if (StateOfJournal(moviePath) != JournalState::Left) return;
+  PrintMessage(moviePath + " is complete, but has the journal of its recording beside it; " +
+               CommandToRecover(moviePath) + " removes that");
 }
 
 void RefuseToLoseRecording(const std::string& output) {

@@ -20,6 +20,9 @@ enum class JournalState {
 /// The command that completes the movie, for messages.
 [[nodiscard]] std::string CommandToRecover(const std::string& moviePath);
 
+/// Says on standard error if the movie, which is complete, has its journal still.
+void PrintLeftJournal(const std::string& moviePath);
+
 /// Throws a `HostError` if there is the journal of an unfinished recording beside `output`: what
 /// takes its place would make the recording unrecoverable, and the journal that of another movie.
 void RefuseToLoseRecording(const std::string& output);

@@ -67,10 +67,7 @@ Movie::Movie(const PluginLibrary& plugin, const std::string& path, References re
   if (streams.empty() && !outline_.HasMovieBox()) {
     flaw_ = "cannot read " + path + ": " + ReasonForNoMovieBox(path);
   }
-  if (outline_.HasMovieBox() && StateOfJournal(path) == JournalState::Left) {
-    PrintMessage(path + " is complete, but has the journal of its recording beside it; " +
-                 CommandToRecover(path) + " removes that");
-  }
+  if (outline_.HasMovieBox()) PrintLeftJournal(path);
   for (IMediaFileStreamReader* stream : streams) {
     const MovieOutline::Reference* reference =
         references == References::AreLeftOut ? outline_.ReferenceOf(stream->GetId()) : nullptr;

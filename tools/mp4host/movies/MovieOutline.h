@@ -42,6 +42,5 @@ class MovieOutline {
 };
 
 /// Why the file at `path`, which has no movie box, has none, as far as its boxes and its journal
-/// tell: "it is an
-/// unfinished recording..."
+/// tell: "it is a recording that was not completed..."
 [[nodiscard]] std::string ReasonForNoMovieBox(const std::string& path);

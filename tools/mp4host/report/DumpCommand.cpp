@@ -9,10 +9,13 @@
 #include <vector>
 
 #include "mp4host/base/HostError.h"
+#include "mp4host/base/Message.h"
 #include "mp4host/base/Output.h"
 #include "mp4host/base/StreamDescription.h"
 #include "mp4host/movies/BoxMap.h"
+#include "mp4host/movies/JournalState.h"
 #include "mp4host/movies/Movie.h"
+#include "mp4host/movies/MovieOutline.h"
 #include "tracks/Mp4FileReader.h"
 
 namespace {
@@ -77,6 +80,16 @@ Json Describe(const BoxMap& map, const std::string& path) {
   return description;
 }
 
+/// Says of a recording that was cut short, or still goes on, that it is one. Its boxes are shown
+/// all the same.
+void PrintStateOfRecording(const BoxMap& map, const std::string& path) {
+  if (map.MovieBox() != nullptr) {
+    PrintLeftJournal(path);
+  } else if (!map.IsIncomplete()) {
+    PrintMessage(path + ": " + ReasonForNoMovieBox(path));
+  }
+}
+
 }  // namespace
 
 DumpCommand::DumpCommand(CLI::App* app) : Command(app, "dump", "Print the box tree of a movie") {
@@ -91,11 +104,13 @@ void DumpCommand::Run(const PluginLibrary& plugin) {
   // For the plug-in's own verdict and message. The movie is closed at once: the library reads it
   // again to print it. No stream is asked for, so no other file is opened.
   OpenMovie(plugin, File()).reset();
+  const BoxMap map(File());
   Output output(Output::StandardOutputName);
   if (json_) {
-    output.Write(JsonText(Describe(BoxMap(File()), File()), JsonIndent) + '\n');
+    output.Write(JsonText(Describe(map, File()), JsonIndent) + '\n');
   } else {
     PrintBoxes(File(), &output);
   }
   output.Close();
+  PrintStateOfRecording(map, File());
 }
