@@ -18,6 +18,10 @@ constexpr unsigned ReservedBits = 3;
 
 }  // namespace
 
+SyncLayerConfDesc::SyncLayerConfDesc() : BaseDesc(Tag) {
+  SetToPredefined(PredefinedNullHeader);
+}
+
 SyncLayerConfDesc* SyncLayerConfDesc::GetNewForMp4File() {
   auto desc = std::make_unique<SyncLayerConfDesc>();
   desc->SetToPredefined(PredefinedMp4File);

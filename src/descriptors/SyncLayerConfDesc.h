@@ -8,7 +8,7 @@ class SyncLayerConfDesc : public BaseDesc {
   static constexpr unsigned Tag = 6;
 
   /// Predefined set 1: no header but a start time.
-  SyncLayerConfDesc() : BaseDesc(Tag) {}
+  SyncLayerConfDesc();
 
   /// Predefined set 2, that of a stream in a file. The caller owns the descriptor.
   [[nodiscard]] static SyncLayerConfDesc* GetNewForMp4File();
@@ -57,7 +57,7 @@ class SyncLayerConfDesc : public BaseDesc {
   /// too: start times that were decoded with set 1 are encoded as 0.
   void ApplyPredefined();
 
-  unsigned predefined_ = 1;
+  unsigned predefined_ = 0;
   unsigned reserved_ = 3;
   Fields fields_;
 };

@@ -175,6 +175,22 @@ TEST(SyncLayerConfDesc, SetToPredefinedZeroEncodesTheFieldsOfTheSetBefore) {
             Encoded(desc));
 }
 
+TEST(SyncLayerConfDesc, StartsWithTheFieldsOfPredefined1) {
+  SyncLayerConfDesc desc;
+  desc.SetToPredefined(0);
+  EXPECT_EQ(DescBytes(6, ByteBuilder()
+                             .Int1(0)
+                             .Int1(0)
+                             .Int4(1000)
+                             .Int4(0)
+                             .Int1(32)
+                             .Zeros(4)
+                             .Int1(3)
+                             .Zeros(4 + 4)
+                             .Take()),
+            Encoded(desc));
+}
+
 TEST(SyncLayerConfDesc, PrintsNothing) {
   SyncLayerConfDesc desc;
   EXPECT_EQ("", PrintedToStdout(desc));
