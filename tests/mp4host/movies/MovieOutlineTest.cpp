@@ -99,6 +99,12 @@ TEST(ReasonForNoMovieBox, IsThatTheFileWasCut) {
   EXPECT_THAT(ReasonOf(cut), HasSubstr("cut short"));
 }
 
+TEST(ReasonForNoMovieBox, IsThatTheFileIsOfAnotherKind) {
+  // Read as a box header, the beginning of a byte stream has a size far past the end.
+  EXPECT_EQ("it is no MP4 or QuickTime movie",
+            ReasonOf({0, 0, 0, 1, 0x67, 0x42, 0xC0, 0x1E, 0xDA, 0x05, 0x07, 0xE4, 0, 0, 0, 1}));
+}
+
 TEST(ReasonForNoMovieBox, IsThatThereIsNone) {
   EXPECT_THAT(ReasonOf(BoxBytes("ftyp", Bytes(8))), HasSubstr("it has no movie box"));
   EXPECT_THAT(

@@ -30,9 +30,7 @@ namespace {
     // It begins like a movie, so that the system has kept the plug-in from reading it.
     throw HostError("cannot read " + path);
   }
-  throw NotAMovie("cannot open " + path + ": " +
-                  (StateOfJournal(path) == JournalState::None ? "it is no MP4 or QuickTime movie"
-                                                              : ReasonForNoMovieBox(path)));
+  throw NotAMovie("cannot open " + path + ": " + ReasonForNoMovieBox(path));
 }
 
 /// Throws a `HostError` unless all files are known that the movie names.

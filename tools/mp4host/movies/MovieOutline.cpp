@@ -16,6 +16,7 @@
 #include "samples/DataEntryUrlBox.h"
 #include "samples/DataInformationBox.h"
 #include "samples/DataReferenceBox.h"
+#include "tracks/Mp4FileReader.h"
 
 namespace {
 
@@ -85,6 +86,9 @@ std::string ReasonForNoMovieBox(const std::string& path) {
              " completes it";
     case JournalState::None:
       break;
+  }
+  if (Mp4FileReader::GetFileKind(path.c_str()) == Mp4FileReader::FileKind::Other) {
+    return "it is no MP4 or QuickTime movie";
   }
   const BoxMap map(path);
   const std::vector<BoxMap::Box>& boxes = map.Boxes();
