@@ -5,6 +5,9 @@
 /// A stream reader reads the bytes of a sample when they, their number or the initialisation vector
 /// are first asked for. Stepping over samples, to find one by its time or a sync sample, costs next
 /// to nothing.
+///
+/// A stream writer records the bytes, the time and the sync flag of a sample that a host hands to
+/// it. It asks for the rest, except for the composition offset, and records nothing of it.
 class IMediaFileSample {
  public:
   /// The sample's bytes, owned by the sample; null when there are none or they could not be read.

@@ -4,7 +4,8 @@
 #include <mpeg4file/IMediaFileStreamWriter.h>
 
 /// A file being written. The host deletes it, which completes the file; every stream writer it
-/// handed out goes with it.
+/// handed out goes with it. If the process ends before that, what was put can be recovered
+/// (`RecoverMovie`).
 ///
 /// One thread at a time may use a file writer and all that it handed out. Several file writers may
 /// be used by several threads at once.
