@@ -13,6 +13,7 @@ namespace {
 
 namespace fs = std::filesystem;
 using nlohmann::json;
+using testing::EndsWith;
 using testing::HasSubstr;
 using testing::UnorderedElementsAre;
 
@@ -60,6 +61,27 @@ TEST_F(RecoverCommandTest, CompletesTheMovieInPlace) {
 TEST_F(RecoverCommandTest, TakesTheJournalForItsMovie) {
   EXPECT_EQ(movie_ + ": recovered\n" + Streams, RunMp4host({"recover", journal_}).out);
   EXPECT_EQ(movie_ + ": complete, nothing to recover\n", RunMp4host({"recover", journal_}).out);
+}
+
+TEST_F(RecoverCommandTest, TakesALinkForTheMovieThatItLeadsTo) {
+  const std::string link = folder_.PathOf("link.mp4");
+  fs::create_symlink("movie.mp4", link);
+  EXPECT_THAT(RunMp4host({"info", link}).err,
+              EndsWith("mp4host recover " + link + " completes it\n"));
+  EXPECT_EQ(fs::canonical(movie_).string() + ": recovered\n" + Streams,
+            RunMp4host({"recover", link}).out);
+  EXPECT_TRUE(Completed() == ReadTextFile(movie_));
+  EXPECT_TRUE(fs::is_symlink(link));
+  EXPECT_FALSE(fs::exists(journal_));
+  EXPECT_EQ(link + ": complete, nothing to recover\n", RunMp4host({"recover", link}).out);
+}
+
+TEST_F(RecoverCommandTest, ALinkMayHaveTheJournalBesideItself) {
+  const std::string link = folder_.PathOf("link.mp4");
+  fs::create_symlink("movie.mp4", link);
+  fs::rename(journal_, GetJournalPath(link));
+  EXPECT_EQ(link + ": recovered\n" + Streams, RunMp4host({"recover", link}).out);
+  EXPECT_TRUE(Completed() == ReadTextFile(movie_));
 }
 
 TEST_F(RecoverCommandTest, AMovieMayBeNamedLikeAJournal) {

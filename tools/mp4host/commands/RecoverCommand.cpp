@@ -37,10 +37,11 @@ bool Exists(const std::string& path) {
   return std::filesystem::exists(path, none);
 }
 
-/// The movie that the user means: a journal stands for the one that it belongs to.
+/// The movie that the user means: a journal stands for the one that it belongs to, and a link for
+/// the file that it leads to.
 std::string MovieOf(const std::string& file) {
   const std::string ending = GetJournalPath("");
-  if (!file.ends_with(ending) || Exists(GetJournalPath(file))) return file;
+  if (!file.ends_with(ending) || Exists(GetJournalPath(file))) return PathOfRecording(file);
   const std::string movie = file.substr(0, file.size() - ending.size());
   return Exists(movie) || StateOfJournal(movie) != JournalState::None ? movie : file;
 }

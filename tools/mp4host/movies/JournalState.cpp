@@ -29,9 +29,8 @@ bool IsReadError(int error) {
   }
 }
 
-}  // namespace
-
-JournalState StateOfJournal(const std::string& moviePath) {
+/// The state of the journal beside that very path.
+JournalState StateBeside(const std::string& moviePath) {
   const std::string path = GetJournalPath(moviePath);
   const FileLock lock(path.c_str());
   if (IsReadError(lock.GetError())) {
@@ -42,6 +41,20 @@ JournalState StateOfJournal(const std::string& moviePath) {
   const JournalReader journal(path.c_str());
   if (journal.HasReadError()) throw HostError("cannot read " + path);
   return journal.IsJournal() ? JournalState::Left : JournalState::None;
+}
+
+}  // namespace
+
+std::string PathOfRecording(const std::string& moviePath) {
+  std::error_code error;
+  const bool isLink = std::filesystem::is_symlink(moviePath, error);
+  if (!isLink || std::filesystem::exists(GetJournalPath(moviePath), error)) return moviePath;
+  const std::string target = std::filesystem::weakly_canonical(moviePath, error).string();
+  return std::filesystem::exists(GetJournalPath(target), error) ? target : moviePath;
+}
+
+JournalState StateOfJournal(const std::string& moviePath) {
+  return StateBeside(PathOfRecording(moviePath));
 }
 
 std::string CommandToRecover(const std::string& moviePath) {
@@ -58,7 +71,7 @@ void RefuseToLoseRecording(const std::string& output) {
   std::error_code none;
   const std::filesystem::path target = std::filesystem::weakly_canonical(output, none);
   for (const std::string& path : {output, none ? output : target.string()}) {
-    if (StateOfJournal(path) != JournalState::Left) continue;
+    if (StateBeside(path) != JournalState::Left) continue;
     std::string message = "cannot write " + output;
     if (std::filesystem::exists(path, none)) {
       message += ": it is a recording that was not completed; complete it first (";

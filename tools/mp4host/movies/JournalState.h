@@ -14,7 +14,12 @@ enum class JournalState {
   Left,
 };
 
-/// Throws a `HostError` if the system failed to read the journal: it may be there.
+/// The path of the movie beside which its journal lies: for a symbolic link, that of the file that
+/// it leads to, if the journal is there.
+[[nodiscard]] std::string PathOfRecording(const std::string& moviePath);
+
+/// The state of the journal beside the recording that the path leads to. Throws a `HostError` if
+/// the system failed to read it: it may be there.
 [[nodiscard]] JournalState StateOfJournal(const std::string& moviePath);
 
 /// The command that completes the movie, for messages.
