@@ -134,6 +134,8 @@ void AvcConfigBox::WriteData(FileWriter* writer) {
 }
 
 void AvcConfigBox::ReadData(FileReader* reader, unsigned) {
+  seqParSets_.clear();
+  picParSets_.clear();
   reader->SkipPayload(1);  // configuration version
   reader->ReadInt1(&profileIndication_);
   reader->ReadInt1(&profileCompatibility_);

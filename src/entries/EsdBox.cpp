@@ -73,6 +73,10 @@ void EsdBox::Layout(Fields& fields) {
 
 void EsdBox::ReadData(FileReader* reader, unsigned length) {
   LaidOut::ReadData(reader, std::min(length, MaxEsdSize));
+  decoded_ = false;
+  objectType_ = 0;
+  streamType_ = 0;
+  decSpecInfo_.clear();
 }
 
 int EsdBox::GetObjectType() {

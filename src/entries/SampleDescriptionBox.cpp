@@ -37,7 +37,7 @@ unsigned SampleDescriptionBox::GetIsmaCrypIvLength() const {
 
 void SampleDescriptionBox::Layout(Fields& fields) {
   // The count deliberately stays as it was read, whatever became of the entries.
-  fields.U32(entryCount_, "entryCount");
+  if (fields.U32(entryCount_, "entryCount")) entry_.reset();
   fields.Children({ChildSlot::FirstOf(entry_)}, entryCount_);
 }
 

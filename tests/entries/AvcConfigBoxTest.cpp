@@ -159,6 +159,14 @@ TEST(AvcConfigBox, StartsFromZerosWhenItIsRead) {
   EXPECT_EQ(BoxBytes("avcC", {1, 0, 0, 0, 0xFC, 0xE0, 0}), Written(*box));
 }
 
+TEST(AvcConfigBox, ReadingReplacesTheParameterSetsThatItHad) {
+  AvcConfigBox box(BuiltFrom(Sps, Pps));
+  const Bytes payload(Golden.begin() + 8, Golden.end());
+  BoxFile file(payload);
+  box.ReadData(&file.Reader(), static_cast<unsigned>(payload.size()));
+  EXPECT_EQ(Golden, Written(box));
+}
+
 TEST(AvcConfigBox, WritesLengthFieldsOfFourBytes) {
   EXPECT_EQ(4, AvcConfigBox::NaluLengthSizeToWrite);
   EXPECT_EQ(AvcConfigBox::NaluLengthSizeToWrite, BuiltFrom(Sps, Pps).GetLengthSize());

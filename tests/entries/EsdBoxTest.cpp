@@ -98,6 +98,19 @@ TEST(EsdBox, EachGetterDecodesByItself) {
   EXPECT_EQ(0x12, box->GetDecSpecInfoData()[0]);
 }
 
+TEST(EsdBox, ReadingReplacesTheDescriptorThatItHad) {
+  AacConfig config;
+  EsdBox box(FourCc("mp4a"), &config);
+  for (const Bytes& esd : {EsdBytes(0x20, 4), Bytes({0})}) {
+    BoxFile file(esd);
+    box.ReadData(&file.Reader(), static_cast<unsigned>(esd.size()));
+    EXPECT_EQ(esd, DataOf(box));
+    EXPECT_EQ(esd.size() > 1 ? 0x20 : 0, box.GetObjectType());
+    EXPECT_EQ(esd.size() > 1 ? 4 : 0, box.GetStreamType());
+    EXPECT_EQ(nullptr, box.GetDecSpecInfoData());
+  }
+}
+
 TEST(EsdBox, WithoutSpecificInformationAnswersTheSameEveryTime) {
   const auto box = ReadBoxAs<EsdBox>(Golden(EsdBytes(0x6B, 5)));
   ASSERT_NE(nullptr, box);

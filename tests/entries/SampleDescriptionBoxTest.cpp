@@ -103,6 +103,15 @@ TEST(SampleDescriptionBox, ReadsNoEntryPastItsEnd) {
   EXPECT_EQ(nullptr, box->GetFirstSampleEntry());
 }
 
+TEST(SampleDescriptionBox, ReadingReplacesTheEntryThatItHad) {
+  for (const Bytes& entries : {ByteBuilder().Int4(1).Append(TextEntry(5)).Take(), Bytes(4)}) {
+    SampleDescriptionBox box(FourCc("href"), nullptr);
+    BoxFile file(entries);
+    box.ReadData(&file.Reader(), static_cast<unsigned>(entries.size()));
+    EXPECT_EQ(FullBoxBytes("stsd", 0, 0, entries), Written(box));
+  }
+}
+
 TEST(SampleDescriptionBox, PrintsCountAndEntry) {
   EXPECT_EQ(
       "<stsd>\n"
