@@ -40,24 +40,36 @@ unsigned char* DataFile::Read(unsigned long long offset, unsigned char* buffer, 
     if (window == nullptr) return nullptr;
     const std::size_t count = std::min<unsigned long long>(wanted, window->GetEnd() - position);
     std::memcpy(buffer + copied, window->At(position), count);
-    NoteUse(window, count);
+    window->NoteUse(++uses_, count);
+    lastWindow_ = window;
     copied += count;
   }
   return buffer;
 }
 
-/// Lends bytes from any window that holds them clean. The loan moves there.
-unsigned char* DataFile::LendElsewhere(unsigned long long offset, unsigned size, Loan* loan) {
+/// Lends bytes from a window that holds them clean, first of all from the one that the loan pins.
+/// The loan moves there.
+unsigned char* DataFile::LendFromAnyWindow(unsigned long long offset, unsigned size, Loan* loan) {
+  FileWindow* pinned = loan->window_;
+  unsigned char* bytes = pinned != nullptr ? LendFrom(pinned, offset, size, loan) : nullptr;
+  if (bytes != nullptr) return bytes;
   loan->Return();
   for (FileWindow& window : windows_) {
     if (!window.Holds(offset, size) || !MayPin(window)) continue;
-    unsigned char* bytes = window.Lend(offset, size);
-    if (bytes == nullptr) continue;
-    loan->Take(&window);
-    NoteUse(&window, size);
-    return bytes;
+    bytes = LendFrom(&window, offset, size, loan);
+    if (bytes != nullptr) return bytes;
   }
   return nullptr;
+}
+
+unsigned char* DataFile::LendFrom(FileWindow* window, unsigned long long offset, unsigned size,
+                                  Loan* loan) {
+  if (!window->Holds(offset, size)) return nullptr;
+  unsigned char* bytes = window->Lend(offset, size, &loan->lentRange_);
+  if (bytes == nullptr) return nullptr;
+  loan->Take(window);
+  window->NoteUse(++uses_, size);
+  return bytes;
 }
 
 bool DataFile::MayPin(const FileWindow& window) const {

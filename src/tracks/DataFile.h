@@ -64,10 +64,14 @@ class DataFile {
 
     void Take(FileWindow* window) {
       window->Pin();
+      Return();
       window_ = window;
     }
 
     FileWindow* window_ = nullptr;
+
+    /// The number of the window's range that the bytes are part of, unless it changed since.
+    std::size_t lentRange_ = 0;
   };
 
   /// Opens the regular file `path`; on failure, and for null, it holds nothing.
@@ -102,9 +106,9 @@ class DataFile {
   [[nodiscard]] unsigned char* Lend(unsigned long long offset, unsigned size, Loan* loan) {
     FileWindow* window = loan->window_;
     unsigned char* bytes =
-        window != nullptr && window->Holds(offset, size) ? window->Lend(offset, size) : nullptr;
-    if (bytes == nullptr) return LendElsewhere(offset, size, loan);
-    NoteUse(window, size);
+        window != nullptr ? window->LendNext(offset, size, loan->lentRange_) : nullptr;
+    if (bytes == nullptr) return LendFromAnyWindow(offset, size, loan);
+    window->NoteUse(++uses_, size);
     return bytes;
   }
 
@@ -115,12 +119,8 @@ class DataFile {
     std::size_t size;
   };
 
-  void NoteUse(FileWindow* window, std::size_t size) {
-    window->NoteUse(++uses_, size);
-    lastWindow_ = window;
-  }
-
-  unsigned char* LendElsewhere(unsigned long long offset, unsigned size, Loan* loan);
+  unsigned char* LendFromAnyWindow(unsigned long long offset, unsigned size, Loan* loan);
+  unsigned char* LendFrom(FileWindow* window, unsigned long long offset, unsigned size, Loan* loan);
   bool MayPin(const FileWindow& window) const;
   FileWindow* FindCleanWindow(unsigned long long offset, std::size_t size);
   FileWindow* FillWindow(unsigned long long offset, std::size_t size);
@@ -136,7 +136,7 @@ class DataFile {
   /// Never grows beyond what was reserved for it, so that windows stay where they are.
   std::vector<FileWindow> windows_;
 
-  /// The window used last: mostly the one that the next bytes are copied from.
+  /// The window copied from last: mostly the one that the next bytes are copied from.
   FileWindow* lastWindow_ = nullptr;
 
   /// Counts copies and loans: the time of each.

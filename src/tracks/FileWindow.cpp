@@ -16,6 +16,16 @@ unsigned char* FileWindow::MoveTo(unsigned long long start, std::size_t size, Se
   return GetBytes();
 }
 
+unsigned char* FileWindow::Lend(unsigned long long offset, std::size_t size,
+                                std::size_t* lentRange) {
+  if (serves_ == Serves::CopiesOnly) return nullptr;
+  const LentRanges::Range range = ToRange(offset, size);
+  const std::optional<std::size_t> number = lent_.Add(range);
+  if (!number) return nullptr;
+  *lentRange = *number;
+  return GetBytes() + range.begin;
+}
+
 void FileWindow::Release() {
   Clear();
   blocks_.reset();

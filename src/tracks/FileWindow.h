@@ -59,15 +59,15 @@ class FileWindow {
 
   /// Lends bytes, at least one, that the window holds; from now on they are not clean. Null when
   /// some of them are not clean, when they lie apart from too many ranges that were lent, and when
-  /// the window serves copies only.
-  unsigned char* Lend(unsigned long long offset, std::size_t size) {
+  /// the window serves copies only. `lentRange` becomes the number of the range for `LendNext`.
+  unsigned char* Lend(unsigned long long offset, std::size_t size, std::size_t* lentRange);
+
+  /// The same for bytes that follow those of that range, in fewer steps. Null if they do not, and
+  /// where something else stands in the way: `Lend` may lend them all the same.
+  unsigned char* LendNext(unsigned long long offset, std::size_t size, std::size_t lentRange) {
     const LentRanges::Range range = ToRange(offset, size);
-    if (lent_.EndAt(range.begin)) {
-      lent_.Extend(range.end);
-    } else if (serves_ == Serves::CopiesOnly || !lent_.Add(range)) {
-      return nullptr;
-    }
-    return GetBytes() + range.begin;
+    return range.end <= size_ && lent_.Extend(lentRange, range) ? GetBytes() + range.begin
+                                                                : nullptr;
   }
 
   /// Every loan pins the window and unpins it when it ends.

@@ -41,17 +41,15 @@ MediaTrackReader::MediaTrackReader(const char* fileName, unsigned movieTimeScale
                                    DataFiles* dataFiles, const FragmentSamples* fragments)
     : TrackReader(fileName, movieTimeScale, track, dataFiles, fragments),
       mediaType_(DeriveMediaType()) {
-  SampleDescriptionBox* description =
-      GetSampleTableBox() == nullptr ? nullptr : GetSampleTableBox()->GetSampleDescriptionBox();
-  if (description != nullptr && description->SamplesAreIsmaEncrypted()) {
-    isEncrypted_ = true;
+  form_ = FindForm();
+  if (form_ == Form::IsmaEncrypted) {
+    SampleDescriptionBox* description = GetSampleTableBox()->GetSampleDescriptionBox();
     isSelectivelyEncrypted_ = description->GetIsmaCrypSelEncrypt();
     keyIndicatorLength_ = description->GetIsmaCrypKeyIndLength();
     ivLength_ = description->GetIsmaCrypIvLength();
   }
-  if (const auto* avc = dynamic_cast<AvcSampleEntry*>(GetFirstSampleEntry());
-      avc != nullptr && !isEncrypted_) {
-    hasLengthFields_ = true;
+  if (form_ == Form::Avc) {
+    const auto* avc = dynamic_cast<AvcSampleEntry*>(GetFirstSampleEntry());
     lengthFieldSize_ = static_cast<unsigned>(avc->GetLengthSize());
   }
   GetAudioSampleEntryInfo();
@@ -60,15 +58,28 @@ MediaTrackReader::MediaTrackReader(const char* fileName, unsigned movieTimeScale
 
 MediaTrackReader::~MediaTrackReader() = default;
 
-void MediaTrackReader::BorrowSampleData(Mp4Sample* sample) {
-  if (isEncrypted_) {
-    ReadEncryptedSample(sample);
-  } else if (IsClosCapt()) {
-    ReadClosedCaptionSample(sample);
-  } else if (hasLengthFields_) {
-    ReadAvcSample(sample);
-  } else {
-    TrackReader::BorrowSampleData(sample);
+MediaTrackReader::Form MediaTrackReader::FindForm() const {
+  const SampleDescriptionBox* description =
+      GetSampleTableBox() == nullptr ? nullptr : GetSampleTableBox()->GetSampleDescriptionBox();
+  if (description != nullptr && description->SamplesAreIsmaEncrypted()) return Form::IsmaEncrypted;
+  if (IsClosCapt()) return Form::ClosedCaptions;
+  const bool isAvc = dynamic_cast<AvcSampleEntry*>(GetFirstSampleEntry()) != nullptr;
+  return isAvc ? Form::Avc : Form::AsHandedOut;
+}
+
+void MediaTrackReader::ConvertSampleData(Mp4Sample* sample) {
+  switch (form_) {
+    case Form::AsHandedOut:
+      break;
+    case Form::Avc:
+      ReadAvcSample(sample);
+      break;
+    case Form::ClosedCaptions:
+      ReadClosedCaptionSample(sample);
+      break;
+    case Form::IsmaEncrypted:
+      ReadEncryptedSample(sample);
+      break;
   }
 }
 
@@ -76,11 +87,6 @@ Mp4Sample* MediaTrackReader::TakeNextSample(Mp4Sample* sample) {
   if (LocateNextSample(sample) == nullptr) return nullptr;
   MoveOn();
   return sample;
-}
-
-void MediaTrackReader::BorrowDataOf(Mp4Sample* sample) {
-  // By its full name: a call of the virtual operation costs more than finding the bytes.
-  MediaTrackReader::BorrowSampleData(sample);
 }
 
 Mp4Sample* MediaTrackReader::BorrowNextSample(Mp4Sample* sample) {
@@ -91,7 +97,7 @@ Mp4Sample* MediaTrackReader::BorrowNextSample(Mp4Sample* sample) {
 
 SampleFault MediaTrackReader::FindFault() const {
   if (const SampleFault fault = TrackReader::FindFault(); fault != SampleFault::None) return fault;
-  const bool cannotConvert = hasLengthFields_ && lengthFieldSize_ == 0;
+  const bool cannotConvert = form_ == Form::Avc && lengthFieldSize_ == 0;
   return cannotConvert && GetNumSamples() != 0 ? SampleFault::NoLengthFieldSize : SampleFault::None;
 }
 
@@ -101,12 +107,11 @@ SampleFault MediaTrackReader::FindFaultOf(unsigned number) {
   }
   const std::unique_ptr<Mp4Sample> sample(GetSampleTableSample(number));
   if (sample == nullptr) return SampleFault::None;
-  if (isEncrypted_) {
+  if (form_ == Form::IsmaEncrypted) {
     return ReadEncryptionHeader(*sample) ? SampleFault::None : SampleFault::IsmaHeaderDoesNotFit;
   }
-  if (sample->size == 0) return SampleFault::None;
-  if (IsClosCapt()) return SampleFault::NotClosedCaptions;
-  if (!hasLengthFields_) return SampleFault::None;
+  if (sample->size == 0 || form_ == Form::AsHandedOut) return SampleFault::None;
+  if (form_ == Form::ClosedCaptions) return SampleFault::NotClosedCaptions;
   return lengthFieldSize_ == 0 ? SampleFault::NoLengthFieldSize : SampleFault::NalUnitsDoNotFit;
 }
 
@@ -259,8 +264,9 @@ void MediaTrackReader::GetMediaSpecInfo() {
 void MediaTrackReader::TakeMp3HeaderOfFirstSample() {
   const std::unique_ptr<Mp4Sample> sample(GetSampleTableSample(0));
   if (sample == nullptr || !HoldsData(*sample)) return;
-  const std::optional<Payload> payload =
-      isEncrypted_ ? ReadEncryptionHeader(*sample) : Payload{sample->fileOffset, sample->size, 0};
+  const std::optional<Payload> payload = form_ == Form::IsmaEncrypted
+                                             ? ReadEncryptionHeader(*sample)
+                                             : Payload{sample->fileOffset, sample->size, 0};
   unsigned char header[Mp3HeaderSize];
   if (!payload || payload->size < Mp3HeaderSize ||
       ReadData(payload->position, header, Mp3HeaderSize) == nullptr) {

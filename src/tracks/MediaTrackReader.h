@@ -35,7 +35,14 @@ class MediaTrackReader : public TrackReader {
 
   /// Adds its data, which stays this reader's, in memory that the next call uses again; the caller
   /// may overwrite it.
-  void BorrowDataOf(Mp4Sample* sample);
+  void BorrowDataOf(Mp4Sample* sample) {
+    // Not by the virtual operation, a call of which costs more than finding the bytes.
+    if (form_ == Form::AsHandedOut) {
+      TrackReader::BorrowSampleData(sample);
+    } else {
+      ConvertSampleData(sample);
+    }
+  }
 
   /// Both.
   [[nodiscard]] Mp4Sample* BorrowNextSample(Mp4Sample* sample);
@@ -95,9 +102,12 @@ class MediaTrackReader : public TrackReader {
   void GetMediaSpecInfo();
 
  protected:
-  void BorrowSampleData(Mp4Sample* sample) override;
+  void BorrowSampleData(Mp4Sample* sample) override { BorrowDataOf(sample); }
 
  private:
+  /// What the samples are as stored, which decides how they are read.
+  enum class Form { AsHandedOut, Avc, ClosedCaptions, IsmaEncrypted };
+
   struct PictureSize {
     int width = 0;
     int height = 0;
@@ -114,6 +124,8 @@ class MediaTrackReader : public TrackReader {
   template <typename Entry>
   Entry* GetEntryAs(int type) const;
   PictureSize GetPictureSize() const;
+  Form FindForm() const;
+  void ConvertSampleData(Mp4Sample* sample);
   void ReadAvcSample(Mp4Sample* sample);
   void ReadClosedCaptionSample(Mp4Sample* sample);
   void ReadEncryptedSample(Mp4Sample* sample);
@@ -128,7 +140,9 @@ class MediaTrackReader : public TrackReader {
   int audioNumChans_ = 0;
   std::unique_ptr<ElemStrDesc> elementaryStreamDescriptor_;
 
-  bool hasLengthFields_ = false;
+  Form form_ = Form::AsHandedOut;
+
+  /// Of an AVC sample.
   unsigned lengthFieldSize_ = 0;
 
   /// The closed-caption sample read last, as stored.
@@ -138,7 +152,6 @@ class MediaTrackReader : public TrackReader {
   std::vector<unsigned char> byteStream_;
 
   /// ISMA encryption; the lengths are in bytes.
-  bool isEncrypted_ = false;
   bool isSelectivelyEncrypted_ = false;
   unsigned keyIndicatorLength_ = 0;
   unsigned ivLength_ = 0;

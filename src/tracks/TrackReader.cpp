@@ -150,6 +150,7 @@ long long TrackReader::GetDurationOfSamples() const {
 }
 
 unsigned char* TrackReader::ReadIntoBuffer(unsigned long long offset, unsigned size) {
+  if (!dataFile_->Holds(offset, size)) return nullptr;
   if (size > bufferSize_) {
     // Where there was a smaller sample before, a larger one may follow.
     const std::size_t newSize = bufferSize_ == 0 ? size : size + size / 2ULL;

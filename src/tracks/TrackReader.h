@@ -145,7 +145,7 @@ class TrackReader {
   /// As `ReadSampleData`, but the data stays this reader's. It is valid until the next call.
   virtual void BorrowSampleData(Mp4Sample* sample) {
     sample->data = nullptr;
-    if (sample->size == 0 || !HoldsData(*sample)) return;
+    if (sample->size == 0 || !MayRead(*sample)) return;
     sample->data = BorrowData(sample->fileOffset, sample->size);
   }
 

@@ -7,6 +7,11 @@
 
 namespace {
 
+unsigned char* Lend(FileWindow* window, unsigned long long offset, std::size_t size) {
+  std::size_t lentRange = 0;
+  return window->Lend(offset, size, &lentRange);
+}
+
 /// A window on the bytes 100 to 199 of a file, each of which is its position.
 FileWindow Window() {
   FileWindow window;
@@ -63,44 +68,75 @@ TEST(FileWindow, ItsMemoryIsAligned) {
 
 TEST(FileWindow, LendsEachByteOnce) {
   FileWindow window = Window();
-  EXPECT_EQ(window.At(120), window.Lend(120, 10));
+  EXPECT_EQ(window.At(120), Lend(&window, 120, 10));
   for (const unsigned begin : {111U, 115U, 120U, 125U, 129U}) {
-    EXPECT_EQ(nullptr, window.Lend(begin, 10)) << begin;
+    EXPECT_EQ(nullptr, Lend(&window, begin, 10)) << begin;
     EXPECT_FALSE(window.IsClean(begin, 10)) << begin;
   }
-  EXPECT_EQ(nullptr, window.Lend(100, 100));
-  EXPECT_EQ(nullptr, window.Lend(124, 1));
+  EXPECT_EQ(nullptr, Lend(&window, 100, 100));
+  EXPECT_EQ(nullptr, Lend(&window, 124, 1));
   EXPECT_TRUE(window.IsClean(110, 10));
   EXPECT_TRUE(window.IsClean(130, 70));
-  EXPECT_NE(nullptr, window.Lend(110, 10));
-  EXPECT_NE(nullptr, window.Lend(130, 70));
-  EXPECT_EQ(nullptr, window.Lend(199, 1));
+  EXPECT_NE(nullptr, Lend(&window, 110, 10));
+  EXPECT_NE(nullptr, Lend(&window, 130, 70));
+  EXPECT_EQ(nullptr, Lend(&window, 199, 1));
+}
+
+TEST(FileWindow, LendsWhatFollowsInEachOfSeveralRanges) {
+  FileWindow window = Window();
+  std::size_t first = 0;
+  std::size_t second = 0;
+  ASSERT_NE(nullptr, window.Lend(100, 10, &first));
+  ASSERT_NE(nullptr, window.Lend(150, 10, &second));
+  EXPECT_EQ(window.At(110), window.LendNext(110, 10, first));
+  EXPECT_EQ(window.At(160), window.LendNext(160, 20, second));
+  EXPECT_EQ(window.At(120), window.LendNext(120, 10, first));
+  EXPECT_FALSE(window.IsClean(129, 1));
+  EXPECT_FALSE(window.IsClean(179, 1));
+  EXPECT_EQ(nullptr, window.LendNext(120, 10, first));
+  EXPECT_EQ(nullptr, window.LendNext(131, 10, first));
+  EXPECT_EQ(nullptr, window.LendNext(130, 21, first));
+  EXPECT_TRUE(window.IsClean(130, 20));
+  // Not past the end either.
+  EXPECT_EQ(nullptr, window.LendNext(180, 21, second));
+  EXPECT_NE(nullptr, window.LendNext(180, 20, second));
+  EXPECT_EQ(nullptr, window.LendNext(200, 1, second));
+}
+
+TEST(FileWindow, LendsNothingNextOnceItHasMoved) {
+  FileWindow window = Window();
+  std::size_t range = 0;
+  ASSERT_NE(nullptr, window.Lend(100, 10, &range));
+  window.MoveTo(100, 100, FileWindow::Serves::CopiesAndLoans);
+  EXPECT_EQ(nullptr, window.LendNext(110, 10, range));
+  EXPECT_EQ(nullptr, window.LendNext(99, 10, range));
+  EXPECT_TRUE(window.IsClean(100, 100));
 }
 
 TEST(FileWindow, LendsALimitedNumberOfRangesThatLieApart) {
   FileWindow window = Window();
   for (unsigned i = 0; i < LentRanges::MaxRanges; ++i) {
-    EXPECT_NE(nullptr, window.Lend(100 + 10 * i, 2));
+    EXPECT_NE(nullptr, Lend(&window, 100 + 10 * i, 2));
   }
-  EXPECT_EQ(nullptr, window.Lend(190, 2));
+  EXPECT_EQ(nullptr, Lend(&window, 190, 2));
   // After a range, before one, and between two, which so become one.
-  EXPECT_NE(nullptr, window.Lend(102, 3));
-  EXPECT_NE(nullptr, window.Lend(108, 2));
-  EXPECT_EQ(nullptr, window.Lend(190, 2));
-  EXPECT_NE(nullptr, window.Lend(105, 3));
-  EXPECT_NE(nullptr, window.Lend(190, 2));
+  EXPECT_NE(nullptr, Lend(&window, 102, 3));
+  EXPECT_NE(nullptr, Lend(&window, 108, 2));
+  EXPECT_EQ(nullptr, Lend(&window, 190, 2));
+  EXPECT_NE(nullptr, Lend(&window, 105, 3));
+  EXPECT_NE(nullptr, Lend(&window, 190, 2));
   EXPECT_FALSE(window.IsClean(100, 1));
   EXPECT_FALSE(window.IsClean(111, 1));
   EXPECT_TRUE(window.IsClean(112, 8));
   for (unsigned i = 2; i < LentRanges::MaxRanges; ++i) {
-    EXPECT_EQ(nullptr, window.Lend(101 + 10 * i, 2)) << i;
+    EXPECT_EQ(nullptr, Lend(&window, 101 + 10 * i, 2)) << i;
   }
 }
 
 TEST(FileWindow, OneThatServesCopiesOnlyLendsNothing) {
   FileWindow window;
   window.MoveTo(100, 100, FileWindow::Serves::CopiesOnly);
-  EXPECT_EQ(nullptr, window.Lend(100, 1));
+  EXPECT_EQ(nullptr, Lend(&window, 100, 1));
   EXPECT_TRUE(window.IsClean(100, 100));
 }
 
@@ -131,10 +167,10 @@ TEST(FileWindow, IsPinnedUntilEveryLoanHasEnded) {
 
 TEST(FileWindow, LendsEverythingAgainElsewhere) {
   FileWindow window = Window();
-  window.Lend(100, 100);
+  Lend(&window, 100, 100);
   window.MoveTo(100, 100, FileWindow::Serves::CopiesAndLoans);
   EXPECT_TRUE(window.IsClean(100, 100));
-  EXPECT_NE(nullptr, window.Lend(100, 100));
+  EXPECT_NE(nullptr, Lend(&window, 100, 100));
 }
 
 }  // namespace

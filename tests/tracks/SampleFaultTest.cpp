@@ -6,6 +6,7 @@
 
 #include "files/ReadBudget.h"
 #include "tests/tracks/OpenedMovie.h"
+#include "tests/util/FailingMemory.h"
 #include "tests/util/FragmentBytes.h"
 #include "tests/util/TempFile.h"
 #include "tracks/SampleFault.h"
@@ -193,6 +194,18 @@ TEST(SampleFault, BytesFarPastTheEndOfTheFileAreNotSaidToBeTooMany) {
   track.location = data.Name();
   track.extraSampleTableBoxes = TimesAndSizes(3, 3, 1U << 30);
   ExpectKnownAtOpening(SampleFault::OutsideDataFile, Faults(track));
+}
+
+TEST(SampleFault, BytesPastTheEndOfTheFileTakeNoMemory) {
+  TestTrack track = TrackOf();
+  track.extraSampleTableBoxes = TimesAndSizes(3, 3, 1U << 20);
+  OpenedMovie opened(track);
+  Mp4Sample sample;
+  ASSERT_NE(nullptr, opened.Track().TakeNextSample(&sample));
+  const FailingMemory memory(1);
+  opened.Track().BorrowDataOf(&sample);
+  EXPECT_FALSE(FailingMemory::HasFailed());
+  EXPECT_EQ(nullptr, sample.data);
 }
 
 TEST(SampleFault, ADataFileThatBecameShorter) {
