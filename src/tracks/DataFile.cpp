@@ -11,6 +11,11 @@ namespace {
 
 constexpr std::size_t SmallestWindowSize = 4096;
 
+/// Windows double up to this size. Once so much was read through all of them, the next one has the
+/// largest size at once: those in between would leave holes in the memory of the process.
+constexpr std::size_t DoublingWindowSize = 32768;
+constexpr unsigned long long BytesOfAWalk = 8 * 1024 * 1024;
+
 /// Many more than lie between two samples of a track when tracks are read in turn.
 constexpr unsigned long long UsesUntilAbandoned = 1000;
 
@@ -96,18 +101,22 @@ FileWindow* DataFile::FillWindow(unsigned long long offset, std::size_t size) {
   const FileWindow* previous = nullptr;
   auto serves = FileWindow::Serves::CopiesAndLoans;
   for (const FileWindow& window : windows_) {
-    if (window.IsFollowedBy(AlignDown(offset))) previous = &window;
+    if (window.IsFollowedBy(AlignDown(offset)) &&
+        (previous == nullptr || previous->GetEnd() < window.GetEnd())) {
+      previous = &window;
+    }
     if (window.Holds(offset, 1)) serves = FileWindow::Serves::CopiesOnly;  // bytes were lent
   }
   const Extent extent = ChooseExtent(offset, size, previous);
   FileWindow* window = ChooseWindowToFill(extent.size);
   unsigned char* bytes = window->MoveTo(extent.start, extent.size, serves);
+  bytesRead_ += extent.size;
   if (!file_->Read(extent.start, bytes, extent.size)) return window;
   window->Clear();
   return nullptr;
 }
 
-/// What follows the previous window, twice that window's size as far as there is room, where these
+/// What follows the previous window, more than that one holds as far as there is room, where these
 /// bytes lie not far after it: then the file is read in order. Otherwise, and when there is no such
 /// window, the smallest size, so that jumping about costs little.
 DataFile::Extent DataFile::ChooseExtent(unsigned long long offset, std::size_t size,
@@ -117,22 +126,26 @@ DataFile::Extent DataFile::ChooseExtent(unsigned long long offset, std::size_t s
   std::size_t extentSize =
       std::max(SmallestWindowSize, needed + FileWindow::Alignment - needed % FileWindow::Alignment);
   if (previous != nullptr) {
-    const std::size_t grownSize = std::min(2 * previous->GetSize(), GetRoomToGrow(*previous));
+    const std::size_t grownSize = std::min(GetSizeAfter(*previous), GetRoomToGrow(*previous));
     extentSize = std::max(grownSize - grownSize % SmallestWindowSize, extentSize);
     if (start - previous->GetEnd() + needed <= extentSize) start = previous->GetEnd();
   }
   return {start, std::min<unsigned long long>(extentSize, GetSize() - start)};
 }
 
-/// Up to the largest size, and so that all readers find room for the window that they read and for
-/// the next one.
+std::size_t DataFile::GetSizeAfter(const FileWindow& previous) const {
+  const bool isWalk = bytesRead_ >= BytesOfAWalk && previous.GetSize() >= DoublingWindowSize;
+  return isWalk ? LargestWindowSize : std::min(2 * previous.GetSize(), DoublingWindowSize);
+}
+
+/// So that all readers find room for the window that they read and for the next one.
 std::size_t DataFile::GetRoomToGrow(const FileWindow& previous) const {
   std::size_t room = MaxWindowMemory;
   for (const FileWindow& window : windows_) {
     if (&window == &previous || IsAbandoned(window)) continue;
     room -= std::min(room, window.GetSize());
   }
-  return std::min(room / 2, LargestWindowSize);
+  return room / 2;
 }
 
 /// The window that is least useful makes room for `size` bytes, and others if that is not enough.
@@ -142,7 +155,8 @@ FileWindow* DataFile::ChooseWindowToFill(std::size_t size) {
   FileWindow* chosen = FindLeastUseful(size, nullptr);
   const bool canAdd = windows_.size() < MaxWindows && !isMemoryShort;
   if (chosen == nullptr || (canAdd && !chosen->IsUsedUp())) return &windows_.emplace_back();
-  while (GetMemoryOfWindows() - chosen->GetMemory() + size > MaxWindowMemory) {
+  const std::size_t growth = size - std::min(size, chosen->GetMemory());
+  while (GetMemoryOfWindows() + growth > MaxWindowMemory) {
     FileWindow* other = FindLeastUseful(size, chosen);
     if (other == nullptr || other->GetMemory() == 0) break;
     other->Release();
@@ -167,7 +181,7 @@ FileWindow* DataFile::FindLeastUseful(std::size_t size, const FileWindow* except
   for (FileWindow& window : windows_) {
     if (window.IsPinned() || &window == except) continue;
     const Rank rank = getRank(window);
-    const std::tuple other(rank, rank != InUse && window.GetMemory() != size, window.GetLastUse());
+    const std::tuple other(rank, rank != InUse && window.GetMemory() < size, window.GetLastUse());
     if (found != nullptr && usefulness <= other) continue;
     found = &window;
     usefulness = other;

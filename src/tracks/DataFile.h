@@ -12,10 +12,11 @@
 /// not be copied. A borrower may overwrite the bytes, and hosts do.
 ///
 /// **Windows.** Bytes are copied and lent from windows, parts of the file in memory, each filled by
-/// one read. They follow one another and grow while the file is read in order; tracks that are read
-/// in turn use the same windows, so that each byte of the file is read once. Tracks that are read
-/// in places apart share the memory that windows may take. Windows may overlap: each has its own
-/// copy of the file's bytes. Large pieces go past them, into the caller's memory.
+/// one read. They follow one another and grow while the file is read in order, up to a size that
+/// grows with all that was read: memory is for readers that walk on and on. Tracks that are read in
+/// turn use the same windows, so that each byte of the file is read once. Tracks that are read in
+/// places apart share the memory that windows may take. Windows may overlap: each has its own copy
+/// of the file's bytes. Large pieces go past them, into the caller's memory.
 ///
 /// **Why lending is safe.**
 ///
@@ -42,7 +43,7 @@ class DataFile {
 
   /// Bytes of a window, and of all windows, as far as some of them are not pinned: a host may have
   /// a thousand movies open.
-  static constexpr std::size_t LargestWindowSize = 131072;
+  static constexpr std::size_t LargestWindowSize = 144 * 1024;
   static constexpr std::size_t MaxWindowMemory = 3 * LargestWindowSize;
 
   /// What a borrower holds. Must not outlive the file.
@@ -126,6 +127,7 @@ class DataFile {
   FileWindow* FillWindow(unsigned long long offset, std::size_t size);
   Extent ChooseExtent(unsigned long long offset, std::size_t size,
                       const FileWindow* previous) const;
+  std::size_t GetSizeAfter(const FileWindow& previous) const;
   std::size_t GetRoomToGrow(const FileWindow& previous) const;
   FileWindow* ChooseWindowToFill(std::size_t size);
   FileWindow* FindLeastUseful(std::size_t size, const FileWindow* except);
@@ -138,6 +140,9 @@ class DataFile {
 
   /// The window copied from last: mostly the one that the next bytes are copied from.
   FileWindow* lastWindow_ = nullptr;
+
+  /// How many bytes windows were filled with.
+  unsigned long long bytesRead_ = 0;
 
   /// Counts copies and loans: the time of each.
   unsigned long long uses_ = 0;

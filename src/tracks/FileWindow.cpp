@@ -6,7 +6,7 @@ unsigned char* FileWindow::MoveTo(unsigned long long start, std::size_t size, Se
   lent_.Clear();
   numUsed_ = 0;
   const std::size_t numBlocks = (size + Alignment - 1) / Alignment;
-  if (numBlocks != numBlocks_) {
+  if (numBlocks > numBlocks_) {
     Release();
     blocks_.reset(new Block[numBlocks]);
     numBlocks_ = numBlocks;

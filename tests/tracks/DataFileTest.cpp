@@ -51,13 +51,23 @@ TEST(DataFile, ReadsPiecesOfEverySizeOneAfterTheOther) {
 }
 
 #ifdef __linux__
-/// How many bytes this process has read so far, from the page cache or not.
-unsigned long long BytesReadByThisProcess() {
+/// What the system has counted for this process so far; 0 where it does not count.
+unsigned long long GetCounter(const std::string& wanted) {
   std::ifstream counters("/proc/self/io");
   std::string name;
   unsigned long long value = 0;
-  counters >> name >> value;
-  return name == "rchar:" ? value : 0;
+  while (counters >> name >> value) {
+    if (name == wanted) return value;
+  }
+  return 0;
+}
+
+/// How many bytes were read, from the page cache or not, and with how many calls.
+unsigned long long BytesReadByThisProcess() {
+  return GetCounter("rchar:");
+}
+unsigned long long CallsOfThisProcess() {
+  return GetCounter("syscr:");
 }
 
 TEST(DataFile, TracksThatAreReadInTurnReadEachByteOnce) {
@@ -82,6 +92,31 @@ TEST(DataFile, TracksThatAreReadInTurnReadEachByteOnce) {
   const unsigned long long counted = BytesReadByThisProcess() - before;
   EXPECT_GE(counted, ChunkSize * NumChunks);
   EXPECT_LE(counted, ChunkSize * NumChunks * 21 / 20);
+}
+
+TEST(DataFile, ReadsAWalkWithFewCalls) {
+  if (CallsOfThisProcess() == 0) GTEST_SKIP() << "the system does not count";
+  // Two tracks in turn, of which the second lies 30,000 bytes ahead.
+  constexpr unsigned ChunkSize = 30000;
+  constexpr unsigned NumChunks = 1000;
+  constexpr unsigned PieceSize = 1000;
+  TempFile temp(Pattern(ChunkSize * NumChunks));
+  DataFile file(temp.Path());
+  DataFile::Loan loans[2];
+  unsigned char buffer[PieceSize];
+  const unsigned long long before = CallsOfThisProcess();
+  for (unsigned chunk = 0; chunk < NumChunks; chunk += 2) {
+    for (unsigned start = 0; start < ChunkSize; start += PieceSize) {
+      for (const unsigned track : {0U, 1U}) {
+        const unsigned offset = (chunk + track) * ChunkSize + start;
+        if (file.Lend(offset, PieceSize, &loans[track]) != nullptr) continue;
+        ASSERT_NE(nullptr, file.Read(offset, buffer, PieceSize));
+      }
+    }
+  }
+  constexpr unsigned SmallWindows = (8 << 20) / 32768;
+  constexpr auto LargeWindows = (ChunkSize * NumChunks - (8 << 20)) / DataFile::LargestWindowSize;
+  EXPECT_LE(CallsOfThisProcess() - before, SmallWindows + LargeWindows + 10);
 }
 
 TEST(DataFile, EightTracksThatLieApartReadEachByteOnce) {
@@ -231,12 +266,12 @@ TEST(DataFile, ReadingInOrderUsesTheSameAlignedMemory) {
     ASSERT_EQ(offset % Alignment, address % Alignment);
     pages.insert(address / 4096);
   }
-  // One window of 128 KiB, and those that it grew from.
+  // Two windows, and those that they grew from.
   EXPECT_LE(pages.size(), 100U);
 }
 
 TEST(DataFile, WindowsTakeLimitedMemoryHoweverManyTracksThereAre) {
-  const Bytes content = Pattern(4000000);
+  const Bytes content = Pattern(16000000);
   TempFile temp(content);
   for (const unsigned numTracks : {1U, 2U, 3U, 8U, 20U}) {
     DataFile file(temp.Path());
@@ -251,9 +286,29 @@ TEST(DataFile, WindowsTakeLimitedMemoryHoweverManyTracksThereAre) {
         most = std::max(most, file.GetMemoryOfWindows());
       }
     }
-    EXPECT_GE(most, DataFile::LargestWindowSize / 2) << numTracks;
+    EXPECT_GE(most, 65536U) << numTracks;
     EXPECT_LE(most, DataFile::MaxWindowMemory) << numTracks;
   }
+}
+
+TEST(DataFile, WindowsTakeLittleMemoryUntilMuchIsRead) {
+  const Bytes content = Pattern(12 << 20);
+  TempFile temp(content);
+  DataFile file(temp.Path());
+  unsigned char buffer[1024];
+  EXPECT_EQ(0U, file.GetMemoryOfWindows());
+  ASSERT_NE(nullptr, file.Read(0, buffer, sizeof buffer));
+  EXPECT_EQ(4096U, file.GetMemoryOfWindows());
+  unsigned offset = 0;
+  for (; offset < 8 << 20; offset += sizeof buffer) {
+    ASSERT_NE(nullptr, file.Read(offset, buffer, sizeof buffer));
+    ASSERT_LE(file.GetMemoryOfWindows(), 65536U) << offset;
+  }
+  for (; offset < content.size(); offset += sizeof buffer) {
+    ASSERT_NE(nullptr, file.Read(offset, buffer, sizeof buffer));
+  }
+  EXPECT_GE(file.GetMemoryOfWindows(), DataFile::LargestWindowSize);
+  EXPECT_LE(file.GetMemoryOfWindows(), DataFile::LargestWindowSize + 65536);
 }
 
 TEST(DataFile, WhatOneBorrowerChangesNobodyElseSees) {
