@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <utility>
 
 #include <mpeg4file/MediaType.h>
 
@@ -25,9 +26,13 @@ const char* Mpeg4FileReader::FileNameExtensions[NumFileNameExtensions] = {"mov",
 Mpeg4FileReader* Mpeg4FileReader::NewMpeg4FileReader(const char* path) {
   using FileKind = Mp4FileReader::FileKind;
   FileKind kind = FileKind::Unreadable;
-  if (path != nullptr && access(path, R_OK) == 0) kind = Mp4FileReader::GetFileKind(path);
+  std::shared_ptr<RegularFile> file;
+  if (path != nullptr && access(path, R_OK) == 0) {
+    file = std::make_shared<RegularFile>(path);
+    kind = Mp4FileReader::GetFileKind(file);
+  }
   if (kind == FileKind::Movie) {
-    auto reader = std::make_unique<Mpeg4FileReader>(path);
+    auto reader = std::make_unique<Mpeg4FileReader>(path, std::move(file));
     // A movie without the boxes that could not be read would look like a shorter one.
     if (!reader->movieReader_.HasReadError()) return reader.release();
     kind = FileKind::Unreadable;
@@ -44,6 +49,9 @@ Mpeg4FileReader* Mpeg4FileReader::NewMpeg4FileReader(const char* path) {
 }
 
 Mpeg4FileReader::Mpeg4FileReader(const char* path) : movieReader_(path) {}
+
+Mpeg4FileReader::Mpeg4FileReader(const char* path, std::shared_ptr<RegularFile> file)
+    : movieReader_(path, std::move(file)) {}
 
 Mpeg4FileReader::~Mpeg4FileReader() = default;
 

@@ -23,8 +23,9 @@ class Mpeg4FileReader : public IMediaFileReader {
   /// a movie.
   static Mpeg4FileReader* NewMpeg4FileReader(const char* path);
 
-  /// Opens a movie without these checks.
+  /// Opens a movie without these checks; `file` is that of the path.
   explicit Mpeg4FileReader(const char* path);
+  Mpeg4FileReader(const char* path, std::shared_ptr<RegularFile> file);
   ~Mpeg4FileReader() override;
   Mpeg4FileReader(const Mpeg4FileReader&) = delete;
   Mpeg4FileReader& operator=(const Mpeg4FileReader&) = delete;

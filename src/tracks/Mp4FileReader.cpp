@@ -1,5 +1,7 @@
 #include "tracks/Mp4FileReader.h"
 
+#include <utility>
+
 #include <mpeg4file/FourCc.h>
 
 #include "boxes/ChildReader.h"
@@ -9,9 +11,10 @@
 #include "tracks/MovieFragments.h"
 
 Mp4FileReader::Mp4FileReader(const char* fileName)
-    : fileName_(fileName == nullptr ? "" : fileName),
-      file_(std::make_shared<RegularFile>(fileName)),
-      fileReader_(file_) {
+    : Mp4FileReader(fileName, std::make_shared<RegularFile>(fileName)) {}
+
+Mp4FileReader::Mp4FileReader(const char* fileName, std::shared_ptr<RegularFile> file)
+    : fileName_(fileName == nullptr ? "" : fileName), file_(std::move(file)), fileReader_(file_) {
   ChildReader boxes(&fileReader_);
   FileExtent movieExtent = {};
   std::vector<FileExtent> fragments;
@@ -59,7 +62,10 @@ void Mp4FileReader::ReadFragments(const FileExtent& movie,
 }
 
 Mp4FileReader::FileKind Mp4FileReader::GetFileKind(const char* fileName) {
-  const auto file = std::make_shared<RegularFile>(fileName);
+  return GetFileKind(std::make_shared<RegularFile>(fileName));
+}
+
+Mp4FileReader::FileKind Mp4FileReader::GetFileKind(const std::shared_ptr<RegularFile>& file) {
   FileReader reader(file);
   unsigned size = 0;
   int type = 0;

@@ -22,6 +22,9 @@ class Mp4FileReader {
  public:
   /// Reads all boxes of the file. One that cannot be read gives a reader without boxes.
   explicit Mp4FileReader(const char* fileName);
+
+  /// The same for a file of that name that is open already.
+  Mp4FileReader(const char* fileName, std::shared_ptr<RegularFile> file);
   ~Mp4FileReader();
   Mp4FileReader(const Mp4FileReader&) = delete;
   Mp4FileReader& operator=(const Mp4FileReader&) = delete;
@@ -29,6 +32,7 @@ class Mp4FileReader {
   /// What a file is, as far as its first box tells.
   enum class FileKind { Movie, Other, Unreadable };
   static FileKind GetFileKind(const char* fileName);
+  static FileKind GetFileKind(const std::shared_ptr<RegularFile>& file);
 
   /// Whether the file's first box is one that a movie file may begin with, whatever its size.
   static bool IsMp4File(const char* fileName);

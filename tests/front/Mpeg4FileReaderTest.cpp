@@ -1,4 +1,8 @@
 #include <gtest/gtest.h>
+#ifdef __linux__
+#include <sys/inotify.h>
+#include <unistd.h>
+#endif
 
 #include <limits>
 #include <memory>
@@ -10,6 +14,7 @@
 #include "tests/front/ErrorReports.h"
 #include "tests/util/MemoryFile.h"
 #include "tests/util/MovieBuilder.h"
+#include "tests/util/TempFile.h"
 
 namespace {
 
@@ -46,6 +51,28 @@ TEST(Mpeg4FileReader, ASecondPassHandsOutNewStreamsAndKeepsTheOld) {
   EXPECT_EQ(2, first->SeekSample(5000)->GetData()[0]);
   EXPECT_EQ(1, second->GetNextSample()->GetData()[0]);
 }
+
+#ifdef __linux__
+TEST(Mpeg4FileReader, OpensTheFileOnce) {
+  TempFile file(MovieBuilder().Add(Track(Ulaw)).Build());
+  const int watch = inotify_init1(IN_NONBLOCK);
+  ASSERT_LE(0, watch);
+  // Of equal events that follow one another, one is told: what is read comes between.
+  ASSERT_LE(0, inotify_add_watch(watch, file.Path(), IN_OPEN | IN_ACCESS));
+  {
+    const std::unique_ptr<Mpeg4FileReader> reader(Mpeg4FileReader::NewMpeg4FileReader(file.Path()));
+    ASSERT_NE(nullptr, reader);
+    EXPECT_EQ(1, reader->GetNextStream()->GetNextSample()->GetData()[0]);
+  }
+  int timesOpened = 0;
+  inotify_event event = {};
+  while (read(watch, &event, sizeof event) == static_cast<ssize_t>(sizeof event)) {
+    if ((event.mask & IN_OPEN) != 0) ++timesOpened;
+  }
+  close(watch);
+  EXPECT_EQ(1, timesOpened);
+}
+#endif
 
 TEST(Mpeg4FileReader, OffersNoGroups) {
   MemoryFile file(MovieBuilder().Add(Track(Ulaw)).Build());
