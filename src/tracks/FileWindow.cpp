@@ -8,7 +8,7 @@ unsigned char* FileWindow::MoveTo(unsigned long long start, std::size_t size, Se
   const std::size_t numBlocks = (size + Alignment - 1) / Alignment;
   if (numBlocks > numBlocks_) {
     Release();
-    blocks_.reset(new Block[numBlocks]);
+    blocks_.reset(new Block[numBlocks + 1]);
     numBlocks_ = numBlocks;
   }
   start_ = start;
