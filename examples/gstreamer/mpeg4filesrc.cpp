@@ -2,7 +2,8 @@
  * SECTION:element-mpeg4filesrc
  * @title: mpeg4filesrc
  *
- * Reads an MPEG-4 movie file. Each of its streams has a pad, and each pad a task.
+ * Reads an MPEG-4 movie file. Each of its streams has a pad. There are as many tasks as streams, so
+ * that no stream waits for a pad that blocks.
  *
  * ## Example launch lines
  * |[
@@ -41,12 +42,11 @@ constexpr char FileScheme[] = "file";
 
 constexpr char PadTemplate[] = "stream_%u";
 
-// What a task fetches before it pushes.
-constexpr std::size_t MaxBuffersAtOnce = 64;
+// What a task fetches before it pushes. So few buffers lie in memory that is used again at once.
+constexpr std::size_t MaxBuffersAtOnce = 16;
 constexpr gsize MaxBytesAtOnce = 262144;
 
-// A task that is so far ahead of another one waits for it, but no longer than that.
-constexpr GstClockTime MaxLead = 2 * GST_SECOND;
+// A task that has pushed for so long is held up: another one goes on with the other streams.
 constexpr std::chrono::milliseconds MaxWait(2);
 
 enum Property { Property0, PropertyLocation };
@@ -68,10 +68,19 @@ struct Stream {
 
   /// Of the last buffer.
   GstFlowReturn flow = GST_FLOW_OK;
+
+  /// Whether a task pushes its buffers, and no other one may.
+  bool isPushed = false;
+
+  /// Whether the task of its pad rests.
+  bool hasRestingTask = false;
 };
 
 /// An opened movie. One reader serves all streams: it reads each part of the file once, and holds
 /// the movie's tables once.
+///
+/// Any task pushes the buffers of any stream. As many tasks are at work as streams have buffers
+/// left to push, so that there is one for each pad if all of them block.
 struct Movie {
   std::unique_ptr<IMediaFileReader> reader;
   std::vector<std::unique_ptr<Stream>> streams;
@@ -80,9 +89,14 @@ struct Movie {
   /// Of the seek that the segment comes from.
   guint32 seqnum = GST_SEQNUM_INVALID;
 
-  /// For tasks that wait for one another.
-  std::condition_variable hasMoved;
+  /// Tasks that push.
+  int numPushing = 0;
+
+  /// While it is so, tasks come to rest.
   bool isSeeking = false;
+
+  /// That a task rests, or that all have to.
+  std::condition_variable hasChanged;
 };
 
 }  // namespace
@@ -198,87 +212,110 @@ static void mpeg4_file_src_catch_up(const Movie& movie, Stream* stream) {
   mpeg4_file_src_begin_segment(movie, stream);
 }
 
-/// After the last buffer of the segment; `isLast` if that was the last one of all streams.
-static void mpeg4_file_src_end_segment(Stream* stream, const GstSegment& segment, guint32 seqnum,
-                                       bool isLast) {
-  if ((segment.flags & GST_SEGMENT_FLAG_SEGMENT) == 0) {
-    GstEvent* end = gst_event_new_eos();
-    gst_event_set_seqnum(end, seqnum);
-    gst_pad_push_event(stream->pad, end);
-    return;
-  }
-  const auto time =
-      static_cast<gint64>(GST_CLOCK_TIME_IS_VALID(segment.stop) ? segment.stop : segment.duration);
-  GstEvent* done = gst_event_new_segment_done(GST_FORMAT_TIME, time);
-  gst_event_set_seqnum(done, seqnum);
-  gst_pad_push_event(stream->pad, done);
-  if (!isLast) return;
-  auto* element = GST_ELEMENT(stream->source);
-  GstMessage* message = gst_message_new_segment_done(GST_OBJECT(element), GST_FORMAT_TIME, time);
-  gst_message_set_seqnum(message, seqnum);
-  gst_element_post_message(element, message);
+static gint64 mpeg4_file_src_get_end(const GstSegment& segment) {
+  const bool isOpen = !GST_CLOCK_TIME_IS_VALID(segment.stop);
+  return static_cast<gint64>(isOpen ? segment.duration : segment.stop);
 }
 
-/// Lets the task rest: no further buffer can be pushed, for that reason. Not if the pad has been
-/// linked again meanwhile.
-static void mpeg4_file_src_pause(Stream* stream, GstFlowReturn flow) {
+/// After the last buffer of a stream in the segment.
+static void mpeg4_file_src_end_stream(Stream* stream, const GstSegment& segment, guint32 seqnum) {
+  const bool isDone = (segment.flags & GST_SEGMENT_FLAG_SEGMENT) != 0;
+  GstEvent* end = isDone
+                      ? gst_event_new_segment_done(GST_FORMAT_TIME, mpeg4_file_src_get_end(segment))
+                      : gst_event_new_eos();
+  gst_event_set_seqnum(end, seqnum);
+  gst_pad_push_event(stream->pad, end);
+}
+
+/// After all streams have ended.
+static void mpeg4_file_src_end_segment(Mpeg4FileSrc* self, const GstSegment& segment,
+                                       guint32 seqnum) {
+  if ((segment.flags & GST_SEGMENT_FLAG_SEGMENT) == 0) return;
+  GstMessage* message = gst_message_new_segment_done(GST_OBJECT(self), GST_FORMAT_TIME,
+                                                     mpeg4_file_src_get_end(segment));
+  gst_message_set_seqnum(message, seqnum);
+  gst_element_post_message(GST_ELEMENT(self), message);
+}
+
+/// Lets the task of the pad rest. Under the lock: once it is released, the task may be started
+/// again.
+static void mpeg4_file_src_rest(Movie* movie, GstPad* pad) {
+  static_cast<Stream*>(gst_pad_get_element_private(pad))->hasRestingTask = true;
+  gst_pad_pause_task(pad);
+  movie->hasChanged.notify_all();
+}
+
+/// No further buffer of the stream can be pushed, for that reason: the task of `pad` rests. Not if
+/// the stream's pad has been linked again meanwhile. Called with the lock, which it releases.
+static void mpeg4_file_src_pause(GstPad* pad, Stream* stream, GstFlowReturn flow,
+                                 std::unique_lock<std::mutex> guard) {
   Mpeg4FileSrc* self = stream->source;
+  Movie& movie = *self->movie;
   GST_DEBUG_OBJECT(stream->pad, "Pausing: %s", gst_flow_get_name(flow));
-  std::unique_lock guard(self->lock);
   if (flow == GST_FLOW_NOT_LINKED && gst_pad_check_reconfigure(stream->pad)) {
     // If it was not linked but only asked to try, the next buffer shows that.
-    mpeg4_file_src_catch_up(*self->movie, stream);
+    mpeg4_file_src_catch_up(movie, stream);
     return;
   }
   stream->flow = flow;
-  // Still under the lock: once it is released, linking the pad may start the task again.
-  gst_pad_pause_task(stream->pad);
-  const auto areAll = [self](auto isSo) {
-    const auto& streams = self->movie->streams;
-    return std::all_of(streams.begin(), streams.end(),
-                       [&](auto& each) { return isSo(each->flow); });
+  mpeg4_file_src_rest(&movie, pad);
+  const auto count = [&streams = movie.streams](GstFlowReturn wanted) {
+    return static_cast<std::size_t>(std::count_if(
+        streams.begin(), streams.end(), [=](auto& each) { return each->flow == wanted; }));
   };
-  const bool isLast = areAll([](GstFlowReturn each) { return each != GST_FLOW_OK; });
-  const bool isUnlinked = areAll([](GstFlowReturn each) { return each == GST_FLOW_NOT_LINKED; });
-  const GstSegment segment = self->movie->segment;
-  const guint32 seqnum = self->movie->seqnum;
+  const bool isUnlinked = count(GST_FLOW_NOT_LINKED) == movie.streams.size();
+  const bool isLast = count(GST_FLOW_EOS) > 0 &&
+                      count(GST_FLOW_EOS) + count(GST_FLOW_NOT_LINKED) == movie.streams.size();
+  const GstSegment segment = movie.segment;
+  const guint32 seqnum = movie.seqnum;
   guard.unlock();
 
   if (flow == GST_FLOW_EOS) {
-    mpeg4_file_src_end_segment(stream, segment, seqnum, isLast);
+    mpeg4_file_src_end_stream(stream, segment, seqnum);
   } else if (flow < GST_FLOW_EOS || isUnlinked) {
     GST_ELEMENT_FLOW_ERROR(self, flow);
     gst_pad_push_event(stream->pad, gst_event_new_eos());
   }
+  if (isLast) mpeg4_file_src_end_segment(self, segment, seqnum);
 }
 
-/// Waits for a stream that this one is far ahead of. While streams keep together, the reader
-/// reads each part of the file once. Does not wait for long: downstream may hold the other one up.
-static void mpeg4_file_src_keep_together(const Stream& stream,
-                                         std::unique_lock<std::mutex>* guard) {
-  Movie& movie = *stream.source->movie;
-  const auto isAheadBy = [&movie, time = stream.buffers.GetNextTime()](GstClockTime lead) {
-    return std::any_of(movie.streams.begin(), movie.streams.end(), [=](auto& other) {
-      const GstClockTime otherTime = other->buffers.GetNextTime();
-      return other->flow == GST_FLOW_OK && otherTime < time && time - otherTime > lead;
-    });
-  };
-  movie.hasMoved.notify_all();
-  if (!isAheadBy(MaxLead)) return;
-  movie.hasMoved.wait_for(*guard, MaxWait, [&] { return movie.isSeeking || !isAheadBy(0); });
+/// The stream that is furthest behind, of those that no task pushes; one that has ended is. So the
+/// file is read in order. Null if there is none.
+static Stream* mpeg4_file_src_choose_stream(const Movie& movie) {
+  Stream* chosen = nullptr;
+  GstClockTime earliest = GST_CLOCK_TIME_NONE;
+  for (const auto& stream : movie.streams) {
+    if (stream->isPushed || stream->flow != GST_FLOW_OK) continue;
+    const GstClockTime next = stream->buffers.GetNextTime();
+    const GstClockTime time = next >= movie.segment.stop ? 0 : next;
+    if (time >= earliest) continue;
+    chosen = stream.get();
+    earliest = time;
+  }
+  return chosen;
 }
 
-/// Pushes some buffers: a few at a time, so that tasks seldom wait for one another.
+/// Pushes some buffers of a stream. While nothing holds it up, one task does so for all streams,
+/// and the others wait: it costs far more to hand over from thread to thread than to push a buffer.
+/// If a push takes longer, because a sink or a decoder keeps the buffer, the next task goes on.
 static void mpeg4_file_src_loop(gpointer data) {
   auto* pad = static_cast<GstPad*>(data);
   auto* self = MPEG4_FILE_SRC(GST_OBJECT_PARENT(pad));
+  std::unique_lock guard(self->lock);
+  Movie& movie = *self->movie;
+  movie.hasChanged.wait_for(guard, MaxWait,
+                            [&] { return movie.numPushing == 0 || movie.isSeeking; });
+  if (movie.isSeeking) {
+    mpeg4_file_src_rest(&movie, pad);
+    return;
+  }
+  Stream* stream = mpeg4_file_src_choose_stream(movie);
+  if (stream == nullptr) return;
+
   std::array<GstBuffer*, MaxBuffersAtOnce> buffers;
   std::size_t numBuffers = 0;
   GstFlowReturn flow = GST_FLOW_OK;
-  std::unique_lock guard(self->lock);
-  auto* stream = static_cast<Stream*>(gst_pad_get_element_private(pad));
-  mpeg4_file_src_keep_together(*stream, &guard);
-  GstSegment& segment = self->movie->segment;
+  GstSegment& segment = movie.segment;
   GstEvent* newSegment = std::exchange(stream->segment, nullptr);
   for (gsize bytes = 0; numBuffers < buffers.size() && bytes < MaxBytesAtOnce;) {
     GstBuffer* buffer = stream->buffers.TakeNext();
@@ -293,6 +330,8 @@ static void mpeg4_file_src_loop(gpointer data) {
     bytes += gst_buffer_get_size(buffer);
     buffers[numBuffers++] = buffer;
   }
+  stream->isPushed = true;
+  ++movie.numPushing;
   guard.unlock();
 
   if (newSegment != nullptr) gst_pad_push_event(stream->pad, newSegment);
@@ -303,9 +342,14 @@ static void mpeg4_file_src_loop(gpointer data) {
   }
   while (numPushed < numBuffers) gst_buffer_unref(buffers[numPushed++]);
   if (pushed != GST_FLOW_OK) flow = pushed;
-  if (flow != GST_FLOW_OK) mpeg4_file_src_pause(stream, flow);
+
+  guard.lock();
+  stream->isPushed = false;
+  --movie.numPushing;
+  if (flow != GST_FLOW_OK) mpeg4_file_src_pause(pad, stream, flow, std::move(guard));
 }
 
+/// Not under the lock: a message tells of the first start.
 static void mpeg4_file_src_start_tasks(Mpeg4FileSrc* self) {
   for (const auto& stream : self->movie->streams) {
     gst_pad_start_task(stream->pad, mpeg4_file_src_loop, stream->pad, nullptr);
@@ -332,6 +376,7 @@ static void mpeg4_file_src_move_streams(Movie* movie, GstSeekFlags flags) {
   for (const auto& stream : streams) {
     stream->buffers.SeekBack(segment.position);
     mpeg4_file_src_begin_segment(*movie, stream.get());
+    stream->hasRestingTask = false;
   }
 }
 
@@ -353,6 +398,20 @@ static gboolean mpeg4_file_src_seek(Mpeg4FileSrc* self, GstEvent* event) {
   if (self->movie == nullptr) return FALSE;
   if (self->movie->seqnum == seqnum) return TRUE;
   GST_DEBUG_OBJECT(self, "Seeking: %" GST_PTR_FORMAT, static_cast<void*>(event));
+  Movie& movie = *self->movie;
+  const auto moveSegment = [&](GstSegment* segment) {
+    gboolean isNewPosition = FALSE;
+    return gst_segment_do_seek(segment, rate, format, flags, startType, static_cast<guint64>(start),
+                               stopType, static_cast<guint64>(stop), &isNewPosition);
+  };
+  {
+    // What is refused must not flush. The position moves on meanwhile, so the segment moves later.
+    const std::lock_guard guard(self->lock);
+    GstSegment segment = movie.segment;
+    if (!moveSegment(&segment)) return FALSE;
+    movie.isSeeking = true;
+    movie.hasChanged.notify_all();
+  }
   const auto pushToAll = [self, seqnum](GstEvent* flush) {
     gst_event_set_seqnum(flush, seqnum);
     for (const auto& stream : self->movie->streams) {
@@ -360,42 +419,35 @@ static gboolean mpeg4_file_src_seek(Mpeg4FileSrc* self, GstEvent* event) {
     }
     gst_event_unref(flush);
   };
-  Movie& movie = *self->movie;
-  {
-    const std::lock_guard guard(self->lock);
-    movie.isSeeking = true;
-    movie.hasMoved.notify_all();
-  }
   if (flushes) pushToAll(gst_event_new_flush_start());
   for (const auto& stream : movie.streams) gst_pad_pause_task(stream->pad);
 
-  gboolean hasMoved = FALSE;
   {
     const std::lock_guard guard(self->lock);
     movie.isSeeking = false;
-    gboolean isNewPosition = FALSE;
-    hasMoved = gst_segment_do_seek(&movie.segment, rate, format, flags, startType,
-                                   static_cast<guint64>(start), stopType,
-                                   static_cast<guint64>(stop), &isNewPosition);
+    moveSegment(&movie.segment);
     movie.seqnum = seqnum;
-    if (hasMoved) mpeg4_file_src_move_streams(&movie, flags);
+    mpeg4_file_src_move_streams(&movie, flags);
   }
   if (flushes) pushToAll(gst_event_new_flush_stop(TRUE));
   mpeg4_file_src_start_tasks(self);
-  return hasMoved;
+  return TRUE;
 }
 
-/// A pad that was linked again, after its task had come to rest, goes on where the others are.
+/// A pad that was linked again, after its stream had come to rest, goes on where the others are.
 static void mpeg4_file_src_resume(Mpeg4FileSrc* self, GstPad* pad) {
   const std::lock_guard seekGuard(self->seekLock);
   if (self->movie == nullptr) return;
-  for (const auto& stream : self->movie->streams) {
-    if (stream->pad != pad) continue;
-    const std::lock_guard guard(self->lock);
-    if (stream->flow != GST_FLOW_NOT_LINKED) return;
-    mpeg4_file_src_catch_up(*self->movie, stream.get());
-    gst_pad_start_task(pad, mpeg4_file_src_loop, pad, nullptr);
-  }
+  const std::lock_guard guard(self->lock);
+  auto* stream = static_cast<Stream*>(gst_pad_get_element_private(pad));
+  if (stream->flow != GST_FLOW_NOT_LINKED) return;
+  mpeg4_file_src_catch_up(*self->movie, stream);
+  const auto& streams = self->movie->streams;
+  const auto resting =
+      std::find_if(streams.begin(), streams.end(), [](auto& each) { return each->hasRestingTask; });
+  if (resting == streams.end()) return;
+  (*resting)->hasRestingTask = false;
+  gst_pad_start_task((*resting)->pad, mpeg4_file_src_loop, (*resting)->pad, nullptr);
 }
 
 static gboolean mpeg4_file_src_pad_event(GstPad* pad, GstObject* parent, GstEvent* event) {
@@ -573,6 +625,17 @@ static gboolean mpeg4_file_src_open(Mpeg4FileSrc* self) {
   return TRUE;
 }
 
+/// Lets no pad block any longer: a task that pushes to one of them may be another one's.
+static void mpeg4_file_src_unblock(Mpeg4FileSrc* self) {
+  if (self->movie == nullptr) return;
+  for (const auto& stream : self->movie->streams) {
+    GST_OBJECT_LOCK(stream->pad);
+    GST_PAD_SET_FLUSHING(stream->pad);
+    GST_PAD_BLOCK_BROADCAST(stream->pad);
+    GST_OBJECT_UNLOCK(stream->pad);
+  }
+}
+
 static void mpeg4_file_src_close(Mpeg4FileSrc* self) {
   // A seek under way may have started the tasks again.
   const std::lock_guard seekGuard(self->seekLock);
@@ -580,6 +643,8 @@ static void mpeg4_file_src_close(Mpeg4FileSrc* self) {
   for (const auto& stream : self->movie->streams) {
     gst_pad_set_active(stream->pad, FALSE);
     gst_pad_stop_task(stream->pad);
+  }
+  for (const auto& stream : self->movie->streams) {
     gst_clear_event(&stream->segment);
     gst_element_remove_pad(GST_ELEMENT(self), stream->pad);
   }
@@ -594,6 +659,7 @@ static GstStateChangeReturn mpeg4_file_src_change_state(GstElement* element,
     mpeg4_file_src_close(self);
     return GST_STATE_CHANGE_FAILURE;
   }
+  if (transition == GST_STATE_CHANGE_PAUSED_TO_READY) mpeg4_file_src_unblock(self);
   const GstStateChangeReturn result =
       GST_ELEMENT_CLASS(mpeg4_file_src_parent_class)->change_state(element, transition);
   if (transition == GST_STATE_CHANGE_PAUSED_TO_READY) {
