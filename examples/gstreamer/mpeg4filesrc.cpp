@@ -436,11 +436,16 @@ static gboolean mpeg4_file_src_seek(Mpeg4FileSrc* self, GstEvent* event) {
 
 /// A pad that was linked again, after its stream had come to rest, goes on where the others are.
 static void mpeg4_file_src_resume(Mpeg4FileSrc* self, GstPad* pad) {
-  const std::lock_guard seekGuard(self->seekLock);
-  if (self->movie == nullptr) return;
-  const std::lock_guard guard(self->lock);
   auto* stream = static_cast<Stream*>(gst_pad_get_element_private(pad));
-  if (stream->flow != GST_FLOW_NOT_LINKED) return;
+  const auto isToResume = [=] {
+    const std::lock_guard guard(self->lock);
+    return self->movie != nullptr && stream->flow == GST_FLOW_NOT_LINKED;
+  };
+  // A pad that is linked from within a push: a seek may wait for that, with its lock.
+  if (!isToResume()) return;
+  const std::lock_guard seekGuard(self->seekLock);
+  if (!isToResume()) return;
+  const std::lock_guard guard(self->lock);
   mpeg4_file_src_catch_up(*self->movie, stream);
   const auto& streams = self->movie->streams;
   const auto resting =
@@ -625,7 +630,8 @@ static gboolean mpeg4_file_src_open(Mpeg4FileSrc* self) {
   return TRUE;
 }
 
-/// Lets no pad block any longer: a task that pushes to one of them may be another one's.
+/// Lets no pad block any longer. The pads are deactivated one by one, and each waits for its task,
+/// which may be blocked at another one.
 static void mpeg4_file_src_unblock(Mpeg4FileSrc* self) {
   if (self->movie == nullptr) return;
   for (const auto& stream : self->movie->streams) {

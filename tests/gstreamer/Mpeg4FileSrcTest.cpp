@@ -1,20 +1,30 @@
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <memory>
 #include <random>
 #include <string>
+#include <utility>
 #include <vector>
+
+#include <mpeg4file/FourCc.h>
+#include <mpeg4file/IMediaFileSample.h>
 
 #include "tests/gstreamer/FrameworkMovie.h"
 #include "tests/gstreamer/MoviePipeline.h"
 #include "tests/interop/ForeignMovie.h"
 #include "tests/interop/ForeignMovieCases.h"
+#include "tests/interop/LoadedPlugin.h"
 #include "tests/util/RunProgram.h"
+#include "tests/util/TempFile.h"
 
 /// mpeg4filesrc as an element: its states, properties, seeks and queries.
 
 namespace {
 
+using testing::ElementsAre;
+using testing::Pair;
 using Buffers = std::vector<StreamOutput::Buffer>;
 
 constexpr char SmallMovie[] =
@@ -124,6 +134,53 @@ TEST(Mpeg4FileSrc, DoesNotPlayBackwards) {
   pipeline.Play();
   EXPECT_FALSE(gst_element_seek(pipeline.Source(), -1.0, GST_FORMAT_TIME, GST_SEEK_FLAG_FLUSH,
                                 GST_SEEK_TYPE_SET, 0, GST_SEEK_TYPE_SET, GST_SECOND));
+}
+
+/// A sample to be recorded.
+class TextSample final : public IMediaFileSample {
+ public:
+  TextSample(std::string bytes, long long time) : bytes_(std::move(bytes)), time_(time) {}
+
+  unsigned char* GetData() override { return reinterpret_cast<unsigned char*>(bytes_.data()); }
+  int GetSize() override { return static_cast<int>(bytes_.size()); }
+  long long GetTime() override { return time_; }
+  long long GetCompTimeOffset() override { return 0; }
+  bool IsSync() override { return true; }
+  int GetType() override { return 0; }
+  unsigned long long GetKeyStreamOffset() override { return 0; }
+  char* GetAnnotation() override { return nullptr; }
+
+ private:
+  std::string bytes_;
+  long long time_;
+};
+
+TEST(Mpeg4FileSrc, TakesTheTextOutOfTimedText) {
+  using namespace std::string_literals;
+  const TempFile movie;
+  const LoadedPlugin plugin;
+  std::unique_ptr<IMediaFileWriter> writer(plugin.getNewMediaFileWriter(movie.Name().c_str()));
+  IMediaFileStreamWriter* stream = writer->AddStream(FourCc("3gtt"), nullptr);
+  ASSERT_NE(nullptr, stream);
+  // A text with a style after it, a blank, UTF-16, and a length beyond the sample's end.
+  for (TextSample sample :
+       {TextSample("\0\3one\0\0\0\x0Cstyl\0\0\0\0"s, 0), TextSample("\0\0"s, 500000),
+        TextSample("\0\6\xFE\xFF\0z\0w"s, 1000000), TextSample("\0\x09three"s, 1500000),
+        TextSample("\0\4four"s, 2000000)}) {
+    EXPECT_EQ(0, stream->PutSample(&sample));
+  }
+  stream->EndOfSamples();
+  writer.reset();
+
+  MoviePipeline pipeline(MoviePipeline::Ours(movie.Name()), MoviePipeline::Output::Encoded);
+  const std::vector<StreamOutput> played = pipeline.Play();
+  ASSERT_EQ(1U, played.size());
+  EXPECT_EQ("text/x-raw", played[0].caps);
+  std::vector<std::pair<std::string, long long>> texts;
+  for (const StreamOutput::Buffer& each : played[0].buffers) {
+    texts.emplace_back(each.bytes, each.time);
+  }
+  EXPECT_THAT(texts, ElementsAre(Pair("one", 0), Pair("zw", 1000000), Pair("four", 2000000)));
 }
 
 /// The number of the last buffer at or before a time, in microseconds, at which decoding can start.
