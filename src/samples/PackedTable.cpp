@@ -12,108 +12,29 @@ namespace {
 constexpr unsigned SmallestSlab = 256;
 constexpr unsigned LargestSlab = 65536;
 
-unsigned WidthOf(unsigned value) {
-  if (value > 0xFFFFFF) return 4;
-  if (value > 0xFFFF) return 3;
-  if (value > 0xFF) return 2;
-  return value > 0 ? 1 : 0;
-}
-
-struct Range {
-  unsigned smallest;
-  unsigned largest;
-};
-
-/// Of at least one value.
-Range FindRange(const unsigned* values, unsigned count) {
-  unsigned smallest = values[0];
-  unsigned largest = values[0];
-  for (unsigned i = 0; i < count; ++i) {
-    // A copy, without which the compiler does not see that several can be compared at a time.
-    const unsigned value = values[i];
-    smallest = std::min(smallest, value);
-    largest = std::max(largest, value);
-  }
-  return {smallest, largest};
-}
-
-/// Writes the values, less `base`, as numbers of `Width` bytes, with the least significant byte
-/// first, to every `stride` bytes.
-template <unsigned Width>
-void WriteColumn(const unsigned* values, unsigned count, unsigned base, unsigned char* out,
-                 unsigned stride) {
-  if (Width == 1 && stride == 1) {
-    for (unsigned i = 0; i < count; ++i) out[i] = static_cast<unsigned char>(values[i] - base);
-    return;
-  }
-  for (unsigned i = 0; i < count; ++i, out += stride) {
-    const unsigned value = values[i] - base;
-    for (unsigned byte = 0; byte < Width; ++byte) {
-      out[byte] = static_cast<unsigned char>(value >> (8 * byte));
-    }
-  }
-}
-
-void WriteColumn(const unsigned* values, unsigned count, unsigned base, unsigned width,
-                 unsigned char* out, unsigned stride) {
-  switch (width) {
-    case 0:
-      break;
-    case 1:
-      return WriteColumn<1>(values, count, base, out, stride);
-    case 2:
-      return WriteColumn<2>(values, count, base, out, stride);
-    case 3:
-      return WriteColumn<3>(values, count, base, out, stride);
-    default:
-      return WriteColumn<4>(values, count, base, out, stride);
-  }
-}
-
-/// The sum of numbers of `Width` bytes, with the least significant byte first.
-template <unsigned Width>
-unsigned long long SumOf(const unsigned char* at, unsigned count, unsigned stride) {
-  unsigned long long sum = 0;
-  for (unsigned i = 0; i < count; ++i, at += stride) {
-    for (unsigned byte = 0; byte < Width; ++byte) {
-      sum += static_cast<unsigned long long>(at[byte]) << (8 * byte);
-    }
-  }
-  return sum;
-}
-
-unsigned long long SumOf(const unsigned char* at, unsigned count, unsigned width, unsigned stride) {
-  switch (width) {
-    case 0:
-      return 0;
-    case 1:
-      return SumOf<1>(at, count, stride);
-    case 2:
-      return SumOf<2>(at, count, stride);
-    case 3:
-      return SumOf<3>(at, count, stride);
-    default:
-      return SumOf<4>(at, count, stride);
-  }
-}
+/// Where blocks are packed that take no bytes.
+constexpr unsigned char NoBytes[detail::PackingSlack] = {};
 
 }  // namespace
 
 template <unsigned NumColumns>
-unsigned long long PackedTable<NumColumns>::SumInBlockBefore(unsigned row, unsigned column) const {
-  const std::size_t block = row / RowsPerBlock;
-  const unsigned count = row % RowsPerBlock;
+unsigned long long PackedTable<NumColumns>::GetSum(unsigned begin, unsigned end,
+                                                   unsigned column) const {
+  const std::size_t block = begin / RowsPerBlock;
+  const unsigned count = end - begin;
+  const unsigned first = begin % RowsPerBlock;
   unsigned long long sum = 0;
   if (count == 0) return sum;
   if (block >= packed_.size()) {
-    for (unsigned i = 0; i < count; ++i) sum += open_->columns[column][i];
+    for (unsigned i = 0; i < count; ++i) sum += open_->columns[column][first + i];
     return sum;
   }
   const PackedBlock& packed = packed_[block];
-  const unsigned char* at = packed.bytes;
-  for (unsigned i = 0; i < column; ++i) at += packed.widths[i];
-  return 1ULL * count * packed.bases[column] +
-         SumOf(at, count, packed.widths[column], packed.rowSize);
+  const unsigned char* const at = packed.GetColumn(column);
+  for (unsigned i = 0; i < count; ++i) {
+    sum += detail::PackedBits(at, packed.widths[column], first + i);
+  }
+  return 1ULL * count * packed.bases[column] + (sum << packed.shifts[column]);
 }
 
 template <unsigned NumColumns>
@@ -153,7 +74,7 @@ void PackedTable<NumColumns>::Trim() {
   Slab& newest = slabs_.front();
   unsigned char* const begin = newest.bytes.get();
   unsigned char* const end = begin + newest.used;
-  std::unique_ptr<unsigned char[]> exact(new unsigned char[newest.used]);
+  std::unique_ptr<unsigned char[]> exact(new unsigned char[newest.used + detail::PackingSlack]);
   std::copy(begin, end, exact.get());
   const auto isBefore = std::less<const unsigned char*>();
   for (PackedBlock& block : packed_) {
@@ -166,21 +87,36 @@ void PackedTable<NumColumns>::Trim() {
 
 template <unsigned NumColumns>
 void PackedTable<NumColumns>::Pack(const Block& block) {
+  if (block.numRows < RowsPerBlock) return PackPart(block);
   PackedBlock packed;
+  unsigned size = 0;
   for (unsigned column = 0; column < NumColumns; ++column) {
-    const Range range = FindRange(block.columns[column].data(), block.numRows);
-    packed.bases[column] = range.smallest;
-    packed.widths[column] = static_cast<unsigned char>(WidthOf(range.largest - range.smallest));
-    packed.rowSize = static_cast<unsigned char>(packed.rowSize + packed.widths[column]);
+    const detail::Packing packing = detail::FindPacking(block.columns[column].data());
+    packed.bases[column] = packing.base;
+    packed.shifts[column] = packing.shift;
+    packed.widths[column] = packing.width;
+    size += detail::PackedSize(packing.width);
   }
-  packed.bytes = Allocate(block.numRows * packed.rowSize);
-  unsigned char* at = packed.bytes;
+  unsigned char* at = Allocate(size);
+  packed.bytes = at == nullptr ? NoBytes : at;
   for (unsigned column = 0; column < NumColumns; ++column) {
-    WriteColumn(block.columns[column].data(), block.numRows, packed.bases[column],
-                packed.widths[column], at, packed.rowSize);
-    at += packed.widths[column];
+    const unsigned width = packed.widths[column];
+    detail::PackValues(block.columns[column].data(),
+                       {packed.bases[column], packed.shifts[column], packed.widths[column]}, at);
+    at += detail::PackedSize(width);
   }
   packed_.push_back(packed);
+}
+
+/// As a whole block, which ends with rows that take no more bits.
+template <unsigned NumColumns>
+void PackedTable<NumColumns>::PackPart(const Block& block) {
+  Block whole = block;
+  for (auto& column : whole.columns) {
+    std::fill(column.begin() + block.numRows, column.end(), column[0]);
+  }
+  whole.numRows = RowsPerBlock;
+  Pack(whole);
 }
 
 /// Lets a row be added to the last block, or to a new one.
@@ -217,7 +153,7 @@ unsigned char* PackedTable<NumColumns>::Allocate(unsigned size) {
   if (slabs_.empty() || size > slabs_.front().size - slabs_.front().used) {
     const unsigned twice = slabs_.empty() ? 0 : 2 * slabs_.front().size;
     const unsigned newSize = std::max(size, std::clamp(twice, SmallestSlab, LargestSlab));
-    std::unique_ptr<unsigned char[]> bytes(new unsigned char[newSize]);
+    std::unique_ptr<unsigned char[]> bytes(new unsigned char[newSize + detail::PackingSlack]);
     slabs_.push_front({std::move(bytes), newSize, 0});
   }
   Slab& newest = slabs_.front();

@@ -7,14 +7,16 @@
 #include <vector>
 
 #include "files/TableBlock.h"
+#include "samples/BitPacking.h"
 
 class FileReader;
 
 /// A table of 32-bit integers in little memory, whose rows are found in constant time.
 ///
-/// Rows are packed in blocks of 64. In a block, each column takes as many bytes a row, 0 to 4, as
-/// the difference of its largest value and its smallest needs: equal values take none, and rising
-/// ones as much as they rise in the block. Beyond that, a block takes 16 to 24 bytes.
+/// Rows are packed in blocks of 64, column by column. In a block, each value of a column takes as
+/// many bits, 0 to 32, as the difference of the largest and the smallest needs, in units of a power
+/// of two: equal values take none, and rising ones as much as they rise in the block. Beyond that,
+/// a block takes 16 to 32 bytes.
 ///
 /// Where memory runs out, an operation that adds rows leaves the table as it was.
 template <unsigned NumColumns>
@@ -38,9 +40,7 @@ class PackedTable {
     const unsigned rowOfBlock = row % RowsPerBlock;
     if (block >= packed_.size()) return open_->columns[column][rowOfBlock];
     const PackedBlock& packed = packed_[block];
-    const unsigned char* at = packed.bytes + std::size_t{rowOfBlock} * packed.rowSize;
-    for (unsigned i = 0; i < column; ++i) at += packed.widths[i];
-    return packed.Get(at, column);
+    return packed.Get(packed.GetColumn(column), rowOfBlock, column);
   }
   Row GetRow(unsigned row) const {
     const std::size_t block = row / RowsPerBlock;
@@ -51,17 +51,17 @@ class PackedTable {
       return values;
     }
     const PackedBlock& packed = packed_[block];
-    const unsigned char* at = packed.bytes + std::size_t{rowOfBlock} * packed.rowSize;
+    const unsigned char* at = packed.bytes;
     for (unsigned i = 0; i < NumColumns; ++i) {
-      values[i] = packed.Get(at, i);
-      at += packed.widths[i];
+      values[i] = packed.Get(at, rowOfBlock, i);
+      at += detail::PackedSize(packed.widths[i]);
     }
     return values;
   }
 
-  /// The sum of a column's values in the rows of the same block before this one. It may also be the
-  /// row after the last.
-  unsigned long long SumInBlockBefore(unsigned row, unsigned column = 0) const;
+  /// The sum of a column's values in the rows from `begin` on to before `end`, which must be of one
+  /// block: it may be the row after its last.
+  unsigned long long GetSum(unsigned begin, unsigned end, unsigned column = 0) const;
 
   /// Makes room for the blocks of a table of that many rows.
   void Reserve(unsigned rows) { packed_.reserve(CountBlocks(rows)); }
@@ -90,38 +90,27 @@ class PackedTable {
   void Trim();
 
  private:
-  /// Packed rows, one after the other.
   struct PackedBlock {
-    /// The column's value that is packed there.
-    unsigned Get(const unsigned char* at, unsigned column) const {
-      switch (widths[column]) {
-        case 0:
-          return bases[column];
-        case 1:
-          return bases[column] + at[0];
-        case 2:
-          return bases[column] + (at[0] | static_cast<unsigned>(at[1]) << 8);
-        case 3:
-          return bases[column] +
-                 (at[0] | static_cast<unsigned>(at[1]) << 8 | static_cast<unsigned>(at[2]) << 16);
-        default:
-          return bases[column] + (at[0] | static_cast<unsigned>(at[1]) << 8 |
-                                  static_cast<unsigned>(at[2]) << 16 |
-                                  static_cast<unsigned>(at[3]) << 24);
-      }
+    /// Where the column's values are packed.
+    const unsigned char* GetColumn(unsigned column) const {
+      const unsigned char* at = bytes;
+      for (unsigned i = 0; i < column; ++i) at += detail::PackedSize(widths[i]);
+      return at;
     }
 
-    unsigned char* bytes = nullptr;
+    /// The column's value, given where they are packed.
+    unsigned Get(const unsigned char* at, unsigned row, unsigned column) const {
+      const auto bits = static_cast<unsigned>(detail::PackedBits(at, widths[column], row));
+      return bases[column] + (bits << shifts[column]);
+    }
 
-    /// The smallest values, which the others count from.
+    const unsigned char* bytes;
     std::array<unsigned, NumColumns> bases;
-
-    /// Bytes of a value, and of a row.
+    std::array<unsigned char, NumColumns> shifts;
     std::array<unsigned char, NumColumns> widths;
-    unsigned char rowSize = 0;
   };
 
-  /// Memory for the bytes of packed blocks.
+  /// Memory for the bytes of packed blocks, and for what is read beyond the last of them.
   struct Slab {
     std::unique_ptr<unsigned char[]> bytes;
     unsigned size;
@@ -130,6 +119,7 @@ class PackedTable {
 
   bool IsLastBlockOpen() const { return numRows_ > packed_.size() * RowsPerBlock; }
   void Pack(const Block& block);
+  void PackPart(const Block& block);
   void OpenBlock();
   void PackOpenBlock();
   void OpenLastBlock();

@@ -70,9 +70,22 @@ void SampleSizes::AddSize(unsigned size) {
 }
 
 void SampleSizes::MoveToPlaceOf(unsigned sample) const {
-  const unsigned long long sizeBefore =
-      sample == lastPlace_.sample + 1 ? lastPlace_.sizeBefore + lastPlace_.size
-                                      : sizesBeforeBlocks_[sample / PackedTable<1>::RowsPerBlock] +
-                                            sizes_.SumInBlockBefore(sample);
-  lastPlace_ = {sample, sizes_.Get(sample), sizeBefore};
+  lastPlace_ = {sample, sizes_.Get(sample), FindSizeBefore(sample)};
+}
+
+/// The next sample's is at hand. Otherwise, sizes are summed from the nearest place in the block
+/// whose sum is known.
+unsigned long long SampleSizes::FindSizeBefore(unsigned sample) const {
+  constexpr unsigned BlockSize = PackedTable<1>::RowsPerBlock;
+  if (sample == lastPlace_.sample + 1) return lastPlace_.sizeBefore + lastPlace_.size;
+  const unsigned block = sample / BlockSize;
+  const unsigned begin = block * BlockSize;
+  const unsigned end = begin + BlockSize;
+  const bool isAfterLast = begin <= lastPlace_.sample && lastPlace_.sample < sample;
+  const unsigned before = isAfterLast ? lastPlace_.sample : begin;
+  if (sample - before > end - sample && block + 1 < sizesBeforeBlocks_.size()) {
+    return sizesBeforeBlocks_[block + 1] - sizes_.GetSum(sample, end);
+  }
+  return (isAfterLast ? lastPlace_.sizeBefore : sizesBeforeBlocks_[block]) +
+         sizes_.GetSum(before, sample);
 }

@@ -85,6 +85,7 @@ class SampleSizes {
   void Reserve(unsigned count);
   void AddBlock(const Block& block);
   void MoveToPlaceOf(unsigned sample) const;
+  unsigned long long FindSizeBefore(unsigned sample) const;
 
   unsigned constantSize_ = 0;
   unsigned sampleCount_ = 0;

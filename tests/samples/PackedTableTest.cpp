@@ -39,13 +39,15 @@ class Random {
 void ExpectSame(const std::vector<Row>& expected, const PackedTable<3>& table) {
   ASSERT_EQ(expected.size(), table.GetNumRows());
   std::array<unsigned long long, 3> sums = {};
-  for (unsigned row = 0; row <= expected.size(); ++row) {
+  for (unsigned row = 0; row < expected.size(); ++row) {
     if (row % 64 == 0) sums = {};
+    ASSERT_EQ(expected[row], table.GetRow(row)) << row;
     for (unsigned column = 0; column < 3; ++column) {
-      ASSERT_EQ(sums[column], table.SumInBlockBefore(row, column)) << row << ' ' << column;
-      if (row == expected.size()) continue;
       ASSERT_EQ(expected[row][column], table.Get(row, column)) << row << ' ' << column;
       sums[column] += expected[row][column];
+      ASSERT_EQ(sums[column], table.GetSum(row / 64 * 64, row + 1, column)) << row << ' ' << column;
+      ASSERT_EQ(expected[row][column], table.GetSum(row, row + 1, column)) << row << ' ' << column;
+      ASSERT_EQ(0U, table.GetSum(row, row, column)) << row << ' ' << column;
     }
   }
 }

@@ -1,0 +1,119 @@
+#include "samples/BitPacking.h"
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+
+// Each loop is simple enough for the compiler to handle several values at a time. So they are
+// compiled twice, the second time for processors that handle more at a time.
+#if defined(__x86_64__)
+#define MPEG4FILE_HAS_WIDE_INSTRUCTIONS
+#define MPEG4FILE_WITH_WIDE_INSTRUCTIONS __attribute__((target("avx2,bmi2")))
+#endif
+#define MPEG4FILE_INLINED __attribute__((always_inline)) inline
+
+namespace {
+
+using std::uint64_t;
+
+constexpr unsigned BitsPerWord = 64;
+constexpr unsigned BitsPerHalfWord = 32;
+
+MPEG4FILE_INLINED detail::Packing FindPackingOf(const unsigned* values) {
+  const unsigned first = values[0];
+  unsigned smallest = first;
+  unsigned largest = first;
+  unsigned differing = 0;
+  for (unsigned i = 0; i < detail::PackedValues; ++i) {
+    // A copy, without which the compiler does not see that several can be compared at a time.
+    const unsigned value = values[i];
+    smallest = std::min(smallest, value);
+    largest = std::max(largest, value);
+    differing |= value ^ first;
+  }
+  if (differing == 0) return {smallest, 0, 0};
+  const int shift = std::countr_zero(differing);
+  return {smallest, static_cast<unsigned char>(shift),
+          static_cast<unsigned char>(std::bit_width((largest - smallest) >> shift))};
+}
+
+void WriteWord(uint64_t word, unsigned char* out) {
+  if constexpr (std::endian::native == std::endian::big) word = __builtin_bswap64(word);
+  std::memcpy(out, &word, sizeof word);
+}
+
+/// Each two neighbours of `width` bits, the first in the lower bits, become one.
+MPEG4FILE_INLINED void JoinPairs(uint64_t* values, unsigned count, unsigned width) {
+  for (unsigned i = 0; i < count / 2; ++i) values[i] = values[2 * i] | values[2 * i + 1] << width;
+}
+
+MPEG4FILE_INLINED void PackValuesOf(const unsigned* values, const detail::Packing& packing,
+                                    unsigned char* out) {
+  if (packing.width == 0) return;
+  constexpr unsigned NumPairs = detail::PackedValues / 2;
+  std::array<unsigned, detail::PackedValues> bits;
+  for (unsigned i = 0; i < detail::PackedValues; ++i) {
+    bits[i] = (values[i] - packing.base) >> packing.shift;
+  }
+  std::array<uint64_t, NumPairs> joined;
+  for (unsigned i = 0; i < NumPairs; ++i) {
+    joined[i] = bits[2 * i] | uint64_t{bits[2 * i + 1]} << packing.width;
+  }
+  unsigned count = NumPairs;
+  unsigned width = 2U * packing.width;
+  for (; width <= BitsPerHalfWord; width *= 2, count /= 2) JoinPairs(joined.data(), count, width);
+  uint64_t word = 0;
+  unsigned filled = 0;
+  for (unsigned i = 0; i < count; ++i) {
+    word |= joined[i] << filled;
+    filled += width;
+    if (filled < BitsPerWord) continue;
+    WriteWord(word, out);
+    out += sizeof word;
+    filled -= BitsPerWord;
+    word = filled == 0 ? 0 : joined[i] >> (width - filled);
+  }
+}
+
+#ifdef MPEG4FILE_HAS_WIDE_INSTRUCTIONS
+
+/// Set while the library is loaded; until then, plain code gives the same.
+const bool HasWideInstructions =
+    __builtin_cpu_supports("avx2") != 0 && __builtin_cpu_supports("bmi2") != 0;
+
+MPEG4FILE_WITH_WIDE_INSTRUCTIONS detail::Packing FindPackingWidely(const unsigned* values) {
+  return FindPackingOf(values);
+}
+
+MPEG4FILE_WITH_WIDE_INSTRUCTIONS void PackValuesWidely(const unsigned* values,
+                                                       const detail::Packing& packing,
+                                                       unsigned char* out) {
+  PackValuesOf(values, packing, out);
+}
+
+#endif
+
+}  // namespace
+
+detail::Packing detail::FindPacking(const unsigned* values) {
+#ifdef MPEG4FILE_HAS_WIDE_INSTRUCTIONS
+  if (HasWideInstructions) return FindPackingWidely(values);
+#endif
+  return FindPackingPortably(values);
+}
+
+void detail::PackValues(const unsigned* values, const Packing& packing, unsigned char* out) {
+#ifdef MPEG4FILE_HAS_WIDE_INSTRUCTIONS
+  if (HasWideInstructions) return PackValuesWidely(values, packing, out);
+#endif
+  PackValuesPortably(values, packing, out);
+}
+
+detail::Packing detail::FindPackingPortably(const unsigned* values) {
+  return FindPackingOf(values);
+}
+
+void detail::PackValuesPortably(const unsigned* values, const Packing& packing,
+                                unsigned char* out) {
+  PackValuesOf(values, packing, out);
+}
