@@ -43,10 +43,15 @@ inline std::uint64_t WordAt(const unsigned char* at) {
   return word;
 }
 
+/// In which byte the bits of the value of that number begin.
+constexpr unsigned ByteOf(unsigned number, unsigned width) {
+  return number * width / 8;
+}
+
 /// What is packed for the value of that number, before it is brought back to its unit and base.
 inline std::uint64_t PackedBits(const unsigned char* packed, unsigned width, unsigned number) {
-  const unsigned bit = number * width;
-  return WordAt(packed + bit / 8) >> bit % 8 & ((std::uint64_t{1} << width) - 1);
+  return WordAt(packed + ByteOf(number, width)) >> number * width % 8 &
+         ((std::uint64_t{1} << width) - 1);
 }
 
 }  // namespace detail

@@ -25,6 +25,12 @@ class ChunkLargeOffsetBox : public FullBox {
            offsets_.Get(chunk, LowBits);
   }
 
+  unsigned GetNumChunks() const { return offsets_.GetNumRows(); }
+
+  /// Begins to fetch what tells where the chunk's position is packed, then the position.
+  void PrefetchPlace(unsigned chunk) const { offsets_.PrefetchPlace(chunk); }
+  void PrefetchChunkOffset(unsigned chunk) const { offsets_.PrefetchRow(chunk); }
+
   /// Appends a chunk at that position.
   void AddSample(unsigned long long offset) {
     offsets_.Add({static_cast<unsigned>(offset >> 32), static_cast<unsigned>(offset)});

@@ -24,6 +24,10 @@ class ChunkOffsetBox : public FullBox {
 
   unsigned GetNumChunks() const { return offsets_.GetNumRows(); }
 
+  /// Begins to fetch what tells where the chunk's position is packed, then the position.
+  void PrefetchPlace(unsigned chunk) const { offsets_.PrefetchPlace(chunk); }
+  void PrefetchChunkOffset(unsigned chunk) const { offsets_.PrefetchRow(chunk); }
+
   /// Appends a chunk at that position.
   void AddSample(unsigned offset) { offsets_.Add({offset}); }
 

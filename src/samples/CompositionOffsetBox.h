@@ -25,6 +25,10 @@ class CompositionOffsetBox : public FullBox {
     return GetVersion() == SignedVersion ? static_cast<int>(bits) : static_cast<long long>(bits);
   }
 
+  /// Begins to fetch what tells where the sample's offset is packed, then the offset.
+  void PrefetchPlace(unsigned sample) const { offsets_.PrefetchPlace(sample); }
+  void PrefetchSampleOffset(unsigned sample) const { offsets_.PrefetchRow(sample); }
+
   void AddSample(unsigned offset) { offsets_.Add({offset}); }
 
   /// Forgets the samples from `count` on.

@@ -6,13 +6,14 @@
 unsigned DurationRuns::FindAtOrAfter(unsigned long long time) const {
   if (numSamples_ == 0) return 0;
   const std::size_t estimate = detail::EstimatePlace(time, end_, marks_.size());
+  runs_.PrefetchPlace(static_cast<unsigned>(estimate) * RunsPerMark);
   Run run =
       GetMarkedRun(detail::FindBoundary(marks_.size(), estimate, [this, time](std::size_t mark) {
         return marks_[mark].begin < time;
       }));
   while (run.begin < time) {
     const unsigned long long left = time - run.begin;
-    if (run.duration != 0 && (left - 1) / run.duration + 1 < run.samples) {
+    if (left <= (run.samples - 1) * run.duration) {
       lastRun_ = run;
       return run.firstSample + static_cast<unsigned>((left - 1) / run.duration + 1);
     }

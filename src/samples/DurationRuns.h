@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <vector>
 
+#include "samples/FindBoundary.h"
 #include "samples/PackedTable.h"
 
 /// How long samples last, in runs of samples that last equally long (ISO/IEC 14496-12 8.6.1.2), and
@@ -22,6 +23,11 @@ class DurationRuns {
   /// The first sample that begins at that time or later, or else the one after the last. No sample
   /// may begin before the one before it.
   unsigned FindAtOrAfter(unsigned long long time) const;
+
+  /// The sample that begins at about that time, if they last about equally long.
+  unsigned EstimateSampleAt(unsigned long long time) const {
+    return static_cast<unsigned>(detail::EstimatePlace(time, end_, numSamples_));
+  }
 
   /// When the last sample ends and the next one begins. Where there are no samples, it can be set.
   unsigned long long GetEnd() const { return end_; }

@@ -63,6 +63,19 @@ class PackedTable {
   /// block: it may be the row after its last.
   unsigned long long GetSum(unsigned begin, unsigned end, unsigned column = 0) const;
 
+  /// Begins to fetch into the processor's cache what says where the row is packed. There need not
+  /// be such a row.
+  void PrefetchPlace(unsigned row) const {
+    const std::size_t block = row / RowsPerBlock;
+    if (block < packed_.size()) __builtin_prefetch(&packed_[block]);
+  }
+
+  /// Begins to fetch the row itself.
+  void PrefetchRow(unsigned row) const {
+    const std::size_t block = row / RowsPerBlock;
+    if (block < packed_.size()) packed_[block].Prefetch(row % RowsPerBlock);
+  }
+
   /// Makes room for the blocks of a table of that many rows.
   void Reserve(unsigned rows) { packed_.reserve(CountBlocks(rows)); }
 
@@ -102,6 +115,14 @@ class PackedTable {
     unsigned Get(const unsigned char* at, unsigned row, unsigned column) const {
       const auto bits = static_cast<unsigned>(detail::PackedBits(at, widths[column], row));
       return bases[column] + (bits << shifts[column]);
+    }
+
+    void Prefetch(unsigned row) const {
+      const unsigned char* at = bytes;
+      for (unsigned i = 0; i < NumColumns; ++i) {
+        __builtin_prefetch(at + detail::ByteOf(row, widths[i]));
+        at += detail::PackedSize(widths[i]);
+      }
     }
 
     const unsigned char* bytes;

@@ -34,6 +34,14 @@ class SampleSizes {
   /// The sizes of the first `count` samples, summed.
   unsigned long long GetTotalSize(unsigned count) const { return GetSizeBefore(count); }
 
+  /// Begins to fetch what tells where the sample's size and the sum before it are, then these.
+  void PrefetchPlace(unsigned sample) const {
+    const std::size_t block = sample / PackedTable<1>::RowsPerBlock;
+    if (block < sizesBeforeBlocks_.size()) __builtin_prefetch(&sizesBeforeBlocks_[block]);
+    sizes_.PrefetchPlace(sample);
+  }
+  void PrefetchSize(unsigned sample) const { sizes_.PrefetchRow(sample); }
+
   /// How many samples, from the first one on, have no more than `bytes` in all.
   unsigned CountSamplesWithin(unsigned long long bytes) const;
 

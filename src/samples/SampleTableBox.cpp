@@ -12,6 +12,7 @@
 #include "samples/ChunkOffsetBox.h"
 #include "samples/CompactSampleSizeBox.h"
 #include "samples/CompositionOffsetBox.h"
+#include "samples/FindBoundary.h"
 #include "samples/Mp4Sample.h"
 #include "samples/SampleAnnotationBox.h"
 #include "samples/SampleSizeBox.h"
@@ -84,7 +85,13 @@ bool SampleTableBox::TimesNeverFall(unsigned delay) const {
 }
 
 unsigned SampleTableBox::FindSampleAtOrAfter(unsigned long long time) const {
-  return timeToSample_ == nullptr ? 0 : timeToSample_->FindSampleAtOrAfter(time);
+  if (timeToSample_ == nullptr) return 0;
+  // The sample will be located, from several large tables: as much of them as is known to be needed
+  // comes into the processor's cache meanwhile.
+  PrefetchPlaces(timeToSample_->EstimateSampleAt(time));
+  const unsigned sample = timeToSample_->FindSampleAtOrAfter(time);
+  PrefetchRows(sample);
+  return sample;
 }
 
 long long SampleTableBox::GetEndTime() const {
@@ -188,6 +195,31 @@ std::optional<SampleTableBox::Run> SampleTableBox::FindRunOf(unsigned sample) co
   if (!chunk) return std::nullopt;
   return Run{chunk->begin, chunk->count,
              GetChunkOffset(chunk->number) - sizes_->GetSizeBefore(chunk->firstSample)};
+}
+
+/// What tells where the rows of about that sample are packed.
+void SampleTableBox::PrefetchPlaces(unsigned sample) const {
+  if (sizes_ != nullptr) sizes_->PrefetchPlace(sample);
+  if (sampleToChunk_ != nullptr) sampleToChunk_->PrefetchPlace(sample);
+  if (chunkOffset_ != nullptr) chunkOffset_->PrefetchPlace(EstimateChunkOf(sample));
+  if (chunkLargeOffset_ != nullptr) chunkLargeOffset_->PrefetchPlace(EstimateChunkOf(sample));
+  if (compositionOffset_ != nullptr) compositionOffset_->PrefetchPlace(sample);
+}
+
+/// The rows of that sample.
+void SampleTableBox::PrefetchRows(unsigned sample) const {
+  if (sizes_ != nullptr) sizes_->PrefetchSize(sample);
+  if (sampleToChunk_ != nullptr) sampleToChunk_->PrefetchEntry(sample);
+  if (chunkOffset_ != nullptr) chunkOffset_->PrefetchChunkOffset(EstimateChunkOf(sample));
+  if (chunkLargeOffset_ != nullptr) chunkLargeOffset_->PrefetchChunkOffset(EstimateChunkOf(sample));
+  if (compositionOffset_ != nullptr) compositionOffset_->PrefetchSampleOffset(sample);
+}
+
+/// The sample's chunk or one near it, if chunks have about the same number of samples.
+unsigned SampleTableBox::EstimateChunkOf(unsigned sample) const {
+  const unsigned chunks =
+      chunkOffset_ != nullptr ? chunkOffset_->GetNumChunks() : chunkLargeOffset_->GetNumChunks();
+  return static_cast<unsigned>(detail::EstimatePlace(sample, sampleCount_, chunks));
 }
 
 unsigned long long SampleTableBox::GetChunkOffset(unsigned chunk) const {

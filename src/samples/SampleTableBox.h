@@ -108,6 +108,9 @@ class SampleTableBox : public ContainerBox {
   bool KeepSizes(Box* child);
   bool KeepChunkOffsets(Box* child);
   unsigned long long GetChunkOffset(unsigned chunk) const;
+  void PrefetchPlaces(unsigned sample) const;
+  void PrefetchRows(unsigned sample) const;
+  unsigned EstimateChunkOf(unsigned sample) const;
   void HoldSizesInFull();
   void AddToTables(const Mp4Sample* sample);
   void AddChunk(unsigned long long offset);

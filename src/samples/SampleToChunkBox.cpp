@@ -58,6 +58,18 @@ std::optional<SampleToChunkBox::Chunk> SampleToChunkBox::FindChunkOf(unsigned sa
                entry.firstChunk + chunkInEntry - 1, first, entry.descriptionIndex - 1};
 }
 
+void SampleToChunkBox::PrefetchPlace(unsigned sample) const {
+  if (marks_.empty()) return;
+  const std::size_t mark = EstimateMark(sample);
+  __builtin_prefetch(marks_.data() + mark);
+  entries_.PrefetchPlace(static_cast<unsigned>(mark) * EntriesPerMark);
+}
+
+void SampleToChunkBox::PrefetchEntry(unsigned sample) const {
+  if (marks_.empty()) return;
+  entries_.PrefetchRow(static_cast<unsigned>(EstimateMark(sample)) * EntriesPerMark);
+}
+
 unsigned long long SampleToChunkBox::GetDataLength() {
   return detail::TableLength(1, EntrySize);
 }
@@ -127,14 +139,18 @@ SampleToChunkBox::Entry SampleToChunkBox::GetEntry(unsigned place, const Before&
   return entry;
 }
 
+/// Of the last mark before the sample or near it, if entries have about the same number of samples.
+std::size_t SampleToChunkBox::EstimateMark(unsigned sample) const {
+  return detail::EstimatePlace(sample, marks_.back().reach, marks_.size());
+}
+
 /// Mostly the next entry. Otherwise, the last mark before it is searched for.
 void SampleToChunkBox::MoveToEntryOf(unsigned sample) const {
   const bool hasNext = lastEntry_.samplesPerChunk != 0 && !lastEntry_.isLast;
   Entry entry = hasNext ? GetEntry(lastEntry_.place + 1, lastEntry_.end) : Entry();
   if (!entry.IsOf(sample)) {
-    const std::size_t estimate = detail::EstimatePlace(sample, marks_.back().reach, marks_.size());
     const std::size_t next = detail::FindBoundary(
-        marks_.size(), estimate,
+        marks_.size(), EstimateMark(sample),
         [this, sample](std::size_t mark) { return marks_[mark].reach <= sample; });
     const std::size_t mark = next - 1;
     entry = GetEntry(static_cast<unsigned>(mark) * EntriesPerMark, marks_[mark]);

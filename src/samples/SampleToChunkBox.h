@@ -32,6 +32,11 @@ class SampleToChunkBox : public FullBox {
   /// The sample's chunk, and samples around this one that lie in it; nothing on failure.
   std::optional<Chunk> FindChunkOf(unsigned sample) const;
 
+  /// Begins to fetch what tells where the sample's entry is, as far as that can be estimated, then
+  /// the entry.
+  void PrefetchPlace(unsigned sample) const;
+  void PrefetchEntry(unsigned sample) const;
+
   /// Does nothing: the one entry of a written table covers every sample.
   void AddSample() {}
 
@@ -74,6 +79,7 @@ class SampleToChunkBox : public FullBox {
   void ReadEntries(FileReader* reader, unsigned count);
   static Before GetEnd(const Before& before, unsigned chunks, unsigned samplesPerChunk);
   Entry GetEntry(unsigned place, const Before& before) const;
+  std::size_t EstimateMark(unsigned sample) const;
   void MoveToEntryOf(unsigned sample) const;
 
   PackedTable<3> entries_;

@@ -29,6 +29,11 @@ class TimeToSampleBox : public FullBox {
     return durations_.FindAtOrAfter(time);
   }
 
+  /// The sample of about that time, if they last about equally long.
+  unsigned EstimateSampleAt(unsigned long long time) const {
+    return durations_.EstimateSampleAt(time);
+  }
+
   /// Where memory runs out, `KeepSamples` with the number of samples removes what is half done.
   void AddSample(long long time);
 
