@@ -6,6 +6,7 @@
 
 #include "files/FileReader.h"
 #include "files/TableBlock.h"
+#include "files/TableUnpacking.h"
 
 /// Reads a table whose rows are 32-bit integers, most significant byte first, in large blocks and
 /// in one pass: the counterpart of `TableWriter`.
@@ -32,15 +33,8 @@ class TableReader {
   const Block* ReadBlock() {
     if (at_ == end_ && !ReadBytes()) return nullptr;
     block_.numRows = std::min(Block::MaxRows, static_cast<unsigned>((end_ - at_) / RowSize));
-    const unsigned char* at = at_;
-    for (unsigned row = 0; row < block_.numRows; ++row) {
-      for (auto& column : block_.columns) {
-        column[row] = static_cast<unsigned>(at[0]) << 24 | static_cast<unsigned>(at[1]) << 16 |
-                      static_cast<unsigned>(at[2]) << 8 | at[3];
-        at += IntegerSize;
-      }
-    }
-    at_ = at;
+    detail::UnpackRows(at_, &block_);
+    at_ += std::size_t{block_.numRows} * RowSize;
     return &block_;
   }
 

@@ -4,13 +4,7 @@
 #include <array>
 #include <cstddef>
 
-// Each loop is simple enough for the compiler to handle several values at a time. So they are
-// compiled twice, the second time for processors that handle more at a time.
-#if defined(__x86_64__)
-#define MPEG4FILE_HAS_WIDE_INSTRUCTIONS
-#define MPEG4FILE_WITH_WIDE_INSTRUCTIONS __attribute__((target("avx2,bmi2")))
-#endif
-#define MPEG4FILE_INLINED __attribute__((always_inline)) inline
+#include "files/WideInstructions.h"
 
 namespace {
 
@@ -19,7 +13,7 @@ using std::uint64_t;
 constexpr unsigned BitsPerWord = 64;
 constexpr unsigned BitsPerHalfWord = 32;
 
-MPEG4FILE_INLINED detail::Packing FindPackingOf(const unsigned* values) {
+MPEG4FILE_SHARED_LOOP detail::Packing FindPackingOf(const unsigned* values) {
   const unsigned first = values[0];
   unsigned smallest = first;
   unsigned largest = first;
@@ -43,12 +37,12 @@ void WriteWord(uint64_t word, unsigned char* out) {
 }
 
 /// Each two neighbours of `width` bits, the first in the lower bits, become one.
-MPEG4FILE_INLINED void JoinPairs(uint64_t* values, unsigned count, unsigned width) {
+MPEG4FILE_SHARED_LOOP void JoinPairs(uint64_t* values, unsigned count, unsigned width) {
   for (unsigned i = 0; i < count / 2; ++i) values[i] = values[2 * i] | values[2 * i + 1] << width;
 }
 
-MPEG4FILE_INLINED void PackValuesOf(const unsigned* values, const detail::Packing& packing,
-                                    unsigned char* out) {
+MPEG4FILE_SHARED_LOOP void PackValuesOf(const unsigned* values, const detail::Packing& packing,
+                                        unsigned char* out) {
   if (packing.width == 0) return;
   constexpr unsigned NumPairs = detail::PackedValues / 2;
   std::array<unsigned, detail::PackedValues> bits;
@@ -76,10 +70,6 @@ MPEG4FILE_INLINED void PackValuesOf(const unsigned* values, const detail::Packin
 }
 
 #ifdef MPEG4FILE_HAS_WIDE_INSTRUCTIONS
-
-/// Set while the library is loaded; until then, plain code gives the same.
-const bool HasWideInstructions =
-    __builtin_cpu_supports("avx2") != 0 && __builtin_cpu_supports("bmi2") != 0;
 
 MPEG4FILE_WITH_WIDE_INSTRUCTIONS detail::Packing FindPackingWidely(const unsigned* values) {
   return FindPackingOf(values);

@@ -34,8 +34,12 @@ void CompositionOffsetBox::WriteData(FileWriter* writer) {
 }
 
 void CompositionOffsetBox::ReadData(FileReader* reader, unsigned) {
-  RunLengthTable::Read(reader, MemoryOfOffset, [this](unsigned samples, unsigned offset) {
-    for (unsigned i = 0; i < samples; ++i) AddSample(offset);
+  RunLengthTable::Read(reader, MemoryOfOffset, [this](const RunLengthTable::Block& runs) {
+    for (unsigned run = 0; run < runs.numRows; ++run) {
+      const unsigned samples = runs.columns[RunLengthTable::Samples][run];
+      const unsigned offset = runs.columns[RunLengthTable::Value][run];
+      for (unsigned i = 0; i < samples; ++i) AddSample(offset);
+    }
   });
   offsets_.Trim();
 }

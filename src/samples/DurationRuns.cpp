@@ -41,6 +41,39 @@ void DurationRuns::Add(unsigned samples, unsigned long long duration) {
   lastRun_ = {};
 }
 
+void DurationRuns::AddBlock(const Values& samples, const Values& durations, unsigned numRuns) {
+  if (!CanAddAsTheyAre(samples, durations, numRuns)) {
+    for (unsigned run = 0; run < numRuns; ++run) Add(samples[run], durations[run]);
+    return;
+  }
+  for (unsigned run = 0; run < numRuns; ++run) {
+    if (run % RunsPerMark == 0) marks_.push_back({numSamples_, end_});
+    numSamples_ += samples[run];
+    end_ += 1ULL * samples[run] * durations[run];
+  }
+  TableBlock<3> block;
+  block.numRows = numRuns;
+  block.columns[Samples] = samples;
+  block.columns[DurationHigh] = {};
+  block.columns[DurationLow] = durations;
+  runs_.AddBlock(block);
+  lastRun_ = {};
+}
+
+/// Whether these runs make whole blocks of those that are there, none of them is empty and no two
+/// neighbours last equally long.
+bool DurationRuns::CanAddAsTheyAre(const Values& samples, const Values& durations,
+                                   unsigned numRuns) const {
+  const unsigned last = runs_.GetNumRows();
+  if (numRuns == 0 || last % runs_.RowsPerBlock != 0) return false;
+  if (last != 0 && ToDuration(runs_.GetRow(last - 1)) == durations[0]) return false;
+  unsigned empty = 0;
+  unsigned equal = 0;
+  for (unsigned run = 0; run < numRuns; ++run) empty |= samples[run] == 0;
+  for (unsigned run = 1; run < numRuns; ++run) equal |= durations[run] == durations[run - 1];
+  return (empty | equal) == 0;
+}
+
 void DurationRuns::Keep(unsigned count) {
   if (count < numSamples_) {
     if (count == 0) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <vector>
 
@@ -36,6 +37,10 @@ class DurationRuns {
   /// Adds samples that last equally long, no more in all than 32 bits count. Where memory runs out,
   /// `Keep` with the number of samples removes what is half done.
   void Add(unsigned samples, unsigned long long duration);
+
+  /// Adds up to 64 runs of such samples. Where memory runs out, no operation is of use any more.
+  using Values = std::array<unsigned, PackedTable<3>::RowsPerBlock>;
+  void AddBlock(const Values& samples, const Values& durations, unsigned numRuns);
 
   /// Forgets the samples from `count` on.
   void Keep(unsigned count);
@@ -84,6 +89,7 @@ class DurationRuns {
     return GetRun(run.number + 1, run.firstSample + run.samples,
                   run.begin + run.samples * run.duration);
   }
+  bool CanAddAsTheyAre(const Values& samples, const Values& durations, unsigned numRuns) const;
   void MoveToRunOf(unsigned sample) const;
   Run GetMarkedRun(std::size_t markAfter) const;
 

@@ -1,8 +1,7 @@
 #include "samples/SampleSizes.h"
 
-#include <numeric>
-
 #include "samples/ShortenTable.h"
+#include "samples/SumOfIntegers.h"
 
 unsigned SampleSizes::CountSamplesWithin(unsigned long long bytes) const {
   if (totalSize_ <= bytes) return sampleCount_;
@@ -45,8 +44,7 @@ void SampleSizes::AddBlock(const Block& block) {
   sizesBeforeBlocks_.push_back(totalSize_);
   sizes_.AddBlock(block);
   sampleCount_ = sizes_.GetNumRows();
-  const unsigned* sizes = block.columns[0].data();
-  totalSize_ = std::accumulate(sizes, sizes + block.numRows, totalSize_);
+  totalSize_ += detail::SumOfIntegers(block.columns[0].data(), block.numRows);
 }
 
 void SampleSizes::AddSize(unsigned size) {

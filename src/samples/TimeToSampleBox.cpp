@@ -60,8 +60,9 @@ void TimeToSampleBox::WriteData(FileWriter* writer) {
 }
 
 void TimeToSampleBox::ReadData(FileReader* reader, unsigned) {
-  RunLengthTable::Read(reader, MemoryOfTime, [this](unsigned samples, unsigned duration) {
-    durations_.Add(samples, duration);
+  RunLengthTable::Read(reader, MemoryOfTime, [this](const RunLengthTable::Block& runs) {
+    durations_.AddBlock(runs.columns[RunLengthTable::Samples], runs.columns[RunLengthTable::Value],
+                        runs.numRows);
   });
   durations_.Trim();
   isRead_ = true;

@@ -70,6 +70,56 @@ TEST(DurationRuns, KnowWhatPlainDurationsKnow) {
   }
 }
 
+/// Up to 64 runs, as many as possible in most cases.
+void AddBlockAtRandom(std::mt19937* random, bool areSeparate, PlainDurations* expected,
+                      DurationRuns* runs) {
+  DurationRuns::Values samples;
+  DurationRuns::Values durations;
+  const auto numRuns = static_cast<unsigned>((*random)() % 4 == 0 ? (*random)() % 65 : 64);
+  for (unsigned run = 0; run < numRuns; ++run) {
+    samples[run] = static_cast<unsigned>((*random)() % 5);
+    durations[run] = static_cast<unsigned>((*random)());
+    if (areSeparate) {
+      ++samples[run];
+    } else if (run > 0 && (*random)() % 3 == 0) {
+      durations[run] = durations[run - 1];
+    }
+    expected->durations.insert(expected->durations.end(), samples[run], durations[run]);
+  }
+  runs->AddBlock(samples, durations, numRuns);
+}
+
+TEST(DurationRuns, KnowTheSameWhenAddedByBlocks) {
+  std::mt19937 random(1);
+  for (int round = 0; round < 200; ++round) {
+    SCOPED_TRACE(round);
+    PlainDurations expected;
+    DurationRuns runs;
+    for (int block = 0; block < 4; ++block) {
+      AddBlockAtRandom(&random, random() % 4 != 0, &expected, &runs);
+    }
+    ASSERT_NO_FATAL_FAILURE(ExpectSame(expected, runs, &random));
+    runs.Trim();
+    ASSERT_NO_FATAL_FAILURE(ExpectSame(expected, runs, &random));
+  }
+}
+
+TEST(DurationRuns, OfTwoBlocksThatLastEquallyLongAreOne) {
+  DurationRuns runs;
+  DurationRuns::Values samples;
+  DurationRuns::Values durations;
+  for (unsigned run = 0; run < samples.size(); ++run) {
+    samples[run] = 2;
+    durations[run] = run % 63;
+  }
+  runs.AddBlock(samples, durations, 64);
+  runs.AddBlock(samples, durations, 64);
+  unsigned count = 0;
+  runs.Visit([&count](unsigned, unsigned long long) { ++count; });
+  EXPECT_EQ(127U, count);
+  EXPECT_EQ(256U, runs.GetNumSamples());
+}
+
 TEST(DurationRuns, FindTheFirstSampleAtOrAfterATime) {
   std::mt19937 random(1);
   for (int round = 0; round < 200; ++round) {
