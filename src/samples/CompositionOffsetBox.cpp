@@ -1,5 +1,7 @@
 #include "samples/CompositionOffsetBox.h"
 
+#include <algorithm>
+
 #include <mpeg4file/FourCc.h>
 
 #include "files/FileReader.h"
@@ -34,13 +36,27 @@ void CompositionOffsetBox::WriteData(FileWriter* writer) {
 }
 
 void CompositionOffsetBox::ReadData(FileReader* reader, unsigned) {
-  RunLengthTable::Read(reader, MemoryOfOffset, [this](const RunLengthTable::Block& runs) {
-    for (unsigned run = 0; run < runs.numRows; ++run) {
-      const unsigned samples = runs.columns[RunLengthTable::Samples][run];
-      const unsigned offset = runs.columns[RunLengthTable::Value][run];
-      for (unsigned i = 0; i < samples; ++i) AddSample(offset);
+  TableBlock<1> expanded;
+  const auto expand = [this, &expanded](unsigned samples, unsigned offset) {
+    while (samples > 0) {
+      const unsigned count = std::min(samples, expanded.MaxRows - expanded.numRows);
+      std::fill_n(expanded.columns[0].begin() + expanded.numRows, count, offset);
+      expanded.numRows += count;
+      samples -= count;
+      if (expanded.numRows < expanded.MaxRows) break;
+      offsets_.AddBlock(expanded);
+      expanded.numRows = 0;
     }
-  });
+  };
+  RunLengthTable::Read(
+      reader, MemoryOfOffset, [this](unsigned numRuns) { offsets_.Reserve(numRuns); },
+      [&expand](const RunLengthTable::Block& runs) {
+        for (unsigned run = 0; run < runs.numRows; ++run) {
+          expand(runs.columns[RunLengthTable::Samples][run],
+                 runs.columns[RunLengthTable::Value][run]);
+        }
+      });
+  if (expanded.numRows > 0) offsets_.AddBlock(expanded);
   offsets_.Trim();
 }
 

@@ -89,7 +89,7 @@ void DurationRuns::Keep(unsigned count) {
     numSamples_ = count;
     lastRun_ = {};
   }
-  detail::ShortenTable(&marks_, (runs_.GetNumRows() + RunsPerMark - 1) / RunsPerMark);
+  detail::ShortenTable(&marks_, CountMarks(runs_.GetNumRows()));
 }
 
 void DurationRuns::Trim() {

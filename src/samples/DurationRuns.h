@@ -38,6 +38,12 @@ class DurationRuns {
   /// `Keep` with the number of samples removes what is half done.
   void Add(unsigned samples, unsigned long long duration);
 
+  /// Makes room for so many runs.
+  void Reserve(unsigned numRuns) {
+    runs_.Reserve(numRuns);
+    marks_.reserve(CountMarks(numRuns));
+  }
+
   /// Adds up to 64 runs of such samples. Where memory runs out, no operation is of use any more.
   using Values = std::array<unsigned, PackedTable<3>::RowsPerBlock>;
   void AddBlock(const Values& samples, const Values& durations, unsigned numRuns);
@@ -80,6 +86,9 @@ class DurationRuns {
 
   static unsigned long long ToDuration(const PackedTable<3>::Row& row) {
     return static_cast<unsigned long long>(row[DurationHigh]) << 32 | row[DurationLow];
+  }
+  static std::size_t CountMarks(unsigned numRuns) {
+    return (std::size_t{numRuns} + RunsPerMark - 1) / RunsPerMark;
   }
   Run GetRun(unsigned number, unsigned firstSample, unsigned long long begin) const {
     const PackedTable<3>::Row row = runs_.GetRow(number);

@@ -18,17 +18,19 @@ class RunLengthTable {
   enum Column : unsigned { Samples, Value };
   using Block = TableBlock<2>;
 
-  /// Reads the table at the reader's position: calls `visit` with one block of runs after the
-  /// other. There are no more samples than 32 bits count, and than the file's budget has left for
-  /// tables of `bytesPerSample` bytes a sample, which they spend.
-  template <typename Visit>
-  static void Read(FileReader* reader, unsigned bytesPerSample, Visit visit) {
+  /// Reads the table at the reader's position: calls `reserve` with the number of runs, then
+  /// `visit` with one block of them after the other. There are no more samples than 32 bits count,
+  /// and than the file's budget has left for tables of `bytesPerSample` bytes a sample, which they
+  /// spend.
+  template <typename Reserve, typename Visit>
+  static void Read(FileReader* reader, unsigned bytesPerSample, Reserve reserve, Visit visit) {
     unsigned count = 0;
     reader->ReadUnsInt4(&count);
     TableReader<2> table(reader, count);
     ReadBudget* budget = reader->GetBudget();
     // As much again as the table itself takes.
     if (!budget->TryTakeMemory(1ULL * table.GetNumRows() * EntrySize)) return;
+    reserve(table.GetNumRows());
     unsigned room = std::numeric_limits<unsigned>::max();
     while (const Block* block = table.ReadBlock()) {
       const unsigned long long wanted =

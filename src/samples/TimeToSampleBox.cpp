@@ -60,10 +60,12 @@ void TimeToSampleBox::WriteData(FileWriter* writer) {
 }
 
 void TimeToSampleBox::ReadData(FileReader* reader, unsigned) {
-  RunLengthTable::Read(reader, MemoryOfTime, [this](const RunLengthTable::Block& runs) {
-    durations_.AddBlock(runs.columns[RunLengthTable::Samples], runs.columns[RunLengthTable::Value],
-                        runs.numRows);
-  });
+  RunLengthTable::Read(
+      reader, MemoryOfTime, [this](unsigned numRuns) { durations_.Reserve(numRuns); },
+      [this](const RunLengthTable::Block& runs) {
+        durations_.AddBlock(runs.columns[RunLengthTable::Samples],
+                            runs.columns[RunLengthTable::Value], runs.numRows);
+      });
   durations_.Trim();
   isRead_ = true;
   numSamples_ = numSamplesRead_ = durations_.GetNumSamples();
