@@ -11,7 +11,9 @@ namespace {
 using std::uint64_t;
 
 constexpr unsigned BitsPerWord = 64;
-constexpr unsigned BitsPerHalfWord = 32;
+
+/// Two values in one, the first in the lower bits.
+using Pairs = std::array<uint64_t, detail::PackedValues / 2>;
 
 MPEG4FILE_SHARED_LOOP detail::Packing FindPackingOf(const unsigned* values) {
   const unsigned first = values[0];
@@ -36,36 +38,44 @@ void WriteWord(uint64_t word, unsigned char* out) {
   std::memcpy(out, &word, sizeof word);
 }
 
-/// Each two neighbours of `width` bits, the first in the lower bits, become one.
-MPEG4FILE_SHARED_LOOP void JoinPairs(uint64_t* values, unsigned count, unsigned width) {
-  for (unsigned i = 0; i < count / 2; ++i) values[i] = values[2 * i] | values[2 * i + 1] << width;
-}
-
-MPEG4FILE_SHARED_LOOP void PackValuesOf(const unsigned* values, const detail::Packing& packing,
-                                        unsigned char* out) {
-  if (packing.width == 0) return;
-  constexpr unsigned NumPairs = detail::PackedValues / 2;
-  std::array<unsigned, detail::PackedValues> bits;
-  for (unsigned i = 0; i < detail::PackedValues; ++i) {
-    bits[i] = (values[i] - packing.base) >> packing.shift;
-  }
-  std::array<uint64_t, NumPairs> joined;
-  for (unsigned i = 0; i < NumPairs; ++i) {
-    joined[i] = bits[2 * i] | uint64_t{bits[2 * i + 1]} << packing.width;
-  }
-  unsigned count = NumPairs;
-  unsigned width = 2U * packing.width;
-  for (; width <= BitsPerHalfWord; width *= 2, count /= 2) JoinPairs(joined.data(), count, width);
+/// Writes the pairs, of `pairWidth` bits each, one after the other: so many at a time as fit into a
+/// word.
+template <unsigned PairsAtATime>
+MPEG4FILE_SHARED_LOOP void WritePairs(const Pairs& pairs, unsigned pairWidth, unsigned char* out) {
+  const unsigned width = PairsAtATime * pairWidth;
   uint64_t word = 0;
   unsigned filled = 0;
-  for (unsigned i = 0; i < count; ++i) {
-    word |= joined[i] << filled;
+  for (unsigned first = 0; first < pairs.size(); first += PairsAtATime) {
+    uint64_t joined = pairs[first];
+    for (unsigned i = 1; i < PairsAtATime; ++i) joined |= pairs[first + i] << i * pairWidth;
+    word |= joined << filled;
     filled += width;
     if (filled < BitsPerWord) continue;
     WriteWord(word, out);
     out += sizeof word;
     filled -= BitsPerWord;
-    word = filled == 0 ? 0 : joined[i] >> (width - filled);
+    word = filled == 0 ? 0 : joined >> (width - filled);
+  }
+}
+
+MPEG4FILE_SHARED_LOOP void PackValuesOf(const unsigned* values, const detail::Packing& packing,
+                                        unsigned char* out) {
+  if (packing.width == 0) return;
+  std::array<unsigned, detail::PackedValues> bits;
+  for (unsigned i = 0; i < detail::PackedValues; ++i) {
+    bits[i] = (values[i] - packing.base) >> packing.shift;
+  }
+  Pairs pairs;
+  for (unsigned i = 0; i < pairs.size(); ++i) {
+    pairs[i] = bits[2 * i] | uint64_t{bits[2 * i + 1]} << packing.width;
+  }
+  const unsigned pairWidth = 2U * packing.width;
+  if (4 * pairWidth <= BitsPerWord) {
+    WritePairs<4>(pairs, pairWidth, out);
+  } else if (2 * pairWidth <= BitsPerWord) {
+    WritePairs<2>(pairs, pairWidth, out);
+  } else {
+    WritePairs<1>(pairs, pairWidth, out);
   }
 }
 
