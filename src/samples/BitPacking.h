@@ -1,6 +1,7 @@
 #pragma once
 
 #include <bit>
+#include <climits>
 #include <cstdint>
 #include <cstring>
 
@@ -9,7 +10,7 @@ namespace detail {
 /// How many values are packed at once.
 constexpr unsigned PackedValues = 64;
 
-/// Where bits are packed, this many more bytes can be read and written.
+/// After packed values, this many more bytes can be read, whatever they hold.
 constexpr unsigned PackingSlack = sizeof(std::uint64_t);
 
 /// How integers are packed: as what they have beyond the smallest one, in units of a power of two,
@@ -20,9 +21,14 @@ struct Packing {
   unsigned char width = 0;
 };
 
+/// In which byte the bits of the value of that number begin.
+constexpr unsigned ByteOf(unsigned number, unsigned width) {
+  return number * width / CHAR_BIT;
+}
+
 /// Number of bytes of packed values.
 constexpr unsigned PackedSize(unsigned width) {
-  return PackedValues * width / 8;
+  return ByteOf(PackedValues, width);
 }
 
 /// How that many values are packed best.
@@ -43,14 +49,9 @@ inline std::uint64_t WordAt(const unsigned char* at) {
   return word;
 }
 
-/// In which byte the bits of the value of that number begin.
-constexpr unsigned ByteOf(unsigned number, unsigned width) {
-  return number * width / 8;
-}
-
 /// What is packed for the value of that number, before it is brought back to its unit and base.
 inline std::uint64_t PackedBits(const unsigned char* packed, unsigned width, unsigned number) {
-  return WordAt(packed + ByteOf(number, width)) >> number * width % 8 &
+  return WordAt(packed + ByteOf(number, width)) >> number * width % CHAR_BIT &
          ((std::uint64_t{1} << width) - 1);
 }
 

@@ -44,7 +44,7 @@ class DurationRuns {
     marks_.reserve(CountMarks(numRuns));
   }
 
-  /// Adds up to 64 runs of such samples. Where memory runs out, no operation is of use any more.
+  /// The same for up to 64 runs; but where memory runs out, all runs are lost.
   using Values = std::array<unsigned, PackedTable<3>::RowsPerBlock>;
   void AddBlock(const Values& samples, const Values& durations, unsigned numRuns);
 

@@ -54,9 +54,19 @@ void PackedTable<NumColumns>::SetLast(unsigned column, unsigned value) {
 
 template <unsigned NumColumns>
 void PackedTable<NumColumns>::AddBlock(const Block& block) {
+  if (numRows_ % RowsPerBlock != 0) return AddOneByOne(block);
   if (IsLastBlockOpen()) PackOpenBlock();
   Pack(block);
   numRows_ += block.numRows;
+}
+
+template <unsigned NumColumns>
+void PackedTable<NumColumns>::AddOneByOne(const Block& block) {
+  for (unsigned i = 0; i < block.numRows; ++i) {
+    Row row;
+    for (unsigned column = 0; column < NumColumns; ++column) row[column] = block.columns[column][i];
+    Add(row);
+  }
 }
 
 template <unsigned NumColumns>

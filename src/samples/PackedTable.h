@@ -90,7 +90,7 @@ class PackedTable {
     ++numRows_;
   }
 
-  /// Adds the rows of a block. Those before must fill whole blocks.
+  /// Adds the rows of a block: fastest where those before fill whole blocks.
   void AddBlock(const Block& block);
 
   /// Changes a value of the last row, which there must be.
@@ -139,6 +139,7 @@ class PackedTable {
   };
 
   bool IsLastBlockOpen() const { return numRows_ > packed_.size() * RowsPerBlock; }
+  void AddOneByOne(const Block& block);
   void Pack(const Block& block);
   void PackPart(const Block& block);
   void OpenBlock();

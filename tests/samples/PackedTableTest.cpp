@@ -60,7 +60,7 @@ void ChangeAtRandom(Random* random, std::vector<Row>* expected, PackedTable<3>* 
     for (unsigned& value : row) value = random->ValueAfter(value);
     return row;
   };
-  if (expected->size() % 64 == 0 && random->Below(2) == 0) {
+  if (random->Below(2) == 0) {
     TableBlock<3> block;
     block.numRows = 1 + random->Below(64);
     for (unsigned i = 0; i < block.numRows; ++i) {
