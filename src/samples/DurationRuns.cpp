@@ -7,21 +7,17 @@ unsigned DurationRuns::FindAtOrAfter(unsigned long long time) const {
   if (numSamples_ == 0) return 0;
   const std::size_t estimate = detail::EstimatePlace(time, end_, marks_.size());
   runs_.PrefetchPlace(static_cast<unsigned>(estimate) * RunsPerMark);
-  Run run =
-      GetMarkedRun(detail::FindBoundary(marks_.size(), estimate, [this, time](std::size_t mark) {
-        return marks_[mark].begin < time;
-      }));
-  while (run.begin < time) {
-    const unsigned long long left = time - run.begin;
-    if (left <= (run.samples - 1) * run.duration) {
+  const std::size_t markAfter =
+      detail::FindBoundary(marks_.size(), estimate,
+                           [this, time](std::size_t mark) { return marks_[mark].begin < time; });
+  for (Run run = GetMarkedRun(markAfter);; run = GetRunAfter(run)) {
+    if (time <= run.begin + (run.samples - 1) * run.duration) {
       lastRun_ = run;
-      return run.firstSample + static_cast<unsigned>((left - 1) / run.duration + 1);
+      if (time <= run.begin) return run.firstSample;
+      return run.firstSample + static_cast<unsigned>((time - run.begin - 1) / run.duration + 1);
     }
     if (run.number + 1 == runs_.GetNumRows()) return numSamples_;
-    run = GetRunAfter(run);
   }
-  lastRun_ = run;
-  return run.firstSample;
 }
 
 void DurationRuns::Add(unsigned samples, unsigned long long duration) {

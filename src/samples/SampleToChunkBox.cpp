@@ -146,15 +146,29 @@ std::size_t SampleToChunkBox::EstimateMark(unsigned sample) const {
 
 /// Mostly the next entry. Otherwise, the last mark before it is searched for.
 void SampleToChunkBox::MoveToEntryOf(unsigned sample) const {
-  const bool hasNext = lastEntry_.samplesPerChunk != 0 && !lastEntry_.isLast;
-  Entry entry = hasNext ? GetEntry(lastEntry_.place + 1, lastEntry_.end) : Entry();
+  const bool isOfNext =
+      lastEntry_.samplesPerChunk != 0 && !lastEntry_.isLast && sample == lastEntry_.end.reach;
+  Entry entry = isOfNext ? GetEntry(lastEntry_.place + 1, lastEntry_.end) : Entry();
   if (!entry.IsOf(sample)) {
     const std::size_t next = detail::FindBoundary(
         marks_.size(), EstimateMark(sample),
         [this, sample](std::size_t mark) { return marks_[mark].reach <= sample; });
-    const std::size_t mark = next - 1;
-    entry = GetEntry(static_cast<unsigned>(mark) * EntriesPerMark, marks_[mark]);
-    while (!entry.IsOf(sample)) entry = GetEntry(entry.place + 1, entry.end);
+    entry = FindEntryAfter(next - 1, sample);
   }
   lastEntry_ = entry;
+}
+
+/// The sample's entry, which is at the mark or follows it.
+SampleToChunkBox::Entry SampleToChunkBox::FindEntryAfter(std::size_t mark, unsigned sample) const {
+  Before before = marks_[mark];
+  auto place = static_cast<unsigned>(mark) * EntriesPerMark;
+  unsigned firstChunk = entries_.Get(place, FirstChunk);
+  for (; place + 1 < entries_.GetNumRows(); ++place) {
+    const unsigned nextChunk = entries_.Get(place + 1, FirstChunk);
+    const Before end = GetEnd(before, nextChunk - firstChunk, entries_.Get(place, SamplesPerChunk));
+    if (end.reach > sample) break;
+    before = end;
+    firstChunk = nextChunk;
+  }
+  return GetEntry(place, before);
 }

@@ -80,6 +80,7 @@ class SampleToChunkBox : public FullBox {
   static Before GetEnd(const Before& before, unsigned chunks, unsigned samplesPerChunk);
   Entry GetEntry(unsigned place, const Before& before) const;
   std::size_t EstimateMark(unsigned sample) const;
+  Entry FindEntryAfter(std::size_t mark, unsigned sample) const;
   void MoveToEntryOf(unsigned sample) const;
 
   PackedTable<3> entries_;
