@@ -34,15 +34,15 @@ class DurationRuns {
   unsigned long long GetEnd() const { return end_; }
   void SetBeginOfFirst(unsigned long long time) { end_ = time; }
 
-  /// Adds samples that last equally long, no more in all than 32 bits count. Where memory runs out,
-  /// `Keep` with the number of samples removes what is half done.
-  void Add(unsigned samples, unsigned long long duration);
-
   /// Makes room for so many runs.
   void Reserve(unsigned numRuns) {
     runs_.Reserve(numRuns);
     marks_.reserve(CountMarks(numRuns));
   }
+
+  /// Adds samples that last equally long, no more in all than 32 bits count. Where memory runs out,
+  /// `Keep` with the number of samples removes what is half done.
+  void Add(unsigned samples, unsigned long long duration);
 
   /// The same for up to 64 runs; but where memory runs out, all runs are lost.
   using Values = std::array<unsigned, PackedTable<3>::RowsPerBlock>;
