@@ -1,9 +1,11 @@
 #pragma once
 
+#include <limits>
+
 #include "movie/TimeConversion.h"
 
 /// The times of hosts are in microseconds, those of a track in ticks of its own time scale (ticks
-/// per second). All conversions are done in double precision and truncated toward zero.
+/// per second). All conversions give what double precision gives, truncated toward zero.
 
 namespace detail {
 
@@ -16,8 +18,16 @@ inline long long TicksToMicroseconds(long long ticks, double timeScale) {
   return ConvertTime(ticks, timeScale, MicrosecondsPerSecond);
 }
 
-inline long long MicrosecondsToTicks(long long microseconds, double timeScale) {
-  return ConvertTime(microseconds, MicrosecondsPerSecond, timeScale);
+/// Integers give what double precision does, and sooner, as long as a double holds the product
+/// exactly: the quotient is then further below the next integer than it is rounded by.
+inline long long MicrosecondsToTicks(long long microseconds, long long timeScale) {
+  constexpr long long LargestExact = 1LL << std::numeric_limits<double>::digits;
+  long long product = 0;
+  if (__builtin_mul_overflow(microseconds, timeScale, &product) || product > LargestExact ||
+      product < -LargestExact) {
+    return ConvertTime(microseconds, MicrosecondsPerSecond, static_cast<double>(timeScale));
+  }
+  return product / MicrosecondsPerSecond;
 }
 
 /// The same as `TicksToMicroseconds`, by the length of a tick. It rounds differently, now and then

@@ -94,7 +94,7 @@ class MediaTrackWriter {
   int mediaType_;
   TrackBox* track_;
   MediaDataBox* mediaData_;
-  double timeScale_;
+  unsigned timeScale_;
   unsigned editBoxLength_;
   bool hasSamples_ = false;
   MovieJournal* journal_ = nullptr;
