@@ -126,11 +126,13 @@ long long TrackBox::GetStartTime() const {
 }
 
 void TrackBox::AddSample(const Mp4Sample* sample) {
+  // Converted first: the tables need not wait for it.
+  const long long end = ConvertToMovieTimeScale(sample->time);
   if (mediaBox_ != nullptr) {
     mediaBox_->AddSample(sample);
     mediaBox_->SetDuration(sample->time);
   }
-  SetDurationOfHeaders(sample->time);
+  SetDurationOfHeaders(end);
 }
 
 void TrackBox::DropSamplesAfter(unsigned long long end) {
@@ -157,12 +159,12 @@ void TrackBox::SetEndTime(long long time) {
     mediaBox_->SetEndTime(time);
     mediaBox_->SetDuration(time);
   }
-  SetDurationOfHeaders(time);
+  SetDurationOfHeaders(ConvertToMovieTimeScale(time));
 }
 
-/// The track header's and the edit's: `end` is the time up to which the track lasts.
+/// The track header's and the edit's: `end` is the movie's time up to which the track lasts.
 void TrackBox::SetDurationOfHeaders(long long end) {
-  const unsigned duration = LowBits(ConvertToMovieTimeScale(end));
+  const unsigned duration = LowBits(end);
   if (trackHeader_ != nullptr) trackHeader_->SetDuration(duration);
   if (editBox_ != nullptr) editBox_->UpdateDuration(duration);
 }

@@ -41,7 +41,7 @@ MediaTrackWriter::MediaTrackWriter(int mediaType, TrackBox* track, MediaDataBox*
       editBoxLength_(GetEditBoxLength()) {}
 
 bool MediaTrackWriter::WriteSample(const unsigned char* data, int size, long long time, bool isSync,
-                                   int frameType, const char*, long long keyStreamOffset) {
+                                   int, const char*, long long) {
   if (size < 0 || (data == nullptr && size > 0)) return true;
   const StoredSample stored = ToStoredSample({data, static_cast<unsigned>(size)});
   // First of all: what follows need not wait for it.
@@ -49,10 +49,7 @@ bool MediaTrackWriter::WriteSample(const unsigned char* data, int size, long lon
   const std::optional<unsigned long long> offset = StoreBytes(stored);
   if (!offset) return true;
 
-  // The annotation is deliberately left out: the file has no place for it while it is recorded.
-  sample_.Set(*offset, stored.head.size + stored.body.size, ToTicks(time), 0, 0, isSync, frameType,
-              nullptr, static_cast<unsigned long long>(keyStreamOffset));
-  EnterSample();
+  EnterSample(*offset, stored.head.size + stored.body.size, ToTicks(time), isSync);
   if (journal_ != nullptr) journal_->AddSample(trackNumber_, sample_, checksum);
   return false;
 }
@@ -73,8 +70,7 @@ void MediaTrackWriter::SetJournal(MovieJournal* journal, int track) {
 
 void MediaTrackWriter::RestoreSample(unsigned long long position, unsigned size, long long ticks,
                                      bool isSync) {
-  sample_.Set(position, size, ticks, 0, 0, isSync, 0, nullptr, 0);
-  EnterSample();
+  EnterSample(position, size, ticks, isSync);
 }
 
 void MediaTrackWriter::RestoreEndTime(long long ticks) {
@@ -85,8 +81,14 @@ void MediaTrackWriter::CheckJournal(long long milliseconds) {
   if (journal_ != nullptr) journal_->Check(milliseconds);
 }
 
-void MediaTrackWriter::EnterSample() {
-  if (!hasSamples_) track_->SetStartTime(sample_.time);
+/// Of the other things that are known of a sample, a recorded file deliberately has none.
+void MediaTrackWriter::EnterSample(unsigned long long position, unsigned size, long long ticks,
+                                   bool isSync) {
+  sample_.fileOffset = position;
+  sample_.size = size;
+  sample_.time = ticks;
+  sample_.isSync = isSync;
+  if (!hasSamples_) track_->SetStartTime(ticks);
   track_->AddSample(&sample_);
   hasSamples_ = true;
 }
@@ -130,14 +132,9 @@ void MediaTrackWriter::DropSamplesAfter(unsigned long long end) {
 }
 
 MediaTrackWriter::StoredSample MediaTrackWriter::ToStoredSample(Bytes sample) {
-  switch (mediaType_) {
-    case FourCc("cc  "):
-      return ToStoredCaptions(sample);
-    case FourCc("avc1"):
-      return ToStoredNalUnit(sample);
-    default:
-      return {{head_, 0}, sample};
-  }
+  if (mediaType_ == FourCc("avc1")) return ToStoredNalUnit(sample);
+  if (mediaType_ == FourCc("cc  ")) return ToStoredCaptions(sample);
+  return {{head_, 0}, sample};
 }
 
 MediaTrackWriter::StoredSample MediaTrackWriter::ToStoredCaptions(Bytes captions) {

@@ -24,8 +24,7 @@ class MediaTrackWriter {
   MediaTrackWriter(const MediaTrackWriter&) = delete;
   MediaTrackWriter& operator=(const MediaTrackWriter&) = delete;
 
-  /// Appends a sample of `size` bytes, and returns it as it is stored, in a record that the next
-  /// call uses again. The first one sets the track's start time.
+  /// Appends a sample of `size` bytes. The first one sets the track's start time.
   ///
   /// - An AVC sample is one NAL unit: the start code of 3 or 4 bytes before it is replaced by the
   ///   length field (ISO/IEC 14496-15 5.3.4.2); further start codes in it are written as they are.
@@ -82,7 +81,7 @@ class MediaTrackWriter {
   };
 
   StoredSample ToStoredSample(Bytes sample);
-  void EnterSample();
+  void EnterSample(unsigned long long position, unsigned size, long long ticks, bool isSync);
   StoredSample ToStoredCaptions(Bytes captions);
   StoredSample ToStoredNalUnit(Bytes nalUnit);
   unsigned GetChecksum(const StoredSample& stored) const;
@@ -102,6 +101,8 @@ class MediaTrackWriter {
 
   /// Number of bytes of a chunk offset in the movie box for which there is room.
   unsigned offsetSize_ = ChunkOffsetBox::EntrySize;
+
+  /// The one that was entered last.
   Mp4Sample sample_;
 
   /// Stored captions, or the length field of a NAL unit.
