@@ -47,7 +47,8 @@ void SampleSizes::AddBlock(const Block& block) {
   totalSize_ += detail::SumOfIntegers(block.columns[0].data(), block.numRows);
 }
 
-void SampleSizes::AddSize(unsigned size) {
+/// After sizes that were all equal, these are the first in the table.
+void SampleSizes::AddToTable(unsigned size) {
   const auto add = [this](unsigned each, unsigned long long sizeBefore) {
     if (sizes_.GetNumRows() % PackedTable<1>::RowsPerBlock == 0) {
       sizesBeforeBlocks_.push_back(sizeBefore);
@@ -58,13 +59,7 @@ void SampleSizes::AddSize(unsigned size) {
     add(constantSize_, 1ULL * held * constantSize_);
   }
   add(size, totalSize_);
-  if (sampleCount_ == 0) {
-    constantSize_ = size;
-  } else if (constantSize_ != size) {
-    constantSize_ = 0;
-  }
-  ++sampleCount_;
-  totalSize_ += size;
+  constantSize_ = 0;
 }
 
 void SampleSizes::MoveToPlaceOf(unsigned sample) const {

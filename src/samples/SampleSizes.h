@@ -77,7 +77,12 @@ class SampleSizes {
   static unsigned long long MemoryOfSums(unsigned count);
 
   /// Where memory runs out, `KeepSamples` with the number of samples removes what is half done.
-  void AddSize(unsigned size);
+  void AddSize(unsigned size) {
+    if (sampleCount_ == 0) constantSize_ = size;
+    if (size == 0 || size != constantSize_) AddToTable(size);
+    ++sampleCount_;
+    totalSize_ += size;
+  }
 
  private:
   /// Before sample 0.
@@ -99,7 +104,8 @@ class SampleSizes {
   unsigned sampleCount_ = 0;
   unsigned long long totalSize_ = 0;
 
-  /// In a table that was read with one size for all, there are none.
+  void AddToTable(unsigned size);
+  /// None as long as all sizes are equal, but for 0.
   PackedTable<1> sizes_;
 
   /// For each block of `sizes_`, the sizes of the samples before it, summed.

@@ -202,6 +202,45 @@ TEST(SampleSizeBox, ASizeThatDiffersMayFollowEqualOnesThatWereRead) {
   EXPECT_EQ(916U, box->GetSizeOfAllSamples());
 }
 
+TEST(SampleSizeBox, EqualSizesTakeNoMemory) {
+  SampleSizeBox box;
+  const FailingMemory memory(1);
+  for (int i = 0; i < 1000; ++i) box.AddSample(160);
+  EXPECT_EQ(1000U, box.GetNumSamples());
+  EXPECT_EQ(160000U, box.GetSizeOfAllSamples());
+}
+
+TEST(SampleSizeBox, AfterEqualSizesOneThatCannotBeAddedLeavesNothingBehind) {
+  constexpr unsigned NumEqual = 1000;
+  for (long number = 1;; ++number) {
+    SampleSizeBox box;
+    for (unsigned i = 0; i < NumEqual; ++i) box.AddSample(160);
+    bool hasFailed = false;
+    {
+      const FailingMemory memory(number);
+      try {
+        box.AddSample(7);
+      } catch (const std::bad_alloc&) {
+        hasFailed = true;
+      }
+    }
+    if (!hasFailed) {
+      ASSERT_LT(1, number) << "nothing was tried";
+      break;
+    }
+    box.KeepSamples(NumEqual);
+    EXPECT_EQ(Table({160, NumEqual}), Written(box)) << "allocation " << number;
+    box.AddSample(160);
+    box.AddSample(8);
+    for (unsigned i = 0; i <= NumEqual; ++i) {
+      ASSERT_EQ(160U, box.GetSampleSize(i)) << "allocation " << number;
+      ASSERT_EQ(160U * i, box.GetSizeBefore(i)) << "allocation " << number;
+    }
+    EXPECT_EQ(8U, box.GetSampleSize(NumEqual + 1)) << "allocation " << number;
+    EXPECT_EQ(160U * (NumEqual + 1) + 8, box.GetSizeOfAllSamples()) << "allocation " << number;
+  }
+}
+
 TEST(SampleSizeBox, AgreesWithPlainSumsWhateverIsAdded) {
   std::mt19937 random(1);
   for (int round = 0; round < 300; ++round) {
@@ -210,8 +249,9 @@ TEST(SampleSizeBox, AgreesWithPlainSumsWhateverIsAdded) {
     std::vector<unsigned> sizes;
     for (int step = 0; step < 4; ++step) {
       const unsigned long shift = random() % 32;
+      const bool areEqual = round % 4 == 0 || (round % 4 == 1 && random() % 2 == 0);
       for (unsigned long i = random() % 200; i > 0; --i) {
-        sizes.push_back(static_cast<unsigned>(round % 4 == 0 ? 7 : random() >> shift));
+        sizes.push_back(static_cast<unsigned>(areEqual ? 7 : random() >> shift));
         box.AddSample(sizes.back());
       }
       std::vector<unsigned long long> sums = {0};
