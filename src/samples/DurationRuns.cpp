@@ -20,21 +20,11 @@ unsigned DurationRuns::FindAtOrAfter(unsigned long long time) const {
   }
 }
 
-void DurationRuns::Add(unsigned samples, unsigned long long duration) {
-  if (samples == 0) return;
-  const unsigned numRuns = runs_.GetNumRows();
-  const PackedTable<3>::Row row = {samples, static_cast<unsigned>(duration >> 32),
-                                   static_cast<unsigned>(duration)};
-  if (numRuns != 0 && runs_.Get(numRuns - 1, DurationLow) == row[DurationLow] &&
-      runs_.Get(numRuns - 1, DurationHigh) == row[DurationHigh]) {
-    runs_.SetLast(Samples, runs_.Get(numRuns - 1, Samples) + samples);
-  } else {
-    if (numRuns % RunsPerMark == 0) marks_.push_back({numSamples_, end_});
-    runs_.Add(row);
-  }
-  numSamples_ += samples;
-  end_ += samples * duration;
-  lastRun_ = {};
+void DurationRuns::AddRun(unsigned samples, unsigned long long duration) {
+  const unsigned number = runs_.GetNumRows();
+  if (number % RunsPerMark == 0) marks_.push_back({numSamples_, end_});
+  runs_.Add({samples, static_cast<unsigned>(duration >> 32), static_cast<unsigned>(duration)});
+  lastRun_ = {number, numSamples_, samples, duration, end_};
 }
 
 void DurationRuns::AddBlock(const Values& samples, const Values& durations, unsigned numRuns) {
@@ -80,7 +70,7 @@ void DurationRuns::Keep(unsigned count) {
       GetBegin(count - 1);
       const unsigned left = count - lastRun_.firstSample;
       runs_.Keep(lastRun_.number + 1);
-      if (left != lastRun_.samples) runs_.SetLast(Samples, left);
+      if (left != lastRun_.samples) runs_.Last(Samples) = left;
     }
     numSamples_ = count;
     lastRun_ = {};

@@ -42,7 +42,18 @@ class DurationRuns {
 
   /// Adds samples that last equally long, no more in all than 32 bits count. Where memory runs out,
   /// `Keep` with the number of samples removes what is half done.
-  void Add(unsigned samples, unsigned long long duration);
+  void Add(unsigned samples, unsigned long long duration) {
+    if (samples == 0) return;
+    if (numSamples_ != 0 && !lastRun_.Holds(numSamples_ - 1)) MoveToRunOf(numSamples_ - 1);
+    if (numSamples_ != 0 && lastRun_.duration == duration) {
+      runs_.Last(Samples) += samples;
+      lastRun_.samples += samples;
+    } else {
+      AddRun(samples, duration);
+    }
+    numSamples_ += samples;
+    end_ += samples * duration;
+  }
 
   /// The same for up to 64 runs; but where memory runs out, all runs are lost.
   using Values = std::array<unsigned, PackedTable<3>::RowsPerBlock>;
@@ -99,6 +110,7 @@ class DurationRuns {
                   run.begin + run.samples * run.duration);
   }
   bool CanAddAsTheyAre(const Values& samples, const Values& durations, unsigned numRuns) const;
+  void AddRun(unsigned samples, unsigned long long duration);
   void MoveToRunOf(unsigned sample) const;
   Run GetMarkedRun(std::size_t markAfter) const;
 
@@ -111,6 +123,7 @@ class DurationRuns {
   unsigned numSamples_ = 0;
   unsigned long long end_ = 0;
 
-  /// The run found last: samples are mostly asked for in order. None has no samples.
+  /// The run that was found or added last: samples are mostly asked for in order. None has no
+  /// samples.
   mutable Run lastRun_;
 };

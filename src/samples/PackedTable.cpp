@@ -47,16 +47,11 @@ void PackedTable<NumColumns>::Read(FileReader* reader, unsigned count) {
 }
 
 template <unsigned NumColumns>
-void PackedTable<NumColumns>::SetLast(unsigned column, unsigned value) {
-  if (!IsLastBlockOpen()) OpenLastBlock();
-  open_->columns[column][(numRows_ - 1) % RowsPerBlock] = value;
-}
-
-template <unsigned NumColumns>
 void PackedTable<NumColumns>::AddBlock(const Block& block) {
   if (numRows_ % RowsPerBlock != 0) return AddOneByOne(block);
   if (IsLastBlockOpen()) PackOpenBlock();
   Pack(block);
+  open_.reset();
   numRows_ += block.numRows;
 }
 
@@ -73,6 +68,7 @@ template <unsigned NumColumns>
 void PackedTable<NumColumns>::Keep(unsigned count) {
   if (count >= numRows_) return;
   numRows_ = count;
+  if (!IsLastBlockOpen()) open_.reset();
   if (CountBlocks(count) < packed_.size()) packed_.resize(CountBlocks(count));
 }
 

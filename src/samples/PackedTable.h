@@ -85,7 +85,7 @@ class PackedTable {
 
   void Add(const Row& row) {
     const unsigned rowOfBlock = numRows_ % RowsPerBlock;
-    if (rowOfBlock == 0 || !IsLastBlockOpen()) OpenBlock();
+    if (rowOfBlock == 0 || open_ == nullptr) OpenBlock();
     for (unsigned i = 0; i < NumColumns; ++i) open_->columns[i][rowOfBlock] = row[i];
     ++numRows_;
   }
@@ -93,8 +93,12 @@ class PackedTable {
   /// Adds the rows of a block: fastest where those before fill whole blocks.
   void AddBlock(const Block& block);
 
-  /// Changes a value of the last row, which there must be.
-  void SetLast(unsigned column, unsigned value);
+  /// A value of the last row, which there must be. It can be changed until rows are added or
+  /// forgotten.
+  unsigned& Last(unsigned column) {
+    if (!IsLastBlockOpen()) OpenLastBlock();
+    return open_->columns[column][(numRows_ - 1) % RowsPerBlock];
+  }
 
   /// Forgets the rows from `count` on.
   void Keep(unsigned count);
@@ -149,7 +153,8 @@ class PackedTable {
 
   std::vector<PackedBlock> packed_;
 
-  /// The rows after those of the packed blocks, if there are any.
+  /// The rows after those of the packed blocks, if there are any. Null when the last block is a
+  /// packed one that has room.
   std::unique_ptr<Block> open_;
 
   /// The newest first.

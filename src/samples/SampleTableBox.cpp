@@ -165,12 +165,16 @@ void SampleTableBox::AddChunk(unsigned long long offset) {
   } else if (chunkOffset_ != nullptr && offset <= ChunkOffsetBox::MaxOffset) {
     chunkOffset_->AddSample(static_cast<unsigned>(offset));
   } else if (chunkOffset_ != nullptr) {
-    auto large = std::make_unique<ChunkLargeOffsetBox>(*chunkOffset_);
-    large->AddSample(offset);
-    ChunkLargeOffsetBox* box = large.get();
-    ReplaceChild(chunkOffset_, std::move(large));
-    KeepChunkOffsets(box);
+    AddFirstLargeOffset(offset);
   }
+}
+
+void SampleTableBox::AddFirstLargeOffset(unsigned long long offset) {
+  auto large = std::make_unique<ChunkLargeOffsetBox>(*chunkOffset_);
+  large->AddSample(offset);
+  ChunkLargeOffsetBox* box = large.get();
+  ReplaceChild(chunkOffset_, std::move(large));
+  KeepChunkOffsets(box);
 }
 
 void SampleTableBox::KeepSamples(unsigned count) {

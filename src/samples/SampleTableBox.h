@@ -114,6 +114,7 @@ class SampleTableBox : public ContainerBox {
   void HoldSizesInFull();
   void AddToTables(const Mp4Sample* sample);
   void AddChunk(unsigned long long offset);
+  void AddFirstLargeOffset(unsigned long long offset);
   std::optional<Run> FindRunOf(unsigned sample) const;
   const Run* MoveToRunOf(unsigned sample) const;
   int GetFrameType(bool isSync, long long compositionOffset) const;

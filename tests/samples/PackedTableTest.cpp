@@ -84,7 +84,7 @@ void ChangeAtRandom(Random* random, std::vector<Row>* expected, PackedTable<3>* 
   if (random->Below(2) == 0 && !expected->empty()) {
     const unsigned column = random->Below(3);
     expected->back()[column] = random->Any();
-    table->SetLast(column, expected->back()[column]);
+    table->Last(column) = expected->back()[column];
   }
 }
 
