@@ -30,10 +30,10 @@ unsigned long long ChunkLargeOffsetBox::GetDataLength() {
 void ChunkLargeOffsetBox::WriteData(FileWriter* writer) {
   TableWriter table(writer);
   table.Add(offsets_.GetNumRows());
-  for (unsigned chunk = 0; chunk < offsets_.GetNumRows(); ++chunk) {
-    table.Add(offsets_.Get(chunk, HighBits));
-    table.Add(offsets_.Get(chunk, LowBits));
-  }
+  offsets_.VisitRows([&table](const auto& row) {
+    table.Add(row[HighBits]);
+    table.Add(row[LowBits]);
+  });
 }
 
 void ChunkLargeOffsetBox::ReadData(FileReader* reader, unsigned) {

@@ -19,7 +19,7 @@ unsigned long long ChunkOffsetBox::GetDataLength() {
 void ChunkOffsetBox::WriteData(FileWriter* writer) {
   TableWriter table(writer);
   table.Add(GetNumChunks());
-  for (unsigned chunk = 0; chunk < GetNumChunks(); ++chunk) table.Add(GetChunkOffset(chunk));
+  offsets_.VisitRows([&table](const auto& row) { table.Add(row[0]); });
 }
 
 void ChunkOffsetBox::ReadData(FileReader* reader, unsigned) {

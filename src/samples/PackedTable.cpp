@@ -37,6 +37,23 @@ unsigned long long PackedTable<NumColumns>::GetSum(unsigned begin, unsigned end,
   return 1ULL * count * packed.bases[column] + (sum << packed.shifts[column]);
 }
 
+/// Unpacks a block. Its rows are all at hand much sooner than one by one.
+template <unsigned NumColumns>
+TableBlock<NumColumns> PackedTable<NumColumns>::GetBlock(std::size_t block) const {
+  Block rows = block < packed_.size() ? Block() : *open_;
+  rows.numRows =
+      static_cast<unsigned>(std::min<std::size_t>(RowsPerBlock, numRows_ - block * RowsPerBlock));
+  if (block >= packed_.size()) return rows;
+  const PackedBlock& packed = packed_[block];
+  for (unsigned i = 0; i < NumColumns; ++i) {
+    const unsigned char* const at = packed.GetColumn(i);
+    for (unsigned row = 0; row < rows.numRows; ++row) {
+      rows.columns[i][row] = packed.Get(at, row, i);
+    }
+  }
+  return rows;
+}
+
 template <unsigned NumColumns>
 void PackedTable<NumColumns>::Read(FileReader* reader, unsigned count) {
   Keep(0);

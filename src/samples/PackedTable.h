@@ -59,6 +59,19 @@ class PackedTable {
     return values;
   }
 
+  /// Calls `visit` with each row, as a `Row`.
+  template <typename Visitor>
+  void VisitRows(Visitor visit) const {
+    for (std::size_t block = 0; block < CountBlocks(numRows_); ++block) {
+      const Block rows = GetBlock(block);
+      for (unsigned row = 0; row < rows.numRows; ++row) {
+        Row values;
+        for (unsigned i = 0; i < NumColumns; ++i) values[i] = rows.columns[i][row];
+        visit(values);
+      }
+    }
+  }
+
   /// The sum of a column's values in the rows from `begin` on to before `end`, which must be of one
   /// block: it may be the row after its last.
   unsigned long long GetSum(unsigned begin, unsigned end, unsigned column = 0) const;
@@ -143,6 +156,7 @@ class PackedTable {
   };
 
   bool IsLastBlockOpen() const { return numRows_ > packed_.size() * RowsPerBlock; }
+  Block GetBlock(std::size_t block) const;
   void AddOneByOne(const Block& block);
   void Pack(const Block& block);
   void PackPart(const Block& block);

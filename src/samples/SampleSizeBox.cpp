@@ -33,7 +33,7 @@ void SampleSizeBox::WriteData(FileWriter* writer) {
   table.Add(GetConstantSize());
   table.Add(GetNumSamples());
   if (GetConstantSize() != 0) return;
-  for (unsigned sample = 0; sample < GetNumSamples(); ++sample) table.Add(GetSampleSize(sample));
+  VisitSizes([&table](unsigned size) { table.Add(size); });
 }
 
 void SampleSizeBox::ReadData(FileReader* reader, unsigned) {

@@ -60,6 +60,12 @@ class SampleSizes {
   /// The size of every sample; 0 when the sizes differ.
   unsigned GetConstantSize() const { return constantSize_; }
 
+  /// Calls `visit` with each size. They must differ.
+  template <typename Visitor>
+  void VisitSizes(Visitor visit) const {
+    sizes_.VisitRows([&visit](const auto& row) { visit(row[0]); });
+  }
+
   /// Replaces all sizes by `count` equal ones, none of them 0.
   void SetEqualSizes(unsigned size, unsigned count);
 

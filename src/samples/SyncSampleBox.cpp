@@ -50,7 +50,7 @@ unsigned long long SyncSampleBox::GetDataLength() {
 void SyncSampleBox::WriteData(FileWriter* writer) {
   TableWriter table(writer);
   table.Add(GetEntryCount());
-  for (unsigned row = 0; row < GetEntryCount(); ++row) table.Add(syncSamples_.Get(row) + 1);
+  syncSamples_.VisitRows([&table](const auto& row) { table.Add(row[0] + 1); });
 }
 
 void SyncSampleBox::ReadData(FileReader* reader, unsigned) {

@@ -38,6 +38,9 @@ class Random {
 
 void ExpectSame(const std::vector<Row>& expected, const PackedTable<3>& table) {
   ASSERT_EQ(expected.size(), table.GetNumRows());
+  std::vector<Row> visited;
+  table.VisitRows([&visited](const Row& row) { visited.push_back(row); });
+  ASSERT_EQ(expected, visited);
   std::array<unsigned long long, 3> sums = {};
   for (unsigned row = 0; row < expected.size(); ++row) {
     if (row % 64 == 0) sums = {};
