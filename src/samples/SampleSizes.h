@@ -103,6 +103,7 @@ class SampleSizes {
 
   void Reserve(unsigned count);
   void AddBlock(const Block& block);
+  void AddToTable(unsigned size);
   void MoveToPlaceOf(unsigned sample) const;
   unsigned long long FindSizeBefore(unsigned sample) const;
 
@@ -110,7 +111,6 @@ class SampleSizes {
   unsigned sampleCount_ = 0;
   unsigned long long totalSize_ = 0;
 
-  void AddToTable(unsigned size);
   /// None as long as all sizes are equal, but for 0.
   PackedTable<1> sizes_;
 

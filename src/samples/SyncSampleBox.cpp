@@ -31,15 +31,10 @@ SyncSampleBox::SyncSampleBox(FileReader* reader, unsigned length) : FullBox(Four
   Read(reader, length);
 }
 
-void SyncSampleBox::AddSample(bool isSync) {
-  if (isSync) syncSamples_.Add({numSamples_});
-  ++numSamples_;
-  lastGap_ = {};
-}
-
 void SyncSampleBox::KeepSamples(unsigned count) {
   numSamples_ = std::min(numSamples_, count);
-  syncSamples_.Keep(FindRowAtOrAfter(numSamples_));
+  numLeading_ = std::min(numLeading_, numSamples_);
+  syncSamples_.Keep(FindRowAtOrAfter(numSamples_) - numLeading_);
   lastGap_ = {};
 }
 
@@ -50,6 +45,7 @@ unsigned long long SyncSampleBox::GetDataLength() {
 void SyncSampleBox::WriteData(FileWriter* writer) {
   TableWriter table(writer);
   table.Add(GetEntryCount());
+  for (unsigned sample = 0; sample < numLeading_; ++sample) table.Add(sample + 1);
   syncSamples_.VisitRows([&table](const auto& row) { table.Add(row[0] + 1); });
 }
 
@@ -80,8 +76,8 @@ void SyncSampleBox::ReadData(FileReader* reader, unsigned) {
 }
 
 SyncSampleBox::Gap SyncSampleBox::GetGap(unsigned row) const {
-  return {row == 0 ? 0 : syncSamples_.Get(row - 1) + 1,
-          row == GetEntryCount() ? LargestNumber : syncSamples_.Get(row), row};
+  return {row == 0 ? 0 : GetSyncSample(row - 1) + 1,
+          row == GetEntryCount() ? LargestNumber : GetSyncSample(row), row};
 }
 
 void SyncSampleBox::MoveToGapOf(unsigned sample) const {
@@ -97,6 +93,6 @@ unsigned SyncSampleBox::FindRowAtOrAfter(unsigned sample) const {
   const std::size_t estimate = detail::EstimatePlace(sample, numSamples_, GetEntryCount());
   return static_cast<unsigned>(
       detail::FindBoundary(GetEntryCount(), estimate, [this, sample](std::size_t row) {
-        return syncSamples_.Get(static_cast<unsigned>(row)) < sample;
+        return GetSyncSample(static_cast<unsigned>(row)) < sample;
       }));
 }

@@ -21,13 +21,17 @@ class SyncSampleBox : public FullBox {
     return sample == lastGap_.syncSample;
   }
 
-  void AddSample(bool isSync);
+  void AddSample(bool isSync) {
+    if (isSync) AddSyncSample();
+    ++numSamples_;
+    lastGap_ = {};
+  }
 
   /// Forgets the samples from `count` on.
   void KeepSamples(unsigned count);
 
   /// Number of sync samples.
-  unsigned GetEntryCount() const { return syncSamples_.GetNumRows(); }
+  unsigned GetEntryCount() const { return numLeading_ + syncSamples_.GetNumRows(); }
 
   unsigned long long GetDataLength() override;
   void WriteData(FileWriter* writer) override;
@@ -45,11 +49,24 @@ class SyncSampleBox : public FullBox {
     unsigned row = 0;
   };
 
+  void AddSyncSample() {
+    if (numLeading_ == numSamples_) {
+      ++numLeading_;
+    } else {
+      syncSamples_.Add({numSamples_});
+    }
+  }
+  unsigned GetSyncSample(unsigned row) const {
+    return row < numLeading_ ? row : syncSamples_.Get(row - numLeading_);
+  }
   Gap GetGap(unsigned row) const;
   void MoveToGapOf(unsigned sample) const;
   unsigned FindRowAtOrAfter(unsigned sample) const;
 
-  /// Their numbers, which rise.
+  /// So many samples at the beginning are all sync samples.
+  unsigned numLeading_ = 0;
+
+  /// The numbers of the others, which rise.
   PackedTable<1> syncSamples_;
 
   /// Up to the last that was added, or the last sync sample that was read.

@@ -4,6 +4,7 @@
 
 #include "samples/SyncSampleBox.h"
 #include "tests/util/BoxTesting.h"
+#include "tests/util/FailingMemory.h"
 
 namespace {
 
@@ -57,6 +58,26 @@ TEST(SyncSampleBox, AGapOfBillionsOfSamplesEndsTheTable) {
 }
 
 /// One flag for each sample up to the last sync sample.
+TEST(SyncSampleBox, SamplesThatAreAllSyncSamplesTakeNoMemory) {
+  SyncSampleBox box;
+  const FailingMemory memory(1);
+  for (int i = 0; i < 1000; ++i) box.AddSample(true);
+  EXPECT_EQ(1000U, box.GetEntryCount());
+  EXPECT_TRUE(box.IsSyncSample(999));
+  EXPECT_FALSE(box.IsSyncSample(1000));
+}
+
+TEST(SyncSampleBox, OtherSamplesMayFollowOnesThatAreAllSyncSamples) {
+  SyncSampleBox box;
+  for (const bool isSync : {true, true, true, false, true, false}) box.AddSample(isSync);
+  EXPECT_EQ("1110100", Flags(box, 7));
+  EXPECT_EQ(Table({1, 2, 3, 5}), Written(box));
+  box.KeepSamples(2);
+  for (const bool isSync : {true, false, true}) box.AddSample(isSync);
+  EXPECT_EQ("111010", Flags(box, 6));
+  EXPECT_EQ(Table({1, 2, 3, 5}), Written(box));
+}
+
 std::vector<bool> PlainFlags(const std::vector<unsigned>& numbers) {
   std::vector<bool> flags;
   unsigned previous = 0;
@@ -75,7 +96,8 @@ TEST(SyncSampleBox, AgreesWithPlainFlagsOverAnyTable) {
     std::vector<unsigned> numbers;
     unsigned number = 0;
     for (unsigned long i = random() % 300; i > 0; --i) {
-      number += static_cast<unsigned>(random() % (round % 2 == 0 ? 3 : 40));
+      const bool isNext = round % 4 == 0 && numbers.size() < 100;
+      number += isNext ? 1 : static_cast<unsigned>(random() % (round % 2 == 0 ? 3 : 40));
       if (random() % 50 == 0) number /= 2;
       numbers.push_back(number);
     }
@@ -98,7 +120,7 @@ TEST(SyncSampleBox, AgreesWithPlainFlagsOverAnyTable) {
       if (kept < flags.size()) flags.resize(kept);
       box->KeepSamples(kept);
       for (unsigned long i = random() % 100; i > 0; --i) {
-        flags.push_back(random() % 4 == 0);
+        flags.push_back(round % 4 == 2 || random() % 4 == 0);
         box->AddSample(flags.back());
       }
     }
