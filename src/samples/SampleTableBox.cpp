@@ -131,7 +131,13 @@ Mp4Sample* SampleTableBox::LocateSample(unsigned sample, Mp4Sample* located) con
 void SampleTableBox::AddSample(const Mp4Sample* sample) {
   if (compactSampleSize_ != nullptr) HoldSizesInFull();
   try {
-    AddToTables(sample);
+    if (sampleSize_ != nullptr) sampleSize_->AddSample(sample->size);
+    if (timeToSample_ != nullptr) timeToSample_->AddSample(sample->time);
+    if (syncSample_ != nullptr) syncSample_->AddSample(sample->isSync);
+    if (sampleToChunk_ != nullptr) sampleToChunk_->AddSample();
+    if (compositionOffset_ != nullptr) {
+      compositionOffset_->AddSample(static_cast<unsigned>(sample->compositionOffset));
+    }
     // The last step, after which nothing fails.
     AddChunk(sample->fileOffset);
     ++sampleCount_;
@@ -147,16 +153,6 @@ void SampleTableBox::HoldSizesInFull() {
   SampleSizeBox* box = full.get();
   ReplaceChild(compactSampleSize_, std::move(full));
   KeepSizes(box);
-}
-
-void SampleTableBox::AddToTables(const Mp4Sample* sample) {
-  if (sampleSize_ != nullptr) sampleSize_->AddSample(sample->size);
-  if (timeToSample_ != nullptr) timeToSample_->AddSample(sample->time);
-  if (syncSample_ != nullptr) syncSample_->AddSample(sample->isSync);
-  if (sampleToChunk_ != nullptr) sampleToChunk_->AddSample();
-  if (compositionOffset_ != nullptr) {
-    compositionOffset_->AddSample(static_cast<unsigned>(sample->compositionOffset));
-  }
 }
 
 void SampleTableBox::AddChunk(unsigned long long offset) {

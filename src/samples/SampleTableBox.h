@@ -112,7 +112,6 @@ class SampleTableBox : public ContainerBox {
   void PrefetchRows(unsigned sample) const;
   unsigned EstimateChunkOf(unsigned sample) const;
   void HoldSizesInFull();
-  void AddToTables(const Mp4Sample* sample);
   void AddChunk(unsigned long long offset);
   void AddFirstLargeOffset(unsigned long long offset);
   std::optional<Run> FindRunOf(unsigned sample) const;

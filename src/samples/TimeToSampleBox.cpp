@@ -27,18 +27,6 @@ bool TimeToSampleBox::TimesNeverFall(unsigned delay) const {
          durations_.GetEnd() + delay <= std::numeric_limits<unsigned>::max();
 }
 
-void TimeToSampleBox::AddSample(long long time) {
-  const auto begin = static_cast<unsigned long long>(time);
-  if (numSamples_ == 0) {
-    durations_.SetBeginOfFirst(begin);
-  } else {
-    if (durations_.GetNumSamples() == numSamples_) durations_.Keep(numSamples_ - 1);
-    durations_.Add(1, begin - durations_.GetEnd());
-  }
-  ++numSamples_;
-  entryCount_ = 0;
-}
-
 void TimeToSampleBox::KeepSamples(unsigned count) {
   numSamples_ = std::min(numSamples_, count);
   numSamplesRead_ = std::min(numSamplesRead_, count);

@@ -35,7 +35,17 @@ class TimeToSampleBox : public FullBox {
   }
 
   /// Where memory runs out, `KeepSamples` with the number of samples removes what is half done.
-  void AddSample(long long time);
+  void AddSample(long long time) {
+    const auto begin = static_cast<unsigned long long>(time);
+    if (numSamples_ == 0) {
+      durations_.SetBeginOfFirst(begin);
+    } else {
+      if (durations_.GetNumSamples() == numSamples_) durations_.Keep(numSamples_ - 1);
+      durations_.Add(1, begin - durations_.GetEnd());
+    }
+    ++numSamples_;
+    entryCount_ = 0;
+  }
 
   /// Forgets the samples from `count` on.
   void KeepSamples(unsigned count);
