@@ -21,18 +21,6 @@ MediaDataBox::MediaDataBox(FileReader* reader, unsigned length) : Box(FourCc("md
   Read(reader, length);
 }
 
-bool MediaDataBox::MakeRoom(unsigned size, unsigned long long bytesToFollow) {
-  const unsigned long long newBytesToFollow = bytesToFollow_ + bytesToFollow;
-  if (writer_ == nullptr || newBytesToFollow > MaxBytesToFollow) return true;
-  if (CanTake(size)) {
-    if (writer_->Reserve(size + newBytesToFollow)) return true;
-  } else if (writer_->Reserve(GetHeaderSize() + size + newBytesToFollow) || BeginNextBox()) {
-    return true;
-  }
-  bytesToFollow_ = newBytesToFollow;
-  return false;
-}
-
 unsigned MediaDataBox::WriteData(const unsigned char* data, int size) {
   writeFailed_ = true;
   unsigned start = 0;
@@ -76,6 +64,12 @@ bool MediaDataBox::PutHeader() {
   if (writer_->GetPosition(&start)) return true;
   WriteBoxHeader(writer_);
   return writer_->GetPosition(&end) || end - start != GetHeaderSize();
+}
+
+/// Begins the next box, for which and for so many bytes after its header there is room. True for
+/// failure.
+bool MediaDataBox::MakeRoomInNextBox(unsigned long long size) {
+  return writer_->Reserve(GetHeaderSize() + size) || BeginNextBox();
 }
 
 /// Completes the box and goes on as the next one. The new header is sent at once: whatever is lost

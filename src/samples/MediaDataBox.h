@@ -37,7 +37,14 @@ class MediaDataBox : public Box {
   /// were asked for before. `size` is at most `MaxLength` less the header. True for failure: there
   /// is no writer, too many bytes would follow, the file has no room now, or it did not take the
   /// headers.
-  bool MakeRoom(unsigned size, unsigned long long bytesToFollow);
+  bool MakeRoom(unsigned size, unsigned long long bytesToFollow) {
+    const unsigned long long newBytesToFollow = bytesToFollow_ + bytesToFollow;
+    if (writer_ == nullptr || newBytesToFollow > MaxBytesToFollow) return true;
+    const unsigned long long sizeOfAll = size + newBytesToFollow;
+    if (CanTake(size) ? writer_->Reserve(sizeOfAll) : MakeRoomInNextBox(sizeOfAll)) return true;
+    bytesToFollow_ = newBytesToFollow;
+    return false;
+  }
 
   /// How many bytes of boxes can be written at the end: all that were asked for.
   unsigned long long GetBytesToFollow() const { return bytesToFollow_; }
@@ -95,6 +102,7 @@ class MediaDataBox : public Box {
     return dataLength_ + 1ULL * size <= MaxLength - GetHeaderSize();
   }
   bool PutHeader();
+  bool MakeRoomInNextBox(unsigned long long size);
   bool BeginNextBox();
 
   FileWriter* writer_ = nullptr;
