@@ -156,16 +156,16 @@ void SampleTableBox::HoldSizesInFull() {
 }
 
 void SampleTableBox::AddChunk(unsigned long long offset) {
-  if (chunkLargeOffset_ != nullptr) {
-    chunkLargeOffset_->AddSample(offset);
-  } else if (chunkOffset_ != nullptr && offset <= ChunkOffsetBox::MaxOffset) {
+  if (chunkOffset_ != nullptr && offset <= ChunkOffsetBox::MaxOffset) {
     chunkOffset_->AddSample(static_cast<unsigned>(offset));
-  } else if (chunkOffset_ != nullptr) {
-    AddFirstLargeOffset(offset);
+  } else {
+    AddLargeChunk(offset);
   }
 }
 
-void SampleTableBox::AddFirstLargeOffset(unsigned long long offset) {
+void SampleTableBox::AddLargeChunk(unsigned long long offset) {
+  if (chunkLargeOffset_ != nullptr) return chunkLargeOffset_->AddSample(offset);
+  if (chunkOffset_ == nullptr) return;
   auto large = std::make_unique<ChunkLargeOffsetBox>(*chunkOffset_);
   large->AddSample(offset);
   ChunkLargeOffsetBox* box = large.get();

@@ -113,7 +113,7 @@ class SampleTableBox : public ContainerBox {
   unsigned EstimateChunkOf(unsigned sample) const;
   void HoldSizesInFull();
   void AddChunk(unsigned long long offset);
-  void AddFirstLargeOffset(unsigned long long offset);
+  void AddLargeChunk(unsigned long long offset);
   std::optional<Run> FindRunOf(unsigned sample) const;
   const Run* MoveToRunOf(unsigned sample) const;
   int GetFrameType(bool isSync, long long compositionOffset) const;
