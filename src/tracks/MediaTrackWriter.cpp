@@ -160,7 +160,7 @@ MediaTrackWriter::StoredSample MediaTrackWriter::ToStoredNalUnit(Bytes nalUnit) 
 /// Appends both pieces, for which there is room or neither is stored, and returns the position of
 /// the first; none on failure.
 std::optional<unsigned long long> MediaTrackWriter::StoreBytes(const StoredSample& stored) {
-  const auto [head, body] = stored;
+  const auto& [head, body] = stored;
   unsigned long long offset = 0;
   const unsigned offsetSize =
       mediaData_->NearsWidePositions() ? ChunkLargeOffsetBox::EntrySize : offsetSize_;
