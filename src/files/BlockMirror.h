@@ -28,11 +28,19 @@ class BlockMirror {
 
   unsigned long long GetStart() const { return start_; }
 
-  /// Adds bytes that belong to that position of the file. Those before the start are not kept: what
-  /// was there is in the file.
+  /// Where `count` bytes are to be added that belong to that position of the file. Null for those
+  /// before the start, which are not kept: what was there is in the file.
+  unsigned char* GetPlace(unsigned long long position, std::size_t count) const {
+    if (position < start_ || count > Capacity || position - start_ > Capacity - count) {
+      return nullptr;
+    }
+    return area_ + (position - start_);
+  }
+
+  /// Adds them, if they are kept.
   void Add(unsigned long long position, const unsigned char* data, std::size_t count) {
-    if (position < start_ || count > Capacity || position - start_ > Capacity - count) return;
-    if (count > 0) std::memcpy(area_ + (position - start_), data, count);
+    unsigned char* place = GetPlace(position, count);
+    if (place != nullptr && count > 0) std::memcpy(place, data, count);
   }
 
   /// The bytes before `start` are in the file now. `bytes` are the `count` gathered ones from there

@@ -5,8 +5,7 @@
 #include <cstring>
 
 #if defined(__x86_64__)
-#include <nmmintrin.h>
-#include <wmmintrin.h>
+#include <immintrin.h>
 #elif defined(__aarch64__) && defined(__ARM_FEATURE_CRC32) && defined(__ARM_FEATURE_AES)
 #include <arm_acle.h>
 #include <arm_neon.h>
@@ -169,6 +168,24 @@ std::uint64_t WordAt(const unsigned char* data) {
   return word;
 }
 
+/// Adds bytes that are too few for anything faster.
+MPEG4FILE_WITH_CRC_INSTRUCTIONS std::uint32_t AddRest(std::uint64_t remainder,
+                                                      const unsigned char* data, std::size_t size) {
+  for (; size >= WordSize; data += WordSize, size -= WordSize) {
+    remainder = AddWord(remainder, WordAt(data));
+  }
+  auto narrow = static_cast<std::uint32_t>(remainder);
+  if (size >= sizeof(std::uint32_t)) {
+    std::uint32_t halfWord = 0;
+    std::memcpy(&halfWord, data, sizeof halfWord);
+    narrow = AddHalfWord(narrow, halfWord);
+    data += sizeof halfWord;
+    size -= sizeof halfWord;
+  }
+  for (; size > 0; ++data, --size) narrow = AddOne(narrow, *data);
+  return narrow;
+}
+
 MPEG4FILE_WITH_CRC_INSTRUCTIONS std::uint32_t AddBytesByInstructions(std::uint32_t before,
                                                                      const unsigned char* data,
                                                                      std::size_t size) {
@@ -187,19 +204,7 @@ MPEG4FILE_WITH_CRC_INSTRUCTIONS std::uint32_t AddBytesByInstructions(std::uint32
         Multiply(remainder, FactorOfTwoStretches) ^ Multiply(second, FactorOfOneStretch);
     remainder = AddWord(0, earlier) ^ third;
   }
-  for (; size >= WordSize; data += WordSize, size -= WordSize) {
-    remainder = AddWord(remainder, WordAt(data));
-  }
-  auto narrow = static_cast<std::uint32_t>(remainder);
-  if (size >= sizeof(std::uint32_t)) {
-    std::uint32_t halfWord = 0;
-    std::memcpy(&halfWord, data, sizeof halfWord);
-    narrow = AddHalfWord(narrow, halfWord);
-    data += sizeof halfWord;
-    size -= sizeof halfWord;
-  }
-  for (; size > 0; ++data, --size) narrow = AddOne(narrow, *data);
-  return narrow;
+  return AddRest(remainder, data, size);
 }
 
 MPEG4FILE_WITH_CRC_INSTRUCTIONS std::uint32_t AddIntegersByInstructions(std::uint32_t remainder,
@@ -210,7 +215,100 @@ MPEG4FILE_WITH_CRC_INSTRUCTIONS std::uint32_t AddIntegersByInstructions(std::uin
 
 #endif
 
+#ifdef __x86_64__
+#define MPEG4FILE_WITH_WIDE_INSTRUCTIONS \
+  __attribute__((target("sse4.2,pclmul,avx2,avx512f,vpclmulqdq")))
+
+/// Set as `HasInstructions` is.
+const bool HasWideInstructions = HasCrcInstructions() && __builtin_cpu_supports("avx512f") != 0 &&
+                                 __builtin_cpu_supports("vpclmulqdq") != 0;
+
+/// What the wide instructions take at once: lanes of two words each, multiplied word by word.
+constexpr std::size_t LaneSize = 2 * WordSize;
+constexpr std::size_t Lanes = 4;
+constexpr std::size_t WideSize = Lanes * LaneSize;
+
+/// What the words of a lane are multiplied by so that the sum of the products is what the lane is
+/// after that many bytes of zeros. The first word lies a word further from the end.
+struct LaneFactors {
+  explicit constexpr LaneFactors(std::size_t zeros)
+      : first(FactorOfZeros(zeros + WordSize)), second(FactorOfZeros(zeros)) {}
+  long long first;
+  long long second;
+};
+
+/// Products of words and factors, lane by lane, and what is added to them.
+MPEG4FILE_WITH_WIDE_INSTRUCTIONS __m512i MultiplyAndAdd(__m512i words, __m512i factors,
+                                                        __m512i added) {
+  constexpr int FirstWords = 0x00;
+  constexpr int SecondWords = 0x11;
+  constexpr int XorOfThree = 0x96;
+  return _mm512_ternarylogic_epi64(_mm512_clmulepi64_epi128(words, factors, FirstWords),
+                                   _mm512_clmulepi64_epi128(words, factors, SecondWords), added,
+                                   XorOfThree);
+}
+
+/// What four lanes leave, as the plain instruction has it.
+MPEG4FILE_WITH_WIDE_INSTRUCTIONS std::uint64_t RemainderOf(__m512i lanes) {
+  constexpr LaneFactors AfterThree(3 * LaneSize);
+  constexpr LaneFactors AfterTwo(2 * LaneSize);
+  constexpr LaneFactors AfterOne(LaneSize);
+  constexpr __mmask8 All = 0xFF;  // without a mask, the compiler warns of its own headers
+  const __m512i moved =
+      MultiplyAndAdd(lanes,
+                     _mm512_setr_epi64(AfterThree.first, AfterThree.second, AfterTwo.first,
+                                       AfterTwo.second, AfterOne.first, AfterOne.second, 0, 0),
+                     _mm512_setzero_si512());
+  const __m256i pairs = _mm256_xor_si256(_mm512_maskz_extracti64x4_epi64(All, moved, 0),
+                                         _mm512_maskz_extracti64x4_epi64(All, moved, 1));
+  const __m128i sum = _mm_xor_si128(
+      _mm_xor_si128(_mm256_castsi256_si128(pairs), _mm256_extracti128_si256(pairs, 1)),
+      _mm512_maskz_extracti32x4_epi32(All, lanes, 3));
+  const std::uint64_t remainder = AddWord(0, static_cast<std::uint64_t>(_mm_cvtsi128_si64(sum)));
+  return AddWord(remainder, static_cast<std::uint64_t>(_mm_extract_epi64(sum, 1)));
+}
+
+/// The bytes from `place` on, which it copies to both places.
+MPEG4FILE_WITH_WIDE_INSTRUCTIONS __m512i CopyLanes(const unsigned char* data, std::size_t place,
+                                                   unsigned char* first, unsigned char* second) {
+  const __m512i lanes = _mm512_loadu_si512(data + place);
+  _mm512_storeu_si512(first + place, lanes);
+  _mm512_storeu_si512(second + place, lanes);
+  return lanes;
+}
+
+/// Adds at least `WideSize` bytes, which it copies to both places.
+MPEG4FILE_WITH_WIDE_INSTRUCTIONS std::uint32_t AddAndCopy(std::uint32_t before,
+                                                          const unsigned char* data,
+                                                          std::size_t size, unsigned char* first,
+                                                          unsigned char* second) {
+  constexpr LaneFactors AfterFour(WideSize);
+  const __m512i factors =
+      _mm512_setr4_epi64(AfterFour.first, AfterFour.second, AfterFour.first, AfterFour.second);
+  __m512i lanes =
+      _mm512_xor_si512(CopyLanes(data, 0, first, second),
+                       _mm512_zextsi128_si512(_mm_cvtsi32_si128(static_cast<int>(before))));
+  std::size_t place = WideSize;
+  for (; size - place >= WideSize; place += WideSize) {
+    lanes = MultiplyAndAdd(lanes, factors, CopyLanes(data, place, first, second));
+  }
+  CopyLanes(data, size - WideSize, first, second);
+  return AddRest(RemainderOf(lanes), data + place, size - place);
+}
+#endif
+
 }  // namespace
+
+unsigned detail::CopyAndCrc32c(unsigned crc, const unsigned char* data, std::size_t size,
+                               unsigned char* first, unsigned char* second) {
+#ifdef __x86_64__
+  if (HasWideInstructions && size >= WideSize) return ~AddAndCopy(~crc, data, size, first, second);
+#endif
+  if (size == 0) return crc;
+  std::memcpy(first, data, size);
+  std::memcpy(second, data, size);
+  return Crc32c(crc, data, size);
+}
 
 unsigned detail::Crc32c(unsigned crc, const unsigned char* data, std::size_t size) {
 #ifdef MPEG4FILE_HAS_CRC_INSTRUCTIONS

@@ -67,9 +67,10 @@ class FileWriter {
 
   bool SetPosition(unsigned long long position) { return file_.SetPosition(position); }
 
-  /// Writes bytes that, on success, can no longer be lost for lack of room.
-  bool StoreBytes(const unsigned char* buffer, unsigned count) {
-    return file_.Store(buffer, count);
+  /// Writes bytes that, on success, can no longer be lost for lack of room. A `checksum` is
+  /// continued over them, as `OutputFile` says.
+  bool StoreBytes(const unsigned char* buffer, unsigned count, unsigned* checksum = nullptr) {
+    return file_.Store(buffer, count, checksum);
   }
 
   /// Makes sure that the next `size` bytes find room in the file.

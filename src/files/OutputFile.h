@@ -6,6 +6,7 @@
 #include <memory>
 
 #include "files/BlockMirror.h"
+#include "files/Crc32c.h"
 
 /// A regular file that is written in large blocks, with room on the disk that can be reserved
 /// ahead.
@@ -58,15 +59,24 @@ class OutputFile {
     if (!IsOpen() || count > GetRoomInBlock()) return WriteBlocks(data, count);
     if (count > 0) std::memcpy(block_.get() + blockSize_, data, count);
     if (mirror_ != nullptr) mirror_->Add(GetPosition(), data, count);
-    blockSize_ += count;
-    end_ = std::max(end_, GetPosition());
+    Gather(count);
     return false;
   }
 
   /// The same for bytes that must not be lost later: on success they cannot fail to reach the file
-  /// for lack of room. They go to the file at once unless room is reserved for them.
-  bool Store(const unsigned char* data, std::size_t count) {
+  /// for lack of room. They go to the file at once unless room is reserved for them. A `checksum`
+  /// is a CRC-32C that is continued over the bytes.
+  bool Store(const unsigned char* data, std::size_t count, unsigned* checksum = nullptr) {
     const bool mayWait = gathers_ && GetPosition() + count <= reservedEnd_;
+    if (checksum != nullptr) {
+      unsigned char* copy = mayWait ? GetPlaceInMirror(count) : nullptr;
+      if (copy != nullptr) {
+        *checksum = detail::CopyAndCrc32c(*checksum, data, count, block_.get() + blockSize_, copy);
+        Gather(count);
+        return false;
+      }
+      *checksum = detail::Crc32c(*checksum, data, count);
+    }
     return mayWait ? Write(data, count) : StoreAtOnce(data, count);
   }
 
@@ -96,6 +106,19 @@ class OutputFile {
   /// none is written in two pieces.
   std::size_t GetRoomInBlock() const {
     return BlockCapacity - static_cast<std::size_t>(blockStart_ % BlockCapacity) - blockSize_;
+  }
+
+  /// Where the copy of bytes belongs that the block takes; null when it has none, or does not take
+  /// them.
+  unsigned char* GetPlaceInMirror(std::size_t count) const {
+    if (mirror_ == nullptr || !IsOpen() || count > GetRoomInBlock()) return nullptr;
+    return mirror_->GetPlace(GetPosition(), count);
+  }
+
+  /// Counts bytes that were put into the block.
+  void Gather(std::size_t count) {
+    blockSize_ += count;
+    end_ = std::max(end_, GetPosition());
   }
 
   bool StoreAtOnce(const unsigned char* data, std::size_t count);

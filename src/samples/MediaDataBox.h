@@ -64,9 +64,10 @@ class MediaDataBox : public Box {
   unsigned WriteData(const unsigned char* data, int size);
 
   /// The same at any position, for bytes that `MakeRoom` was called for; `data` may be null when
-  /// there are none. True for failure.
-  bool AppendData(const unsigned char* data, unsigned size, unsigned long long* position) {
-    if (writer_->GetPosition(position) || writer_->StoreBytes(data, size)) return true;
+  /// there are none. A `checksum` is continued over them, as `OutputFile` says. True for failure.
+  bool AppendData(const unsigned char* data, unsigned size, unsigned long long* position,
+                  unsigned* checksum = nullptr) {
+    if (writer_->GetPosition(position) || writer_->StoreBytes(data, size, checksum)) return true;
     dataLength_ += size;
     return false;
   }

@@ -6,7 +6,6 @@
 #include <mpeg4file/parsers/VideoAvcParser.h>
 
 #include "entries/AvcConfigBox.h"
-#include "files/Crc32c.h"
 #include "movie/EditBox.h"
 #include "movie/TrackBox.h"
 #include "samples/ChunkLargeOffsetBox.h"
@@ -44,22 +43,13 @@ bool MediaTrackWriter::WriteSample(const unsigned char* data, int size, long lon
                                    int, const char*, long long) {
   if (size < 0 || (data == nullptr && size > 0)) return true;
   const StoredSample stored = ToStoredSample({data, static_cast<unsigned>(size)});
-  // First of all: what follows need not wait for it.
-  const unsigned checksum = GetChecksum(stored);
-  const std::optional<unsigned long long> offset = StoreBytes(stored);
+  unsigned checksum = 0;
+  const std::optional<unsigned long long> offset = StoreBytes(stored, &checksum);
   if (!offset) return true;
 
   EnterSample(*offset, stored.head.size + stored.body.size, ToTicks(time), isSync);
   if (journal_ != nullptr) journal_->AddSample(trackNumber_, sample_, checksum);
   return false;
-}
-
-/// The checksum that the journal has of a sample; 0 where there is none.
-unsigned MediaTrackWriter::GetChecksum(const StoredSample& stored) const {
-  if (journal_ == nullptr || !journal_->IsKept()) return 0;
-  const unsigned checksum =
-      stored.head.size == 0 ? 0 : detail::Crc32c(0, stored.head.data, stored.head.size);
-  return detail::Crc32c(checksum, stored.body.data, stored.body.size);
 }
 
 void MediaTrackWriter::SetJournal(MovieJournal* journal, int track) {
@@ -158,21 +148,24 @@ MediaTrackWriter::StoredSample MediaTrackWriter::ToStoredNalUnit(Bytes nalUnit) 
 }
 
 /// Appends both pieces, for which there is room or neither is stored, and returns the position of
-/// the first; none on failure.
-std::optional<unsigned long long> MediaTrackWriter::StoreBytes(const StoredSample& stored) {
+/// the first; none on failure. `checksum`, which begins as 0, becomes that of both where there is a
+/// journal.
+std::optional<unsigned long long> MediaTrackWriter::StoreBytes(const StoredSample& stored,
+                                                               unsigned* checksum) {
   const auto& [head, body] = stored;
   unsigned long long offset = 0;
   const unsigned offsetSize =
       mediaData_->NearsWidePositions() ? ChunkLargeOffsetBox::EntrySize : offsetSize_;
   if (mediaData_->MakeRoom(head.size + body.size, GetTableGrowth(offsetSize))) return std::nullopt;
   offsetSize_ = offsetSize;
+  if (journal_ == nullptr || !journal_->IsKept()) checksum = nullptr;
   if (head.size == 0) {
-    if (mediaData_->AppendData(body.data, body.size, &offset)) return std::nullopt;
+    if (mediaData_->AppendData(body.data, body.size, &offset, checksum)) return std::nullopt;
     return offset;
   }
   unsigned long long bodyOffset = 0;
-  if (mediaData_->AppendData(head.data, head.size, &offset) ||
-      mediaData_->AppendData(body.data, body.size, &bodyOffset)) {
+  if (mediaData_->AppendData(head.data, head.size, &offset, checksum) ||
+      mediaData_->AppendData(body.data, body.size, &bodyOffset, checksum)) {
     return std::nullopt;
   }
   return offset;

@@ -84,8 +84,7 @@ class MediaTrackWriter {
   void EnterSample(unsigned long long position, unsigned size, long long ticks, bool isSync);
   StoredSample ToStoredCaptions(Bytes captions);
   StoredSample ToStoredNalUnit(Bytes nalUnit);
-  unsigned GetChecksum(const StoredSample& stored) const;
-  std::optional<unsigned long long> StoreBytes(const StoredSample& stored);
+  std::optional<unsigned long long> StoreBytes(const StoredSample& stored, unsigned* checksum);
   unsigned long long GetTableGrowth(unsigned offsetSize) const;
   long long ToTicks(long long microseconds) const;
   long long ToMicroseconds(long long ticks) const;

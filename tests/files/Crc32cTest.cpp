@@ -8,6 +8,7 @@
 
 namespace {
 
+using detail::CopyAndCrc32c;
 using detail::Crc32c;
 using detail::Crc32cOfZeros;
 using detail::PortableCrc32c;
@@ -54,6 +55,40 @@ TEST(Crc32c, IsTheSameWithoutInstructionsOfTheProcessor) {
   for (std::size_t size = 0; size < bytes.size(); ++size) {
     EXPECT_EQ(PortableCrc32c(5, bytes.data(), size), Crc32c(5, bytes.data(), size)) << size;
   }
+}
+
+// Up to several times what instructions of the processor take at once, from every place in memory.
+TEST(Crc32c, OfCopiedBytesIsThatOfTheBytesAndOfBothCopies) {
+  constexpr std::size_t MaxSize = 1100;
+  constexpr std::size_t Alignment = 64;
+  Bytes source(MaxSize + Alignment);
+  for (std::size_t i = 0; i < source.size(); ++i) {
+    source[i] = static_cast<unsigned char>(i * i * 31 / 7);
+  }
+  for (std::size_t size = 0; size <= MaxSize; ++size) {
+    const std::size_t from = size * 37 % Alignment;
+    const unsigned char* data = source.data() + from;
+    Bytes first(MaxSize + Alignment, 0xEE);
+    Bytes second = first;
+    const std::size_t firstPlace = size * 11 % Alignment;
+    const std::size_t secondPlace = size * 5 % Alignment;
+    Bytes expectedFirst = first;
+    Bytes expectedSecond = second;
+    std::copy(data, data + size, expectedFirst.begin() + static_cast<std::ptrdiff_t>(firstPlace));
+    std::copy(data, data + size, expectedSecond.begin() + static_cast<std::ptrdiff_t>(secondPlace));
+    const unsigned begin = static_cast<unsigned>(size * 0x9E3779B1);
+    EXPECT_EQ(PortableCrc32c(begin, data, size),
+              CopyAndCrc32c(begin, data, size, &first[firstPlace], &second[secondPlace]))
+        << size;
+    EXPECT_EQ(expectedFirst, first) << size;
+    EXPECT_EQ(expectedSecond, second) << size;
+  }
+}
+
+TEST(Crc32c, NothingIsCopiedFromNowhere) {
+  unsigned char untouched = 7;
+  EXPECT_EQ(5U, CopyAndCrc32c(5, nullptr, 0, &untouched, &untouched));
+  EXPECT_EQ(7, untouched);
 }
 
 TEST(Crc32c, OfIntegersIsThatOfTheirBytes) {

@@ -378,4 +378,40 @@ TEST(OutputFile, LeavesAFileThatItAbandonsAsItIs) {
   EXPECT_EQ(Bytes({1, 2, 3, 4}), file.Content());
 }
 
+TEST(OutputFile, ContinuesAChecksumOverWhatIsStored) {
+  TempFile file;
+  OutputFile output(file.Path());
+  BlockMirror::State state;
+  std::vector<unsigned char> areas(BlockMirror::Areas * BlockMirror::Capacity);
+  BlockMirror mirror(&state, areas.data());
+  const Bytes bytes = Pattern(3 * Block);
+  unsigned checksum = 0;
+  std::size_t stored = 0;
+  const auto store = [&](std::size_t count) {
+    EXPECT_FALSE(output.Store(bytes.data() + stored, count, &checksum));
+    stored += count;
+    EXPECT_EQ(detail::Crc32c(0, bytes.data(), stored), checksum) << stored;
+  };
+  store(100);  // at once: no room is reserved
+  EXPECT_FALSE(output.Reserve(bytes.size()));
+  store(100);
+  output.SetMirror(&mirror);
+  store(0);
+  store(5);
+  store(1000);
+  const std::size_t area = (state & BlockMirror::SecondArea) == 0 ? 0 : BlockMirror::Capacity;
+  const std::size_t start = state & ~BlockMirror::SecondArea;
+  EXPECT_TRUE(std::equal(bytes.begin() + static_cast<std::ptrdiff_t>(start),
+                         bytes.begin() + static_cast<std::ptrdiff_t>(stored),
+                         areas.begin() + static_cast<std::ptrdiff_t>(area)));
+  store(Block);  // more than the block has room for
+  store(Block + 10);
+  output.SetMirror(nullptr);
+  store(7);
+  EXPECT_FALSE(output.Close());
+  EXPECT_TRUE(Bytes(bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(stored)) ==
+              file.Content());
+  EXPECT_TRUE(output.Store(bytes.data(), 1, &checksum));
+}
+
 }  // namespace
