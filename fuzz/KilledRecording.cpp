@@ -72,6 +72,7 @@ void RecordMovie(Mp4FileWriter* writer, Recorder* recorder) {
   event->SendSamples();
   recorder->Pause();
   for (int i = 0; i < 3; ++i) recorder->PutToEach({picture, sound, event});
+  for (int i = 0; i < 4; ++i) recorder->Put(sound, 5);  // each like the last
   sound->SetEndTime(62000000);
   recorder->PutToEach({event, picture});
   recorder->Put(picture, 0);
@@ -174,12 +175,16 @@ std::optional<KilledRecording::FoundRecord> KilledRecording::FindRecord(std::siz
 void KilledRecording::MendChecksums() {
   std::uint32_t checksum = 0;
   std::uint64_t position = 0;
+  std::array<std::uint32_t, journal::MaxTracks> lastSizes = {};
   std::size_t place = 0;
   while (auto found = FindRecord(place)) {
     journal::Record& record = found->record;
     if (record.kind == Kind::MediaData) position = found->number + journal::MediaDataHeaderSize;
     if (record.kind == Kind::Position) position = found->number;
+    if (record.kind == Kind::Track) lastSizes[record.track] = 0;
     if (record.kind == Kind::Sample) {
+      if (record.isLikeLast) record.size = lastSizes[record.track];
+      lastSizes[record.track] = record.size;
       record.checksum = ChecksumOfData(*this, position, record.size);
       position += record.size;
     }

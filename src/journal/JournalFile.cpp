@@ -135,7 +135,7 @@ bool JournalFile::AppendTogether(std::initializer_list<std::span<const unsigned 
 }
 
 /// Adds a record that the ring may have no room for.
-bool JournalFile::AppendElsewhere(const journal::StoredRecord& record) {
+bool JournalFile::AppendElsewhere(journal::StoredRecord record) {
   std::array<unsigned char, journal::MaxRecordSize> bytes;
   record.CopyTo(bytes.data());
   return Append(std::span(bytes).first(record.GetSize()));

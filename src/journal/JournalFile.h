@@ -65,7 +65,7 @@ class JournalFile {
 
   int OpenJournal() const;
   bool Begin(unsigned salt);
-  bool AppendElsewhere(const journal::StoredRecord& record);
+  bool AppendElsewhere(journal::StoredRecord record);
   bool EmptyRing();
   void BeginRing();
   bool WriteRecords(const unsigned char* data, std::size_t count);

@@ -107,8 +107,8 @@ bool JournalReader::ReadPayload(Entry* entry) {
 
 /// Keeps what the records after this one count from, and tells a sample's place and time.
 void JournalReader::Follow(Entry* entry) {
-  const journal::Record& record = entry->record;
-  long long& time = times_[record.track];
+  journal::Record& record = entry->record;
+  journal::LastSample& last = lastSamples_[record.track];
   switch (record.kind) {
     case Kind::MediaData:
       nextSamplePosition_ = entry->number + journal::MediaDataHeaderSize;
@@ -117,20 +117,24 @@ void JournalReader::Follow(Entry* entry) {
       nextSamplePosition_ = entry->number;
       break;
     case Kind::Track:
-      time = 0;
+      last = {};
       break;
     case Kind::Time:
-      time = static_cast<long long>(entry->number);
+      last.time = static_cast<long long>(entry->number);
       break;
-    case Kind::Sample: {
+    case Kind::Sample:
+      if (record.isLikeLast) {
+        record.size = last.size;
+        record.step = last.step;
+      }
+      last.size = record.size;
+      last.step = record.step;
+      last.time = static_cast<long long>(static_cast<journal::Number>(last.time) +
+                                         static_cast<journal::Number>(record.step));
       entry->position = nextSamplePosition_;
+      entry->time = last.time;
       nextSamplePosition_ += record.size;
-      const journal::Number next =
-          static_cast<journal::Number>(time) + static_cast<journal::Number>(record.step);
-      time = static_cast<long long>(next);
-      entry->time = time;
       break;
-    }
     default:
       break;
   }

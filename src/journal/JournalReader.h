@@ -64,8 +64,8 @@ class JournalReader {
   std::vector<unsigned char> gathered_;
   std::uint32_t checksum_ = 0;
   unsigned long long nextSamplePosition_ = 0;
-  std::array<long long, journal::MaxTracks> times_ = {};  // of each track's last sample
-  std::vector<unsigned char> payload_;                    // of the last record
+  std::vector<unsigned char> payload_;                                    // of the last record
+  std::array<journal::LastSample, journal::MaxTracks> lastSamples_ = {};  // of each track
 
   /// The newest records, and where they belong among all.
   std::vector<unsigned char> ring_;

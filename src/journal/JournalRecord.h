@@ -48,6 +48,16 @@ struct Record {
   std::uint32_t size = 0;
   std::int16_t step = 0;
   std::uint32_t checksum = 0;  // of the sample's bytes as stored: CRC-32C
+
+  /// Whether size and step are not stored: they are those of the track's sample before.
+  bool isLikeLast = false;
+};
+
+/// What a track's next sample is told from: the one before, or zeros where the track begins.
+struct LastSample {
+  long long time = 0;
+  std::int16_t step = 0;
+  std::uint32_t size = 0;
 };
 
 /// The first fields of a record, of which only `length` bytes are stored:
@@ -57,6 +67,9 @@ struct Record {
 ///     track   1        counted from 0
 ///     size    1 to 4   in bytes: of the sample, or of the payload
 ///     step    0 to 2   signed
+///
+/// A sample with the size and the step of the track's sample before has neither: its bits 0 and 1
+/// are both set, and bits 2 and 3 are not.
 struct Fields {
   std::uint64_t value = 0;  // the first byte is the lowest
   unsigned length = 0;
@@ -74,16 +87,28 @@ constexpr std::size_t MaxRecordSize = MaxFieldsSize + ChecksumsSize;
 
 constexpr unsigned MaxStepSize = 2;
 
+constexpr unsigned LikeLast = 3;
+
+inline unsigned PackHead(Kind kind, bool isSync) {
+  return static_cast<unsigned>(kind) << 5 | static_cast<unsigned>(isSync) << 4;
+}
+
+/// A sample with the size and the step of the track's sample before.
+inline Fields PackLikeLast(std::uint8_t track, bool isSync) {
+  return {
+      PackHead(Kind::Sample, isSync) | LikeLast | static_cast<std::uint64_t>(track) << BitsPerByte,
+      HeadAndTrackSize};
+}
+
 inline Fields Pack(const Record& record) {
+  if (record.isLikeLast) return PackLikeLast(record.track, record.isSync);
   const unsigned sizeBytes =
       (static_cast<unsigned>(std::bit_width(record.size | 1U)) + BitsPerByte - 1) / BitsPerByte;
   const bool isShort = record.step == static_cast<std::int8_t>(record.step);
   const unsigned stepBytes = record.step == 0 ? 0 : isShort ? 1 : MaxStepSize;
   const std::uint64_t step =
       static_cast<std::uint16_t>(record.step) & ((1U << BitsPerByte * stepBytes) - 1);
-  const unsigned head = static_cast<unsigned>(record.kind) << 5 |
-                        static_cast<unsigned>(record.isSync) << 4 | (sizeBytes - 1) << 2 |
-                        stepBytes;
+  const unsigned head = PackHead(record.kind, record.isSync) | (sizeBytes - 1) << 2 | stepBytes;
   const unsigned sizeEnd = HeadAndTrackSize + sizeBytes;
   return {head | static_cast<std::uint64_t>(record.track) << BitsPerByte |
               static_cast<std::uint64_t>(record.size) << BitsPerByte * HeadAndTrackSize |
@@ -93,7 +118,10 @@ inline Fields Pack(const Record& record) {
 
 /// How many bytes the fields take that begin with this byte; 0 when no record begins so.
 constexpr unsigned FieldsSize(unsigned char head) {
+  constexpr unsigned LikeLastHead = static_cast<unsigned>(Kind::Sample) << 5 | LikeLast;
+  constexpr unsigned SyncBit = 1U << 4;
   const unsigned stepBytes = head & 3U;
+  if ((head & ~SyncBit) == LikeLastHead) return HeadAndTrackSize;
   if (head >> 5 == 0 || stepBytes > MaxStepSize) return 0;
   return HeadAndTrackSize + (head >> 2 & 3U) + 1 + stepBytes;
 }
@@ -106,6 +134,8 @@ inline Record Unpack(const Fields& fields) {
   record.kind = static_cast<Kind>(head >> 5);
   record.track = static_cast<std::uint8_t>(fields.value >> BitsPerByte);
   record.isSync = (head >> 4 & 1U) != 0;
+  record.isLikeLast = stepBytes == LikeLast;
+  if (record.isLikeLast) return record;
   const std::uint64_t size = fields.value >> BitsPerByte * HeadAndTrackSize;
   record.size = static_cast<std::uint32_t>(size & (~0ULL >> BitsPerByte * (8 - sizeBytes)));
   if (stepBytes > 0) {

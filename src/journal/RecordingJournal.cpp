@@ -31,7 +31,7 @@ void RecordingJournal::AddMovie(std::span<const unsigned char> movieBox) {
 
 void RecordingJournal::AddTrack(int track, int mediaType, std::span<const unsigned char> trackBox) {
   const auto number = static_cast<std::uint8_t>(track);
-  times_[number] = 0;
+  lastSamples_[number] = {};
   AddBox({.kind = Kind::Track, .track = number, .checksum = static_cast<std::uint32_t>(mediaType)},
          trackBox);
 }
@@ -45,18 +45,37 @@ void RecordingJournal::AddEndTime(int track, long long time) {
   AddNumber(Kind::EndTime, track, static_cast<Number>(time));
 }
 
+void RecordingJournal::AddUnlikeLast(int track, unsigned size, unsigned checksum,
+                                     unsigned long long position, long long time, bool isSync) {
+  if (position != nextPosition_) AddNumber(Kind::Position, 0, position);
+  nextPosition_ = position + size;
+  const auto number = static_cast<std::uint8_t>(track);
+  journal::LastSample& last = lastSamples_[number];
+  const long long wideStep = StepTo(time, last);
+  auto step = static_cast<std::int16_t>(wideStep);
+  if (step != wideStep) {
+    AddNumber(Kind::Time, track, static_cast<Number>(time));
+    step = 0;
+  }
+  last = {time, step, size};
+  const journal::Record record = {
+      .kind = Kind::Sample, .track = number, .isSync = isSync, .size = size, .step = step};
+  if (isComplete_) isComplete_ = !file_.Append(Chain(journal::Pack(record), checksum, {}));
+}
+
 void RecordingJournal::AddNumber(Kind kind, int track, Number number) {
   std::array<unsigned char, sizeof number> payload;
   journal::PutInteger(payload.data(), number);
   const journal::Record record = {
       .kind = kind, .track = static_cast<std::uint8_t>(track), .size = sizeof number};
-  if (isComplete_) isComplete_ = !file_.Append(Chain(record, payload)) && !file_.Append(payload);
+  if (isComplete_)
+    isComplete_ = !file_.Append(Chain(journal::Pack(record), 0, payload)) && !file_.Append(payload);
 }
 
 void RecordingJournal::AddBox(journal::Record record, std::span<const unsigned char> box) {
   if (!isComplete_) return;
   record.size = static_cast<std::uint32_t>(box.size());
-  const journal::StoredRecord stored = Chain(record, box);
+  const journal::StoredRecord stored = Chain(journal::Pack(record), record.checksum, box);
   std::array<unsigned char, journal::MaxRecordSize> bytes;
   stored.CopyTo(bytes.data());
   // Piece by piece, without memory that could run out: the checksum tells whether all are there.

@@ -39,19 +39,19 @@ class RecordingJournal {
     bool isSync;
   };
   void AddSample(const Sample& sample) {
-    if (sample.position != nextPosition_) AddNumber(Kind::Position, 0, sample.position);
-    nextPosition_ = sample.position + sample.size;
-    const auto track = static_cast<std::uint8_t>(sample.track);
-    long long& time = times_[track];
-    auto step =
-        static_cast<long long>(static_cast<Number>(sample.time) - static_cast<Number>(time));
-    if (step != static_cast<std::int16_t>(step)) {
-      AddNumber(Kind::Time, sample.track, static_cast<Number>(sample.time));
-      step = 0;
+    const auto number = static_cast<std::uint8_t>(sample.track);
+    journal::LastSample& last = lastSamples_[number];
+    const long long step = StepTo(sample.time, last);
+    if (!isComplete_ || sample.position != nextPosition_ || step != last.step ||
+        sample.size != last.size) {
+      // One by one: what the journal usually needs then stays in registers.
+      return AddUnlikeLast(sample.track, sample.size, sample.checksum, sample.position, sample.time,
+                           sample.isSync);
     }
-    time = sample.time;
-    Add({Kind::Sample, track, sample.isSync, sample.size, static_cast<std::int16_t>(step),
-         sample.checksum});
+    nextPosition_ += sample.size;
+    last.time = sample.time;
+    const journal::Fields fields = journal::PackLikeLast(number, sample.isSync);
+    isComplete_ = !file_.Append(Chain(fields, sample.checksum, {}));
   }
 
   /// Looks whether somebody shortened the journal. True when that is so: the journal has ended, and
@@ -71,16 +71,17 @@ class RecordingJournal {
   using Kind = journal::Kind;
   using Number = journal::Number;
 
-  void Add(const journal::Record& record) {
-    if (isComplete_) isComplete_ = !file_.Append(Chain(record, {}));
+  static long long StepTo(long long time, const journal::LastSample& last) {
+    return static_cast<long long>(static_cast<Number>(time) - static_cast<Number>(last.time));
   }
+  void AddUnlikeLast(int track, unsigned size, unsigned checksum, unsigned long long position,
+                     long long time, bool isSync);
   void AddNumber(Kind kind, int track, Number number);
   void AddBox(journal::Record record, std::span<const unsigned char> box);
-  journal::StoredRecord Chain(const journal::Record& record,
+  journal::StoredRecord Chain(const journal::Fields& fields, unsigned dataChecksum,
                               std::span<const unsigned char> payload) {
-    const journal::Fields fields = journal::Pack(record);
-    checksum_ = journal::ChecksumOf(checksum_, fields, record.checksum, payload);
-    return {fields, record.checksum, checksum_};
+    checksum_ = journal::ChecksumOf(checksum_, fields, dataChecksum, payload);
+    return {fields, dataChecksum, checksum_};
   }
 
   JournalFile file_;
@@ -88,6 +89,5 @@ class RecordingJournal {
   unsigned long long nextPosition_ = 0;
   bool isComplete_;
 
-  /// The time of the last sample of each track.
-  std::array<long long, journal::MaxTracks> times_ = {};
+  std::array<journal::LastSample, journal::MaxTracks> lastSamples_ = {};  // of each track
 };

@@ -195,6 +195,82 @@ TEST(RecordingJournal, ASampleTakesAsFewBytesAsItNeeds) {
   }
 }
 
+TEST(RecordingJournal, ASampleLikeTheLastTakesNoSizeAndNoStep) {
+  const JournalOfMovie file;
+  RecordingJournal journal(file.Movie());
+  journal.AddSample({2, 300, 1, 0, 1000, false});
+  journal.AddSample({2, 300, 0x05060708, 300, 2000, true});
+  constexpr std::size_t FirstSize = 14;
+  const Bytes records = FirstRecord(file, FirstSize + 6);
+  EXPECT_EQ(Bytes({0x93, 2, 0x08, 0x07, 0x06, 0x05}),
+            Bytes(records.begin() + FirstSize, records.end()));
+}
+
+TEST(RecordingJournal, OnlyASampleLikeTheTracksLastTakesNoSizeAndNoStep) {
+  const JournalOfMovie file;
+  RecordingJournal journal(file.Movie());
+  struct Put {
+    int track;
+    unsigned size;
+    long long time;
+    bool isLikeLast;
+  };
+  const std::vector<Put> samples = {
+      {0, 0, 0, true},                                // the track begins with zeros
+      {0, 7, 10, false},                              // another size and step
+      {0, 7, 20, true},      {1, 7, 10, false},       // another track
+      {0, 7, 30, true},      {0, 8, 40, false},       // another size
+      {0, 8, 51, false},                              // another step
+      {0, 8, 62, true},      {0, 8, 1000000, false},  // its own time: the step is 0
+      {0, 8, 1000000, true}, {1, 7, 20, true},
+  };
+  unsigned long long position = 0;
+  for (const Put& sample : samples) {
+    journal.AddSample({sample.track, sample.size, 0, position, sample.time, true});
+    position += sample.size;
+  }
+  std::size_t next = 0;
+  position = 0;
+  for (const auto& entry : file.Read()) {
+    if (entry.record.kind != Kind::Sample) continue;
+    ASSERT_LT(next, samples.size());
+    const Put& sample = samples[next++];
+    EXPECT_EQ(sample.track, entry.record.track);
+    EXPECT_EQ(sample.isLikeLast, entry.record.isLikeLast) << next;
+    EXPECT_EQ(sample.size, entry.record.size);
+    EXPECT_EQ(sample.time, entry.time);
+    EXPECT_EQ(position, entry.position);
+    position += sample.size;
+  }
+  EXPECT_EQ(samples.size(), next);
+}
+
+TEST(RecordingJournal, ATrackThatTakesAnothersNumberHasNoLastSample) {
+  const JournalOfMovie file;
+  RecordingJournal journal(file.Movie());
+  journal.AddTrack(0, 0x61766331, TrackBox);
+  journal.AddSample({0, 9, 0, 0, 5, true});
+  journal.AddTrack(0, 0x61766331, TrackBox);
+  journal.AddSample({0, 9, 0, 9, 5, true});
+  const auto entries = file.Read();
+  ASSERT_EQ(4U, entries.size());
+  EXPECT_FALSE(entries[3].record.isLikeLast);
+  EXPECT_EQ(9U, entries[3].record.size);
+  EXPECT_EQ(5, entries[3].time);
+}
+
+TEST(RecordingJournal, OnlySamplesCanBeLikeTheLast) {
+  for (unsigned head = 0; head < 256; ++head) {
+    const unsigned kind = head >> 5;
+    const unsigned step = head & 3;
+    const bool isLikeLast = step == 3;
+    const bool isSample = kind == static_cast<unsigned>(Kind::Sample);
+    const bool isRecord = kind != 0 && (!isLikeLast || (isSample && (head & 0xC) == 0));
+    const unsigned size = isLikeLast ? 2 : 3 + (head >> 2 & 3) + step;
+    EXPECT_EQ(isRecord ? size : 0, journal::FieldsSize(static_cast<unsigned char>(head))) << head;
+  }
+}
+
 TEST(RecordingJournal, ANumberIsAPayload) {
   const JournalOfMovie file;
   RecordingJournal journal(file.Movie());

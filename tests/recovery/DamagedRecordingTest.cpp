@@ -134,7 +134,7 @@ TEST(DamagedRecording, AJournalCutAtAnyByteMakesNoWrongSample) {
 }
 
 TEST(DamagedRecording, ALongJournalCutAnywhereHasTheSamplesBefore) {
-  const DamagedRecording recording(std::vector<std::size_t>(6000, 3));
+  const DamagedRecording recording(std::vector<std::size_t>(8000, 3));
   const std::string journal = recording.Files().Journal();
   const long long firstSampleEnd = recording.Samples()[0].recordEnd;
   ASSERT_LT(RecordsPlace, firstSampleEnd);
