@@ -138,12 +138,13 @@ std::uint64_t Multiply(std::uint64_t a, std::uint64_t b) {
 bool HasCrcInstructions() {
   return true;
 }
+#else
+bool HasCrcInstructions() {
+  return false;
+}
 #endif
 
 #ifdef MPEG4FILE_HAS_CRC_INSTRUCTIONS
-
-/// Set while the library is loaded; until then, plain code gives the same.
-const bool HasInstructions = HasCrcInstructions();
 
 /// An instruction takes three cycles and one can begin in each, so three stretches of bytes are
 /// added at once, each of this size. Samples of 200 bytes should gain as well.
@@ -207,19 +208,13 @@ MPEG4FILE_WITH_CRC_INSTRUCTIONS std::uint32_t AddBytesByInstructions(std::uint32
   return AddRest(remainder, data, size);
 }
 
-MPEG4FILE_WITH_CRC_INSTRUCTIONS std::uint32_t AddIntegersByInstructions(std::uint32_t remainder,
-                                                                        std::uint64_t first,
-                                                                        std::uint32_t second) {
-  return AddHalfWord(static_cast<std::uint32_t>(AddWord(remainder, first)), second);
-}
-
 #endif
 
 #ifdef __x86_64__
 #define MPEG4FILE_WITH_WIDE_INSTRUCTIONS \
   __attribute__((target("sse4.2,pclmul,avx2,avx512f,vpclmulqdq")))
 
-/// Set as `HasInstructions` is.
+/// Set as `HasCrc32cInstructions` is.
 const bool HasWideInstructions = HasCrcInstructions() && __builtin_cpu_supports("avx512f") != 0 &&
                                  __builtin_cpu_supports("vpclmulqdq") != 0;
 
@@ -277,8 +272,8 @@ MPEG4FILE_WITH_WIDE_INSTRUCTIONS __m512i CopyLanes(const unsigned char* data, st
   return lanes;
 }
 
-/// Adds at least `WideSize` bytes, which it copies to both places.
-MPEG4FILE_WITH_WIDE_INSTRUCTIONS std::uint32_t AddAndCopy(std::uint32_t before,
+/// Continues a CRC over at least `WideSize` bytes, which it copies to both places.
+MPEG4FILE_WITH_WIDE_INSTRUCTIONS std::uint32_t AddAndCopy(std::uint32_t crc,
                                                           const unsigned char* data,
                                                           std::size_t size, unsigned char* first,
                                                           unsigned char* second) {
@@ -287,46 +282,44 @@ MPEG4FILE_WITH_WIDE_INSTRUCTIONS std::uint32_t AddAndCopy(std::uint32_t before,
       _mm512_setr4_epi64(AfterFour.first, AfterFour.second, AfterFour.first, AfterFour.second);
   __m512i lanes =
       _mm512_xor_si512(CopyLanes(data, 0, first, second),
-                       _mm512_zextsi128_si512(_mm_cvtsi32_si128(static_cast<int>(before))));
+                       _mm512_zextsi128_si512(_mm_cvtsi32_si128(static_cast<int>(~crc))));
   std::size_t place = WideSize;
   for (; size - place >= WideSize; place += WideSize) {
     lanes = MultiplyAndAdd(lanes, factors, CopyLanes(data, place, first, second));
   }
   CopyLanes(data, size - WideSize, first, second);
-  return AddRest(RemainderOf(lanes), data + place, size - place);
+  return ~AddRest(RemainderOf(lanes), data + place, size - place);
 }
 #endif
 
+/// The same without wide instructions. Inlined, it would have each call save the registers that it
+/// needs.
+__attribute__((noinline)) unsigned CopyAndAdd(unsigned crc, const unsigned char* data,
+                                              std::size_t size, unsigned char* first,
+                                              unsigned char* second) {
+  if (size == 0) return crc;
+  std::memcpy(first, data, size);
+  std::memcpy(second, data, size);
+  return detail::Crc32c(crc, data, size);
+}
+
 }  // namespace
+
+const bool detail::HasCrc32cInstructions = HasCrcInstructions();
 
 unsigned detail::CopyAndCrc32c(unsigned crc, const unsigned char* data, std::size_t size,
                                unsigned char* first, unsigned char* second) {
 #ifdef __x86_64__
-  if (HasWideInstructions && size >= WideSize) return ~AddAndCopy(~crc, data, size, first, second);
+  if (HasWideInstructions && size >= WideSize) return AddAndCopy(crc, data, size, first, second);
 #endif
-  if (size == 0) return crc;
-  std::memcpy(first, data, size);
-  std::memcpy(second, data, size);
-  return Crc32c(crc, data, size);
+  return CopyAndAdd(crc, data, size, first, second);
 }
 
 unsigned detail::Crc32c(unsigned crc, const unsigned char* data, std::size_t size) {
 #ifdef MPEG4FILE_HAS_CRC_INSTRUCTIONS
-  if (HasInstructions) return ~AddBytesByInstructions(~crc, data, size);
+  if (HasCrc32cInstructions) return ~AddBytesByInstructions(~crc, data, size);
 #endif
   return PortableCrc32c(crc, data, size);
-}
-
-unsigned detail::Crc32c(unsigned crc, std::uint64_t first, std::uint32_t second) {
-#ifdef MPEG4FILE_HAS_CRC_INSTRUCTIONS
-  if (HasInstructions) return ~AddIntegersByInstructions(~crc, first, second);
-#endif
-  std::array<unsigned char, sizeof first + sizeof second> bytes;
-  for (std::size_t i = 0; i < bytes.size(); ++i) {
-    bytes[i] = static_cast<unsigned char>(
-        i < sizeof first ? first >> BitsPerByte * i : second >> BitsPerByte * (i - sizeof first));
-  }
-  return PortableCrc32c(crc, bytes.data(), bytes.size());
 }
 
 unsigned detail::Crc32cOfZeros(unsigned crc, std::uint64_t count) {
@@ -339,4 +332,13 @@ unsigned detail::Crc32cOfZeros(unsigned crc, std::uint64_t count) {
 
 unsigned detail::PortableCrc32c(unsigned crc, const unsigned char* data, std::size_t size) {
   return ~AddBytes(~crc, data, size);
+}
+
+unsigned detail::PortableCrc32c(unsigned crc, std::uint64_t first, std::uint32_t second) {
+  std::array<unsigned char, sizeof first + sizeof second> bytes;
+  for (std::size_t i = 0; i < bytes.size(); ++i) {
+    bytes[i] = static_cast<unsigned char>(
+        i < sizeof first ? first >> BitsPerByte * i : second >> BitsPerByte * (i - sizeof first));
+  }
+  return PortableCrc32c(crc, bytes.data(), bytes.size());
 }

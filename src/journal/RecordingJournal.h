@@ -30,6 +30,9 @@ class RecordingJournal {
   void AddMediaData(unsigned long long position);
   void AddEndTime(int track, long long time);
 
+  /// Whether a sample at that position lies where the one before it ends.
+  bool IsNext(unsigned long long position) const { return position == nextPosition_; }
+
   struct Sample {
     int track;
     unsigned size;

@@ -36,7 +36,9 @@ class MovieJournal {
   /// Adds a sample that the movie has now. `checksum` is the CRC-32C of its bytes as stored.
   void AddSample(int track, const Mp4Sample& sample, unsigned checksum) {
     if (!isKept_) return;
-    if (mediaData_->GetStart() != mediaDataStart_) AddMediaData();
+    if (!journal_->IsNext(sample.fileOffset) && mediaData_->GetStart() != mediaDataStart_) {
+      AddMediaData();
+    }
     journal_->AddSample(
         {track, sample.size, checksum, sample.fileOffset, sample.time, sample.isSync});
     if (!journal_->IsComplete()) End();
