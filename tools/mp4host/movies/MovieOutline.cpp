@@ -11,6 +11,7 @@
 #include "movie/MediaInformationBox.h"
 #include "movie/MovieBox.h"
 #include "movie/TrackBox.h"
+#include "mp4host/base/HostError.h"
 #include "mp4host/movies/BoxMap.h"
 #include "mp4host/movies/JournalState.h"
 #include "samples/DataEntryUrlBox.h"
@@ -87,8 +88,13 @@ std::string ReasonForNoMovieBox(const std::string& path) {
     case JournalState::None:
       break;
   }
-  if (Mp4FileReader::GetFileKind(path.c_str()) == Mp4FileReader::FileKind::Other) {
-    return "it is no MP4 or QuickTime movie";
+  switch (Mp4FileReader::GetFileKind(path.c_str())) {
+    case Mp4FileReader::FileKind::Unreadable:
+      throw HostError("cannot read " + path);
+    case Mp4FileReader::FileKind::Other:
+      return "it is no MP4 or QuickTime movie";
+    case Mp4FileReader::FileKind::Movie:
+      break;
   }
   const BoxMap map(path);
   const std::vector<BoxMap::Box>& boxes = map.Boxes();

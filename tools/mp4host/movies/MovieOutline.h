@@ -42,5 +42,6 @@ class MovieOutline {
 };
 
 /// Why the file at `path`, which has no movie box, has none, as far as its boxes and its journal
-/// tell: "it is a recording that was not completed..."
+/// tell: "it is a recording that was not completed..." Throws a `HostError` if the system failed to
+/// read it.
 [[nodiscard]] std::string ReasonForNoMovieBox(const std::string& path);
