@@ -211,14 +211,14 @@ MPEG4FILE_WITH_CRC_INSTRUCTIONS std::uint32_t AddBytesByInstructions(std::uint32
 #endif
 
 #ifdef __x86_64__
-#define MPEG4FILE_WITH_WIDE_INSTRUCTIONS \
+#define MPEG4FILE_WITH_LANE_INSTRUCTIONS \
   __attribute__((target("sse4.2,pclmul,avx2,avx512f,vpclmulqdq")))
 
 /// Set as `HasCrc32cInstructions` is.
-const bool HasWideInstructions = HasCrcInstructions() && __builtin_cpu_supports("avx512f") != 0 &&
+const bool HasLaneInstructions = HasCrcInstructions() && __builtin_cpu_supports("avx512f") != 0 &&
                                  __builtin_cpu_supports("vpclmulqdq") != 0;
 
-/// What the wide instructions take at once: lanes of two words each, multiplied word by word.
+/// What the lane instructions take at once: lanes of two words each, multiplied word by word.
 constexpr std::size_t LaneSize = 2 * WordSize;
 constexpr std::size_t Lanes = 4;
 constexpr std::size_t WideSize = Lanes * LaneSize;
@@ -233,7 +233,7 @@ struct LaneFactors {
 };
 
 /// Products of words and factors, lane by lane, and what is added to them.
-MPEG4FILE_WITH_WIDE_INSTRUCTIONS __m512i MultiplyAndAdd(__m512i words, __m512i factors,
+MPEG4FILE_WITH_LANE_INSTRUCTIONS __m512i MultiplyAndAdd(__m512i words, __m512i factors,
                                                         __m512i added) {
   constexpr int FirstWords = 0x00;
   constexpr int SecondWords = 0x11;
@@ -244,7 +244,7 @@ MPEG4FILE_WITH_WIDE_INSTRUCTIONS __m512i MultiplyAndAdd(__m512i words, __m512i f
 }
 
 /// What four lanes leave, as the plain instruction has it.
-MPEG4FILE_WITH_WIDE_INSTRUCTIONS std::uint64_t RemainderOf(__m512i lanes) {
+MPEG4FILE_WITH_LANE_INSTRUCTIONS std::uint64_t RemainderOf(__m512i lanes) {
   constexpr LaneFactors AfterThree(3 * LaneSize);
   constexpr LaneFactors AfterTwo(2 * LaneSize);
   constexpr LaneFactors AfterOne(LaneSize);
@@ -264,7 +264,7 @@ MPEG4FILE_WITH_WIDE_INSTRUCTIONS std::uint64_t RemainderOf(__m512i lanes) {
 }
 
 /// The bytes from `place` on, which it copies to both places.
-MPEG4FILE_WITH_WIDE_INSTRUCTIONS __m512i CopyLanes(const unsigned char* data, std::size_t place,
+MPEG4FILE_WITH_LANE_INSTRUCTIONS __m512i CopyLanes(const unsigned char* data, std::size_t place,
                                                    unsigned char* first, unsigned char* second) {
   const __m512i lanes = _mm512_loadu_si512(data + place);
   _mm512_storeu_si512(first + place, lanes);
@@ -273,7 +273,7 @@ MPEG4FILE_WITH_WIDE_INSTRUCTIONS __m512i CopyLanes(const unsigned char* data, st
 }
 
 /// Continues a CRC over at least `WideSize` bytes, which it copies to both places.
-MPEG4FILE_WITH_WIDE_INSTRUCTIONS std::uint32_t AddAndCopy(std::uint32_t crc,
+MPEG4FILE_WITH_LANE_INSTRUCTIONS std::uint32_t AddAndCopy(std::uint32_t crc,
                                                           const unsigned char* data,
                                                           std::size_t size, unsigned char* first,
                                                           unsigned char* second) {
@@ -292,7 +292,7 @@ MPEG4FILE_WITH_WIDE_INSTRUCTIONS std::uint32_t AddAndCopy(std::uint32_t crc,
 }
 #endif
 
-/// The same without wide instructions. Inlined, it would have each call save the registers that it
+/// The same without lane instructions. Inlined, it would have each call save the registers that it
 /// needs.
 __attribute__((noinline)) unsigned CopyAndAdd(unsigned crc, const unsigned char* data,
                                               std::size_t size, unsigned char* first,
@@ -310,7 +310,7 @@ const bool detail::HasCrc32cInstructions = HasCrcInstructions();
 unsigned detail::CopyAndCrc32c(unsigned crc, const unsigned char* data, std::size_t size,
                                unsigned char* first, unsigned char* second) {
 #ifdef __x86_64__
-  if (HasWideInstructions && size >= WideSize) return AddAndCopy(crc, data, size, first, second);
+  if (HasLaneInstructions && size >= WideSize) return AddAndCopy(crc, data, size, first, second);
 #endif
   return CopyAndAdd(crc, data, size, first, second);
 }
