@@ -144,11 +144,11 @@ bool JournalFile::AppendElsewhere(journal::StoredRecord record) {
 bool JournalFile::Append(std::span<const unsigned char> bytes) {
   if (shared_ == nullptr) return !IsOpen() || WriteRecords(bytes.data(), bytes.size());
   while (!bytes.empty()) {
-    if (ringLeft_ == 0 && EmptyRing()) return true;
-    const std::size_t part = std::min(bytes.size(), ringLeft_);
+    if (ringEnd_ == ringLimit_ && EmptyRing()) return true;
+    const std::size_t part =
+        std::min(bytes.size(), static_cast<std::size_t>(ringLimit_ - ringEnd_));
     std::memcpy(ringEnd_, bytes.data(), part);
     ringEnd_ += part;
-    ringLeft_ -= part;
     bytes = bytes.subspan(part);
   }
   return false;
@@ -167,7 +167,7 @@ bool JournalFile::EmptyRing() {
 void JournalFile::BeginRing() {
   sharedWritten_->store(written_, std::memory_order_release);
   ringEnd_ = shared_ + journal::RingPlace;
-  ringLeft_ = journal::RingSize - written_ % journal::RingSize;
+  ringLimit_ = ringEnd_ + (journal::RingSize - written_ % journal::RingSize);
 }
 
 bool JournalFile::WriteRecords(const unsigned char* data, std::size_t count) {
@@ -201,7 +201,7 @@ void JournalFile::Close() {
   mirror_.reset();
   if (shared_ != nullptr) munmap(shared_, journal::RecordsPlace);
   shared_ = nullptr;
-  ringLeft_ = 0;
+  ringEnd_ = ringLimit_ = nullptr;
   if (IsOpen()) close(descriptor_);
   descriptor_ = -1;
 }

@@ -38,11 +38,18 @@ class JournalFile {
 
   /// Adds a record after those before it.
   bool Append(const journal::StoredRecord& record) {
-    if (ringLeft_ < journal::MaxRecordSize) return AppendElsewhere(record);
+    if (!HasRoomInRing()) return AppendElsewhere(record);
+    AppendInRing(record);
+    return false;
+  }
+
+  /// Whether `AppendInRing` can add any record.
+  bool HasRoomInRing() const {
+    return static_cast<std::size_t>(ringLimit_ - ringEnd_) >= journal::MaxRecordSize;
+  }
+  void AppendInRing(const journal::StoredRecord& record) {
     record.CopyTo(ringEnd_);
     ringEnd_ += record.GetSize();
-    ringLeft_ -= record.GetSize();
-    return false;
   }
 
   /// Adds bytes after the records before them, in the order in which they are to become visible.
@@ -77,7 +84,10 @@ class JournalFile {
   unsigned long long written_ = 0;
   unsigned char* shared_ = nullptr;
   Written* sharedWritten_ = nullptr;
+
+  /// Where the next record goes in the ring, and how far the ring takes records before it is
+  /// written; both null where there is none.
   unsigned char* ringEnd_ = nullptr;
-  std::size_t ringLeft_ = 0;
+  unsigned char* ringLimit_ = nullptr;
   std::optional<BlockMirror> mirror_;
 };

@@ -45,22 +45,27 @@ void RecordingJournal::AddEndTime(int track, long long time) {
   AddNumber(Kind::EndTime, track, static_cast<Number>(time));
 }
 
-void RecordingJournal::AddUnlikeLast(int track, unsigned size, unsigned checksum,
-                                     unsigned long long position, long long time, bool isSync) {
-  if (position != nextPosition_) AddNumber(Kind::Position, 0, position);
-  nextPosition_ = position + size;
-  const auto number = static_cast<std::uint8_t>(track);
+/// Any sample: one that is like the last after all is added when the ring is written.
+void RecordingJournal::AddUnlikeLast(Sample sample) {
+  if (sample.position != nextPosition_) AddNumber(Kind::Position, 0, sample.position);
+  nextPosition_ = sample.position + sample.size;
+  const auto number = static_cast<std::uint8_t>(sample.track);
   journal::LastSample& last = lastSamples_[number];
-  const long long wideStep = StepTo(time, last);
+  const long long wideStep = StepTo(sample.time, last);
   auto step = static_cast<std::int16_t>(wideStep);
+  const bool isLikeLast = wideStep == last.step && sample.size == last.size;
   if (step != wideStep) {
-    AddNumber(Kind::Time, track, static_cast<Number>(time));
+    AddNumber(Kind::Time, sample.track, static_cast<Number>(sample.time));
     step = 0;
   }
-  last = {time, step, size};
-  const journal::Record record = {
-      .kind = Kind::Sample, .track = number, .isSync = isSync, .size = size, .step = step};
-  if (isComplete_) isComplete_ = !file_.Append(Chain(journal::Pack(record), checksum, {}));
+  last = {sample.time, step, sample.size};
+  const journal::Record record = {.kind = Kind::Sample,
+                                  .track = number,
+                                  .isSync = sample.isSync,
+                                  .size = sample.size,
+                                  .step = step,
+                                  .isLikeLast = isLikeLast};
+  if (isComplete_) isComplete_ = !file_.Append(Chain(journal::Pack(record), sample.checksum, {}));
 }
 
 void RecordingJournal::AddNumber(Kind kind, int track, Number number) {

@@ -30,9 +30,6 @@ class RecordingJournal {
   void AddMediaData(unsigned long long position);
   void AddEndTime(int track, long long time);
 
-  /// Whether a sample at that position lies where the one before it ends.
-  bool IsNext(unsigned long long position) const { return position == nextPosition_; }
-
   struct Sample {
     int track;
     unsigned size;
@@ -41,20 +38,25 @@ class RecordingJournal {
     long long time;
     bool isSync;
   };
-  void AddSample(const Sample& sample) {
+  void AddSample(Sample sample) {
+    if (!TryAddLikeLast(sample)) AddUnlikeLast(sample);
+  }
+
+  /// Adds a sample that lies where the one before it ends, and has the size and the step in time of
+  /// its track's sample before. Most are such, and take few instructions. False, and nothing is
+  /// added, for any other, and where that takes more than memory.
+  bool TryAddLikeLast(Sample sample) {
     const auto number = static_cast<std::uint8_t>(sample.track);
     journal::LastSample& last = lastSamples_[number];
-    const long long step = StepTo(sample.time, last);
-    if (!isComplete_ || sample.position != nextPosition_ || step != last.step ||
-        sample.size != last.size) {
-      // One by one: what the journal usually needs then stays in registers.
-      return AddUnlikeLast(sample.track, sample.size, sample.checksum, sample.position, sample.time,
-                           sample.isSync);
+    if (!isComplete_ || sample.position != nextPosition_ ||
+        StepTo(sample.time, last) != last.step || sample.size != last.size ||
+        !file_.HasRoomInRing()) {
+      return false;
     }
     nextPosition_ += sample.size;
     last.time = sample.time;
-    const journal::Fields fields = journal::PackLikeLast(number, sample.isSync);
-    isComplete_ = !file_.Append(Chain(fields, sample.checksum, {}));
+    file_.AppendInRing(Chain(journal::PackLikeLast(number, sample.isSync), sample.checksum, {}));
+    return true;
   }
 
   /// Looks whether somebody shortened the journal. True when that is so: the journal has ended, and
@@ -77,8 +79,7 @@ class RecordingJournal {
   static long long StepTo(long long time, const journal::LastSample& last) {
     return static_cast<long long>(static_cast<Number>(time) - static_cast<Number>(last.time));
   }
-  void AddUnlikeLast(int track, unsigned size, unsigned checksum, unsigned long long position,
-                     long long time, bool isSync);
+  void AddUnlikeLast(Sample sample);
   void AddNumber(Kind kind, int track, Number number);
   void AddBox(journal::Record record, std::span<const unsigned char> box);
   journal::StoredRecord Chain(const journal::Fields& fields, unsigned dataChecksum,

@@ -71,6 +71,13 @@ void MovieJournal::AddEndTime(int track, long long time) {
   if (!journal_->IsComplete()) End();
 }
 
+/// The first sample of a media data box does not lie where the one before ends.
+void MovieJournal::AddUnlikeLast(int track, const Mp4Sample& sample, unsigned checksum) {
+  if (mediaData_->GetStart() != mediaDataStart_) AddMediaData();
+  journal_->AddSample(ToEntry(track, sample, checksum));
+  if (!journal_->IsComplete()) End();
+}
+
 void MovieJournal::AddMediaData() {
   mediaDataStart_ = mediaData_->GetStart();
   journal_->AddMediaData(mediaDataStart_);

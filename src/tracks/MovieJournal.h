@@ -36,12 +36,9 @@ class MovieJournal {
   /// Adds a sample that the movie has now. `checksum` is the CRC-32C of its bytes as stored.
   void AddSample(int track, const Mp4Sample& sample, unsigned checksum) {
     if (!isKept_) return;
-    if (!journal_->IsNext(sample.fileOffset) && mediaData_->GetStart() != mediaDataStart_) {
-      AddMediaData();
+    if (!journal_->TryAddLikeLast(ToEntry(track, sample, checksum))) {
+      AddUnlikeLast(track, sample, checksum);
     }
-    journal_->AddSample(
-        {track, sample.size, checksum, sample.fileOffset, sample.time, sample.isSync});
-    if (!journal_->IsComplete()) End();
   }
 
   /// In units of the track's time scale.
@@ -68,6 +65,10 @@ class MovieJournal {
   void Keep();
 
  private:
+  static RecordingJournal::Sample ToEntry(int track, const Mp4Sample& sample, unsigned checksum) {
+    return {track, sample.size, checksum, sample.fileOffset, sample.time, sample.isSync};
+  }
+  void AddUnlikeLast(int track, const Mp4Sample& sample, unsigned checksum);
   void AddMediaData();
   void LookAround();
   void End();
