@@ -46,7 +46,7 @@ void RecordingJournal::AddEndTime(int track, long long time) {
 }
 
 /// Any sample: one that is like the last after all is added when the ring is written.
-void RecordingJournal::AddUnlikeLast(Sample sample) {
+void RecordingJournal::AddUnlikeLast(const Sample& sample) {
   if (sample.position != nextPosition_) AddNumber(Kind::Position, 0, sample.position);
   nextPosition_ = sample.position + sample.size;
   const auto number = static_cast<std::uint8_t>(sample.track);

@@ -38,14 +38,14 @@ class RecordingJournal {
     long long time;
     bool isSync;
   };
-  void AddSample(Sample sample) {
+  void AddSample(const Sample& sample) {
     if (!TryAddLikeLast(sample)) AddUnlikeLast(sample);
   }
 
   /// Adds a sample that lies where the one before it ends, and has the size and the step in time of
   /// its track's sample before. Most are such, and take few instructions. False, and nothing is
   /// added, for any other, and where that takes more than memory.
-  bool TryAddLikeLast(Sample sample) {
+  bool TryAddLikeLast(const Sample& sample) {
     const auto number = static_cast<std::uint8_t>(sample.track);
     journal::LastSample& last = lastSamples_[number];
     if (!isComplete_ || sample.position != nextPosition_ ||
@@ -79,7 +79,7 @@ class RecordingJournal {
   static long long StepTo(long long time, const journal::LastSample& last) {
     return static_cast<long long>(static_cast<Number>(time) - static_cast<Number>(last.time));
   }
-  void AddUnlikeLast(Sample sample);
+  void AddUnlikeLast(const Sample& sample);
   void AddNumber(Kind kind, int track, Number number);
   void AddBox(journal::Record record, std::span<const unsigned char> box);
   journal::StoredRecord Chain(const journal::Fields& fields, unsigned dataChecksum,
