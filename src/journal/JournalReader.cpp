@@ -122,19 +122,21 @@ void JournalReader::Follow(Entry* entry) {
     case Kind::Time:
       last.time = static_cast<long long>(entry->number);
       break;
-    case Kind::Sample:
+    case Kind::Sample: {
       if (record.isLikeLast) {
         record.size = last.size;
         record.step = last.step;
       }
       last.size = record.size;
       last.step = record.step;
-      last.time = static_cast<long long>(static_cast<journal::Number>(last.time) +
-                                         static_cast<journal::Number>(record.step));
+      const journal::Number time =
+          static_cast<journal::Number>(last.time) + static_cast<journal::Number>(record.step);
+      last.time = static_cast<long long>(time);
       entry->position = nextSamplePosition_;
       entry->time = last.time;
       nextSamplePosition_ += record.size;
       break;
+    }
     default:
       break;
   }

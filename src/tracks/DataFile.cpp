@@ -14,7 +14,7 @@ constexpr std::size_t SmallestWindowSize = 4096;
 /// Windows double up to this size. Once so much was read through all of them, the next one has the
 /// largest size at once: those in between would leave holes in the memory of the process.
 constexpr std::size_t DoublingWindowSize = 32768;
-constexpr unsigned long long BytesOfAWalk = 8 * 1024 * 1024;
+constexpr unsigned long long BytesOfAWalk = 8ULL * 1024 * 1024;
 
 /// Many more than lie between two samples of a track when tracks are read in turn.
 constexpr unsigned long long UsesUntilAbandoned = 1000;

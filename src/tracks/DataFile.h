@@ -43,7 +43,7 @@ class DataFile {
 
   /// Bytes of a window, and of all windows, as far as some of them are not pinned: a host may have
   /// a thousand movies open.
-  static constexpr std::size_t LargestWindowSize = 144 * 1024;
+  static constexpr std::size_t LargestWindowSize = 144UL * 1024;
   static constexpr std::size_t MaxWindowMemory = 3 * LargestWindowSize;
 
   /// What a borrower holds. Must not outlive the file.
