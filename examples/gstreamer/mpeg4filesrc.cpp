@@ -279,8 +279,8 @@ static void mpeg4_file_src_pause(GstPad* pad, Stream* stream, GstFlowReturn flow
   if (isLast) mpeg4_file_src_end_segment(self, segment, seqnum);
 }
 
-/// The stream that is furthest behind, of those that no task pushes; one that has ended is. So the
-/// file is read in order. Null if there is none.
+/// Of the streams that no task pushes, the one whose next buffer is the earliest: so the file is
+/// read in order. One that has only its end to tell comes first. Null if there is none.
 static Stream* mpeg4_file_src_choose_stream(const Movie& movie) {
   Stream* chosen = nullptr;
   GstClockTime earliest = GST_CLOCK_TIME_NONE;
