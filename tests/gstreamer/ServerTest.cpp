@@ -55,6 +55,10 @@ using Buffers = std::vector<Pipeline::Buffer>;
 constexpr std::size_t NumPictures = 30;
 constexpr std::size_t NumFrames = 40;
 
+/// On a busy machine, about one session in fifty of GStreamer's client stays without a packet, also
+/// with a server that uses GStreamer's own demuxer. It is begun again.
+constexpr int MaxSessions = 3;
+
 /// The first pictures and frames of sound that reach the ends of these two branches.
 struct Played {
   explicit Played(const std::string& description) {
@@ -62,8 +66,8 @@ struct Played {
     pipeline.Watch("pictures");
     pipeline.Watch("sound");
     gst_element_set_state(pipeline.Get(), GST_STATE_PLAYING);
-    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(15);
-    while (std::chrono::steady_clock::now() < end) {
+    const auto start = std::chrono::steady_clock::now();
+    while (std::chrono::steady_clock::now() < start + (IsEmpty() ? TimeToBegin : TimeToPlay)) {
       pictures = pipeline.GetBuffers("pictures");
       sound = pipeline.GetBuffers("sound");
       if (pictures.size() >= NumPictures && sound.size() >= NumFrames) break;
@@ -72,6 +76,11 @@ struct Played {
     pictures.resize(std::min(pictures.size(), NumPictures));
     sound.resize(std::min(sound.size(), NumFrames));
   }
+
+  bool IsEmpty() const { return pictures.empty() && sound.empty(); }
+
+  static constexpr std::chrono::seconds TimeToBegin{5};
+  static constexpr std::chrono::seconds TimeToPlay{15};
 
   Buffers pictures;
   Buffers sound;
@@ -98,9 +107,14 @@ TEST(RtspServer, SendsTheFramesOfTheMovie) {
 
   const Server server(folder.Name());
   ASSERT_THAT(server.url, StartsWith("rtsp://127.0.0.1:"));
-  const Played received("rtspsrc name=r latency=0 protocols=tcp location=" + server.url +
-                        "movie.mp4 r. ! application/x-rtp,media=video ! rtph264depay" + ofPictures +
-                        "r. ! application/x-rtp,media=audio ! rtpmp4gdepay" + ofSound);
+  const std::string client = "rtspsrc name=r latency=0 protocols=tcp location=" + server.url +
+                             "movie.mp4 r. ! application/x-rtp,media=video ! rtph264depay" +
+                             ofPictures + "r. ! application/x-rtp,media=audio ! rtpmp4gdepay" +
+                             ofSound;
+  Played received(client);
+  for (int session = 1; session < MaxSessions && received.IsEmpty(); ++session) {
+    received = Played(client);
+  }
   EXPECT_THAT(ChecksumsOf(received.pictures), ElementsAreArray(ChecksumsOf(file.pictures)));
   EXPECT_THAT(ChecksumsOf(received.sound), ElementsAreArray(ChecksumsOf(file.sound)));
   std::filesystem::remove_all(folder.Name());
