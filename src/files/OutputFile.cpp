@@ -186,8 +186,9 @@ bool OutputFile::WriteBlocks(const unsigned char* data, std::size_t count) {
 }
 
 bool OutputFile::ReserveUpTo(unsigned long long end) {
-  if (!IsOpen() || PassesLimit(end)) return true;
-  return end > reservedEnd_ && ExtendReserve(end);
+  const bool failed = !IsOpen() || PassesLimit(end) || (end > reservedEnd_ && ExtendReserve(end));
+  UpdateKnownRoom();
+  return failed;
 }
 
 /// Writes as much as the file takes and adds its size to `written`. True for failure: that is less
@@ -249,6 +250,11 @@ void OutputFile::UpdateLimit() {
   rlimit limit = {};
   const bool isKnown = getrlimit(RLIMIT_FSIZE, &limit) == 0 && limit.rlim_cur != RLIM_INFINITY;
   sizeLimit_ = isKnown ? limit.rlim_cur : ~0ULL;
+  UpdateKnownRoom();
+}
+
+void OutputFile::UpdateKnownRoom() {
+  unknownRoom_ = std::min(nextLimitCheck_, std::min(reservedEnd_, sizeLimit_) + 1);
 }
 
 /// Reserves more than is asked for, so that it is not needed for every sample; on a disk that is

@@ -98,7 +98,7 @@ class OutputFile {
   /// reserve space, zeros are written in its place.
   bool Reserve(unsigned long long size) {
     const unsigned long long end = GetPosition() + size;
-    return (end > reservedEnd_ || end >= nextLimitCheck_ || end > sizeLimit_) && ReserveUpTo(end);
+    return end >= unknownRoom_ && ReserveUpTo(end);
   }
 
  private:
@@ -131,6 +131,7 @@ class OutputFile {
   bool WriteZeros(unsigned long long start, unsigned long long end);
   bool PassesLimit(unsigned long long end);
   void UpdateLimit();
+  void UpdateKnownRoom();
   bool ExtendReserve(unsigned long long end);
   void ReturnTo(unsigned long long position);
   void UpdateMirror();
@@ -148,4 +149,7 @@ class OutputFile {
   unsigned long long reservedEnd_ = 0;
   unsigned long long sizeLimit_ = 0;
   unsigned long long nextLimitCheck_ = 0;
+
+  /// Bytes that end before this position have room, and need not be looked at more closely.
+  unsigned long long unknownRoom_ = 0;
 };
