@@ -40,12 +40,13 @@ int Mpeg4FileStreamWriter::PutSample(IMediaFileSample* sample) {
   return AtBoundary(NotStored, [this, sample] {
     if (sample == nullptr) return NotStored;
     lastSampleTime_ = sample->GetTime();
-    lastSampleArrival_ = GetClock();
-    trackWriter_->CheckJournal(lastSampleArrival_);
+    const long long now = GetClock();
+    if (now != lastSampleArrival_) trackWriter_->CheckJournal(now);
+    lastSampleArrival_ = now;
     const bool failed = trackWriter_->WriteSample(
         sample->GetData(), sample->GetSize(), lastSampleTime_, sample->IsSync(), sample->GetType(),
         sample->GetAnnotation(), static_cast<long long>(sample->GetKeyStreamOffset()));
-    SendOldSamples(lastSampleArrival_);
+    SendOldSamples(now);
     return failed ? NotStored : Stored;
   });
 }

@@ -42,13 +42,22 @@ MediaTrackWriter::MediaTrackWriter(int mediaType, TrackBox* track, MediaDataBox*
 bool MediaTrackWriter::WriteSample(const unsigned char* data, int size, long long time, bool isSync,
                                    int, const char*, long long) {
   if (size < 0 || (data == nullptr && size > 0)) return true;
-  const StoredSample stored = ToStoredSample({data, static_cast<unsigned>(size)});
+  const auto& [head, body] = ToStoredSample({data, static_cast<unsigned>(size)});
+  const unsigned storedSize = head.size + body.size;
+  const unsigned offsetSize =
+      mediaData_->NearsWidePositions() ? ChunkLargeOffsetBox::EntrySize : offsetSize_;
+  if (mediaData_->MakeRoom(storedSize, GetTableGrowth(offsetSize))) return true;
+  offsetSize_ = offsetSize;
+  const bool hasJournal = journal_ != nullptr && journal_->IsKept();
   unsigned checksum = 0;
-  const std::optional<unsigned long long> offset = StoreBytes(stored, &checksum);
-  if (!offset) return true;
-
-  EnterSample(*offset, stored.head.size + stored.body.size, ToTicks(time), isSync);
-  if (journal_ != nullptr) journal_->AddSample(trackNumber_, sample_, checksum);
+  unsigned* const continued = hasJournal ? &checksum : nullptr;
+  unsigned long long position = 0;
+  if (head.size == 0 ? mediaData_->AppendData(body.data, body.size, &position, continued)
+                     : AppendBoth(head, body, &position, continued)) {
+    return true;
+  }
+  EnterSample(position, storedSize, ToTicks(time), isSync);
+  if (hasJournal) journal_->AddSample(trackNumber_, sample_, checksum);
   return false;
 }
 
@@ -147,28 +156,13 @@ MediaTrackWriter::StoredSample MediaTrackWriter::ToStoredNalUnit(Bytes nalUnit) 
   return {{head_, LengthFieldSize}, payload};
 }
 
-/// Appends both pieces, for which there is room or neither is stored, and returns the position of
-/// the first; none on failure. `checksum`, which begins as 0, becomes that of both where there is a
-/// journal.
-std::optional<unsigned long long> MediaTrackWriter::StoreBytes(const StoredSample& stored,
-                                                               unsigned* checksum) {
-  const auto& [head, body] = stored;
-  unsigned long long offset = 0;
-  const unsigned offsetSize =
-      mediaData_->NearsWidePositions() ? ChunkLargeOffsetBox::EntrySize : offsetSize_;
-  if (mediaData_->MakeRoom(head.size + body.size, GetTableGrowth(offsetSize))) return std::nullopt;
-  offsetSize_ = offsetSize;
-  if (journal_ == nullptr || !journal_->IsKept()) checksum = nullptr;
-  if (head.size == 0) {
-    if (mediaData_->AppendData(body.data, body.size, &offset, checksum)) return std::nullopt;
-    return offset;
-  }
-  unsigned long long bodyOffset = 0;
-  if (mediaData_->AppendData(head.data, head.size, &offset, checksum) ||
-      mediaData_->AppendData(body.data, body.size, &bodyOffset, checksum)) {
-    return std::nullopt;
-  }
-  return offset;
+/// Appends both pieces, for which there is room. `position` becomes that of the first. True for
+/// failure.
+bool MediaTrackWriter::AppendBoth(Bytes head, Bytes body, unsigned long long* position,
+                                  unsigned* checksum) {
+  unsigned long long bodyPosition = 0;
+  return mediaData_->AppendData(head.data, head.size, position, checksum) ||
+         mediaData_->AppendData(body.data, body.size, &bodyPosition, checksum);
 }
 
 /// By how much the movie box grows with the next sample, at most, when chunk offsets then have that

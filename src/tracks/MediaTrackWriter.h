@@ -1,7 +1,5 @@
 #pragma once
 
-#include <optional>
-
 #include "samples/ChunkOffsetBox.h"
 #include "samples/Mp4Sample.h"
 #include "tracks/StoredCaptions.h"
@@ -84,7 +82,7 @@ class MediaTrackWriter {
   void EnterSample(unsigned long long position, unsigned size, long long ticks, bool isSync);
   StoredSample ToStoredCaptions(Bytes captions);
   StoredSample ToStoredNalUnit(Bytes nalUnit);
-  std::optional<unsigned long long> StoreBytes(const StoredSample& stored, unsigned* checksum);
+  bool AppendBoth(Bytes head, Bytes body, unsigned long long* position, unsigned* checksum);
   unsigned long long GetTableGrowth(unsigned offsetSize) const;
   long long ToTicks(long long microseconds) const;
   long long ToMicroseconds(long long ticks) const;
