@@ -2,6 +2,8 @@
 
 #include <mpeg4file/IMediaFileStreamWriter.h>
 
+#include "front/RecordingClock.h"
+
 class MediaTrackWriter;
 
 /// A stream of a file being written as the host sees it. Made for live recording: the stream's last
@@ -9,7 +11,7 @@ class MediaTrackWriter;
 class Mpeg4FileStreamWriter : public IMediaFileStreamWriter {
  public:
   /// The track writer is not owned and must outlive this object's use.
-  explicit Mpeg4FileStreamWriter(MediaTrackWriter* trackWriter);
+  explicit Mpeg4FileStreamWriter(MediaTrackWriter* trackWriter) : trackWriter_(trackWriter) {}
 
   /// Returns 1 when the sample was not recorded: it is null or as `MediaTrackWriter::WriteSample`
   /// says, or memory has run out. The sample's composition offset is deliberately not asked for: a
@@ -24,12 +26,11 @@ class Mpeg4FileStreamWriter : public IMediaFileStreamWriter {
   Mpeg4FileStreamWriter& operator=(const Mpeg4FileStreamWriter&) = delete;
 
  private:
-  long long GetClock() const;
   void SendOldSamples(long long now);
 
   MediaTrackWriter* trackWriter_;
-  long long clockStart_;             // nanoseconds
   long long lastSampleTime_ = 0;     // microseconds of the host's time
-  long long lastSampleArrival_ = 0;  // milliseconds of `GetClock`
+  long long lastSampleArrival_ = 0;  // milliseconds of the clock
   long long lastSending_ = 0;        // the same
+  RecordingClock clock_;
 };

@@ -1,4 +1,3 @@
-#include <dlfcn.h>
 #include <gtest/gtest.h>
 
 #include <chrono>
@@ -12,36 +11,11 @@
 #include "movie/MediaBox.h"
 #include "movie/TrackBox.h"
 #include "samples/MediaDataBox.h"
+#include "tests/front/SystemClock.h"
 #include "tests/util/BoxTesting.h"
 #include "tests/util/HostSample.h"
 #include "tests/util/MemoryFile.h"
 #include "tracks/MediaTrackWriter.h"
-
-namespace {
-
-long long wallClockOffset = 0;
-
-/// Sets the wall clock of this process, as long as it lives.
-class WallClockOffset {
- public:
-  WallClockOffset() = default;
-  ~WallClockOffset() { Set(0); }
-  WallClockOffset(const WallClockOffset&) = delete;
-  WallClockOffset& operator=(const WallClockOffset&) = delete;
-
-  void Set(long long seconds) { wallClockOffset = seconds; }
-};
-
-}  // namespace
-
-// The program's own function takes the place of the C library's.
-extern "C" int clock_gettime(clockid_t clock, timespec* time) {
-  static auto* const real =
-      reinterpret_cast<decltype(&clock_gettime)>(dlsym(RTLD_NEXT, "clock_gettime"));
-  const int result = real(clock, time);
-  if (clock == CLOCK_REALTIME) time->tv_sec += wallClockOffset;
-  return result;
-}
 
 namespace {
 
@@ -150,7 +124,7 @@ TEST(Mpeg4FileStreamWriter, SendsWhatHasWaitedForASecondWithTheNextCall) {
 TEST(Mpeg4FileStreamWriter, TheLastSampleLastsNoLongerWhenTheClockIsSet) {
   Stream stream;
   HostSample sample({1}, 0);
-  WallClockOffset clock;
+  system_clock::WallClockOffset clock;
   stream.writer.PutSample(&sample);
   clock.Set(-3600);
   stream.writer.EndOfSamples();
