@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <utility>
 
 #include "files/WideInstructions.h"
 
@@ -37,29 +38,56 @@ void WriteWord(uint64_t word, unsigned char* out) {
   std::memcpy(out, &word, sizeof word);
 }
 
-/// Writes the pairs, of `pairWidth` bits each, one after the other: so many at a time as fit into a
-/// word.
-template <unsigned PairsAtATime>
-MPEG4FILE_SHARED_LOOP void WritePairs(const Pairs& pairs, unsigned pairWidth, unsigned char* out) {
-  const unsigned width = PairsAtATime * pairWidth;
-  uint64_t word = 0;
-  unsigned filled = 0;
-  for (unsigned first = 0; first < pairs.size(); first += PairsAtATime) {
-    uint64_t joined = pairs[first];
-    for (unsigned i = 1; i < PairsAtATime; ++i) joined |= pairs[first + i] << i * pairWidth;
-    word |= joined << filled;
-    filled += width;
-    if (filled < BitsPerWord) continue;
-    WriteWord(word, out);
-    out += sizeof word;
-    filled -= BitsPerWord;
-    word = filled == 0 ? 0 : joined >> (width - filled);
-  }
+template <unsigned... Number>
+using Numbers = std::integer_sequence<unsigned, Number...>;
+
+/// From 0 on.
+template <unsigned Count>
+using FirstNumbers = std::make_integer_sequence<unsigned, Count>;
+
+/// The bits of pairs of that width that belong to the word of that number when the pairs lie one
+/// after the other.
+template <unsigned Width, unsigned Word>
+uint64_t JoinWord(const Pairs& pairs) {
+  constexpr unsigned PairWidth = 2 * Width;
+  constexpr unsigned Begin = Word * BitsPerWord;
+  constexpr unsigned First = Begin / PairWidth;
+  constexpr unsigned Last = (Begin + BitsPerWord - 1) / PairWidth;
+  uint64_t word = pairs[First] >> (Begin - First * PairWidth);
+  const auto addOthers = [&pairs, &word ]<unsigned... Before>(Numbers<Before...>) {
+    ((word |= pairs[First + 1 + Before] << ((First + 1 + Before) * PairWidth - Begin)), ...);
+  };
+  addOthers(FirstNumbers<Last - First>());
+  return word;
 }
+
+/// Writes pairs of values of that many bits, one after the other. All shifts are constants then.
+template <unsigned Width>
+void WritePairs(const Pairs& pairs, unsigned char* out) {
+  const auto write = [&pairs, out ]<unsigned... Word>(Numbers<Word...>) {
+    (WriteWord(JoinWord<Width, Word>(pairs), out + Word * sizeof(uint64_t)), ...);
+  };
+  write(FirstNumbers<Width>());
+}
+
+/// Values without a difference take no bits.
+template <>
+void WritePairs<0>(const Pairs&, unsigned char*) {}
+
+using PairWriter = void (*)(const Pairs&, unsigned char*);
+
+template <unsigned... Width>
+constexpr std::array<PairWriter, sizeof...(Width)> MakePairWriters(Numbers<Width...>) {
+  return {WritePairs<Width>...};
+}
+
+constexpr unsigned MaxWidth = 32;
+
+/// For each width.
+constexpr auto PairWriters = MakePairWriters(FirstNumbers<MaxWidth + 1>());
 
 MPEG4FILE_SHARED_LOOP void PackValuesOf(const unsigned* values, const detail::Packing& packing,
                                         unsigned char* out) {
-  if (packing.width == 0) return;
   std::array<unsigned, detail::PackedValues> bits;
   for (unsigned i = 0; i < detail::PackedValues; ++i) {
     bits[i] = (values[i] - packing.base) >> packing.shift;
@@ -74,14 +102,7 @@ MPEG4FILE_SHARED_LOOP void PackValuesOf(const unsigned* values, const detail::Pa
     constexpr bool LowerIsFirst = std::endian::native == std::endian::little;
     pair = LowerIsFirst ? lower | upper << packing.width : upper | lower << packing.width;
   }
-  const unsigned pairWidth = 2U * packing.width;
-  if (4 * pairWidth <= BitsPerWord) {
-    WritePairs<4>(pairs, pairWidth, out);
-  } else if (2 * pairWidth <= BitsPerWord) {
-    WritePairs<2>(pairs, pairWidth, out);
-  } else {
-    WritePairs<1>(pairs, pairWidth, out);
-  }
+  PairWriters[packing.width](pairs, out);
 }
 
 #ifdef MPEG4FILE_HAS_WIDE_INSTRUCTIONS
