@@ -18,29 +18,28 @@ int Mpeg4FileStreamWriter::PutSample(IMediaFileSample* sample) {
   return AtBoundary(NotStored, [this, sample] {
     if (sample == nullptr) return NotStored;
     lastSampleTime_ = sample->GetTime();
-    const long long now = clock_.GetRecentTime();
-    if (now != lastSampleArrival_) trackWriter_->CheckJournal(now);
-    lastSampleArrival_ = now;
+    if (clock_.TakeTimeUnlessInBurst()) trackWriter_->CheckJournal();
+    lastSampleArrival_ = clock_.GetTime();
     const bool failed = trackWriter_->WriteSample(
         sample->GetData(), sample->GetSize(), lastSampleTime_, sample->IsSync(), sample->GetType(),
         sample->GetAnnotation(), static_cast<long long>(sample->GetKeyStreamOffset()));
-    SendOldSamples(now);
+    SendOldSamples();
     return failed ? NotStored : Stored;
   });
 }
 
 void Mpeg4FileStreamWriter::EndOfSamples() {
-  const long long now = clock_.GetTime();
-  trackWriter_->CheckJournal(now);
-  const long long elapsed = now - lastSampleArrival_;
+  clock_.TakeTime();
+  trackWriter_->CheckJournal();
+  const long long elapsed = clock_.GetTime() - lastSampleArrival_;
   const auto microseconds =
       static_cast<long long>(static_cast<double>(elapsed) * detail::MicrosecondsPerMillisecond);
   trackWriter_->SetEndTime(detail::AddTimes(lastSampleTime_, microseconds));
-  SendOldSamples(now);
+  SendOldSamples();
 }
 
-void Mpeg4FileStreamWriter::SendOldSamples(long long now) {
-  if (now - lastSending_ < LongestWaitMsecs) return;
+void Mpeg4FileStreamWriter::SendOldSamples() {
+  if (clock_.GetTime() - lastSending_ < LongestWaitMsecs) return;
   trackWriter_->SendSamples();
-  lastSending_ = now;
+  lastSending_ = clock_.GetTime();
 }

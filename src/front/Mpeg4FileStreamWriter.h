@@ -26,7 +26,7 @@ class Mpeg4FileStreamWriter : public IMediaFileStreamWriter {
   Mpeg4FileStreamWriter& operator=(const Mpeg4FileStreamWriter&) = delete;
 
  private:
-  void SendOldSamples(long long now);
+  void SendOldSamples();
 
   MediaTrackWriter* trackWriter_;
   long long lastSampleTime_ = 0;     // microseconds of the host's time

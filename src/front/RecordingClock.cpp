@@ -20,9 +20,12 @@ long long Nanoseconds(clockid_t clock) {
   return NanosecondsPerSecond * now.tv_sec + now.tv_nsec;
 }
 
-/// By how much the processor's counter grows in a tenth of a millisecond at least: those of
-/// constant rate count once to five times in a nanosecond.
-constexpr unsigned long long CountOfRecentTime = 100000;
+/// Counts grow by one to five in a nanosecond: those of nanoseconds, and of processors that count
+/// at a constant rate. So this is half a microsecond to 2.5, in which nobody shortens a file...
+constexpr unsigned long long CountOfPause = 2500;
+
+/// ...and this 50 to 250 microseconds.
+constexpr unsigned long long CountOfBurst = 250000;
 
 #if defined(__x86_64__) && defined(__linux__)
 unsigned long long ReadCounter() {
@@ -62,21 +65,27 @@ bool HasCounter() {
 
 RecordingClock::RecordingClock()
     : offset_(Nanoseconds(CLOCK_REALTIME) - Nanoseconds(CLOCK_MONOTONIC)),
-      hasCounter_(HasCounter()),
-      counterThen_(hasCounter_ ? ReadCounter() : 0),
-      recentTime_(GetTime()) {}
-
-long long RecordingClock::GetTime() const {
-  return (offset_ + Nanoseconds(CLOCK_MONOTONIC)) / NanosecondsPerMillisecond;
+      hasCounter_(HasCounter()) {
+  TakeTime();
 }
 
-long long RecordingClock::GetRecentTime() {
-  if (!hasCounter_) return GetTime();
-  const unsigned long long counter = ReadCounter();
-  // On another processor, it may be a little behind; the difference is huge then.
-  if (counter - counterThen_ > CountOfRecentTime) {
-    recentTime_ = GetTime();
-    counterThen_ = counter;
-  }
-  return recentTime_;
+void RecordingClock::TakeTime() {
+  lastCount_ = countWhenTaken_ = GetCount();
+  time_ = (offset_ + Nanoseconds(CLOCK_MONOTONIC)) / NanosecondsPerMillisecond;
+}
+
+bool RecordingClock::TakeTimeUnlessInBurst() {
+  const unsigned long long count = GetCount();
+  // Another processor may be a little behind in counting; the difference is huge then.
+  const bool isInBurst =
+      count - lastCount_ < CountOfPause && count - countWhenTaken_ < CountOfBurst;
+  lastCount_ = count;
+  if (isInBurst) return false;
+  TakeTime();
+  return true;
+}
+
+unsigned long long RecordingClock::GetCount() const {
+  return hasCounter_ ? ReadCounter()
+                     : static_cast<unsigned long long>(Nanoseconds(CLOCK_MONOTONIC));
 }

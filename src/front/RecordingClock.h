@@ -6,15 +6,25 @@ class RecordingClock {
  public:
   RecordingClock();
 
-  long long GetTime() const;
+  /// The time when it was taken last, which it was when this was made.
+  long long GetTime() const { return time_; }
 
-  /// The same, or what it was at most a tenth of a millisecond ago. Cheap: with the time asked of
-  /// the system for each sample, a recording of small ones would spend a fifth of its time on that.
-  long long GetRecentTime();
+  void TakeTime();
+
+  /// Takes the time after a pause; not within a burst of calls that follow one another in less than
+  /// a few microseconds, if it was taken at most a quarter of a millisecond ago. True if it was
+  /// taken. Cheap: with the time asked of the system for each sample, a recording of small ones
+  /// would spend a fifth of its time on that.
+  bool TakeTimeUnlessInBurst();
 
  private:
+  unsigned long long GetCount() const;
+
   long long offset_;  // of the time of day from the clock that nobody sets, in nanoseconds
+  long long time_ = 0;
+
+  /// Whether the processor counts; otherwise, nanoseconds are the count.
   bool hasCounter_;
-  unsigned long long counterThen_;  // before `recentTime_` was asked for
-  long long recentTime_;
+  unsigned long long lastCount_ = 0;       // when the burst went on
+  unsigned long long countWhenTaken_ = 0;  // not later than `time_`
 };

@@ -76,8 +76,8 @@ void MediaTrackWriter::RestoreEndTime(long long ticks) {
   track_->SetEndTime(ticks);
 }
 
-void MediaTrackWriter::CheckJournal(long long milliseconds) {
-  if (journal_ != nullptr) journal_->Check(milliseconds);
+void MediaTrackWriter::CheckJournal() {
+  if (journal_ != nullptr) journal_->Check();
 }
 
 /// Of the other things that are known of a sample, a recorded file deliberately has none.

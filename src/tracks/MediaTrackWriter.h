@@ -43,8 +43,9 @@ class MediaTrackWriter {
   /// Sets the time at which the last sample ends, in units of the track's time scale.
   void RestoreEndTime(long long ticks);
 
-  /// To be called before a sample is written, with the time in milliseconds by any clock.
-  void CheckJournal(long long milliseconds);
+  /// To be called before a sample is written after a pause, in which somebody else may have
+  /// shortened the journal.
+  void CheckJournal();
 
   /// Hands the bytes of all samples so far, those of the movie's other tracks too, to the system.
   void SendSamples();

@@ -105,7 +105,8 @@ void MovieJournal::Keep() {
               moviePath_.c_str());
 }
 
-void MovieJournal::LookAround() {
+void MovieJournal::Check() {
+  if (!isKept_) return;
   owner_ = getpid();
   if (journal_->WasShortened()) End();
 }

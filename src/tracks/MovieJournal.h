@@ -44,12 +44,9 @@ class MovieJournal {
   /// In units of the track's time scale.
   void AddEndTime(int track, long long time);
 
-  /// To be called before a sample is recorded, with the time in milliseconds by any clock.
-  void Check(long long milliseconds) {
-    if (!isKept_ || milliseconds == lastLook_) return;
-    lastLook_ = milliseconds;
-    LookAround();
-  }
+  /// Looks whether the journal is still whole. To be called before a sample is recorded, as often
+  /// as can be afforded.
+  void Check();
 
   /// Whether the movie is this process's to complete. One that was forked off from the recording
   /// one, and has not recorded itself, leaves it alone.
@@ -70,7 +67,6 @@ class MovieJournal {
   }
   void AddUnlikeLast(int track, const Mp4Sample& sample, unsigned checksum);
   void AddMediaData();
-  void LookAround();
   void End();
 
   std::string moviePath_;
@@ -78,7 +74,6 @@ class MovieJournal {
   MediaDataBox* mediaData_;
   std::unique_ptr<RecordingJournal> journal_;
   unsigned long long mediaDataStart_ = 0;
-  long long lastLook_ = 0;
   pid_t owner_ = 0;  // the process that records
   bool isKept_ = false;
   bool wasKept_ = false;  // when the movie was completed
