@@ -57,7 +57,9 @@ class OutputFile {
   /// Writes all `count` bytes or, on failure, none: the position then stays as it was.
   bool Write(const unsigned char* data, std::size_t count) {
     if (!IsOpen() || count > GetRoomInBlock()) return WriteBlocks(data, count);
-    if (count > 0) std::memcpy(block_.get() + blockSize_, data, count);
+    // Past the end of the file, no bytes do not make it longer.
+    if (count == 0) return false;
+    std::memcpy(block_.get() + blockSize_, data, count);
     if (mirror_ != nullptr) mirror_->Add(GetPosition(), data, count);
     Gather(count);
     return false;

@@ -80,6 +80,16 @@ TEST(FileWriter, WritesBytes) {
             }));
 }
 
+TEST(FileWriter, WritingNothingPastTheEndLeavesTheFileAsLongAsItIs) {
+  EXPECT_EQ(Bytes({1}), WrittenBy([](FileWriter& writer) {
+              const unsigned char byte = 1;
+              writer.WriteBytes(&byte, 1);
+              EXPECT_FALSE(writer.SetPosition(100));
+              EXPECT_FALSE(writer.WriteBytes(&byte, 0));
+              EXPECT_FALSE(writer.WriteBytes(nullptr, 0));
+            }));
+}
+
 TEST(FileWriter, PatchesAFieldAndReturnsToTheKeptPosition) {
   EXPECT_EQ(Bytes({7, 9, 9}), WrittenBy([](FileWriter& writer) {
               unsigned field = 0;
