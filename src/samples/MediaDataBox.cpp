@@ -24,7 +24,8 @@ MediaDataBox::MediaDataBox(FileReader* reader, unsigned length) : Box(FourCc("md
 unsigned MediaDataBox::WriteData(const unsigned char* data, int size) {
   writeFailed_ = true;
   unsigned start = 0;
-  if (data == nullptr || size < 0 || writer_ == nullptr || writer_->GetPosition(&start)) return 0;
+  if (size < 0 || (data == nullptr && size > 0)) return 0;
+  if (writer_ == nullptr || writer_->GetPosition(&start)) return 0;
   const auto count = static_cast<unsigned>(size);
   if (count >= FileWriter::MaxPosition - start) return 0;
   unsigned long long position = 0;

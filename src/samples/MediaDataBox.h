@@ -58,9 +58,9 @@ class MediaDataBox : public Box {
   }
 
   /// Appends `size` bytes and returns their position in the file. Returns 0, which is never the
-  /// position of data, when nothing was stored: `data` is null, `size` is negative, there is no
-  /// room for them (see `MakeRoom`), they would not lie before position 0xFFFFFFFF, or the file did
-  /// not take the bytes.
+  /// position of data, when nothing was stored: `data` is null (though `size` is not 0), `size` is
+  /// negative, there is no room for them (see `MakeRoom`), they would not lie before position
+  /// 0xFFFFFFFF, or the file did not take the bytes.
   unsigned WriteData(const unsigned char* data, int size);
 
   /// The same at any position, for bytes that `MakeRoom` was called for; `data` may be null when

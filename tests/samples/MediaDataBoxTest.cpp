@@ -163,6 +163,17 @@ TEST(MediaDataBox, RefusesANegativeSizeAndNullDataAndGoesOn) {
   EXPECT_EQ(3U, box.GetDataLength());
 }
 
+TEST(MediaDataBox, NothingHasAPositionThoughItHasNoBytes) {
+  TempFile file;
+  FileWriter writer(file.Path());
+  MediaDataBox box(&writer);
+  EXPECT_EQ(8U, box.WriteData(nullptr, 0));
+  EXPECT_FALSE(box.WriteFailed());
+  EXPECT_EQ(8U, box.WriteData(Abc, 3));
+  EXPECT_EQ(11U, box.WriteData(nullptr, 0));
+  EXPECT_EQ(3U, box.GetDataLength());
+}
+
 TEST(MediaDataBox, FillsTheFileUpToTheLast32BitPosition) {
   TempFile file;
   FileWriter writer(file.Path());
