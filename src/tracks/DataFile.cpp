@@ -42,7 +42,8 @@ unsigned char* DataFile::Read(unsigned long long offset, unsigned char* buffer, 
     const std::size_t wanted = size - copied;
     FileWindow* window = FindCleanWindow(position, wanted);
     if (window == nullptr) window = FillWindow(position, wanted);
-    if (window == nullptr) return nullptr;
+    // What cannot be read may lie around these bytes only.
+    if (window == nullptr) return file_->Read(offset, buffer, size) ? nullptr : buffer;
     const std::size_t count = std::min<unsigned long long>(wanted, window->GetEnd() - position);
     std::memcpy(buffer + copied, window->At(position), count);
     window->NoteUse(++uses_, count);

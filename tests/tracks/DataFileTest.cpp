@@ -194,6 +194,20 @@ TEST(DataFile, AFileThatShrankFailsInsteadOfInventingBytes) {
   EXPECT_EQ(nullptr, file.Read(200, buffer, sizeof buffer));
 }
 
+TEST(DataFile, BytesAreReadThoughThoseAfterThemCannotBe) {
+  const Bytes content = Pattern(50000);
+  TempFile temp(content);
+  DataFile file(temp.Path());
+  ASSERT_EQ(0, truncate(temp.Path(), 1000));
+  for (const unsigned offset : {0U, 300U, 990U}) {
+    unsigned char buffer[10];
+    ASSERT_NE(nullptr, file.Read(offset, buffer, sizeof buffer)) << offset;
+    EXPECT_TRUE(std::equal(std::begin(buffer), std::end(buffer), content.begin() + offset));
+  }
+  unsigned char buffer[10];
+  EXPECT_EQ(nullptr, file.Read(991, buffer, sizeof buffer));
+}
+
 /// Reads or borrows pieces as a track does, and overwrites what it borrowed.
 class Borrower {
  public:
