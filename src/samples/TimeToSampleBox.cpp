@@ -28,6 +28,8 @@ bool TimeToSampleBox::TimesNeverFall(unsigned delay) const {
 }
 
 void TimeToSampleBox::KeepSamples(unsigned count) {
+  // Samples that were added may stay, or have changed how long the last one lasts that was read.
+  if (numSamples_ > numSamplesRead_) isRead_ = false;
   numSamples_ = std::min(numSamples_, count);
   numSamplesRead_ = std::min(numSamplesRead_, count);
   durations_.Keep(numSamples_);

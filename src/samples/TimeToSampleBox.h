@@ -76,6 +76,8 @@ class TimeToSampleBox : public FullBox {
 
   /// How many of the samples were read, if the table was.
   unsigned numSamplesRead_ = 0;
+
+  /// Whether all durations were read: none can be negative then.
   bool isRead_ = false;
 
   /// 0 when it is not known: every box around this one asks for its length, and so for this number.

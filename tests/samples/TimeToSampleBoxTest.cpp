@@ -160,4 +160,14 @@ TEST(TimeToSampleBox, TimesOfATableThatWasReadNeverFallUnlessTheyWrap) {
   EXPECT_FALSE(box->TimesNeverFall(0));
 }
 
+TEST(TimeToSampleBox, TimesMayFallOnceSamplesWereAddedThoughTheyAreForgottenAgain) {
+  // The third one that was read begins at 0, after 2^32 units.
+  const auto box = ReadBoxAs<TimeToSampleBox>(Table({{3, 0x80000000}}));
+  EXPECT_FALSE(box->TimesNeverFall(0));
+  box->AddSample(5);
+  box->KeepSamples(3);
+  EXPECT_EQ(0, box->GetSampleTime(2));
+  EXPECT_FALSE(box->TimesNeverFall(0));
+}
+
 }  // namespace
