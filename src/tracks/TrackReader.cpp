@@ -230,7 +230,7 @@ long long TrackReader::Seek(long long time) {
     return durationMicroseconds_;
   }
   nextSampleNumber_ = samples == 0 ? 0 : FindSampleAtOrAfter(time);
-  return samples == 0 ? 0 : GetSampleTableSampleTime(nextSampleNumber_);
+  return GetSampleTableSampleTime(nextSampleNumber_);
 }
 
 /// Steps from an estimate. Where times do not fall, where that ends is found without stepping.

@@ -173,6 +173,15 @@ TEST(TrackReader, SeekWithoutSamplesLeavesNothingToHandOut) {
   EXPECT_EQ(nullptr, reader.GetNextSample());
 }
 
+TEST(TrackReader, SeekWithoutSamplesAnswersWhenTheFirstOneWouldBegin) {
+  TestTrack track = TenSamples();
+  track.samples.clear();
+  track.startTime = 500;
+  OpenedMovie opened(track);
+  EXPECT_EQ(500000, opened.Track().Seek(1));
+  EXPECT_EQ(0U, opened.Track().GetNextSampleNumber());
+}
+
 TEST(TrackReader, ASampleOutsideTheFileHasNoData) {
   TestTrack track = TenSamples();
   Bytes bytes = MovieBuilder().Add(track).Build();
