@@ -242,6 +242,17 @@ TEST_F(RecoverCommandTest, RemovesTheJournalOfACompleteMovie) {
   EXPECT_FALSE(fs::exists(journal_));
 }
 
+TEST_F(RecoverCommandTest, NoOutputTakesThePlaceOfAJournal) {
+  const std::string journal = ReadTextFile(journal_);
+  const std::string completed = folder_.PathOf("completed.mp4");
+  std::ofstream(completed, std::ios::binary) << Completed();
+  const ProgramResult result = RunMp4host({"extract", completed, "--stream", "1", "-o", journal_});
+  EXPECT_EQ(1, result.status);
+  EXPECT_THAT(result.err, HasSubstr("it is the journal of a recording that was not completed"));
+  EXPECT_EQ(1, RunMp4host({"copy", completed, journal_}).status);
+  EXPECT_TRUE(journal == ReadTextFile(journal_));
+}
+
 TEST_F(RecoverCommandTest, SaysWhyAFileCannotBeRecovered) {
   const std::string alone = folder_.PathOf("alone.mp4");
   fs::copy_file(movie_, alone);

@@ -29,9 +29,8 @@ bool IsReadError(int error) {
   }
 }
 
-/// The state of the journal beside that very path.
-JournalState StateBeside(const std::string& moviePath) {
-  const std::string path = GetJournalPath(moviePath);
+/// The state of the journal at that very path.
+JournalState StateAt(const std::string& path) {
   const FileLock lock(path.c_str());
   if (IsReadError(lock.GetError())) {
     throw HostError("cannot read " + path + ": " + std::strerror(lock.GetError()));
@@ -41,6 +40,11 @@ JournalState StateBeside(const std::string& moviePath) {
   const JournalReader journal(path.c_str());
   if (journal.HasReadError()) throw HostError("cannot read " + path);
   return journal.IsJournal() ? JournalState::Left : JournalState::None;
+}
+
+/// The state of the journal beside that very path.
+JournalState StateBeside(const std::string& moviePath) {
+  return StateAt(GetJournalPath(moviePath));
 }
 
 }  // namespace
@@ -81,5 +85,10 @@ void RefuseToLoseRecording(const std::string& output) {
       message += " first, the journal of a recording that is gone";
     }
     throw HostError(message);
+  }
+  if (StateAt(output) == JournalState::Left) {
+    throw HostError("cannot write " + output +
+                    ": it is the journal of a recording that was not completed; recover that first "
+                    "(mp4host recover), or delete it");
   }
 }

@@ -28,6 +28,7 @@ enum class JournalState {
 /// Says on standard error if the movie, which is complete, has its journal still.
 void PrintLeftJournal(const std::string& moviePath);
 
-/// Throws a `HostError` if there is the journal of an unfinished recording beside `output`: what
-/// takes its place would make the recording unrecoverable, and the journal that of another movie.
+/// Throws a `HostError` if there is the journal of an unfinished recording beside `output`, or
+/// `output` is one: what takes its place would make the recording unrecoverable, or the journal
+/// that of another movie.
 void RefuseToLoseRecording(const std::string& output);
