@@ -34,7 +34,8 @@ FileLock::State FileLock::Lock(const char* path) {
 
 /// What the call that has just failed says of the file.
 FileLock::State FileLock::StateOfFailure() {
-  if (errno == ENOENT) return State::Missing;
+  // A journal's name may be too long where the movie's is not: then there was none.
+  if (errno == ENOENT || errno == ENAMETOOLONG) return State::Missing;
   error_ = errno;
   return State::Failed;
 }

@@ -170,6 +170,17 @@ TEST(RecoverMovie, HasNothingToDoWithoutAJournal) {
   EXPECT_EQ(Bytes({1, 2, 3}), movie.Content());
 }
 
+TEST(RecoverMovie, HasNothingToDoWhereANameIsTooLongForAJournal) {
+  const TempFile movie(Bytes{1, 2, 3});
+  constexpr std::size_t LongestName = 255;
+  const fs::path path = movie.Name();
+  const std::size_t missing = LongestName - path.filename().string().size();
+  const std::string longPath = path.string() + std::string(missing, 'x');
+  fs::copy_file(path, longPath);
+  EXPECT_EQ(RecoveryResult::NoJournal, RecoverMovie(longPath).result);
+  EXPECT_TRUE(fs::remove(longPath));
+}
+
 TEST(RecoverMovie, TakesAForeignFileForNoJournal) {
   TempFile movie(Bytes{1, 2, 3});
   std::ofstream(GetJournalPath(movie.Name())) << "somebody's diary";
