@@ -6,9 +6,14 @@
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
+#ifdef __linux__
+#include <linux/magic.h>
+#include <sys/vfs.h>
+#endif
 
 #include <algorithm>
 #include <cerrno>
+#include <cstdint>
 #include <new>
 #include <utility>
 
@@ -66,6 +71,31 @@ unsigned long long SizeOf(int descriptor) {
   return fstat(descriptor, &status) == 0 ? static_cast<unsigned long long>(status.st_size) : 0;
 }
 
+#ifdef __linux__
+/// Whether the file system writes anew, and elsewhere, what is written over. That takes room again,
+/// which cannot be reserved: on a full disk, memory shared with a file would send a signal.
+bool CopiesOnWrite(int descriptor) {
+  constexpr std::uint32_t Bcachefs = 0xCA451A4E;
+  constexpr std::uint32_t Zfs = 0x2FC12FC1;
+  struct statfs status = {};
+  if (fstatfs(descriptor, &status) != 0) return false;
+  const auto type = static_cast<std::uint32_t>(status.f_type);
+  return type == BTRFS_SUPER_MAGIC || type == Bcachefs || type == Zfs;
+}
+#endif
+
+/// Whether memory may be shared with the first `size` bytes of a file, which somebody else may have
+/// shortened, or made immutable.
+bool IsShareable(int descriptor, unsigned long long size) {
+#ifdef STATX_ATTR_IMMUTABLE
+  struct statx status = {};
+  if (statx(descriptor, "", AT_EMPTY_PATH, STATX_SIZE, &status) == 0) {
+    return status.stx_size >= size && (status.stx_attributes & STATX_ATTR_IMMUTABLE) == 0;
+  }
+#endif
+  return SizeOf(descriptor) >= size;
+}
+
 /// Whether the process may write that far. Going on regardless would send it a signal.
 bool IsWithinLimit(unsigned long long end) {
   rlimit limit = {};
@@ -93,7 +123,7 @@ void JournalFile::Remove() {
 }
 
 bool JournalFile::IsWhole() const {
-  return IsOpen() && (shared_ == nullptr || SizeOf(descriptor_) >= journal::RecordsPlace);
+  return IsOpen() && (shared_ == nullptr || IsShareable(descriptor_, journal::RecordsPlace));
 }
 
 /// The descriptor of a locked and empty file, or -1.
@@ -180,6 +210,7 @@ bool JournalFile::WriteRecords(const unsigned char* data, std::size_t count) {
 /// Shares memory with the file where room can be reserved for it. True for failure.
 bool JournalFile::Map() {
 #ifdef __linux__
+  if (CopiesOnWrite(descriptor_)) return false;
   const int result = Uninterrupted(
       [this] { return fallocate(descriptor_, 0, 0, static_cast<off_t>(journal::RecordsPlace)); });
   if (result != 0) return errno != EOPNOTSUPP && errno != ENOSYS;

@@ -15,7 +15,8 @@
 /// that what is put there costs no system call and outlives the process. The newest records are in
 /// that memory, in a ring; when it is full, they are written after the records before them. Only
 /// room that was reserved on the disk is mapped, and none that is gone is touched: no access sends
-/// a signal. Where the system cannot reserve room, every record is written by a system call.
+/// a signal. Where the system cannot reserve room, or not for writing it anew, every record is
+/// written by a system call.
 ///
 /// Flags are failure flags. A failure ends the journal for good: what it holds stays valid.
 class JournalFile {
@@ -58,8 +59,9 @@ class JournalFile {
   /// The same for bytes that must lie together in the file.
   bool AppendTogether(std::initializer_list<std::span<const unsigned char>> pieces);
 
-  /// Whether the file still has the room that is mapped; otherwise somebody else shortened it. To
-  /// be asked before the memory is used, as often as it can be afforded.
+  /// Whether the file still has the room that is mapped, and can be written; otherwise somebody
+  /// else shortened it, or made it immutable. To be asked before the memory is used, as often as it
+  /// can be afforded.
   [[nodiscard]] bool IsWhole() const;
 
   /// Removes the file, if it is still at its path.

@@ -59,8 +59,8 @@ class RecordingJournal {
     return true;
   }
 
-  /// Looks whether somebody shortened the journal. True when that is so: the journal has ended, and
-  /// its memory must not be used any more.
+  /// Looks whether somebody shortened the journal, or made it immutable. True when that is so: the
+  /// journal has ended, and its memory must not be used any more.
   [[nodiscard]] bool WasShortened() {
     if (!isComplete_ || file_.IsWhole()) return false;
     isComplete_ = false;

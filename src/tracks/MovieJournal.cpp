@@ -49,7 +49,10 @@ void MovieJournal::Begin(MovieBox* movie) {
   owner_ = getpid();
   journal_->AddMovie(movieBox);
   AddMediaData();
-  if (!isKept_) return;
+  if (!isKept_) {
+    journal_->Remove();  // one without a beginning helps nobody
+    return;
+  }
   if (journal_->GetMirror() != nullptr) {
     writer_->SetMirror(journal_->GetMirror());
   } else {

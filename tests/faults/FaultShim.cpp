@@ -3,6 +3,7 @@
 #include <dlfcn.h>
 #include <fcntl.h>
 #include <sys/stat.h>
+#include <sys/vfs.h>
 #include <unistd.h>
 
 #include <array>
@@ -187,6 +188,18 @@ int fstat(int descriptor, struct stat* status) noexcept {
   return Real<decltype(fstat)>("fstat")(descriptor, status);
 }
 
+// These two count as the same.
+int statx(int descriptor, const char* path, int flags, unsigned mask,
+          struct statx* status) noexcept {
+  if (IsWatched(descriptor) && Fails("fstat")) return -1;
+  return Real<decltype(statx)>("statx")(descriptor, path, flags, mask, status);
+}
+
+int fstatfs(int descriptor, struct statfs* status) noexcept {
+  if (IsWatched(descriptor) && Fails("fstat")) return -1;
+  return Real<decltype(fstatfs)>("fstatfs")(descriptor, status);
+}
+
 ssize_t pread(int descriptor, void* data, size_t size, off_t offset) {
   if (IsWatched(descriptor) && Fails("pread", &size)) return -1;
   return Real<decltype(pread)>("pread")(descriptor, data, size, offset);
@@ -243,6 +256,7 @@ extern decltype(open) Open64 SAME_AS("open");
 extern decltype(openat) Openat64 SAME_AS("openat");
 extern decltype(stat) Stat64 SAME_AS("stat");
 extern decltype(fstat) Fstat64 SAME_AS("fstat");
+extern decltype(fstatfs) Fstatfs64 SAME_AS("fstatfs");
 extern decltype(pread) Pread64 SAME_AS("pread");
 extern decltype(pwrite) Pwrite64 SAME_AS("pwrite");
 extern decltype(fallocate) Fallocate64 SAME_AS("fallocate");

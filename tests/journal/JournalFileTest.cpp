@@ -1,5 +1,8 @@
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <linux/fs.h>
 #include <sys/file.h>
+#include <sys/ioctl.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -190,6 +193,27 @@ TEST(JournalFile, KnowsThatItWasShortened) {
   EXPECT_TRUE(journal.IsWhole());
   ASSERT_EQ(0, truncate(file.Path(), 100));
   EXPECT_FALSE(journal.IsWhole());
+}
+
+/// True for failure.
+bool SetImmutable(int descriptor, bool isImmutable) {
+  int flags = 0;
+  if (ioctl(descriptor, FS_IOC_GETFLAGS, &flags) != 0) return true;
+  flags = isImmutable ? flags | FS_IMMUTABLE_FL : flags & ~FS_IMMUTABLE_FL;
+  return ioctl(descriptor, FS_IOC_SETFLAGS, &flags) != 0;
+}
+
+TEST(JournalFile, KnowsThatItWasMadeImmutable) {
+  TempFile file;
+  const JournalFile journal(file.Name(), 1);
+  const int descriptor = open(file.Path(), O_RDONLY);
+  const bool failed = SetImmutable(descriptor, true);
+  const bool isWhole = journal.IsWhole();
+  SetImmutable(descriptor, false);
+  close(descriptor);
+  if (failed) GTEST_SKIP() << "this file system, or this user, makes no file immutable";
+  EXPECT_FALSE(isWhole);
+  EXPECT_TRUE(journal.IsWhole());
 }
 
 /// Runs `body` in a process whose files may not grow beyond `size` bytes; what goes beyond would

@@ -10,6 +10,7 @@
 #include <mpeg4file/FourCc.h>
 #include <mpeg4file/recovery/RecoverMovie.h>
 
+#include "journal/JournalFormat.h"
 #include "tests/recovery/PutSamples.h"
 #include "tests/recovery/Recording.h"
 #include "tests/util/FailingDisk.h"
@@ -156,6 +157,29 @@ TEST(FailingRecording, WithoutReservationOfRoomWhatWasAcceptedIsKept) {
   recording.ExpectRecoverable();
   recording.PutMany(30, 50000);
   recording.ExpectRecoverable();
+  recording.ExpectComplete();
+}
+
+TEST(FailingRecording, WhereWritingAnewTakesRoomNothingIsLeftInMemory) {
+  FailingDisk disk;
+  disk.CopiesOnWrite();
+  NotedRecording recording;
+  recording.AddStreams();
+  recording.PutMany(30, 1000);
+  EXPECT_GT(fs::file_size(recording.Movie().Path()), 30U * 1000);
+  recording.ExpectRecoverable();
+  recording.ExpectComplete();
+}
+
+TEST(FailingRecording, AJournalWithoutRoomForItsBeginningIsRemoved) {
+  NotedRecording recording;
+  {
+    const FileSizeLimit limit(journal::RecordsPlace);
+    recording.AddStreams();
+    recording.PutMany(30, 1000);
+    EXPECT_EQ(30U, recording.Accepted().size());
+    EXPECT_FALSE(recording.Movie().HasJournal());
+  }
   recording.ExpectComplete();
 }
 

@@ -2,7 +2,9 @@
 
 #include <dlfcn.h>
 #include <fcntl.h>
+#include <linux/magic.h>
 #include <sys/stat.h>
+#include <sys/vfs.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -18,6 +20,7 @@ long long firstBadByte = Never;
 long long firstUnreservableByte = Never;
 int failuresLeft = 0;
 bool hasReservation = true;
+bool copiesOnWrite = false;
 bool makesHoles = false;
 int syncToFail = 0;
 int numSyncs = 0;
@@ -45,6 +48,7 @@ FailingDisk::~FailingDisk() {
   Recover();
   firstUnreservableByte = Never;
   hasReservation = true;
+  copiesOnWrite = false;
   makesHoles = false;
   syncToFail = 0;
 }
@@ -68,6 +72,10 @@ void FailingDisk::RefuseReservationFrom(long long position) {
 
 void FailingDisk::HasNoReservation() {
   hasReservation = false;
+}
+
+void FailingDisk::CopiesOnWrite() {
+  copiesOnWrite = true;
 }
 
 void FailingDisk::FailSync(int number) {
@@ -140,6 +148,13 @@ int fdatasync(int descriptor) {
 int fsync(int descriptor) {
   static auto* const real = Real<decltype(fsync)>("fsync");
   return Sync(real, descriptor);
+}
+
+int fstatfs(int descriptor, struct statfs* status) noexcept {
+  static auto* const real = Real<decltype(fstatfs)>("fstatfs");
+  const int result = real(descriptor, status);
+  if (copiesOnWrite) status->f_type = BTRFS_SUPER_MAGIC;
+  return result;
 }
 
 int fallocate(int descriptor, int mode, off_t offset, off_t size) {

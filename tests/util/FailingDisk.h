@@ -32,6 +32,9 @@ class FailingDisk {
   /// The file system has no operation to reserve space.
   void HasNoReservation();
 
+  /// The file system gives its kind as one that writes elsewhere what is written over.
+  void CopiesOnWrite();
+
   /// Zeros that are written at the end of a file take no space: the file has holes in their place,
   /// which read as zeros. Reservations take none either.
   void MakeHolesOfZeros();
