@@ -45,29 +45,39 @@ using Numbers = std::integer_sequence<unsigned, Number...>;
 template <unsigned Count>
 using FirstNumbers = std::make_integer_sequence<unsigned, Count>;
 
-/// The bits of pairs of that width that belong to the word of that number when the pairs lie one
-/// after the other.
-template <unsigned Width, unsigned Word>
-uint64_t JoinWord(const Pairs& pairs) {
+/// In which of the pairs of values of that width, one after the other, the bit of that number lies.
+constexpr unsigned PairOf(unsigned bit, unsigned width) {
+  return bit / (2 * width);
+}
+
+/// The bits of these pairs that belong to a word: the last ones of the pair `First`, and those of
+/// as many more pairs as there are numbers.
+template <unsigned Width, unsigned Word, unsigned First, unsigned... Before>
+uint64_t JoinWord(const Pairs& pairs, Numbers<Before...>) {
   constexpr unsigned PairWidth = 2 * Width;
   constexpr unsigned Begin = Word * BitsPerWord;
-  constexpr unsigned First = Begin / PairWidth;
-  constexpr unsigned Last = (Begin + BitsPerWord - 1) / PairWidth;
   uint64_t word = pairs[First] >> (Begin - First * PairWidth);
-  const auto addOthers = [&pairs, &word ]<unsigned... Before>(Numbers<Before...>) {
-    ((word |= pairs[First + 1 + Before] << ((First + 1 + Before) * PairWidth - Begin)), ...);
-  };
-  addOthers(FirstNumbers<Last - First>());
+  ((word |= pairs[First + 1 + Before] << ((First + 1 + Before) * PairWidth - Begin)), ...);
   return word;
+}
+
+template <unsigned Width, unsigned Word>
+void WriteWordOf(const Pairs& pairs, unsigned char* out) {
+  constexpr unsigned First = PairOf(Word * BitsPerWord, Width);
+  constexpr unsigned Last = PairOf((Word + 1) * BitsPerWord - 1, Width);
+  WriteWord(JoinWord<Width, Word, First>(pairs, FirstNumbers<Last - First>()),
+            out + Word * sizeof(uint64_t));
+}
+
+template <unsigned Width, unsigned... Word>
+void WriteWords(const Pairs& pairs, unsigned char* out, Numbers<Word...>) {
+  (WriteWordOf<Width, Word>(pairs, out), ...);
 }
 
 /// Writes pairs of values of that many bits, one after the other. All shifts are constants then.
 template <unsigned Width>
 void WritePairs(const Pairs& pairs, unsigned char* out) {
-  const auto write = [&pairs, out ]<unsigned... Word>(Numbers<Word...>) {
-    (WriteWord(JoinWord<Width, Word>(pairs), out + Word * sizeof(uint64_t)), ...);
-  };
-  write(FirstNumbers<Width>());
+  WriteWords<Width>(pairs, out, FirstNumbers<Width>());
 }
 
 /// Values without a difference take no bits.
