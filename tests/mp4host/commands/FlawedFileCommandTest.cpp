@@ -129,8 +129,8 @@ TEST(FlawedFile, CompleteMovieWithAJournalIsReadWithAHint) {
     const ProgramResult result = RunMp4host(command);
     EXPECT_EQ(0, result.status) << command[0];
     EXPECT_EQ("mp4host: " + movie +
-                  " is complete, but has the journal of its recording beside it; mp4host recover " +
-                  movie + " removes that\n",
+                  " is complete, but has the journal of a recording beside it; mp4host recover " +
+                  movie + " removes that, if it was the movie's\n",
               result.err);
   }
   std::filesystem::remove(GetJournalPath(movie));

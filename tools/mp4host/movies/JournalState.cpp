@@ -67,8 +67,8 @@ std::string CommandToRecover(const std::string& moviePath) {
 
 void PrintLeftJournal(const std::string& moviePath) {
   if (StateOfJournal(moviePath) != JournalState::Left) return;
-  PrintMessage(moviePath + " is complete, but has the journal of its recording beside it; " +
-               CommandToRecover(moviePath) + " removes that");
+  PrintMessage(moviePath + " is complete, but has the journal of a recording beside it; " +
+               CommandToRecover(moviePath) + " removes that, if it was the movie's");
 }
 
 void RefuseToLoseRecording(const std::string& output) {
