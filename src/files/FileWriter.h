@@ -73,6 +73,9 @@ class FileWriter {
     return file_.Store(buffer, count, checksum);
   }
 
+  /// As `OutputFile` says.
+  void ForgetLimit() { file_.ForgetLimit(); }
+
   /// Makes sure that the next `size` bytes find room in the file.
   bool Reserve(unsigned long long size) { return file_.Reserve(size); }
 

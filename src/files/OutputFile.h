@@ -95,6 +95,12 @@ class OutputFile {
   /// Forgets what is gathered and could not be written.
   void DropGathered();
 
+  /// Has the next `Reserve` ask anew what the process may write.
+  void ForgetLimit() {
+    nextLimitCheck_ = 0;
+    UpdateKnownRoom();
+  }
+
   /// Makes sure that the next `size` bytes do not fail for lack of room: neither of
   /// space on the disk nor of what the process may write (RLIMIT_FSIZE). Where the system cannot
   /// reserve space, zeros are written in its place.

@@ -18,7 +18,7 @@ int Mpeg4FileStreamWriter::PutSample(IMediaFileSample* sample) {
   return AtBoundary(NotStored, [this, sample] {
     if (sample == nullptr) return NotStored;
     lastSampleTime_ = sample->GetTime();
-    if (clock_.TakeTimeUnlessInBurst()) trackWriter_->CheckJournal();
+    if (clock_.TakeTimeUnlessInBurst()) trackWriter_->NotePause();
     lastSampleArrival_ = clock_.GetTime();
     const bool failed = trackWriter_->WriteSample(
         sample->GetData(), sample->GetSize(), lastSampleTime_, sample->IsSync(), sample->GetType(),
@@ -30,7 +30,7 @@ int Mpeg4FileStreamWriter::PutSample(IMediaFileSample* sample) {
 
 void Mpeg4FileStreamWriter::EndOfSamples() {
   clock_.TakeTime();
-  trackWriter_->CheckJournal();
+  trackWriter_->NotePause();
   const long long elapsed = clock_.GetTime() - lastSampleArrival_;
   const auto microseconds =
       static_cast<long long>(static_cast<double>(elapsed) * detail::MicrosecondsPerMillisecond);

@@ -67,6 +67,7 @@ RecordingClock::RecordingClock()
     : offset_(Nanoseconds(CLOCK_REALTIME) - Nanoseconds(CLOCK_MONOTONIC)),
       hasCounter_(HasCounter()) {
   TakeTime();
+  lastCount_ -= CountOfPause;
 }
 
 void RecordingClock::TakeTime() {

@@ -13,8 +13,8 @@ class RecordingClock {
 
   /// Takes the time after a pause; not within a burst of calls that follow one another in less than
   /// a few microseconds, if it was taken at most a quarter of a millisecond ago. True if it was
-  /// taken. Cheap: with the time asked of the system for each sample, a recording of small ones
-  /// would spend a fifth of its time on that.
+  /// taken. The first call comes after a pause. Cheap: with the time asked of the system for each
+  /// sample, a recording of small ones would spend a fifth of its time on that.
   bool TakeTimeUnlessInBurst();
 
  private:

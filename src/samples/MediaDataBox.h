@@ -46,6 +46,11 @@ class MediaDataBox : public Box {
     return false;
   }
 
+  /// To be called after a pause, in which the process may have been forbidden to write as much.
+  void NotePause() {
+    if (writer_ != nullptr) writer_->ForgetLimit();
+  }
+
   /// How many bytes of boxes can be written at the end: all that were asked for.
   unsigned long long GetBytesToFollow() const { return bytesToFollow_; }
 

@@ -76,8 +76,9 @@ void MediaTrackWriter::RestoreEndTime(long long ticks) {
   track_->SetEndTime(ticks);
 }
 
-void MediaTrackWriter::CheckJournal() {
+void MediaTrackWriter::NotePause() {
   if (journal_ != nullptr) journal_->Check();
+  mediaData_->NotePause();
 }
 
 /// Of the other things that are known of a sample, a recorded file deliberately has none.

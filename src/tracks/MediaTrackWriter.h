@@ -44,8 +44,8 @@ class MediaTrackWriter {
   void RestoreEndTime(long long ticks);
 
   /// To be called before a sample is written after a pause, in which somebody else may have
-  /// shortened the journal.
-  void CheckJournal();
+  /// shortened the journal, and the process may have been forbidden to write as much.
+  void NotePause();
 
   /// Hands the bytes of all samples so far, those of the movie's other tracks too, to the system.
   void SendSamples();

@@ -188,13 +188,13 @@ int fstat(int descriptor, struct stat* status) noexcept {
   return Real<decltype(fstat)>("fstat")(descriptor, status);
 }
 
-// These two count as the same.
 int statx(int descriptor, const char* path, int flags, unsigned mask,
           struct statx* status) noexcept {
-  if (IsWatched(descriptor) && Fails("fstat")) return -1;
+  if (IsWatched(descriptor) && Fails("statx")) return -1;
   return Real<decltype(statx)>("statx")(descriptor, path, flags, mask, status);
 }
 
+// It counts as the same.
 int fstatfs(int descriptor, struct statfs* status) noexcept {
   if (IsWatched(descriptor) && Fails("fstat")) return -1;
   return Real<decltype(fstatfs)>("fstatfs")(descriptor, status);

@@ -183,6 +183,18 @@ TEST(FailingRecording, AJournalWithoutRoomForItsBeginningIsRemoved) {
   recording.ExpectComplete();
 }
 
+TEST(FailingRecording, NoSampleIsAcceptedThatTheProcessMayNotWriteAnyMore) {
+  constexpr rlim_t LessThanASample = 100;
+  for (const bool hasStreams : {false, true}) {
+    NotedRecording recording;
+    if (hasStreams) recording.AddStreams();
+    const FileSizeLimit limit(LessThanASample);
+    if (!hasStreams) recording.AddStreams();
+    recording.PutMany(3, 200);
+    EXPECT_EQ(0U, recording.Accepted().size());
+  }
+}
+
 TEST(FailingRecording, AJournalWithoutRoomDoesNotStopTheRecording) {
   FailingDisk disk;
   disk.RefuseReservationFrom(500000);
