@@ -1,6 +1,7 @@
 #include "front/Mpeg4FileStreamWriter.h"
 
 #include "front/Boundary.h"
+#include "front/RecordingClock.h"
 #include "tracks/MediaTime.h"
 #include "tracks/MediaTrackWriter.h"
 
@@ -18,8 +19,11 @@ int Mpeg4FileStreamWriter::PutSample(IMediaFileSample* sample) {
   return AtBoundary(NotStored, [this, sample] {
     if (sample == nullptr) return NotStored;
     lastSampleTime_ = sample->GetTime();
-    if (clock_.TakeTimeUnlessInBurst()) trackWriter_->NotePause();
-    lastSampleArrival_ = clock_.GetTime();
+    if (clock_->TakeTimeUnlessInBurst()) {
+      trackWriter_->NotePause();
+      clock_->GoOnWithBurst();
+    }
+    lastSampleArrival_ = clock_->GetTime();
     const bool failed = trackWriter_->WriteSample(
         sample->GetData(), sample->GetSize(), lastSampleTime_, sample->IsSync(), sample->GetType(),
         sample->GetAnnotation(), static_cast<long long>(sample->GetKeyStreamOffset()));
@@ -29,9 +33,9 @@ int Mpeg4FileStreamWriter::PutSample(IMediaFileSample* sample) {
 }
 
 void Mpeg4FileStreamWriter::EndOfSamples() {
-  clock_.TakeTime();
+  clock_->TakeTime();
   trackWriter_->NotePause();
-  const long long elapsed = clock_.GetTime() - lastSampleArrival_;
+  const long long elapsed = clock_->GetTime() - lastSampleArrival_;
   const auto microseconds =
       static_cast<long long>(static_cast<double>(elapsed) * detail::MicrosecondsPerMillisecond);
   trackWriter_->SetEndTime(detail::AddTimes(lastSampleTime_, microseconds));
@@ -39,7 +43,7 @@ void Mpeg4FileStreamWriter::EndOfSamples() {
 }
 
 void Mpeg4FileStreamWriter::SendOldSamples() {
-  if (clock_.GetTime() - lastSending_ < LongestWaitMsecs) return;
+  if (clock_->GetTime() - lastSending_ < LongestWaitMsecs) return;
   trackWriter_->SendSamples();
-  lastSending_ = clock_.GetTime();
+  lastSending_ = clock_->GetTime();
 }

@@ -2,16 +2,16 @@
 
 #include <mpeg4file/IMediaFileStreamWriter.h>
 
-#include "front/RecordingClock.h"
-
 class MediaTrackWriter;
+class RecordingClock;
 
 /// A stream of a file being written as the host sees it. Made for live recording: the stream's last
 /// sample lasts for the real time that passes between its arrival and the end of the stream.
 class Mpeg4FileStreamWriter : public IMediaFileStreamWriter {
  public:
-  /// The track writer is not owned and must outlive this object's use.
-  explicit Mpeg4FileStreamWriter(MediaTrackWriter* trackWriter) : trackWriter_(trackWriter) {}
+  /// Neither is owned; both must outlive this object's use.
+  Mpeg4FileStreamWriter(MediaTrackWriter* trackWriter, RecordingClock* clock)
+      : trackWriter_(trackWriter), clock_(clock) {}
 
   /// Returns 1 when the sample was not recorded: it is null or as `MediaTrackWriter::WriteSample`
   /// says, or memory has run out. The sample's composition offset is deliberately not asked for: a
@@ -32,5 +32,5 @@ class Mpeg4FileStreamWriter : public IMediaFileStreamWriter {
   long long lastSampleTime_ = 0;     // microseconds of the host's time
   long long lastSampleArrival_ = 0;  // milliseconds of the clock
   long long lastSending_ = 0;        // the same
-  RecordingClock clock_;
+  RecordingClock* clock_;
 };

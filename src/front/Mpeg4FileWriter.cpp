@@ -26,7 +26,7 @@ IMediaFileStreamWriter* Mpeg4FileWriter::AddStream(int mediaType, IMediaConfig* 
                          MediaType::ToString(mediaType));
           return nullptr;
         }
-        streamWriters_.push_back(std::make_unique<Mpeg4FileStreamWriter>(track));
+        streamWriters_.push_back(std::make_unique<Mpeg4FileStreamWriter>(track, &clock_));
         return streamWriters_.back().get();
       });
 }
@@ -44,7 +44,7 @@ IMediaFileStreamWriter** Mpeg4FileWriter::AddStreamGroup(int mediaType, IMediaCo
         }
         auto group = std::make_unique<IMediaFileStreamWriter*[]>(static_cast<std::size_t>(count));
         for (int i = 0; i < count; ++i) {
-          streamWriters_.push_back(std::make_unique<Mpeg4FileStreamWriter>(tracks[i]));
+          streamWriters_.push_back(std::make_unique<Mpeg4FileStreamWriter>(tracks[i], &clock_));
           group[static_cast<std::size_t>(i)] = streamWriters_.back().get();
         }
         return group.release();

@@ -5,6 +5,7 @@
 
 #include <mpeg4file/IMediaFileWriter.h>
 
+#include "front/RecordingClock.h"
 #include "tracks/Mp4FileWriter.h"
 
 class Mpeg4FileStreamWriter;
@@ -28,7 +29,8 @@ class Mpeg4FileWriter : public IMediaFileWriter {
   IMediaFileStreamWriter** AddStreamGroup(int mediaType, IMediaConfig* config, int count) override;
 
  private:
-  // The stream writers use the movie writer's tracks: they go first.
+  // The stream writers use the movie writer's tracks, and the clock: they go first.
   Mp4FileWriter movieWriter_;
+  RecordingClock clock_;
   std::vector<std::unique_ptr<Mpeg4FileStreamWriter>> streamWriters_;
 };

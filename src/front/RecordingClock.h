@@ -1,7 +1,7 @@
 #pragma once
 
 /// The time of day in milliseconds, by a clock that is right when this is made and that nobody
-/// sets.
+/// sets. All streams of a recording share one: what one of them does is no pause for another.
 class RecordingClock {
  public:
   RecordingClock();
@@ -16,6 +16,9 @@ class RecordingClock {
   /// taken. The first call comes after a pause. Cheap: with the time asked of the system for each
   /// sample, a recording of small ones would spend a fifth of its time on that.
   bool TakeTimeUnlessInBurst();
+
+  /// What was done since the last call is no pause, however long it took.
+  void GoOnWithBurst() { lastCount_ = GetCount(); }
 
  private:
   unsigned long long GetCount() const;

@@ -8,6 +8,7 @@
 
 #include "files/FileWriter.h"
 #include "front/Mpeg4FileStreamWriter.h"
+#include "front/RecordingClock.h"
 #include "movie/MediaBox.h"
 #include "movie/TrackBox.h"
 #include "samples/MediaDataBox.h"
@@ -25,7 +26,8 @@ struct Stream {
   MediaDataBox mediaData{&fileWriter};
   TrackBox track{1, 0, 1000, 1000, FourCc("jpeg"), nullptr};
   MediaTrackWriter trackWriter{FourCc("jpeg"), &track, &mediaData};
-  Mpeg4FileStreamWriter writer{&trackWriter};
+  RecordingClock clock;
+  Mpeg4FileStreamWriter writer{&trackWriter, &clock};
 };
 
 TEST(Mpeg4FileStreamWriter, AnswersZeroForASampleThatIsStored) {

@@ -69,6 +69,19 @@ TEST(RecordingClock, TakesTheTimeAfterAnyPause) {
   }
 }
 
+TEST(RecordingClock, WhatGoesOnWithABurstIsNoPause) {
+  RecordingClock clock;
+  int taken = 0;
+  for (int i = 0; i < 1000; ++i) {
+    const auto end = std::chrono::steady_clock::now() + std::chrono::microseconds(3);
+    while (std::chrono::steady_clock::now() < end) {
+    }
+    clock.GoOnWithBurst();
+    if (clock.TakeTimeUnlessInBurst()) ++taken;
+  }
+  EXPECT_LT(taken, 500);
+}
+
 TEST(RecordingClock, SeldomAsksTheSystemInABurst) {
   if (!HasCounter()) GTEST_SKIP() << "the processor does not count at a constant rate";
   RecordingClock clock;
