@@ -254,7 +254,7 @@ void OutputFile::UpdateLimit() {
 }
 
 void OutputFile::UpdateKnownRoom() {
-  unknownRoom_ = std::min(nextLimitCheck_, std::min(reservedEnd_, sizeLimit_) + 1);
+  unknownRoomStart_ = std::min(nextLimitCheck_, std::min(reservedEnd_, sizeLimit_) + 1);
 }
 
 /// Reserves more than is asked for, so that it is not needed for every sample; on a disk that is

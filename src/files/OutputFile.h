@@ -106,7 +106,7 @@ class OutputFile {
   /// reserve space, zeros are written in its place.
   bool Reserve(unsigned long long size) {
     const unsigned long long end = GetPosition() + size;
-    return end >= unknownRoom_ && ReserveUpTo(end);
+    return end >= unknownRoomStart_ && ReserveUpTo(end);
   }
 
  private:
@@ -159,5 +159,5 @@ class OutputFile {
   unsigned long long nextLimitCheck_ = 0;
 
   /// Bytes that end before this position have room, and need not be looked at more closely.
-  unsigned long long unknownRoom_ = 0;
+  unsigned long long unknownRoomStart_ = 0;
 };

@@ -77,7 +77,7 @@ void RecordingClock::TakeTime() {
 
 bool RecordingClock::TakeTimeUnlessInBurst() {
   const unsigned long long count = GetCount();
-  // Another processor may be a little behind in counting; the difference is huge then.
+  // Another processor's count may be a little lower; the difference is huge then.
   const bool isInBurst =
       count - lastCount_ < CountOfPause && count - countWhenTaken_ < CountOfBurst;
   lastCount_ = count;

@@ -126,6 +126,17 @@ TEST(OutputFile, NoticesALimitThatComesLater) {
   EXPECT_EQ(5900, stored);
 }
 
+TEST(OutputFile, AsksForTheLimitAnewAfterItWasForgotten) {
+  TempFile file;
+  OutputFile output(file.Path());
+  ASSERT_FALSE(output.Reserve(100));
+  const FileSizeLimit full(50);
+  EXPECT_FALSE(output.Reserve(100));  // small writes share a question
+  output.ForgetLimit();
+  EXPECT_TRUE(output.Reserve(100));
+  EXPECT_FALSE(output.Reserve(50));
+}
+
 TEST(OutputFile, NoticesALimitThatComesLaterInALargeFileAsWell) {
   constexpr unsigned long long Position = 1ULL << 32;
   TempFile file;

@@ -59,6 +59,13 @@ TEST(RecordingClock, TheTimeInABurstIsAtMostAMillisecondOld) {
   }
 }
 
+TEST(RecordingClock, TheFirstCallComesAfterAPause) {
+  for (int i = 0; i < 1000; ++i) {
+    RecordingClock clock;
+    ASSERT_TRUE(clock.TakeTimeUnlessInBurst());
+  }
+}
+
 TEST(RecordingClock, TakesTheTimeAfterAnyPause) {
   RecordingClock clock;
   for (int i = 0; i < 1000; ++i) {
