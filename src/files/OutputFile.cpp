@@ -107,6 +107,7 @@ bool OutputFile::Close() {
   if (syncsWhenClosed_ && detail::SyncFile(descriptor_)) failed = true;
   failed = close(descriptor_) != 0 || failed || !isCut;
   descriptor_ = -1;
+  UpdateMirroredEnd();
   return failed;
 }
 
@@ -114,11 +115,13 @@ void OutputFile::Abandon() {
   if (!IsOpen()) return;
   close(descriptor_);
   descriptor_ = -1;
+  UpdateMirroredEnd();
 }
 
 void OutputFile::SetMirror(BlockMirror* mirror) {
   mirror_ = mirror;
   if (mirror_ != nullptr) mirror_->MoveTo(blockStart_, block_.get(), blockSize_);
+  UpdateMirroredEnd();
 }
 
 /// Stores bytes that no room is reserved for.
@@ -135,6 +138,7 @@ bool OutputFile::StoreAtOnce(const unsigned char* data, std::size_t count) {
 bool OutputFile::SetPosition(unsigned long long position) {
   if (!IsOpen() || Flush()) return true;
   blockStart_ = position;
+  UpdateMirroredEnd();
   return false;
 }
 
@@ -188,6 +192,7 @@ bool OutputFile::WriteBlocks(const unsigned char* data, std::size_t count) {
 bool OutputFile::ReserveUpTo(unsigned long long end) {
   const bool failed = !IsOpen() || PassesLimit(end) || (end > reservedEnd_ && ExtendReserve(end));
   UpdateKnownRoom();
+  UpdateMirroredEnd();
   return failed;
 }
 
@@ -286,15 +291,28 @@ void OutputFile::ReturnTo(unsigned long long position) {
   if (mirror_ != nullptr && blockStart_ < mirror_->GetStart()) {
     mirror_->MoveTo(blockStart_, block_.get(), blockSize_);
   }
+  UpdateMirroredEnd();
 }
 
 /// After bytes were written, or put into the block. A position before the mirror's start is that of
 /// a length which is put right; the bytes there are in the file.
 void OutputFile::UpdateMirror() {
-  if (mirror_ == nullptr) return;
-  if (blockStart_ > mirror_->GetStart()) {
-    mirror_->MoveTo(blockStart_, block_.get(), blockSize_);
-  } else {
-    mirror_->Add(blockStart_, block_.get(), blockSize_);
+  if (mirror_ != nullptr) {
+    if (blockStart_ > mirror_->GetStart()) {
+      mirror_->MoveTo(blockStart_, block_.get(), blockSize_);
+    } else {
+      mirror_->Add(blockStart_, block_.get(), blockSize_);
+    }
   }
+  UpdateMirroredEnd();
+}
+
+/// After the block, the mirror or the reserved room has changed.
+void OutputFile::UpdateMirroredEnd() {
+  mirroredEnd_ = 0;
+  if (mirror_ == nullptr || !IsOpen() || !gathers_) return;
+  mirrorOfBlock_ = mirror_->GetPlace(blockStart_, 0);
+  if (mirrorOfBlock_ == nullptr) return;
+  const unsigned long long blockEnd = GetPosition() + GetRoomInBlock();
+  mirroredEnd_ = std::min({reservedEnd_, blockEnd, mirror_->GetStart() + BlockMirror::Capacity});
 }

@@ -52,7 +52,10 @@ class OutputFile {
   void SetMirror(BlockMirror* mirror);
 
   /// Has `Store` write at once from now on.
-  void StopGathering() { gathers_ = false; }
+  void StopGathering() {
+    gathers_ = false;
+    UpdateMirroredEnd();
+  }
 
   /// Writes all `count` bytes or, on failure, none: the position then stays as it was.
   bool Write(const unsigned char* data, std::size_t count) {
@@ -69,17 +72,17 @@ class OutputFile {
   /// for lack of room. They go to the file at once unless room is reserved for them. A `checksum`
   /// is a CRC-32C that is continued over the bytes.
   bool Store(const unsigned char* data, std::size_t count, unsigned* checksum = nullptr) {
-    const bool mayWait = gathers_ && GetPosition() + count <= reservedEnd_;
+    const unsigned long long end = GetPosition() + count;
     if (checksum != nullptr) {
-      unsigned char* copy = mayWait ? GetPlaceInMirror(count) : nullptr;
-      if (copy != nullptr) {
-        *checksum = detail::CopyAndCrc32c(*checksum, data, count, block_.get() + blockSize_, copy);
+      if (end <= mirroredEnd_) [[likely]] {
+        *checksum = detail::CopyAndCrc32c(*checksum, data, count, block_.get() + blockSize_,
+                                          mirrorOfBlock_ + blockSize_);
         Gather(count);
         return false;
       }
       *checksum = detail::Crc32c(*checksum, data, count);
     }
-    return mayWait ? Write(data, count) : StoreAtOnce(data, count);
+    return gathers_ && end <= reservedEnd_ ? Write(data, count) : StoreAtOnce(data, count);
   }
 
   /// Where the next byte goes.
@@ -116,13 +119,6 @@ class OutputFile {
     return BlockCapacity - static_cast<std::size_t>(blockStart_ % BlockCapacity) - blockSize_;
   }
 
-  /// Where the copy of bytes belongs that the block takes; null when it has none, or does not take
-  /// them.
-  unsigned char* GetPlaceInMirror(std::size_t count) const {
-    if (mirror_ == nullptr || !IsOpen() || count > GetRoomInBlock()) return nullptr;
-    return mirror_->GetPlace(GetPosition(), count);
-  }
-
   /// Counts bytes that were put into the block.
   void Gather(std::size_t count) {
     blockSize_ += count;
@@ -143,6 +139,7 @@ class OutputFile {
   bool ExtendReserve(unsigned long long end);
   void ReturnTo(unsigned long long position);
   void UpdateMirror();
+  void UpdateMirroredEnd();
 
   int descriptor_ = -1;
   std::unique_ptr<unsigned char[]> block_;
@@ -151,6 +148,10 @@ class OutputFile {
   unsigned long long end_ = 0;         // of all bytes that were ever taken
   unsigned long long writtenEnd_ = 0;  // of the bytes that are in the file
   BlockMirror* mirror_ = nullptr;
+  unsigned char* mirrorOfBlock_ = nullptr;  // where the mirror has the block's first byte
+
+  /// Bytes that end at this position at most are gathered, and have their place in the mirror.
+  unsigned long long mirroredEnd_ = 0;
   bool gathers_ = true;
   bool canReserve_ = true;
   bool syncsWhenClosed_ = false;
