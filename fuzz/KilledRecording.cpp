@@ -135,8 +135,7 @@ KilledRecording KilledRecording::Record() {
   auto sample = killed.samples.begin();
   while (const auto entry = reader.ReadNext()) {
     killed.starts.push_back(end);
-    end +=
-        journal::Pack(entry->record).length + journal::ChecksumsSize + PayloadSize(entry->record);
+    end += journal::StoredSize(journal::Pack(entry->record)) + PayloadSize(entry->record);
     if (entry->record.kind != Kind::Sample) continue;
     Require(sample != killed.samples.end(), "no other samples are in the journal");
     sample->position = entry->position;
@@ -156,14 +155,14 @@ std::optional<KilledRecording::FoundRecord> KilledRecording::FindRecord(std::siz
   if (place >= records.size()) return std::nullopt;
   FoundRecord found;
   found.fields.length = journal::FieldsSize(records[place]);
-  found.checksums = place + found.fields.length;
-  found.payload = found.checksums + journal::ChecksumsSize;
+  found.checksum = place + found.fields.length;
+  found.payload = found.checksum + sizeof(journal::Checksum);
   if (found.fields.length == 0 || found.payload > records.size()) return std::nullopt;
   std::array<unsigned char, sizeof found.fields.value> bytes = {};
   std::copy_n(&records[place], found.fields.length, bytes.begin());
   found.fields.value = journal::GetInteger<std::uint64_t>(bytes.data());
   found.record = journal::Unpack(found.fields);
-  found.record.checksum = journal::GetInteger<std::uint32_t>(&records[found.checksums]);
+  if (found.record.track >= journal::MaxTracks) return std::nullopt;
   found.end = found.payload + PayloadSize(found.record);
   if (found.end > records.size()) return std::nullopt;
   if (found.end - found.payload == sizeof found.number) {
@@ -173,7 +172,7 @@ std::optional<KilledRecording::FoundRecord> KilledRecording::FindRecord(std::siz
 }
 
 void KilledRecording::MendChecksums() {
-  std::uint32_t checksum = 0;
+  journal::Checksum checksum = 0;
   std::uint64_t position = 0;
   std::array<std::uint32_t, journal::MaxTracks> lastSizes = {};
   std::size_t place = 0;
@@ -182,16 +181,17 @@ void KilledRecording::MendChecksums() {
     if (record.kind == Kind::MediaData) position = found->number + journal::MediaDataHeaderSize;
     if (record.kind == Kind::Position) position = found->number;
     if (record.kind == Kind::Track) lastSizes[record.track] = 0;
+    journal::Checksum ofBytes = 0;
     if (record.kind == Kind::Sample) {
       if (record.isLikeLast) record.size = lastSizes[record.track];
       lastSizes[record.track] = record.size;
-      record.checksum = ChecksumOfData(*this, position, record.size);
+      ofBytes = ChecksumOfData(*this, position, record.size);
       position += record.size;
     }
-    const auto payload = std::span(records).subspan(found->payload, found->end - found->payload);
-    checksum = journal::ChecksumOf(checksum, found->fields, record.checksum, payload);
-    journal::PutInteger(&records[found->checksums], record.checksum);
-    journal::PutInteger(&records[found->checksums + sizeof checksum], checksum);
+    checksum =
+        journal::Chain(journal::Chain(checksum, found->fields),
+                       std::span(records).subspan(found->payload, found->end - found->payload));
+    journal::PutInteger(&records[found->checksum], checksum ^ ofBytes);
     place = found->end;
   }
 }

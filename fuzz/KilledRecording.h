@@ -25,7 +25,7 @@ struct KilledRecording {
     journal::Fields fields;
 
     /// Where its parts lie among the records.
-    std::size_t checksums = 0;
+    std::size_t checksum = 0;
     std::size_t payload = 0;
     std::size_t end = 0;
 

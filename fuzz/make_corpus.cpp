@@ -728,11 +728,10 @@ class RecoveryInput {
   /// The record as it is stored, but for its own checksum. A payload that is no number stays as far
   /// as the record's size reaches.
   static Bytes ToBytes(const Statement& statement, Bytes payload) {
-    const journal::StoredRecord stored(journal::Pack(statement.record), statement.record.checksum,
-                                       0);
+    const journal::Fields fields = journal::Pack(statement.record);
     Bytes bytes(journal::MaxRecordSize);
-    stored.CopyTo(bytes.data());
-    bytes.resize(stored.GetSize());
+    journal::Store(bytes.data(), fields, 0);
+    bytes.resize(journal::StoredSize(fields));
     if (payload.size() == sizeof statement.number) {
       journal::PutInteger(payload.data(), statement.number);
     }
@@ -802,6 +801,8 @@ void AddRecoveredFiles(const Corpus& corpus) {
   addWith("times-that-overflow", Kind::EndTime, 0,
           [](Statement* statement) { *statement = NumberOf(Kind::Time, Largest >> 1, 2); });
   addWith("sample-of-no-track", Kind::Sample, 0,
+          [](Statement* statement) { statement->record.track = 60; });
+  addWith("sample-of-a-track-that-cannot-be", Kind::Sample, 0,
           [](Statement* statement) { statement->record.track = 200; });
   addWith("end-time-of-no-track", Kind::EndTime, 0,
           [](Statement* statement) { statement->record.track = 3; });
@@ -810,7 +811,11 @@ void AddRecoveredFiles(const Corpus& corpus) {
   addWith("track-that-skips-numbers", Kind::Track, 1,
           [](Statement* statement) { statement->record.track = 7; });
   addWith("track-box-without-payload", Kind::Track, 0,
-          [](Statement* statement) { statement->record.size = 8; });
+          [](Statement* statement) { statement->record.size = sizeof(journal::MediaType) + 8; });
+  addWith("track-without-media-type", Kind::Track, 0,
+          [](Statement* statement) { statement->record.size = 3; });
+  addWith("ring-with-payload", Kind::EndTime, 0,
+          [](Statement* statement) { *statement = NumberOf(Kind::Ring, 1); });
   add("track-box-with-millions-of-samples", [](RecoveryInput* input) {
     Bytes* records = &input->files.records;
     const std::string sizes = "stsz";

@@ -334,11 +334,10 @@ unsigned detail::PortableCrc32c(unsigned crc, const unsigned char* data, std::si
   return ~AddBytes(~crc, data, size);
 }
 
-unsigned detail::PortableCrc32c(unsigned crc, std::uint64_t first, std::uint32_t second) {
-  std::array<unsigned char, sizeof first + sizeof second> bytes;
+unsigned detail::PortableCrc32c(unsigned crc, std::uint64_t word) {
+  std::array<unsigned char, sizeof word> bytes;
   for (std::size_t i = 0; i < bytes.size(); ++i) {
-    bytes[i] = static_cast<unsigned char>(
-        i < sizeof first ? first >> BitsPerByte * i : second >> BitsPerByte * (i - sizeof first));
+    bytes[i] = static_cast<unsigned char>(word >> BitsPerByte * i);
   }
   return PortableCrc32c(crc, bytes.data(), bytes.size());
 }

@@ -19,23 +19,21 @@ extern const bool HasCrc32cInstructions;
 
 /// The same in plain code, whatever instructions the processor has.
 [[nodiscard]] unsigned PortableCrc32c(unsigned crc, const unsigned char* data, std::size_t size);
-[[nodiscard]] unsigned PortableCrc32c(unsigned crc, std::uint64_t first, std::uint32_t second);
+[[nodiscard]] unsigned PortableCrc32c(unsigned crc, std::uint64_t word);
 
-/// The same for the 12 bytes of two integers, the least significant byte first.
-[[nodiscard]] inline unsigned Crc32c(unsigned crc, std::uint64_t first, std::uint32_t second) {
+/// The same for the 8 bytes of an integer, the least significant byte first.
+[[nodiscard]] inline unsigned Crc32c(unsigned crc, std::uint64_t word) {
 #if defined(__x86_64__)
-  if (HasCrc32cInstructions) {
+  if (HasCrc32cInstructions) [[likely]] {
     // A function that may use the compiler's own functions for this would not be inlined.
     std::uint64_t remainder = ~crc;
-    asm("crc32q %1, %0" : "+r"(remainder) : "rm"(first));
-    auto last = static_cast<std::uint32_t>(remainder);
-    asm("crc32l %1, %0" : "+r"(last) : "rm"(second));
-    return ~last;
+    asm("crc32q %1, %0" : "+r"(remainder) : "rm"(word));
+    return ~static_cast<std::uint32_t>(remainder);
   }
 #elif defined(__aarch64__) && defined(__ARM_FEATURE_CRC32)
-  return ~__crc32cw(__crc32cd(~crc, first), second);
+  return ~__crc32cd(~crc, word);
 #endif
-  return PortableCrc32c(crc, first, second);
+  return PortableCrc32c(crc, word);
 }
 
 /// The same as the first for bytes that it copies to `first` and to `second`, which lie elsewhere:

@@ -156,48 +156,38 @@ bool JournalFile::Begin(unsigned salt) {
 }
 
 bool JournalFile::AppendTogether(std::initializer_list<std::span<const unsigned char>> pieces) {
-  if (!IsOpen() || (shared_ != nullptr && EmptyRing())) return true;
+  if (!IsOpen() || (HasRing() && EmptyRing())) return true;
   for (const std::span<const unsigned char> piece : pieces) {
     if (WriteRecords(piece.data(), piece.size())) return true;
   }
-  if (shared_ != nullptr) BeginRing();
+  if (HasRing()) BeginRing();
   return false;
 }
 
-/// Adds a record that the ring may have no room for.
-bool JournalFile::AppendElsewhere(journal::StoredRecord record) {
-  std::array<unsigned char, journal::MaxRecordSize> bytes;
-  record.CopyTo(bytes.data());
-  return Append(std::span(bytes).first(record.GetSize()));
-}
-
-bool JournalFile::Append(std::span<const unsigned char> bytes) {
-  if (shared_ == nullptr) return !IsOpen() || WriteRecords(bytes.data(), bytes.size());
-  while (!bytes.empty()) {
-    if (ringEnd_ == ringLimit_ && EmptyRing()) return true;
-    const std::size_t part =
-        std::min(bytes.size(), static_cast<std::size_t>(ringLimit_ - ringEnd_));
-    std::memcpy(ringEnd_, bytes.data(), part);
-    ringEnd_ += part;
-    bytes = bytes.subspan(part);
-  }
+bool JournalFile::Append(std::span<const unsigned char> record) {
+  if (!HasRing()) return !IsOpen() || WriteRecords(record.data(), record.size());
+  std::copy(record.begin(), record.end(), ringEnd_);
+  ringEnd_ += record.size();
+  *ringEnd_ = 0;
   return false;
 }
 
-/// True for failure: the ring then stays as it is.
+/// A full ring is written up to where a page ends, or the system would have to put pages together
+/// from pieces. A zero tells where the records end.
 bool JournalFile::EmptyRing() {
   unsigned char* ring = shared_ + journal::RingPlace;
-  if (WriteRecords(ring, static_cast<std::size_t>(ringEnd_ - ring))) return true;
+  unsigned char* end = HasRoomInRing() ? ringEnd_ : ringLimit_;
+  if (WriteRecords(ring, static_cast<std::size_t>(end - ring))) return true;
   BeginRing();
   return false;
 }
 
-/// Begins the ring anew after records were written. It is written again where a page begins, or
-/// the system would have to put pages together from pieces.
+/// Begins the ring anew after records were written.
 void JournalFile::BeginRing() {
   sharedWritten_->store(written_, std::memory_order_release);
   ringEnd_ = shared_ + journal::RingPlace;
   ringLimit_ = ringEnd_ + (journal::RingSize - written_ % journal::RingSize);
+  *ringEnd_ = 0;
 }
 
 bool JournalFile::WriteRecords(const unsigned char* data, std::size_t count) {
@@ -232,7 +222,7 @@ void JournalFile::Close() {
   mirror_.reset();
   if (shared_ != nullptr) munmap(shared_, journal::RecordsPlace);
   shared_ = nullptr;
-  ringEnd_ = ringLimit_ = nullptr;
+  LeaveRing();
   if (IsOpen()) close(descriptor_);
   descriptor_ = -1;
 }

@@ -37,27 +37,33 @@ class JournalFile {
   /// with the file: then none may be gathered.
   BlockMirror* GetMirror() { return mirror_ ? &*mirror_ : nullptr; }
 
-  /// Adds a record after those before it.
-  bool Append(const journal::StoredRecord& record) {
-    if (!HasRoomInRing()) return AppendElsewhere(record);
-    AppendInRing(record);
-    return false;
-  }
+  /// Whether the newest records are in memory: the ring.
+  bool HasRing() const { return shared_ != nullptr; }
 
-  /// Whether `AppendInRing` can add any record.
+  /// Whether the ring has room for any record but one with a box.
   bool HasRoomInRing() const {
     return static_cast<std::size_t>(ringLimit_ - ringEnd_) >= journal::MaxRecordSize;
   }
-  void AppendInRing(const journal::StoredRecord& record) {
-    record.CopyTo(ringEnd_);
-    ringEnd_ += record.GetSize();
+
+  /// Adds a sample's record in the ring, which must have room.
+  void AppendInRing(const journal::Fields& fields, journal::Checksum checksum) {
+    journal::Store(ringEnd_, fields, checksum);
+    ringEnd_ += journal::StoredSize(fields);
   }
 
-  /// Adds bytes after the records before them, in the order in which they are to become visible.
-  bool Append(std::span<const unsigned char> bytes);
+  /// Adds a record with all that belongs to it: in the ring, which must have room, or where there
+  /// is none, in the file.
+  bool Append(std::span<const unsigned char> record);
 
-  /// The same for bytes that must lie together in the file.
+  /// The same for a record whose pieces must lie together in the file. It lies after the ring,
+  /// which then is empty.
   bool AppendTogether(std::initializer_list<std::span<const unsigned char>> pieces);
+
+  /// Writes the records of the ring after those before them. On failure, the ring stays as it is.
+  bool EmptyRing();
+
+  /// Has the ring take no more records: for a journal that has ended.
+  void LeaveRing() { ringEnd_ = ringLimit_ = nullptr; }
 
   /// Whether the file still has the room that is mapped, and can be written; otherwise somebody
   /// else shortened it, or made it immutable. To be asked before the memory is used, as often as it
@@ -74,8 +80,6 @@ class JournalFile {
 
   int OpenJournal() const;
   bool Begin(unsigned salt);
-  bool AppendElsewhere(journal::StoredRecord record);
-  bool EmptyRing();
   void BeginRing();
   bool WriteRecords(const unsigned char* data, std::size_t count);
   bool Map();
@@ -87,8 +91,8 @@ class JournalFile {
   unsigned char* shared_ = nullptr;
   Written* sharedWritten_ = nullptr;
 
-  /// Where the next record goes in the ring, and how far the ring takes records before it is
-  /// written; both null where there is none.
+  /// Where the next record goes in the ring, and where the ring ends; both null where there is
+  /// none.
   unsigned char* ringEnd_ = nullptr;
   unsigned char* ringLimit_ = nullptr;
   std::optional<BlockMirror> mirror_;

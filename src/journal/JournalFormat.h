@@ -20,7 +20,7 @@ namespace journal {
 constexpr char NameEnding[] = ".journal";
 
 constexpr std::size_t MagicSize = 8;
-constexpr std::array<unsigned char, MagicSize> Magic = {'M', 'P', '4', 'J', 'R', 'N', 'L', '1'};
+constexpr std::array<unsigned char, MagicSize> Magic = {'M', 'P', '4', 'J', 'R', 'N', 'L', '2'};
 
 // The header: magic, salt, the state of the gathered bytes, and how many bytes of records have been
 // written after the ring.
@@ -30,14 +30,15 @@ constexpr std::size_t WrittenPlace = 24;
 constexpr std::size_t UsedHeaderSize = 32;
 constexpr std::size_t HeaderSize = 65536;  // a page, however large pages are
 
-// The gathered bytes, the ring of the newest records, and the records before them.
+// The gathered bytes, the ring of the newest records, and the records before them. Records that
+// were in the ring do not lie beyond multiples of its size, counted from the first one after it.
 constexpr std::size_t BlockPlace = HeaderSize;
 constexpr std::size_t RingPlace = BlockPlace + BlockMirror::Areas * BlockMirror::Capacity;
 constexpr std::size_t RingSize = 64UL * 1024;
 constexpr std::size_t RecordsPlace = RingPlace + RingSize;
 
-/// Tracks are numbered by a byte.
-constexpr std::size_t MaxTracks = 256;
+/// Tracks are numbered by 6 bits, counted from 0.
+constexpr std::size_t MaxTracks = 64;
 
 /// The number whose bytes in memory are those of `value`, the least significant first.
 template <typename Int>

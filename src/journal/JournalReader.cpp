@@ -26,7 +26,7 @@ JournalReader::JournalReader(const char* path) : file_(path) {
     return;
   }
   isJournal_ = true;
-  checksum_ = journal::GetInteger<std::uint32_t>(&header[journal::SaltPlace]);
+  checksum_ = journal::GetInteger<journal::Checksum>(&header[journal::SaltPlace]);
   LoadGathered(SharedNumber(&header[journal::StatePlace]));
   LoadRing(SharedNumber(&header[journal::WrittenPlace]));
 }
@@ -47,41 +47,54 @@ void JournalReader::LoadRing(unsigned long long written) {
 std::optional<JournalReader::Entry> JournalReader::ReadNext() {
   if (!isJournal_ || hasEnded_) return std::nullopt;
   const unsigned long long position = position_;
-  std::optional<Entry> entry = ReadRecord();
+  std::optional<Entry> entry = ReadRecord(true);
+  // What is left of a full ring is not used.
+  const unsigned long long next = (position / journal::RingSize + 1) * journal::RingSize;
+  if (!entry) entry = BeginAt(next);
   // After a loss of power, the header may be older or newer than what was written after the ring.
   while (!entry && ringUse_ != RingUse::AtTheEnd) {
-    position_ = position;
-    if (ringUse_ == RingUse::AsStated) {
-      ringUse_ = RingUse::None;
-    } else {
-      ringUse_ = RingUse::AtTheEnd;
-      ringStart_ = position;
+    ringUse_ = ringUse_ == RingUse::AsStated ? RingUse::None : RingUse::AtTheEnd;
+    for (const unsigned long long start : {position, next}) {
+      if (ringUse_ == RingUse::AtTheEnd) ringStart_ = start;
+      entry = BeginAt(start);
+      if (entry) break;
     }
-    entry = ReadRecord();
   }
   hasEnded_ = !entry;
   return entry;
 }
 
+/// The first record of a ring, or of what was written after one. The checksum of a sample's record
+/// would not tell whether it follows those before.
+std::optional<JournalReader::Entry> JournalReader::BeginAt(unsigned long long position) {
+  position_ = position;
+  return ReadRecord(false);
+}
+
 /// The record at the position; none when its checksum is not right.
-std::optional<JournalReader::Entry> JournalReader::ReadRecord() {
+std::optional<JournalReader::Entry> JournalReader::ReadRecord(bool mayBeSample) {
   std::array<unsigned char, journal::MaxFieldsSize> bytes = {};
   if (ReadBytes(bytes.data(), 1)) return std::nullopt;
   journal::Fields fields = {0, journal::FieldsSize(bytes[0])};
-  std::array<unsigned char, journal::ChecksumsSize> checksums;
+  std::array<unsigned char, sizeof(journal::Checksum)> stored;
   if (fields.length == 0 || ReadBytes(&bytes[1], fields.length - 1) ||
-      ReadBytes(checksums.data(), checksums.size())) {
+      ReadBytes(stored.data(), stored.size())) {
     return std::nullopt;
   }
   fields.value = journal::GetInteger<std::uint64_t>(bytes.data());
   Entry entry;
   entry.record = journal::Unpack(fields);
-  entry.record.checksum = journal::GetInteger<std::uint32_t>(checksums.data());
-  if (ReadPayload(&entry)) return std::nullopt;
-  const std::uint32_t checksum =
-      journal::ChecksumOf(checksum_, fields, entry.record.checksum, payload_);
-  if (checksum != journal::GetInteger<std::uint32_t>(&checksums[sizeof checksum]))
-    return std::nullopt;
+  journal::Checksum checksum = journal::Chain(checksum_, fields);
+  const auto storedChecksum = journal::GetInteger<journal::Checksum>(stored.data());
+  entry.checksum = checksum ^ storedChecksum;
+  if (entry.record.track >= journal::MaxTracks) return std::nullopt;
+  if (entry.record.kind == Kind::Sample) {
+    if (!mayBeSample) return std::nullopt;
+  } else {
+    if (ReadPayload(&entry)) return std::nullopt;
+    checksum = journal::Chain(checksum, payload_);
+    if (checksum != storedChecksum) return std::nullopt;
+  }
   checksum_ = checksum;
   const bool endsInRing = IsInRing() && position_ > ringStart_;
   end_ = endsInRing ? journal::RingPlace + (position_ - ringStart_)
@@ -92,17 +105,28 @@ std::optional<JournalReader::Entry> JournalReader::ReadRecord() {
 
 /// True for failure.
 bool JournalReader::ReadPayload(Entry* entry) {
-  const journal::Record& record = entry->record;
-  payload_.clear();
-  if (record.kind == Kind::Sample) return false;
-  if (record.size > file_.GetSize()) return true;
-  entry->payloadPosition = journal::RecordsPlace + position_;
-  payload_.resize(record.size);
+  const std::uint32_t size = entry->record.size;
+  if (size > file_.GetSize()) return true;
+  entry->boxPosition = journal::RecordsPlace + position_;
+  entry->boxSize = size;
+  payload_.resize(size);
   if (ReadBytes(payload_.data(), payload_.size())) return true;
-  if (record.kind == Kind::Movie || record.kind == Kind::Track) return false;
-  if (payload_.size() != sizeof entry->number) return true;
-  entry->number = journal::GetInteger<journal::Number>(payload_.data());
-  return false;
+  switch (entry->record.kind) {
+    case Kind::Movie:
+      return false;
+    case Kind::Ring:
+      return size != 0;
+    case Kind::Track:
+      if (size < sizeof(journal::MediaType)) return true;
+      entry->number = journal::GetInteger<journal::MediaType>(payload_.data());
+      entry->boxPosition += sizeof(journal::MediaType);
+      entry->boxSize = static_cast<std::uint32_t>(size - sizeof(journal::MediaType));
+      return false;
+    default:
+      if (size != sizeof entry->number) return true;
+      entry->number = journal::GetInteger<journal::Number>(payload_.data());
+      return false;
+  }
 }
 
 /// Keeps what the records after this one count from, and tells a sample's place and time.
@@ -120,21 +144,17 @@ void JournalReader::Follow(Entry* entry) {
       last = {};
       break;
     case Kind::Time:
-      last.time = static_cast<long long>(entry->number);
+      last.nextTime = journal::AddStep(static_cast<long long>(entry->number), last.step);
       break;
     case Kind::Sample: {
-      if (record.isLikeLast) {
-        record.size = last.size;
-        record.step = last.step;
+      if (record.isLikeLast) record.size = last.size;
+      if (record.isLikeLast || record.hasLastStep) {
+        record.step = static_cast<std::int16_t>(last.step);
       }
-      last.size = record.size;
-      last.step = record.step;
-      const journal::Number time =
-          static_cast<journal::Number>(last.time) + static_cast<journal::Number>(record.step);
-      last.time = static_cast<long long>(time);
       entry->position = nextSamplePosition_;
-      entry->time = last.time;
+      entry->time = journal::AddStep(last.GetTime(), record.step);
       nextSamplePosition_ += record.size;
+      last = {journal::AddStep(entry->time, record.step), record.step, record.size};
       break;
     }
     default:

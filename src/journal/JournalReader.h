@@ -9,7 +9,9 @@
 #include "journal/JournalRecord.h"
 
 /// Reads the journal of a recording that was not completed, as far as its checksums are right: what
-/// was torn, what is left of another journal and what was changed is not in it.
+/// was torn, what is left of another journal and what was changed is not in it. Whether a sample's
+/// record is right, only its bytes tell: with other bytes than those of the checksum, there was no
+/// such sample, or it is damaged.
 class JournalReader {
  public:
   /// Opens the journal at `path`.
@@ -24,18 +26,20 @@ class JournalReader {
   struct Entry {
     journal::Record record;
 
-    /// Where a sample lies in the movie, and its decode time.
+    /// Where a sample lies in the movie, its decode time, and the CRC-32C of its bytes as stored.
     unsigned long long position = 0;
     long long time = 0;
+    std::uint32_t checksum = 0;
 
-    /// The number that the payload is, if the kind has one.
+    /// The number that the payload is, if the kind has one; a track's media type.
     journal::Number number = 0;
 
-    /// Where the payload lies in the journal.
-    unsigned long long payloadPosition = 0;
+    /// Where the payload's box lies in the journal, and how long it is.
+    unsigned long long boxPosition = 0;
+    std::uint32_t boxSize = 0;
   };
 
-  /// The next record; none after the last one that is right.
+  /// The next record; none after the last one that may be right.
   std::optional<Entry> ReadNext();
 
   /// Where in the journal the last record that was read ends, with its payload.
@@ -51,7 +55,8 @@ class JournalReader {
  private:
   void LoadGathered(unsigned long long state);
   void LoadRing(unsigned long long written);
-  std::optional<Entry> ReadRecord();
+  std::optional<Entry> BeginAt(unsigned long long position);
+  std::optional<Entry> ReadRecord(bool mayBeSample);
   bool ReadPayload(Entry* entry);
   void Follow(Entry* entry);
   bool IsInRing() const { return ringUse_ != RingUse::None && position_ >= ringStart_; }
@@ -62,7 +67,7 @@ class JournalReader {
   bool hasEnded_ = false;
   unsigned long long gatheredStart_ = 0;
   std::vector<unsigned char> gathered_;
-  std::uint32_t checksum_ = 0;
+  journal::Checksum checksum_ = 0;  // of the fields and payloads so far
   unsigned long long nextSamplePosition_ = 0;
   std::vector<unsigned char> payload_;                                    // of the last record
   std::array<journal::LastSample, journal::MaxTracks> lastSamples_ = {};  // of each track

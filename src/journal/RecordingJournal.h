@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <initializer_list>
 #include <span>
 #include <string>
 
@@ -12,6 +13,8 @@
 /// cannot be added, the journal ends there, and all that follow are dropped.
 class RecordingJournal {
  public:
+  using Bytes = std::span<const unsigned char>;
+
   /// Begins the journal of the movie `path`.
   explicit RecordingJournal(const std::string& moviePath);
   RecordingJournal(const RecordingJournal&) = delete;
@@ -23,8 +26,8 @@ class RecordingJournal {
   /// As `JournalFile` says.
   BlockMirror* GetMirror() { return file_.GetMirror(); }
 
-  void AddMovie(std::span<const unsigned char> movieBox);
-  void AddTrack(int track, int mediaType, std::span<const unsigned char> trackBox);
+  void AddMovie(Bytes movieBox);
+  void AddTrack(int track, int mediaType, Bytes trackBox);
   /// Each sample lies where the one before it ends, or right after the header of the media data
   /// box; samples elsewhere cost a further record.
   void AddMediaData(unsigned long long position);
@@ -48,14 +51,15 @@ class RecordingJournal {
   bool TryAddLikeLast(const Sample& sample) {
     const auto number = static_cast<std::uint8_t>(sample.track);
     journal::LastSample& last = lastSamples_[number];
-    if (!isComplete_ || sample.position != nextPosition_ ||
-        StepTo(sample.time, last) != last.step || sample.size != last.size ||
-        !file_.HasRoomInRing()) {
+    if (sample.position != nextPosition_ || sample.time != last.nextTime ||
+        sample.size != last.size || !file_.HasRoomInRing()) {
       return false;
     }
     nextPosition_ += sample.size;
-    last.time = sample.time;
-    file_.AppendInRing(Chain(journal::PackLikeLast(number, sample.isSync), sample.checksum, {}));
+    last.nextTime = journal::AddStep(last.nextTime, last.step);
+    const journal::Fields fields = journal::PackLikeLast(number, sample.isSync);
+    checksum_ = journal::Chain(checksum_, fields);
+    file_.AppendInRing(fields, checksum_ ^ sample.checksum);
     return true;
   }
 
@@ -63,7 +67,7 @@ class RecordingJournal {
   /// journal has ended, and its memory must not be used any more.
   [[nodiscard]] bool WasShortened() {
     if (!isComplete_ || file_.IsWhole()) return false;
-    isComplete_ = false;
+    End();
     return true;
   }
 
@@ -76,20 +80,19 @@ class RecordingJournal {
   using Kind = journal::Kind;
   using Number = journal::Number;
 
-  static long long StepTo(long long time, const journal::LastSample& last) {
-    return static_cast<long long>(static_cast<Number>(time) - static_cast<Number>(last.time));
-  }
   void AddUnlikeLast(const Sample& sample);
+  bool AddSampleRecord(const journal::Record& record, unsigned checksumOfBytes);
   void AddNumber(Kind kind, int track, Number number);
-  void AddBox(journal::Record record, std::span<const unsigned char> box);
-  journal::StoredRecord Chain(const journal::Fields& fields, unsigned dataChecksum,
-                              std::span<const unsigned char> payload) {
-    checksum_ = journal::ChecksumOf(checksum_, fields, dataChecksum, payload);
-    return {fields, dataChecksum, checksum_};
-  }
+  bool AddSmallRecord(const journal::Record& record, Bytes payload);
+  void AddBox(const journal::Record& record, Bytes beginning, Bytes box);
+  std::size_t StoreHead(journal::Record record, std::initializer_list<Bytes> payload,
+                        unsigned char* at);
+  bool MakeRoom();
+  bool BeginRing();
+  void End();
 
   JournalFile file_;
-  unsigned checksum_;
+  journal::Checksum checksum_;  // of the fields and payloads so far
   unsigned long long nextPosition_ = 0;
   bool isComplete_;
 

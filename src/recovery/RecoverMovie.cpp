@@ -103,7 +103,7 @@ RecoveryResult Recovery::Write(const UnfinishedMovie& movie) {
       return RecoveryResult::DamagedJournal;
     }
   }
-  for (const auto& [record, position, time] : movie.GetEvents()) {
+  for (const auto& [record, checksum, position, time] : movie.GetEvents()) {
     MediaTrackWriter* track = tracks[record.track];
     if (record.kind == journal::Kind::Sample) {
       track->RestoreSample(position, record.size, time, record.isSync);

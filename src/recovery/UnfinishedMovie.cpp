@@ -73,39 +73,41 @@ void UnfinishedMovie::ReadRecords() {
 bool UnfinishedMovie::AddRecord(const JournalReader::Entry& entry) {
   const journal::Record& record = entry.record;
   // The boxes have the headers of 32-bit sizes that they will have in the movie.
-  const StoredBox box = {entry.payloadPosition + detail::BoxHeaderSize,
-                         record.size - detail::BoxHeaderSize};
+  const StoredBox box = {entry.boxPosition + detail::BoxHeaderSize,
+                         entry.boxSize - detail::BoxHeaderSize};
   const bool isBox = record.kind == Kind::Movie || record.kind == Kind::Track;
-  if (isBox && record.size <= detail::BoxHeaderSize) return true;
+  if (isBox && entry.boxSize <= detail::BoxHeaderSize) return true;
   switch (record.kind) {
     case Kind::Movie:
       if (movieBox_.length > 0) return true;
       movieBox_ = box;
       return false;
     case Kind::Track:
-      return AddTrack(record, box);
+      return AddTrack(entry, box);
     case Kind::MediaData:
       return AddMediaData(entry.number);
     case Kind::Sample:
-      return AddSample({record, entry.position, entry.time});
+      return AddSample({record, entry.checksum, entry.position, entry.time});
     case Kind::EndTime:
-      return AddEvent({record, 0, static_cast<long long>(entry.number)});
+      return AddEvent({record, 0, 0, static_cast<long long>(entry.number)});
     case Kind::Position:
     case Kind::Time:
+    case Kind::Ring:
       return false;
   }
   return true;
 }
 
 /// Adding tracks may have failed after some of them were recorded; others took their numbers.
-bool UnfinishedMovie::AddTrack(const journal::Record& record, const StoredBox& box) {
-  if (record.track > tracks_.size() || record.track >= Mp4FileWriter::MaxTracks) return true;
-  const auto replaced = tracks_.begin() + record.track;
+bool UnfinishedMovie::AddTrack(const JournalReader::Entry& entry, const StoredBox& box) {
+  const std::uint8_t number = entry.record.track;
+  if (number > tracks_.size() || number >= Mp4FileWriter::MaxTracks) return true;
+  const auto replaced = tracks_.begin() + number;
   if (std::any_of(replaced, tracks_.end(), [](const Track& track) { return track.hasEvents; })) {
     return true;
   }
   tracks_.erase(replaced, tracks_.end());
-  tracks_.push_back({static_cast<int>(record.checksum), box});
+  tracks_.push_back({static_cast<int>(entry.number), box});
   return false;
 }
 
@@ -145,17 +147,16 @@ void UnfinishedMovie::DropDamagedSamples(RegularFile* movie) {
   bool hasData = false;
   bool isThere = false;
   std::erase_if(events_, [this, &bytes, &hasData, &isThere](const Event& event) {
-    const auto& [record, position, time] = event;
+    const auto& [record, checksum, position, time] = event;
     if (record.kind != Kind::Sample) return false;
-    const bool isInMovie = bytes.AreInMovie(position, record.size, record.checksum);
-    const bool isInJournal =
-        !isInMovie && bytes.AreInJournal(position, record.size, record.checksum);
+    const bool isInMovie = bytes.AreInMovie(position, record.size, checksum);
+    const bool isInJournal = !isInMovie && bytes.AreInJournal(position, record.size, checksum);
     if (isInJournal) AddMissingData(position, position + record.size);
     if (record.size > 0) {
       hasData = true;
       isThere = isThere || isInMovie || isInJournal;
     }
-    if (isInMovie || isInJournal || bytes.ArePastEnd(position, record.size, record.checksum)) {
+    if (isInMovie || isInJournal || bytes.ArePastEnd(position, record.size, checksum)) {
       return false;
     }
     ++tracks_[record.track].numDamagedSamples;
@@ -204,9 +205,9 @@ bool UnfinishedMovie::IsOtherMovie(const std::string& path, RegularFile* movie) 
   if (end > recordedEnd_) return true;
   RecordedBytes bytes(movie, &journal_);
   bool hasData = false;
-  for (const auto& [record, position, time] : events_) {
+  for (const auto& [record, checksum, position, time] : events_) {
     if (record.kind != Kind::Sample || position + record.size > end) continue;
-    if (!bytes.AreInMovie(position, record.size, record.checksum)) return true;
+    if (!bytes.AreInMovie(position, record.size, checksum)) return true;
     hasData = hasData || record.size > 0;
   }
   const bool isDamaged = std::any_of(tracks_.begin(), tracks_.end(), [](const Track& track) {

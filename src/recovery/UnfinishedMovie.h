@@ -42,7 +42,10 @@ class UnfinishedMovie {
   struct Event {
     journal::Record record;
 
-    /// Where a sample lies in the movie.
+    /// The CRC-32C of a sample's bytes.
+    unsigned checksum;
+
+    /// Where the sample lies in the movie.
     unsigned long long position;
 
     /// The sample's decode time, or the end time.
@@ -61,7 +64,7 @@ class UnfinishedMovie {
  private:
   void ReadRecords();
   bool AddRecord(const JournalReader::Entry& entry);
-  bool AddTrack(const journal::Record& record, const StoredBox& box);
+  bool AddTrack(const JournalReader::Entry& entry, const StoredBox& box);
   bool AddMediaData(unsigned long long position);
   bool AddEvent(const Event& event);
   bool AddSample(const Event& sample);

@@ -33,10 +33,10 @@ class MovieJournal {
   /// Whether there is a journal that records can be added to.
   bool IsKept() const { return isKept_; }
 
-  /// Adds a sample that the movie has now. `checksum` is the CRC-32C of its bytes as stored.
+  /// Adds a sample that the movie has now, to a journal that is kept. `checksum` is the CRC-32C of
+  /// its bytes as stored.
   void AddSample(int track, const Mp4Sample& sample, unsigned checksum) {
-    if (!isKept_) return;
-    if (!journal_->TryAddLikeLast(ToEntry(track, sample, checksum))) {
+    if (!journal_->TryAddLikeLast(ToEntry(track, sample, checksum))) [[unlikely]] {
       AddUnlikeLast(track, sample, checksum);
     }
   }

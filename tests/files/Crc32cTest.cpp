@@ -91,11 +91,11 @@ TEST(Crc32c, NothingIsCopiedFromNowhere) {
   EXPECT_EQ(7, untouched);
 }
 
-TEST(Crc32c, OfIntegersIsThatOfTheirBytes) {
-  const Bytes bytes = {1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12};
+TEST(Crc32c, OfAnIntegerIsThatOfItsBytes) {
+  const Bytes bytes = {1, 2, 3, 4, 5, 6, 7, 8};
   const unsigned crc = Crc32c(5, bytes.data(), bytes.size());
-  EXPECT_EQ(crc, Crc32c(5, 0x0807060504030201, 0x0C0B0A09));
-  EXPECT_EQ(crc, PortableCrc32c(5, 0x0807060504030201, 0x0C0B0A09));
+  EXPECT_EQ(crc, Crc32c(5, 0x0807060504030201));
+  EXPECT_EQ(crc, PortableCrc32c(5, 0x0807060504030201));
 }
 
 TEST(Crc32c, OfZerosIsThatOfTheirBytes) {

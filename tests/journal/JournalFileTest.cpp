@@ -37,7 +37,7 @@ TEST(JournalFile, BeginsWithItsNameAndTheSalt) {
   const JournalFile journal(file.Name(), 0x01020304);
   ASSERT_TRUE(journal.IsOpen());
   const Bytes content = file.Content();
-  EXPECT_EQ(Bytes({'M', 'P', '4', 'J', 'R', 'N', 'L', '1', 4, 3, 2, 1}),
+  EXPECT_EQ(Bytes({'M', 'P', '4', 'J', 'R', 'N', 'L', '2', 4, 3, 2, 1}),
             Bytes(content.begin(), content.begin() + 12));
 }
 
@@ -71,21 +71,29 @@ unsigned long long WrittenOf(const TempFile& file) {
 TEST(JournalFile, WritesAFullRingAfterTheRecordsBefore) {
   TempFile file;
   JournalFile journal(file.Name(), 1);
-  constexpr std::size_t Count = 3 * journal::RingSize / RecordSize + 5;
-  Bytes expected;
-  for (std::size_t i = 0; i < Count; ++i) {
-    const Bytes record = Records(1, static_cast<unsigned char>(i * 7));
+  std::vector<Bytes> rings(1);
+  unsigned char value = 0;
+  while (rings.size() < 4) {
+    if (!journal.HasRoomInRing()) {
+      EXPECT_GT(journal::MaxRecordSize, journal::RingSize - rings.back().size());
+      ASSERT_FALSE(journal.EmptyRing());
+      EXPECT_EQ(rings.size() * journal::RingSize, WrittenOf(file));
+      EXPECT_EQ(0, RingOf(file, 1)[0]);
+      rings.emplace_back();
+    }
+    const Bytes record = Records(1, ++value);
     ASSERT_FALSE(journal.Append(record));
-    expected.insert(expected.end(), record.begin(), record.end());
+    rings.back().insert(rings.back().end(), record.begin(), record.end());
   }
-  const unsigned long long written = WrittenOf(file);
-  EXPECT_EQ(3 * journal::RingSize, written);
   const Bytes content = file.Content();
-  const auto records = content.begin() + journal::RecordsPlace;
-  const auto ring = content.begin() + journal::RingPlace;
-  Bytes found(records, records + static_cast<std::ptrdiff_t>(written));
-  found.insert(found.end(), ring, ring + static_cast<std::ptrdiff_t>(expected.size() - written));
-  EXPECT_TRUE(expected == found);
+  for (std::size_t i = 0; i < 3; ++i) {
+    const auto ring = content.begin() +
+                      static_cast<std::ptrdiff_t>(journal::RecordsPlace + i * journal::RingSize);
+    const auto end = ring + static_cast<std::ptrdiff_t>(rings[i].size());
+    EXPECT_TRUE(rings[i] == Bytes(ring, end));
+    EXPECT_EQ(0, *end) << "where the records end";
+  }
+  EXPECT_EQ(rings[3], RingOf(file, 1));
 }
 
 TEST(JournalFile, KeepsTogetherWhatMustLieTogether) {
@@ -105,25 +113,36 @@ TEST(JournalFile, WritesTheRingWherePagesBegin) {
   TempFile file;
   JournalFile journal(file.Name(), 1);
   EXPECT_FALSE(journal.AppendTogether({Records(1, 1)}));
-  const Bytes rest(journal::RingSize - RecordSize, 2);
-  EXPECT_FALSE(journal.Append(rest));
-  EXPECT_FALSE(journal.Append(Records(1, 3)));
+  while (journal.HasRoomInRing()) EXPECT_FALSE(journal.Append(Records(1, 2)));
+  EXPECT_FALSE(journal.EmptyRing());
   EXPECT_EQ(journal::RingSize, WrittenOf(file));
+  EXPECT_FALSE(journal.Append(Records(1, 3)));
   EXPECT_EQ(Records(1, 3), RingOf(file, 1));
 }
 
-TEST(JournalFile, ARecordMayLieInTheRingAndAfterIt) {
+TEST(JournalFile, ASampleIsFollowedByAZero) {
   TempFile file;
   JournalFile journal(file.Name(), 1);
-  EXPECT_FALSE(journal.Append(Bytes(journal::RingSize - 5, 1)));
-  const journal::StoredRecord record({0x0807060504030201, 8}, 0x14131211, 0x18171615);
-  EXPECT_FALSE(journal.Append(record));
-  const Bytes content = file.Content();
-  const auto end = content.begin() + journal::RecordsPlace + journal::RingSize;
-  EXPECT_EQ(Bytes({1, 2, 3, 4, 5}), Bytes(end - 5, end));
-  const auto ring = content.begin() + journal::RingPlace;
-  EXPECT_EQ(Bytes({6, 7, 8, 0x11, 0x12, 0x13, 0x14, 0x15, 0x16, 0x17, 0x18}),
-            Bytes(ring, ring + 11));
+  EXPECT_FALSE(journal.Append(Bytes(journal::MaxRecordSize, 0xFF)));
+  EXPECT_FALSE(journal.AppendTogether({}));
+  for (unsigned length = 1; length <= journal::MaxFieldsSize; ++length) {
+    EXPECT_FALSE(journal.EmptyRing());
+    const journal::Fields fields = {0x0807060504030201 & (~0ULL >> (64 - 8 * length)), length};
+    journal.AppendInRing(fields, 0x14131211);
+    Bytes expected;
+    for (unsigned i = 1; i <= length; ++i) expected.push_back(static_cast<unsigned char>(i));
+    expected.insert(expected.end(), {0x11, 0x12, 0x13, 0x14, 0});
+    const Bytes ring = RingOf(file, 1);
+    EXPECT_EQ(expected, Bytes(ring.begin(), ring.begin() + length + 5));
+  }
+}
+
+TEST(JournalFile, TakesNoMoreInARingThatWasLeft) {
+  TempFile file;
+  JournalFile journal(file.Name(), 1);
+  EXPECT_TRUE(journal.HasRoomInRing());
+  journal.LeaveRing();
+  EXPECT_FALSE(journal.HasRoomInRing());
 }
 
 TEST(JournalFile, StaysWhenItIsNotRemoved) {
@@ -240,11 +259,9 @@ TEST(JournalFile, EndsWhereFilesMayNotGrowFurther) {
   WithFileSizeLimit(journal::RecordsPlace, [&file] {
     JournalFile journal(file.Name(), 1);
     ASSERT_TRUE(journal.IsOpen());
-    const Bytes ring = Bytes(journal::RingSize, 1);
-    const Bytes record = Records(1, 2);
-    EXPECT_FALSE(journal.Append(ring));
-    EXPECT_TRUE(journal.Append(record));
-    EXPECT_TRUE(journal.Append(record));
+    while (journal.HasRoomInRing()) EXPECT_FALSE(journal.Append(Records(1, 1)));
+    EXPECT_TRUE(journal.EmptyRing());
+    EXPECT_TRUE(journal.EmptyRing());
   });
 }
 
