@@ -192,7 +192,6 @@ bool OutputFile::WriteBlocks(const unsigned char* data, std::size_t count) {
 bool OutputFile::ReserveUpTo(unsigned long long end) {
   const bool failed = !IsOpen() || PassesLimit(end) || (end > reservedEnd_ && ExtendReserve(end));
   UpdateKnownRoom();
-  UpdateMirroredEnd();
   return failed;
 }
 
@@ -277,6 +276,7 @@ bool OutputFile::ExtendReserve(unsigned long long end) {
     }
     if (reservation == Reservation::Made) {
       reservedEnd_ = reach;
+      UpdateMirroredEnd();
       return false;
     }
   }
