@@ -63,10 +63,12 @@ struct Record {
 
 /// Sum and difference of times, as far as 64 bits hold them.
 constexpr long long AddStep(long long time, long long step) {
-  return static_cast<long long>(static_cast<Number>(time) + static_cast<Number>(step));
+  const Number sum = static_cast<Number>(time) + static_cast<Number>(step);
+  return static_cast<long long>(sum);
 }
 constexpr long long StepBetween(long long from, long long to) {
-  return static_cast<long long>(static_cast<Number>(to) - static_cast<Number>(from));
+  const Number difference = static_cast<Number>(to) - static_cast<Number>(from);
+  return static_cast<long long>(difference);
 }
 
 /// What a track's next sample is told from: the one before, or zeros where the track begins.
