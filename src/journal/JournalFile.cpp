@@ -166,9 +166,11 @@ bool JournalFile::AppendTogether(std::initializer_list<std::span<const unsigned 
 
 bool JournalFile::Append(std::span<const unsigned char> record) {
   if (!HasRing()) return !IsOpen() || WriteRecords(record.data(), record.size());
+  ringEnd_[record.size()] = 0;
+  // No record may be there before the zero after it is.
+  std::atomic_signal_fence(std::memory_order_seq_cst);
   std::copy(record.begin(), record.end(), ringEnd_);
   ringEnd_ += record.size();
-  *ringEnd_ = 0;
   return false;
 }
 

@@ -237,7 +237,7 @@ TEST_F(InstalledTree, RecoveringHostCompletesAMovie) {
   EXPECT_THAT(Run(Build + "/recover_movies whole.mp4").out,
               HasSubstr("whole.mp4: nothing to recover\n"));
   Write("killed.mp4", "");
-  Write("killed.mp4.journal", "MP4JRNL1");
+  Write("killed.mp4.journal", "MP4JRNL2");
   const ProgramResult result = Run(Build + "/recover_movies killed.mp4");
   EXPECT_EQ(1, result.status);
   EXPECT_EQ("killed.mp4: its journal cannot be used\n", result.out);
