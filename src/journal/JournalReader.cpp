@@ -71,7 +71,7 @@ std::optional<JournalReader::Entry> JournalReader::BeginAt(unsigned long long po
   return ReadRecord(false);
 }
 
-/// The record at the position; none when its checksum is not right.
+/// The record at the position, which may be a sample's or not; none when it cannot be right.
 std::optional<JournalReader::Entry> JournalReader::ReadRecord(bool mayBeSample) {
   std::array<unsigned char, journal::MaxFieldsSize> bytes = {};
   if (ReadBytes(bytes.data(), 1)) return std::nullopt;

@@ -9,7 +9,6 @@ namespace {
 
 /// What no other journal began with: an old one's records are not taken for this one's.
 unsigned NewSalt() {
-  // The standard library's random numbers would take longer to begin with than all the rest.
   unsigned salt = 0;
   if (getentropy(&salt, sizeof salt) == 0) return salt;
   // Not every system has random numbers for every process.

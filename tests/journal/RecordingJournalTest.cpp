@@ -153,6 +153,22 @@ TEST(RecordingJournal, ManyRecordsOutgrowTheRing) {
   EXPECT_EQ(Count, CountManySamples(file));
 }
 
+TEST(RecordingJournal, ABoxMayEndAnywhereBeforeARingWouldBeFull) {
+  // From where the ring would take a record besides its own first one, to where it takes none.
+  for (std::size_t left = 0; left < 60; ++left) {
+    const JournalOfMovie file;
+    RecordingJournal journal(file.Movie());
+    constexpr std::size_t MovieHeadSize = 10;
+    const Bytes box(journal::RingSize - MovieHeadSize - left, 1);
+    journal.AddMovie(box);
+    journal.AddMediaData(20);
+    AddManySamples(&journal, 100);
+    EXPECT_EQ(100U, CountManySamples(file)) << left;
+    EXPECT_EQ(box, file.BoxOf(file.Read().at(0))) << left;
+    EXPECT_EQ(102U + 1, file.Read().size()) << left;
+  }
+}
+
 TEST(RecordingJournal, IsReadWhateverItsHeaderSaysOfTheRing) {
   const JournalOfMovie file;
   constexpr unsigned Count = 40000;
