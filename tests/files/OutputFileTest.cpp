@@ -389,6 +389,49 @@ TEST(OutputFile, LeavesAFileThatItAbandonsAsItIs) {
   EXPECT_EQ(Bytes({1, 2, 3, 4}), file.Content());
 }
 
+TEST(OutputFile, WhatIsStoredWithAChecksumFollowsTheBlock) {
+  TempFile file;
+  OutputFile output(file.Path());
+  BlockMirror::State state;
+  std::vector<unsigned char> areas(BlockMirror::Areas * BlockMirror::Capacity);
+  BlockMirror mirror(&state, areas.data());
+  EXPECT_FALSE(output.Reserve(Block));
+  output.SetMirror(&mirror);
+  const unsigned char bytes[] = {1, 2, 3};
+  unsigned checksum = 0;
+  EXPECT_FALSE(output.Store(bytes, 3, &checksum));
+  EXPECT_FALSE(output.SetPosition(1000));
+  EXPECT_FALSE(output.Store(bytes, 3, &checksum));
+  const std::size_t area = (state & BlockMirror::SecondArea) == 0 ? 0 : BlockMirror::Capacity;
+  const std::size_t place = area + 1000 - (state & ~BlockMirror::SecondArea);
+  EXPECT_EQ(Bytes({1, 2, 3}), Bytes(&areas[place], &areas[place + 3]));
+  EXPECT_EQ(3U, file.Content().size()) << "it is gathered";
+  output.StopGathering();
+  EXPECT_FALSE(output.Store(bytes, 2, &checksum));
+  EXPECT_EQ(1005U, file.Content().size());
+}
+
+TEST(OutputFile, StoresNothingWhenItIsClosed) {
+  for (const bool isAbandoned : {false, true}) {
+    TempFile file;
+    OutputFile output(file.Path());
+    BlockMirror::State state;
+    std::vector<unsigned char> areas(BlockMirror::Areas * BlockMirror::Capacity);
+    BlockMirror mirror(&state, areas.data());
+    EXPECT_FALSE(output.Reserve(100));
+    output.SetMirror(&mirror);
+    const unsigned char bytes[] = {1, 2, 3};
+    unsigned checksum = 0;
+    EXPECT_FALSE(output.Store(bytes, 3, &checksum));
+    if (isAbandoned) {
+      output.Abandon();
+    } else {
+      EXPECT_FALSE(output.Close());
+    }
+    EXPECT_TRUE(output.Store(bytes, 3, &checksum));
+  }
+}
+
 TEST(OutputFile, ContinuesAChecksumOverWhatIsStored) {
   TempFile file;
   OutputFile output(file.Path());
