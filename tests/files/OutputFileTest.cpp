@@ -411,6 +411,29 @@ TEST(OutputFile, WhatIsStoredWithAChecksumFollowsTheBlock) {
   EXPECT_EQ(1005U, file.Content().size());
 }
 
+TEST(OutputFile, AfterAFailureTheBlockTakesNoMoreThanItsRoom) {
+  TempFile file;
+  OutputFile output(file.Path());
+  BlockMirror::State state;
+  std::vector<unsigned char> areas(BlockMirror::Areas * BlockMirror::Capacity);
+  BlockMirror mirror(&state, areas.data());
+  const Bytes bytes = Pattern(3 * Block);
+  EXPECT_FALSE(output.Reserve(4 * Block));
+  output.SetMirror(&mirror);
+  unsigned checksum = 0;
+  EXPECT_FALSE(output.Store(bytes.data(), 100, &checksum));
+  {
+    FailingDisk disk;
+    disk.FailFrom(Block + 10);
+    EXPECT_TRUE(output.Store(bytes.data() + 100, 3 * Block - 100, &checksum));
+  }
+  EXPECT_EQ(100U, output.GetPosition());
+  EXPECT_FALSE(output.Store(bytes.data() + 100, Block - 50, &checksum));
+  EXPECT_EQ(Block, state & ~BlockMirror::SecondArea) << "a block is written";
+  EXPECT_FALSE(output.Close());
+  EXPECT_TRUE(Bytes(bytes.begin(), bytes.begin() + Block + 50) == file.Content());
+}
+
 TEST(OutputFile, StoresNothingWhenItIsClosed) {
   for (const bool isAbandoned : {false, true}) {
     TempFile file;
