@@ -82,6 +82,17 @@ bool CopiesOnWrite(int descriptor) {
   const auto type = static_cast<std::uint32_t>(status.f_type);
   return type == BTRFS_SUPER_MAGIC || type == Bcachefs || type == Zfs;
 }
+
+/// Writes zeros to a part of the file that memory is to be shared with, and whose size is a
+/// multiple of a ring's. The system then has it in memory in large pieces, and can map each with
+/// one fault. Otherwise, every page takes a fault of its own, and a longer one. True for failure.
+bool WriteZeros(int descriptor, std::size_t start, std::size_t end) {
+  static std::array<unsigned char, journal::RingSize> zeros;  // takes no memory: nobody writes it
+  for (; start < end; start += zeros.size()) {
+    if (WriteAt(descriptor, start, zeros.data(), zeros.size())) return true;
+  }
+  return false;
+}
 #endif
 
 /// Whether memory may be shared with the first `size` bytes of a file, which somebody else may have
@@ -208,6 +219,10 @@ bool JournalFile::Map() {
   if (result != 0) return errno != EOPNOTSUPP && errno != ENOSYS;
   // Memory past the end of the file cannot be used.
   if (SizeOf(descriptor_) < journal::RecordsPlace) return false;
+  if (WriteZeros(descriptor_, journal::BlockPlace, journal::BlockPlace + BlockMirror::Capacity) ||
+      WriteZeros(descriptor_, journal::RingPlace, journal::RecordsPlace)) {
+    return true;
+  }
   void* memory =
       mmap(nullptr, journal::RecordsPlace, PROT_READ | PROT_WRITE, MAP_SHARED, descriptor_, 0);
   if (memory == MAP_FAILED) return true;

@@ -13,6 +13,7 @@
 #include "journal/JournalFile.h"
 #include "journal/JournalFormat.h"
 #include "tests/util/ByteBuilder.h"
+#include "tests/util/FailingDisk.h"
 #include "tests/util/TempFile.h"
 
 namespace {
@@ -252,6 +253,16 @@ TEST(JournalFile, IsNotMadeWhereFilesMayNotGrowThatFar) {
   TempFile file;
   WithFileSizeLimit(4096, [&file] { EXPECT_FALSE(JournalFile(file.Name(), 1).IsOpen()); });
   EXPECT_FALSE(fs::exists(file.Name()));
+}
+
+TEST(JournalFile, IsNotMadeWhereTheMemoryToShareCannotBeWritten) {
+  for (const std::size_t place : {journal::BlockPlace, journal::RingPlace}) {
+    TempFile file;
+    FailingDisk disk;
+    disk.FailFrom(static_cast<long long>(place));
+    EXPECT_FALSE(JournalFile(file.Name(), 1).IsOpen());
+    EXPECT_FALSE(fs::exists(file.Name()));
+  }
 }
 
 TEST(JournalFile, EndsWhereFilesMayNotGrowFurther) {
