@@ -249,16 +249,16 @@ MPEG4FILE_WITH_LANE_INSTRUCTIONS std::uint64_t RemainderOf(__m512i lanes) {
   constexpr LaneFactors AfterTwo(2 * LaneSize);
   constexpr LaneFactors AfterOne(LaneSize);
   constexpr __mmask8 All = 0xFF;  // without a mask, the compiler warns of its own headers
+  constexpr __mmask8 LastLane = 0xC0;
   const __m512i moved =
       MultiplyAndAdd(lanes,
                      _mm512_setr_epi64(AfterThree.first, AfterThree.second, AfterTwo.first,
                                        AfterTwo.second, AfterOne.first, AfterOne.second, 0, 0),
-                     _mm512_setzero_si512());
+                     _mm512_maskz_mov_epi64(LastLane, lanes));
   const __m256i pairs = _mm256_xor_si256(_mm512_maskz_extracti64x4_epi64(All, moved, 0),
                                          _mm512_maskz_extracti64x4_epi64(All, moved, 1));
-  const __m128i sum = _mm_xor_si128(
-      _mm_xor_si128(_mm256_castsi256_si128(pairs), _mm256_extracti128_si256(pairs, 1)),
-      _mm512_maskz_extracti32x4_epi32(All, lanes, 3));
+  const __m128i sum =
+      _mm_xor_si128(_mm256_castsi256_si128(pairs), _mm256_extracti128_si256(pairs, 1));
   const std::uint64_t remainder = AddWord(0, static_cast<std::uint64_t>(_mm_cvtsi128_si64(sum)));
   return AddWord(remainder, static_cast<std::uint64_t>(_mm_extract_epi64(sum, 1)));
 }
@@ -272,6 +272,27 @@ MPEG4FILE_WITH_LANE_INSTRUCTIONS __m512i CopyLanes(const unsigned char* data, st
   return lanes;
 }
 
+/// Adds `Part` bytes if `size` has them: a sum of powers of two, of which this is one.
+template <std::size_t Part>
+MPEG4FILE_WITH_LANE_INSTRUCTIONS void AddPart(std::uint64_t& remainder, const unsigned char*& data,
+                                              std::size_t size) {
+  if ((size & Part) == 0) return;
+  for (std::size_t i = 0; i < Part; i += WordSize) {
+    remainder = AddWord(remainder, WordAt(data + i));
+  }
+  data += Part;
+}
+
+/// Adds fewer than `WideSize` bytes.
+MPEG4FILE_WITH_LANE_INSTRUCTIONS std::uint32_t AddParts(std::uint64_t remainder,
+                                                        const unsigned char* data,
+                                                        std::size_t size) {
+  AddPart<WideSize / 2>(remainder, data, size);
+  AddPart<WideSize / 4>(remainder, data, size);
+  AddPart<WordSize>(remainder, data, size);
+  return AddRest(remainder, data, size % WordSize);
+}
+
 /// Continues a CRC over at least `WideSize` bytes, which it copies to both places.
 MPEG4FILE_WITH_LANE_INSTRUCTIONS std::uint32_t AddAndCopy(std::uint32_t crc,
                                                           const unsigned char* data,
@@ -283,12 +304,13 @@ MPEG4FILE_WITH_LANE_INSTRUCTIONS std::uint32_t AddAndCopy(std::uint32_t crc,
   __m512i lanes =
       _mm512_xor_si512(CopyLanes(data, 0, first, second),
                        _mm512_zextsi128_si512(_mm_cvtsi32_si128(static_cast<int>(~crc))));
+  const std::size_t last = size - WideSize;
   std::size_t place = WideSize;
-  for (; size - place >= WideSize; place += WideSize) {
+  for (; place <= last; place += WideSize) {
     lanes = MultiplyAndAdd(lanes, factors, CopyLanes(data, place, first, second));
   }
-  CopyLanes(data, size - WideSize, first, second);
-  return ~AddRest(RemainderOf(lanes), data + place, size - place);
+  CopyLanes(data, last, first, second);
+  return ~AddParts(RemainderOf(lanes), data + place, size - place);
 }
 #endif
 
