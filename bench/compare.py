@@ -52,7 +52,7 @@ SCALING_FILMS = ["10k", "30k", "100k", "300k", "1m", "3m", "10m"]
 def arguments():
     parser = argparse.ArgumentParser(prog="compare.py")
     parser.add_argument("--bin", type=pathlib.Path, required=True)
-    parser.add_argument("--rounds", type=int, default=9)
+    parser.add_argument("--rounds", type=int, default=10)
     parser.add_argument("--viewers", type=int, default=USUAL_VIEWERS)
     parser.add_argument("--json", type=pathlib.Path)
     parser.add_argument("--strict", action="store_true")

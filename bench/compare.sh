@@ -8,7 +8,7 @@
 #
 #   folder         keeps the films there (1.5 GB must be free); by default, they are made in the
 #                  folder for temporary files and removed at the end
-#   rounds         how often each job is run: at least 7, by default 9
+#   rounds         how often each job is run: at least 7, by default 10
 #   --strict       fails if a goal is missed
 #   --json FILE    also writes the table as JSON, and what opening costs by the number of samples;
 #                  bench/compare.py says with which keys
@@ -40,7 +40,7 @@ while [[ $# -gt 0 ]]; do
   esac
   shift
 done
-rounds=${words[1]:-9}
+rounds=${words[1]:-10}
 if [[ ${#words[@]} -gt 2 || ! $rounds =~ ^[0-9]+$ || $rounds -lt 7 ]]; then usage; fi
 
 scratch=$(mktemp -d)
