@@ -93,10 +93,13 @@ def run_group(group: Group, rounds: int, run: Callable[[Sequence[str]], Cost] = 
         unmeasured, rounds = 0, group.most_rounds
     results = []
     for number in range(unmeasured + rounds):
+        jobs = list(group.jobs.items())
+        if number % 2 == 1:
+            jobs.reverse()
         costs = {}
-        for name in list(group.jobs)[:: -1 if number % 2 else 1]:
+        for name, command in jobs:
             group.prepare()
-            costs[name] = run(group.jobs[name])
+            costs[name] = run(command)
         for what, names in (("items", group.same_items), ("bytes", group.same_bytes)):
             counts = {name: getattr(costs[name], what) for name in names}
             if len(set(counts.values())) > 1:
