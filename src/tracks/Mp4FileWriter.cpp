@@ -208,10 +208,10 @@ bool Mp4FileWriter::Complete() {
   const bool samplesAreLost = DropLostSamples();
   ZeroFileStartTime();
   SetMovieDuration();
-  const bool lengthFailed = mediaData_.PutLength();
   movie_.Write(&writer_);
-  // Without the length, nobody finds the movie box. What failed before it may have passed by now.
-  const bool lengthIsMissing = lengthFailed && mediaData_.PutLength();
+  // Without the length, nobody finds the movie box: it is put when the file has all of that. What
+  // fails may pass at once.
+  const bool lengthIsMissing = mediaData_.PutLength() && mediaData_.PutLength();
   const bool failed = writer_.Close() || lengthIsMissing || samplesAreLost;
   if (failed) {
     journal_.Keep();

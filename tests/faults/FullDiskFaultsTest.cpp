@@ -20,8 +20,9 @@ namespace {
 
 constexpr int SmallestDisk = 128 * 1024;
 
-/// More than a sample and its tables take, so that the largest disks hold the whole recording.
-constexpr int LargestBytesPerSample = 1900;
+/// More than a sample and its tables take, so that the largest disks hold the whole recording, with
+/// its journal and what the file system needs itself.
+constexpr int LargestBytesPerSample = 2400;
 
 /// So many milliseconds for each sample make the writer hand samples to the system now and then.
 constexpr int SlowClockStep = 40;

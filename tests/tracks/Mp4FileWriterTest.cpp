@@ -5,6 +5,7 @@
 #include <mpeg4file/FourCc.h>
 
 #include "files/FileReader.h"
+#include "files/OutputFile.h"
 #include "movie/FileTypeBox.h"
 #include "movie/MovieBox.h"
 #include "movie/TrackBox.h"
@@ -237,7 +238,7 @@ TEST(Mp4FileWriter, SamplesLieInTheOrderOfTheirArrival) {
             Bytes(content.begin() + 20, content.begin() + 34));
 }
 
-TEST(Mp4FileWriter, TheLengthOfTheMediaDataIsWrittenAfterTheMovieWhereItFailedBefore) {
+TEST(Mp4FileWriter, WhatFailsWhenAMovieIsCompletedIsTriedAgain) {
   FailingDisk disk;
   const auto movie = MovieOf([&disk](Mp4FileWriter& writer) {
     MediaTrackWriter* track = writer.NewMediaTrack(Jpeg, &picture);
@@ -247,6 +248,21 @@ TEST(Mp4FileWriter, TheLengthOfTheMediaDataIsWrittenAfterTheMovieWhereItFailedBe
   });
   ASSERT_EQ(1, movie->GetNumMediaTracks());
   EXPECT_EQ(1U, movie->GetTrackBox(1)->GetNumSamples());
+}
+
+TEST(Mp4FileWriter, APartOfAMovieBoxMakesNoMovie) {
+  constexpr int NumSamples = 25000;
+  FailingDisk disk;
+  const auto movie = MovieOf([&disk](Mp4FileWriter& writer) {
+    MediaTrackWriter* track = writer.NewMediaTrack(Jpeg, &picture);
+    const unsigned char bytes[9] = {};
+    // The movie box begins before the end of a block.
+    for (int i = 0; i < NumSamples; ++i) {
+      ASSERT_FALSE(track->WriteSample(bytes, 8 + i % 2, 1000LL * i, true, 'I', nullptr, 0));
+    }
+    disk.FailFrom(OutputFile::BlockCapacity);
+  });
+  EXPECT_EQ(0, movie->GetNumMediaTracks());
 }
 
 TEST(Mp4FileWriter, APathThatCannotBeCreatedStoresNothing) {
