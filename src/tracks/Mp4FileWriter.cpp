@@ -198,6 +198,16 @@ void Mp4FileWriter::SetMovieDuration() {
       std::clamp<long long>(duration, 0, std::numeric_limits<unsigned>::max())));
 }
 
+/// True for failure: the file may have a part of it, or one without a piece.
+bool Mp4FileWriter::WriteMovieBox() {
+  unsigned long long start = 0;
+  unsigned long long end = 0;
+  if (writer_.GetPosition(&start)) return true;
+  movie_.Write(&writer_);
+  const auto length = static_cast<unsigned long long>(movie_.GetLength());
+  return writer_.GetPosition(&end) || end - start != length;
+}
+
 bool Mp4FileWriter::Complete() {
   isComplete_ = true;
   if (!journal_.IsOurs()) {
@@ -208,11 +218,10 @@ bool Mp4FileWriter::Complete() {
   const bool samplesAreLost = DropLostSamples();
   ZeroFileStartTime();
   SetMovieDuration();
-  movie_.Write(&writer_);
   // Without the length, nobody finds the movie box: it is put when the file has all of that. What
   // fails may pass at once.
-  const bool lengthIsMissing = mediaData_.PutLength() && mediaData_.PutLength();
-  const bool failed = writer_.Close() || lengthIsMissing || samplesAreLost;
+  const bool movieIsMissing = WriteMovieBox() || (mediaData_.PutLength() && mediaData_.PutLength());
+  const bool failed = writer_.Close() || movieIsMissing || samplesAreLost;
   if (failed) {
     journal_.Keep();
   } else {

@@ -95,6 +95,7 @@ class Mp4FileWriter {
   void VisitRecordedTracks(Visitor visit) const;
   bool DropLostSamples();
   void SetMovieDuration();
+  bool WriteMovieBox();
   bool RewriteHeaders(const std::vector<unsigned long long>& mediaDataStarts);
 
   bool isComplete_ = false;

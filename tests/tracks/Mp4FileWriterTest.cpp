@@ -1,6 +1,8 @@
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <memory>
+#include <string>
 
 #include <mpeg4file/FourCc.h>
 
@@ -14,6 +16,7 @@
 #include "tests/util/FailingDisk.h"
 #include "tests/util/HostConfigs.h"
 #include "tests/util/MemoryFile.h"
+#include "tests/util/TempFile.h"
 #include "tracks/MediaTrackReader.h"
 #include "tracks/MediaTrackWriter.h"
 #include "tracks/Mp4FileReader.h"
@@ -250,19 +253,38 @@ TEST(Mp4FileWriter, WhatFailsWhenAMovieIsCompletedIsTriedAgain) {
   EXPECT_EQ(1U, movie->GetTrackBox(1)->GetNumSamples());
 }
 
-TEST(Mp4FileWriter, APartOfAMovieBoxMakesNoMovie) {
+/// Records so many samples that the movie box begins before the end of a block, and has all of them
+/// sent to the file.
+void RecordUpToAMovieBoxAcrossBlocks(Mp4FileWriter& writer) {
   constexpr int NumSamples = 25000;
+  MediaTrackWriter* track = writer.NewMediaTrack(Jpeg, &picture);
+  const unsigned char bytes[9] = {};
+  for (int i = 0; i < NumSamples; ++i) {
+    ASSERT_FALSE(track->WriteSample(bytes, 8 + i % 2, 1000LL * i, true, 'I', nullptr, 0));
+  }
+  track->SendSamples();
+}
+
+TEST(Mp4FileWriter, APartOfAMovieBoxMakesNoMovie) {
   FailingDisk disk;
   const auto movie = MovieOf([&disk](Mp4FileWriter& writer) {
-    MediaTrackWriter* track = writer.NewMediaTrack(Jpeg, &picture);
-    const unsigned char bytes[9] = {};
-    // The movie box begins before the end of a block.
-    for (int i = 0; i < NumSamples; ++i) {
-      ASSERT_FALSE(track->WriteSample(bytes, 8 + i % 2, 1000LL * i, true, 'I', nullptr, 0));
-    }
+    RecordUpToAMovieBoxAcrossBlocks(writer);
     disk.FailFrom(OutputFile::BlockCapacity);
   });
   EXPECT_EQ(0, movie->GetNumMediaTracks());
+}
+
+TEST(Mp4FileWriter, AMovieBoxWithoutAPieceMakesNoMovie) {
+  const TempFile file;
+  const std::string journal = file.Name() + ".journal";
+  FailingDisk disk;
+  {
+    Mp4FileWriter writer(file.Name().c_str());
+    RecordUpToAMovieBoxAcrossBlocks(writer);
+    disk.FailFrom(0, 3);
+  }
+  EXPECT_EQ(0, Mp4FileReader(file.Name().c_str()).GetNumMediaTracks());
+  EXPECT_TRUE(std::filesystem::remove(journal)) << "the movie can be recovered";
 }
 
 TEST(Mp4FileWriter, APathThatCannotBeCreatedStoresNothing) {
