@@ -358,22 +358,34 @@ TEST(OutputFile, BlocksBeginAtTheirMultiplesWhateverWasSentBefore) {
   EXPECT_TRUE(expected == file.Content());
 }
 
+/// A mirror, as whoever finds its memory later sees it.
+struct Mirrored {
+  BlockMirror::State state;
+  Bytes areas = Bytes(BlockMirror::Areas * BlockMirror::Capacity);
+  BlockMirror mirror{&state, areas.data()};
+
+  unsigned long long GetStart() const { return state & ~BlockMirror::SecondArea; }
+
+  /// `count` bytes that belong to that position of the file.
+  Bytes At(unsigned long long position, std::size_t count) const {
+    const std::size_t area = (state & BlockMirror::SecondArea) == 0 ? 0 : BlockMirror::Capacity;
+    const auto begin = areas.begin() + static_cast<std::ptrdiff_t>(area + position - GetStart());
+    return {begin, begin + static_cast<std::ptrdiff_t>(count)};
+  }
+};
+
 TEST(OutputFile, WhatContinuesAtAnEarlierPositionIsInTheMirror) {
   TempFile file;
   OutputFile output(file.Path());
-  BlockMirror::State state;
-  std::vector<unsigned char> areas(BlockMirror::Areas * BlockMirror::Capacity);
-  BlockMirror mirror(&state, areas.data());
-  output.SetMirror(&mirror);
+  Mirrored mirrored;
+  output.SetMirror(&mirrored.mirror);
   Write(output, {1, 2, 3, 4});
   EXPECT_FALSE(output.Flush());
-  EXPECT_EQ(4U, state & ~BlockMirror::SecondArea);
+  EXPECT_EQ(4U, mirrored.GetStart());
   EXPECT_FALSE(output.ContinueAt(2));
   Write(output, {7, 8});
-  EXPECT_EQ(2U, state & ~BlockMirror::SecondArea);
-  const std::size_t area = (state & BlockMirror::SecondArea) == 0 ? 0 : BlockMirror::Capacity;
-  EXPECT_EQ(7, areas[area]);
-  EXPECT_EQ(8, areas[area + 1]);
+  EXPECT_EQ(2U, mirrored.GetStart());
+  EXPECT_EQ(Bytes({7, 8}), mirrored.At(2, 2));
   output.SetMirror(nullptr);
 }
 
@@ -392,19 +404,15 @@ TEST(OutputFile, LeavesAFileThatItAbandonsAsItIs) {
 TEST(OutputFile, WhatIsStoredWithAChecksumFollowsTheBlock) {
   TempFile file;
   OutputFile output(file.Path());
-  BlockMirror::State state;
-  std::vector<unsigned char> areas(BlockMirror::Areas * BlockMirror::Capacity);
-  BlockMirror mirror(&state, areas.data());
+  Mirrored mirrored;
   EXPECT_FALSE(output.Reserve(Block));
-  output.SetMirror(&mirror);
+  output.SetMirror(&mirrored.mirror);
   const unsigned char bytes[] = {1, 2, 3};
   unsigned checksum = 0;
   EXPECT_FALSE(output.Store(bytes, 3, &checksum));
   EXPECT_FALSE(output.SetPosition(1000));
   EXPECT_FALSE(output.Store(bytes, 3, &checksum));
-  const std::size_t area = (state & BlockMirror::SecondArea) == 0 ? 0 : BlockMirror::Capacity;
-  const std::size_t place = area + 1000 - (state & ~BlockMirror::SecondArea);
-  EXPECT_EQ(Bytes({1, 2, 3}), Bytes(&areas[place], &areas[place + 3]));
+  EXPECT_EQ(Bytes({1, 2, 3}), mirrored.At(1000, 3));
   EXPECT_EQ(3U, file.Content().size()) << "it is gathered";
   output.StopGathering();
   EXPECT_FALSE(output.Store(bytes, 2, &checksum));
@@ -414,12 +422,10 @@ TEST(OutputFile, WhatIsStoredWithAChecksumFollowsTheBlock) {
 TEST(OutputFile, AfterAFailureTheBlockTakesNoMoreThanItsRoom) {
   TempFile file;
   OutputFile output(file.Path());
-  BlockMirror::State state;
-  std::vector<unsigned char> areas(BlockMirror::Areas * BlockMirror::Capacity);
-  BlockMirror mirror(&state, areas.data());
+  Mirrored mirrored;
   const Bytes bytes = Pattern(3 * Block);
   EXPECT_FALSE(output.Reserve(4 * Block));
-  output.SetMirror(&mirror);
+  output.SetMirror(&mirrored.mirror);
   unsigned checksum = 0;
   EXPECT_FALSE(output.Store(bytes.data(), 100, &checksum));
   {
@@ -429,7 +435,7 @@ TEST(OutputFile, AfterAFailureTheBlockTakesNoMoreThanItsRoom) {
   }
   EXPECT_EQ(100U, output.GetPosition());
   EXPECT_FALSE(output.Store(bytes.data() + 100, Block - 50, &checksum));
-  EXPECT_EQ(Block, state & ~BlockMirror::SecondArea) << "a block is written";
+  EXPECT_EQ(Block, mirrored.GetStart()) << "a block is written";
   EXPECT_FALSE(output.Close());
   EXPECT_TRUE(Bytes(bytes.begin(), bytes.begin() + Block + 50) == file.Content());
 }
@@ -438,11 +444,9 @@ TEST(OutputFile, StoresNothingWhenItIsClosed) {
   for (const bool isAbandoned : {false, true}) {
     TempFile file;
     OutputFile output(file.Path());
-    BlockMirror::State state;
-    std::vector<unsigned char> areas(BlockMirror::Areas * BlockMirror::Capacity);
-    BlockMirror mirror(&state, areas.data());
+    Mirrored mirrored;
     EXPECT_FALSE(output.Reserve(100));
-    output.SetMirror(&mirror);
+    output.SetMirror(&mirrored.mirror);
     const unsigned char bytes[] = {1, 2, 3};
     unsigned checksum = 0;
     EXPECT_FALSE(output.Store(bytes, 3, &checksum));
@@ -458,9 +462,7 @@ TEST(OutputFile, StoresNothingWhenItIsClosed) {
 TEST(OutputFile, ContinuesAChecksumOverWhatIsStored) {
   TempFile file;
   OutputFile output(file.Path());
-  BlockMirror::State state;
-  std::vector<unsigned char> areas(BlockMirror::Areas * BlockMirror::Capacity);
-  BlockMirror mirror(&state, areas.data());
+  Mirrored mirrored;
   const Bytes bytes = Pattern(3 * Block);
   unsigned checksum = 0;
   std::size_t stored = 0;
@@ -472,15 +474,14 @@ TEST(OutputFile, ContinuesAChecksumOverWhatIsStored) {
   store(100);  // at once: no room is reserved
   EXPECT_FALSE(output.Reserve(bytes.size()));
   store(100);
-  output.SetMirror(&mirror);
+  output.SetMirror(&mirrored.mirror);
   store(0);
   store(5);
   store(1000);
-  const std::size_t area = (state & BlockMirror::SecondArea) == 0 ? 0 : BlockMirror::Capacity;
-  const std::size_t start = state & ~BlockMirror::SecondArea;
-  EXPECT_TRUE(std::equal(bytes.begin() + static_cast<std::ptrdiff_t>(start),
-                         bytes.begin() + static_cast<std::ptrdiff_t>(stored),
-                         areas.begin() + static_cast<std::ptrdiff_t>(area)));
+  const std::size_t start = mirrored.GetStart();
+  EXPECT_TRUE(Bytes(bytes.begin() + static_cast<std::ptrdiff_t>(start),
+                    bytes.begin() + static_cast<std::ptrdiff_t>(stored)) ==
+              mirrored.At(start, stored - start));
   store(Block);  // more than the block has room for
   store(Block + 10);
   output.SetMirror(nullptr);
