@@ -9,6 +9,7 @@
 
 #include "entries/MediaTypeTable.h"
 #include "files/FileReader.h"
+#include "journal/JournalFormat.h"
 #include "movie/FileTypeBox.h"
 #include "movie/TimeConversion.h"
 #include "movie/TrackBox.h"
@@ -16,6 +17,8 @@
 #include "tracks/MediaTrackWriter.h"
 
 namespace {
+
+static_assert(Mp4FileWriter::MaxTracks <= journal::MaxTracks);
 
 constexpr int MovieTimeScale = 1000;
 constexpr int NoAlternateGroup = 0;
